@@ -1,0 +1,27 @@
+# Compiler settings that every target of the project shares.
+#
+# -ffp-contract=off is part of the engine's contract: a fused multiply-add rounds once where the formulas
+# round twice, so it would give other bytes on machines that have it.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(quorvane_compile INTERFACE)
+target_compile_options(quorvane_compile INTERFACE
+  -ffp-contract=off -fno-math-errno
+  "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/="
+  -Wall -Wextra -Wconversion -Wshadow -Werror)
+
+set(QUORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+if(QUORVANE_SANITIZE)
+  add_compile_options("-fsanitize=${QUORVANE_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options("-fsanitize=${QUORVANE_SANITIZE}")
+endif()

@@ -1,0 +1,31 @@
+#pragma once
+
+namespace TmEngine {
+
+/// Base of all images. Row y starts y * fStride bytes after the first sample. Sizes are greater than zero
+/// once an image is constructed. Images own their pixels and are neither copied nor assigned.
+class cBitmap {
+ public:
+  cBitmap(const cBitmap&) = delete;
+  cBitmap& operator=(const cBitmap&) = delete;
+  virtual ~cBitmap();
+  virtual int GetStride() const;   ///< Bytes from one row to the next.
+  virtual void SwapWidthHeight();  ///< Implemented by no class: throws cInvalidOperationException.
+
+  int GetWidth() const { return fWidth; }    ///< Pixels a row.
+  int GetHeight() const { return fHeight; }  ///< Rows.
+
+ protected:
+  cBitmap() = default;
+  cBitmap(int pWidth, int pHeight) : fWidth(pWidth), fHeight(pHeight) {}
+
+  /// The allocation rule of every untiled image: width and height rounded up to multiples of 4 pixels and
+  /// rows, not cleared, from malloc. Null when the stride does not fit an int or the block cannot be had.
+  static void* AllocRows(int pWidth, int pHeight, int pPixelBytes, int& pStride);
+
+  int fWidth = 0;
+  int fHeight = 0;
+  int fStride = 0;
+};
+
+}  // namespace TmEngine
