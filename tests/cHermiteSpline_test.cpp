@@ -95,10 +95,10 @@ TEST(cHermiteSpline, RendersTheSameSamplesAsTheSlowForm) {
 
 TEST(cHermiteSpline, CutsTheCurveToTheTable) {
   const std::tuple<tPoints, int, float> cases[] = {
-      {Points({{0, 0}, {3, 1}}), 65535, 0.34f},              // the step that passed 1 gives the end
-      {Points({{0, 0}, {1.000005f, 0.25f}}), 65535, 0.25f},  // the last point is in the last sample
-      {Points({{-2, 0.5f}, {-1, 0.75f}}), 0, 0.75f},         // all left of 0: the tail starts there
-      {Points({{-1e30f, 0.5f}, {1e38f, 0.75f}}), 0, 0.5f},   // beyond every integer
+      {Points({{0, 0}, {3, 1}}), 65535, 0.34f},                 // the step that passed 1 gives the end
+      {Points({{0.999f, 0}, {1.000012f, 0.5f}}), 65535, 0.5f},  // the last point is in the last sample
+      {Points({{-2, 0.5f}, {-1, 0.75f}}), 0, 0.75f},            // all left of 0: the tail starts there
+      {Points({{-1e30f, 0.5f}, {1e38f, 0.75f}}), 0, 0.5f},      // beyond every integer
       {Points({{-kInfinity, 0.5f}, {kInfinity, 0.75f}}), 65535, 0.75f},
       {Points({{0.5f, 1}, {kNaN, 0.25f}, {0.75f, 0.5f}}), 0, 0.25f},  // NaN counts as 0
       {Points({{kNaN, kInfinity}, {kNaN, kNaN}}), 300, 0.0f}};
@@ -110,11 +110,12 @@ TEST(cHermiteSpline, CutsTheCurveToTheTable) {
 
 TEST(cHermiteSpline, NumbersSortsAndSpreadsThePoints) {
   cHermiteSpline spline;
-  Set(spline, 1, Points({{0.5f, 1}, {kNaN, 2}, {0.5f, 3}, {0, 4}, {kNaN, 5}, {0.5f, 6}}));
-  const unsigned int ids[] = {1, 4, 3, 0, 2, 5};
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(spline.GetControlPoints()[i].fID, ids[i]) << i;
-  EXPECT_EQ(spline.GetPointAt(4).fX, 0.5f + 1e-6f);
-  EXPECT_EQ(spline.GetPointAt(5).fX, 0.5f + 1e-6f + 1e-6f);
+  Set(spline, 1, Points({{0.5f, 1}, {kNaN, 2}, {0.5f, 3}, {0, 4}, {kNaN, 5}, {0.5f, 6}, {5e-7f, 7}}));
+  const unsigned int ids[] = {1, 4, 3, 6, 0, 2, 5};
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(spline.GetControlPoints()[i].fID, ids[i]) << i;
+  EXPECT_EQ(spline.GetPointAt(3).fX, 1e-6f);
+  EXPECT_EQ(spline.GetPointAt(5).fX, 0.5f + 1e-6f);
+  EXPECT_EQ(spline.GetPointAt(6).fX, 0.5f + 1e-6f + 1e-6f);
 }
 
 TEST(cHermiteSpline, SetsTangentsByTheMode) {

@@ -111,6 +111,11 @@ void CheckRefusals(const std::string& pRecord, const std::string& pWords) {
 TEST(cInterpolatedHermiteSpline, RefusesBadArgumentsInOrder) {
   CheckRefusals<sControlPoint>("struct TmEngine::sControlPoint", "greater than or equal to");
   CheckRefusals<float>("float", "greater or equal than");
+  try {
+    cInterpolatedHermiteSpline().SetKeyFrames(kSupplied, 0, 1, static_cast<float*>(nullptr));
+  } catch (const cException& exception) {
+    EXPECT_STREQ(exception.GetFile(), ".\\cHermiteSpline.cpp");  // the base's
+  }
 }
 
 // Lets the first, second, ... array of each call fail until the call succeeds.
