@@ -1,0 +1,33 @@
+#include "engine/ToneMapImage.h"
+
+#include <memory>
+
+#include "engine/cTmRenderer.h"
+
+namespace TmEngine {
+namespace {
+
+// What a caller cannot choose.
+constexpr bool kStrengthInContrast = true;
+constexpr float kContrast = 20.0f;
+constexpr bool kExposureScale = true;
+constexpr float kExposure = 0.0f;
+constexpr float kLocalContrast = 0.0f;
+constexpr bool kTest2 = false;
+
+}  // namespace
+
+void ToneMapImage(cBitmapXYZ32& pInput, cBitmapLDR* pOutput, const sToneParameters& pParameters,
+                  bool pVerbose) {
+  const auto renderer = std::make_unique<cTmRenderer>();
+  renderer->SetVerbose(pVerbose);
+  renderer->SetInput(&pInput);
+  if (pOutput != nullptr) renderer->SetOutput(pOutput);
+  renderer->SetToneParameters(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
+                              kContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
+                              pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap,
+                              pParameters.fTest1, kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
+  renderer->Render();
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,340 @@
+#include "engine/cTmRenderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+
+#include "engine/TmCheck.h"
+#include "engine/cBitmapLDR.h"
+#include "engine/cBitmapU16T.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cColorSpace.h"
+#include "engine/cContrastCurve.h"
+#include "engine/cHermiteSpline.h"
+#include "engine/cTransferLUT.h"
+#include "engine/stages/BilateralGrid.h"
+#include "engine/stages/ColorRecord.h"
+#include "engine/stages/HueTable.h"
+#include "engine/stages/RowRenderer.h"
+#include "engine/stages/StageFlags.h"
+#include "engine/stages/ToneMapping.h"
+
+namespace TmEngine {
+
+static constexpr char kSourceFile[] = ".\\cTmRenderer.cpp";
+
+namespace {
+
+std::unique_ptr<cHermiteSpline> NeutralHueCurve() {
+  sControlPoint points[2];
+  points[0].fPoint = cVector2(0.0f, 0.5f);
+  points[1].fPoint = cVector2(1.0f, 0.5f);
+  auto curve = std::make_unique<cHermiteSpline>();
+  curve->SetControlPoints(eSplineInterpolationMode_Flat, 2, points);
+  return curve;
+}
+
+/// Cell size in pixels: one to ten per cent of the picture's larger side over the control's range.
+float SpatialSigma(float pLargerSide, float pMicrocontrast, bool pWrap) {
+  const float scale = pMicrocontrast < 100.0f ? (pMicrocontrast - 10.0f) * 15.0f / 90.0f + 10.0f
+                                              : (pMicrocontrast - 100.0f) * 75.0f / 100.0f + 25.0f;
+  const float sigma = std::max(pLargerSide / 1000.0f * scale, pLargerSide / 1000.0f);
+  // With wrap the grid sees three sigmas more on each side: without a limit, that margin has no end.
+  return pWrap ? std::min(sigma, pLargerSide) : sigma;
+}
+
+/// Cell size in decades of luminance.
+float RangeSigma(float pLighting) {
+  return std::max(pLighting * 0.4f / 200.0f + 0.2f, 0.01f);
+}
+
+}  // namespace
+
+cTmRenderer::cTmRenderer()
+    : fHueTable(std::make_unique<cHueTable>()),
+      fContrastCurve(std::make_unique<cContrastCurve>()),
+      fHHCurve(NeutralHueCurve()),
+      fHSCurve(NeutralHueCurve()),
+      fHLCurve(NeutralHueCurve()) {
+  const cColorSpace_ProPhotoRGB working;
+  fXYZToWorking = working.GetXYZToRGB();
+  fWorkingToXYZ = working.GetRGBToXYZ();
+}
+
+cTmRenderer::~cTmRenderer() = default;
+
+void cTmRenderer::SetInput(cBitmapXYZ32* pInput) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cTmRenderer::SetInput(class TmEngine::cBitmapXYZ32 *)";
+  TM_CHECK_LINE(124, pInput != nullptr, cArgumentNullException, "Argument pInput is null.");
+  fInput = pInput;
+  fOutputEncodingBuilt = false;
+  InvalidateAll();
+}
+
+void cTmRenderer::SetOutput(cBitmapLDR* pOutput) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cTmRenderer::SetOutput(class TmEngine::cBitmapLDR *)";
+  TM_CHECK_LINE(134, pOutput != nullptr, cArgumentNullException, "Argument pOutput is null.");
+  fOutput = pOutput;
+  InvalidateOutputEncoding();
+}
+
+void cTmRenderer::SetHueCurves(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve,
+                               const cHermiteSpline* pHLCurve) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cTmRenderer::SetHueCurves(const class TmEngine::cHermiteSpline *,const class "
+      "TmEngine::cHermiteSpline *,const class TmEngine::cHermiteSpline *)";
+  TM_CHECK(pHHCurve != nullptr, cArgumentNullException, "Argument pHHCurve is null.");
+  TM_CHECK(pHSCurve != nullptr, cArgumentNullException, "Argument pHSCurve is null.");
+  TM_CHECK(pHLCurve != nullptr, cArgumentNullException, "Argument pHLCurve is null.");
+  ReplaceCurve(fHHCurve, *pHHCurve);
+  ReplaceCurve(fHSCurve, *pHSCurve);
+  ReplaceCurve(fHLCurve, *pHLCurve);
+}
+
+void cTmRenderer::ReplaceCurve(std::unique_ptr<cHermiteSpline>& pCurve, const cHermiteSpline& pFrom) {
+  if (*pCurve == pFrom) return;
+  pCurve = std::make_unique<cHermiteSpline>(pFrom);
+  InvalidateFinalRendering();
+}
+
+void cTmRenderer::SetToneParameters(float pStrength, float pToneCompression, bool pStrengthInContrast,
+                                    float pContrast, bool pExposureScale, float pExposure,
+                                    float pMicrocontrast, float pLighting, float pLocalContrast,
+                                    bool pHorizontalWrap, bool pTest1, bool pTest2, float pWhiteClip,
+                                    float pBlackClip) {
+  fTest1 = pTest1;
+  fTest2 = pTest2;
+  fWhiteClip = pWhiteClip;
+  fBlackClip = pBlackClip;
+  InvalidateAll();
+  fToneCompression = pToneCompression;
+  fAfterStrength = 0.0f;
+  if (fStrength != pStrength || pToneCompression != 0.0f) {
+    fStrength = pStrength;
+    InvalidatePhase2();
+  }
+  if (fStrengthInContrast != pStrengthInContrast || fContrast != pContrast) {
+    fStrengthInContrast = pStrengthInContrast;
+    fContrast = pContrast;
+    InvalidateFinalRendering();
+  }
+  if (fExposureScale != pExposureScale || fExposure != pExposure) {
+    fExposureScale = pExposureScale;
+    fExposure = pExposure;
+    InvalidateFinalRendering();
+  }
+  if (fMicrocontrast != pMicrocontrast || fLighting != pLighting || fLocalContrast != pLocalContrast ||
+      fHorizontalWrap != pHorizontalWrap) {
+    fMicrocontrast = pMicrocontrast;
+    fLighting = pLighting;
+    fLocalContrast = pLocalContrast;
+    fHorizontalWrap = pHorizontalWrap;
+    InvalidatePhase1();
+  }
+}
+
+void cTmRenderer::SetVerbose(bool pVerbose) {
+  fVerbose = pVerbose;
+}
+
+void cTmRenderer::InvalidateAll() {
+  fPrepareDirty = true;
+  InvalidatePhase1();
+}
+
+void cTmRenderer::InvalidatePhase1() {
+  fPhase1Dirty = true;
+  InvalidatePhase2();
+}
+
+void cTmRenderer::InvalidatePhase2() {
+  fPhase2Dirty = true;
+  InvalidateFinalRendering();
+}
+
+void cTmRenderer::InvalidateFinalRendering() {
+  fFinalDirty = true;
+}
+
+void cTmRenderer::InvalidateOutputEncoding() {
+  fOutputEncodingBuilt = false;
+  InvalidateFinalRendering();
+}
+
+void cTmRenderer::Render() {
+  bool cancel = false;
+  bool aborted = false;
+  Render(&cancel, &aborted);
+}
+
+void cTmRenderer::Render(bool* pCancel, bool* pAborted) {
+  static constexpr char kSignature[] = "void __cdecl TmEngine::cTmRenderer::Render(bool *,bool *)";
+  TM_CHECK_LINE(264, fInput != nullptr, cInvalidOperationException, "Input image is not set.");
+  TM_CHECK_LINE(267, fOutput != nullptr, cInvalidOperationException, "Output image is not set.");
+  TM_CHECK_LINE(270, fInput->GetWidth() == fOutput->GetWidth(), cInvalidOperationException,
+                "The input and output images do not have the same width.");
+  TM_CHECK_LINE(273, fInput->GetHeight() == fOutput->GetHeight(), cInvalidOperationException,
+                "The input and output images do not have the same height.");
+
+  struct sStage {
+    bool cTmRenderer::*fDirty;
+    void (cTmRenderer::*fRun)(bool*, bool*);
+  };
+  static constexpr sStage kStages[] = {{&cTmRenderer::fPrepareDirty, &cTmRenderer::Prepare},
+                                       {&cTmRenderer::fPhase1Dirty, &cTmRenderer::ToneMapPhase1},
+                                       {&cTmRenderer::fPhase2Dirty, &cTmRenderer::ToneMapPhase2},
+                                       {&cTmRenderer::fFinalDirty, &cTmRenderer::FinalRendering}};
+  for (const sStage& stage : kStages) {
+    if (!(this->*stage.fDirty)) continue;
+    (this->*stage.fRun)(pCancel, pAborted);
+    if (IsSet(pAborted)) return;
+    this->*stage.fDirty = false;
+  }
+}
+
+void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
+  if (StopRequested(pCancel, pAborted)) return;
+  fColorRecords.reset();
+  fLogLuminance.reset();
+  fBase.reset();
+  fDetail.reset();
+  const int width = fInput->GetWidth();
+  const int height = fInput->GetHeight();
+  auto records = std::make_unique<cBitmapU16T>(width, height, ColorRecord::kSlots);
+  tPlane logLuminance = AllocPlane(width, height);
+  tPlane base = AllocPlane(width, height);
+  tPlane detail = AllocPlane(width, height);
+  fColorRecords = std::move(records);
+  fLogLuminance = std::move(logLuminance);
+  fBase = std::move(base);
+  fDetail = std::move(detail);
+
+  FillColorRecords(*fInput, fXYZToWorking, *fColorRecords);
+  if (StopRequested(pCancel, pAborted)) return;
+  bool stopped = false;
+  MeasureLogLuminance(pCancel, &stopped, *fInput, fLogLuminance.get(), fLuminance);
+  if (stopped) {
+    SetAborted(pAborted);
+    return;
+  }
+  if (fVerbose) {
+    std::fprintf(stderr, "Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n",
+                 static_cast<double>(fLuminance.fLogMin), static_cast<double>(fLuminance.fLogMax));
+  }
+  StopRequested(pCancel, pAborted);
+}
+
+void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
+  static constexpr char kSignature[] = "void __cdecl TmEngine::cTmRenderer::ToneMapPhase1(bool *,bool *)";
+  TM_CHECK(!std::isnan(fMicrocontrast), cArgumentException, "Argument pMicrocontrast is out of range.");
+  TM_CHECK(!std::isnan(fLighting), cArgumentException, "Argument pLighting is out of range.");
+  const int width = fInput->GetWidth();
+  const int height = fInput->GetHeight();
+  const float largerSide = static_cast<float>(std::max(width, height));
+  FilterWithBilateralGrid(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height,
+                          SpatialSigma(largerSide, fMicrocontrast, fHorizontalWrap), RangeSigma(fLighting),
+                          fLuminance.fLogMin, fLuminance.fLogMax, fLocalContrast / 100.0f, fHorizontalWrap);
+  if (IsSet(pAborted)) return;
+  FormDetailLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), fDetail.get(), width, height, fLayers);
+  if (IsSet(pAborted)) return;
+  if (fVerbose) {
+    std::fprintf(
+        stderr,
+        "End ToneMappingPhase1 %d x %d  - min/ave/max Base: %1.2f  %1.2f  %1.2f (vs orig: %1.2f)  -  "
+        "Detail: %1.2f  %1.2f  %1.2f\n",
+        width, height, static_cast<double>(fLayers.fBaseMin), fLayers.fBaseMean,
+        static_cast<double>(fLayers.fBaseMax), static_cast<double>(fLuminance.fLogMax),
+        static_cast<double>(fLayers.fDetailMin), fLayers.fDetailMagnitude,
+        static_cast<double>(fLayers.fDetailMax));
+  }
+}
+
+void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
+  const float exponent = GlobalExponent(fStrength);
+  BuildToneTables(exponent, fToneCompression, fLayers, fToneTables);
+  if (StopRequested(pCancel, pAborted)) return;
+  if (!(fLayers.fBaseMax - fLayers.fBaseMin > 0.0f) || !(fLayers.fDetailMax - fLayers.fDetailMin > 0.0f))
+    return;
+
+  fExposureScales = ExposureScales(exponent, fLuminance.fMax, fLayers.fBaseMax);
+  if (fVerbose) {
+    std::fprintf(stderr,
+                 "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
+                 "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
+                 static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
+                 std::pow(10.0, static_cast<double>(fLuminance.fLogMax)),
+                 1.0 / static_cast<double>(fExposureScales.fInput),
+                 static_cast<double>(fToneTables.fDetailMax), std::pow(10.0, fLayers.fDetailMagnitude));
+  }
+
+  bool stopped = false;
+  const sToneMappedRange range =
+      ToneMapLuminance(pCancel, &stopped, fBase.get(), fDetail.get(), fLayers, fToneTables, *fColorRecords);
+  if (stopped || IsSet(pCancel)) {
+    SetAborted(pAborted);
+    return;
+  }
+  const double min = static_cast<double>(range.fMin);
+  const double max = static_cast<double>(range.fMax);
+  if (fVerbose) {
+    const double pixels = static_cast<double>(fInput->GetWidth()) * fInput->GetHeight();
+    std::fprintf(
+        stderr,
+        "Tone Mapped Y Min/Max: [%1.2f  %1.2f] (vs orig [%1.2f  %1.2f]) ave: %1.2f  -> scaling: %1.2f (vs "
+        "exposure: %1.2f)\n",
+        min, max, static_cast<double>(fLuminance.fMin), static_cast<double>(fLuminance.fMax),
+        range.fSum / pixels, 1.0 / (max - min), static_cast<double>(fExposureScales.fInput));
+  }
+  const cLuminanceHistogram histogram(*fColorRecords, range);
+  fPoints = histogram.Points(fBlackClip, fWhiteClip);
+  if (!fVerbose || histogram.IsEmpty()) return;
+  histogram.LogPercentiles();
+  const double black = static_cast<double>(fPoints.fBlack);
+  const double white = static_cast<double>(fPoints.fWhite);
+  std::fprintf(
+      stderr,
+      "  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
+      black, min, white, max, 1.0 / (white - black), 1.0 / (max - min));
+}
+
+void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
+  const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
+  UpdateOutputEncoding();
+  UpdateToneCurve();
+  fHueTable->Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
+  if (StopRequested(pCancel, pAborted)) return;
+
+  const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
+  const float gain = static_cast<float>(std::pow(2.0, static_cast<double>(fExposure)) * scale);
+  const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
+  unsigned char* row = fOutput->GetBitmapData();
+  for (int y = 0; y < fOutput->GetHeight(); ++y, row += fOutput->GetStride()) {
+    RenderRow(*fHueTable, fColorRecords->GetRow(y), row, fOutput->GetWidth(), fOutput->GetBitDepth(),
+              fOutputEncoding, gain, stretch, fPoints.fBlack, colorMatrix, fToneCurve);
+  }
+}
+
+void cTmRenderer::UpdateOutputEncoding() {
+  if (fOutputEncodingBuilt) return;
+  const auto table = std::make_unique<cTransferLUT_F32I16>(fOutput->GetColorSpace()->GetFromLinear());
+  std::copy_n(table->GetTable(), kTableSize, fOutputEncoding);
+  fOutputEncodingBuilt = true;
+}
+
+void cTmRenderer::UpdateToneCurve() {
+  float contrast = (fContrast + 100.0f) / 200.0f;
+  if (fStrengthInContrast && fStrength >= 0.0f) {
+    contrast = fStrength * 0.35f / 100.0f + contrast;
+    if (contrast > 1.0f) contrast = 1.0f;
+  }
+  if (contrast == fCachedContrast) return;
+  fContrastCurve->InterpolateKeyFrames(contrast);
+  const unsigned short* samples = fContrastCurve->Get16BitTable();
+  for (int i = 0; i < kTableSize; ++i) fToneCurve[i] = static_cast<float>(samples[i]) / 65535.0f;
+  fCachedContrast = contrast;
+}
+
+}  // namespace TmEngine

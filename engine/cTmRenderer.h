@@ -1,0 +1,137 @@
+#pragma once
+
+#include <memory>
+
+#include "engine/cMatrix33.h"
+#include "engine/stages/BlackWhitePoints.h"
+#include "engine/stages/DetailLayer.h"
+#include "engine/stages/ExposureScale.h"
+#include "engine/stages/Plane.h"
+#include "engine/stages/Preparation.h"
+#include "engine/stages/ToneTables.h"
+
+namespace TmEngine {
+
+class cBitmapLDR;
+class cBitmapU16T;
+class cBitmapXYZ32;
+class cContrastCurve;
+class cHermiteSpline;
+class cHueTable;
+
+/// Tone-maps one picture. Four stages run in order, and only those whose inputs changed since they last ran:
+/// preparation (luminance and colour of each pixel), phase 1 (base and detail layers), phase 2 (compression,
+/// black and white points), final rendering (colour, tone curve, encoding).
+///
+/// Holds about 1 MiB of tables: put it on the heap. One renderer is used by one thread at a time.
+class cTmRenderer {
+ public:
+  cTmRenderer();
+  cTmRenderer(const cTmRenderer&) = delete;
+  cTmRenderer& operator=(const cTmRenderer&) = delete;
+  virtual ~cTmRenderer();
+
+  /// D50-relative XYZ, linear; any finite values. Stays the caller's. Throws cArgumentNullException.
+  void SetInput(cBitmapXYZ32* pInput);
+  /// An image of the input's size, whose depth and colour space the picture is encoded in. Stays the
+  /// caller's.
+  void SetOutput(cBitmapLDR* pOutput);
+  /// Curves over hue (0 to 1 for 0 to 360 degrees), neutral at 0.5: hue shift, saturation, lightness (kept,
+  /// not used by this renderer). Copies are kept.
+  void SetHueCurves(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve,
+                    const cHermiteSpline* pHLCurve);
+  /// pStrength            compression of the base layer, -34 to 100; below 0 expands
+  /// pToneCompression     extra compression of values far from the mean, 0 or more
+  /// pStrengthInContrast  whether a Strength of 0 or more adds to the contrast
+  /// pContrast            of the tone curve, -100 to 100
+  /// pExposureScale       whether the picture's exposure scale applies where luminance is not stretched
+  /// pExposure            stops, where luminance is not stretched
+  /// pMicrocontrast       spatial scale of the base layer, 10 to 200
+  /// pLighting            tonal scale of the base layer, 0 to 200
+  /// pLocalContrast       extra smoothing of the base layer, 0 to 200
+  /// pHorizontalWrap      the picture's left and right edges meet
+  /// pTest1, pTest2       stored, without effect
+  /// pWhiteClip, pBlackClip  per cent of the pixels beyond white and black
+  void SetToneParameters(float pStrength, float pToneCompression, bool pStrengthInContrast, float pContrast,
+                         bool pExposureScale, float pExposure, float pMicrocontrast, float pLighting,
+                         float pLocalContrast, bool pHorizontalWrap, bool pTest1, bool pTest2,
+                         float pWhiteClip, float pBlackClip);
+  /// Whether the stages write their lines to standard error (they do at first).
+  void SetVerbose(bool pVerbose);
+
+  // What must run again at the next Render.
+  void InvalidateAll();
+  void InvalidatePhase1();  ///< Phase 1 and what follows.
+  void InvalidatePhase2();  ///< Phase 2 and what follows.
+  void InvalidateFinalRendering();
+  void InvalidateOutputEncoding();  ///< The output's encoding table, and final rendering.
+
+  /// Runs the stale stages. Throws cInvalidOperationException for a missing image or sizes that differ,
+  /// cArgumentException for a NaN in Microcontrast or Lighting, and cOutOfMemoryException or std::bad_alloc.
+  /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
+  /// and those after it run at the next call.
+  void Render(bool* pCancel, bool* pAborted);
+  void Render();
+
+ private:
+  void Prepare(bool* pCancel, bool* pAborted);
+  void ToneMapPhase1(bool* pCancel, bool* pAborted);
+  void ToneMapPhase2(bool* pCancel, bool* pAborted);
+  void FinalRendering(bool* pCancel, bool* pAborted);
+  void ReplaceCurve(std::unique_ptr<cHermiteSpline>& pCurve, const cHermiteSpline& pFrom);
+  void UpdateOutputEncoding();
+  void UpdateToneCurve();
+
+  cBitmapXYZ32* fInput = nullptr;  // not owned
+  cBitmapLDR* fOutput = nullptr;   // not owned
+  std::unique_ptr<cHueTable> fHueTable;
+
+  // What the stages hand on; null until the preparation has run.
+  std::unique_ptr<cBitmapU16T> fColorRecords;
+  tPlane fLogLuminance;
+  tPlane fBase;
+  tPlane fDetail;
+
+  std::unique_ptr<cContrastCurve> fContrastCurve;
+  std::unique_ptr<cHermiteSpline> fHHCurve;
+  std::unique_ptr<cHermiteSpline> fHSCurve;
+  std::unique_ptr<cHermiteSpline> fHLCurve;
+
+  sLuminanceRange fLuminance;
+  sLayerStatistics fLayers;
+  sToneTables fToneTables;
+  sExposureScales fExposureScales;
+  sBlackWhite fPoints;
+  unsigned short fOutputEncoding[kTableSize];
+  float fToneCurve[kTableSize];
+  bool fOutputEncodingBuilt = false;
+
+  float fStrength = 0.0f;
+  float fAfterStrength = 0.0f;  // always 0
+  float fToneCompression = 0.0f;
+  bool fStrengthInContrast = true;
+  float fContrast = 0.0f;
+  bool fExposureScale = true;
+  float fExposure = 0.0f;
+  float fMicrocontrast = 100.0f;
+  float fLighting = 100.0f;
+  float fLocalContrast = 100.0f;
+  bool fHorizontalWrap = false;
+  bool fTest1 = false;
+  bool fTest2 = false;
+  float fWhiteClip = 0.0f;
+  float fBlackClip = 0.0f;
+
+  bool fPrepareDirty = true;
+  bool fPhase1Dirty = true;
+  bool fPhase2Dirty = true;
+  bool fFinalDirty = true;
+  float fCachedContrast = -1000.0f;  // no contrast value: the first rendering sets the curve
+
+  // ProPhoto RGB is the working space.
+  cMatrix33 fXYZToWorking;
+  cMatrix33 fWorkingToXYZ;
+  bool fVerbose = true;
+};
+
+}  // namespace TmEngine

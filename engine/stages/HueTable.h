@@ -1,0 +1,27 @@
+#pragma once
+
+#include "engine/Quantise.h"
+
+namespace TmEngine {
+
+/// Colours of full value by hue: what a pixel's three channels are made of, between its smallest (0) and its
+/// largest (1) channel. A large object: put it on the heap.
+class cHueTable {
+ public:
+  struct sColor {
+    float fR, fG, fB;
+  };
+
+  cHueTable();  ///< Neutral: hue code i gives the hexcone's colour of hue i with minimum 0.
+
+  /// pHueShift: 65,536 entries, 32767 leaves a hue as it is. pSaturation: 65,536 entries, 0.5 leaves the
+  /// saturation as it is, less desaturates, more oversaturates.
+  void Build(const unsigned short* pHueShift, const float* pSaturation);
+
+  const sColor& operator[](unsigned short pHue) const { return fColors[pHue]; }
+
+ private:
+  sColor fColors[kTableSize];
+};
+
+}  // namespace TmEngine

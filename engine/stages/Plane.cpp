@@ -1,0 +1,17 @@
+#include "engine/stages/Plane.h"
+
+#include "engine/TmCheck.h"
+
+namespace TmEngine {
+
+static constexpr char kSourceFile[] = ".\\cTmRenderer.cpp";
+
+tPlane AllocPlane(int pWidth, int pHeight) {
+  static constexpr char kSignature[] = "float *__cdecl TmEngine::AllocPlane(int,int)";
+  const std::size_t count = static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pHeight);
+  tPlane plane(static_cast<float*>(std::malloc(count * sizeof(float))));
+  TM_CHECK(plane != nullptr, cOutOfMemoryException, "Cannot alloc bitmap array.");
+  return plane;
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,76 @@
+#include "engine/stages/Preparation.h"
+
+#include <cmath>
+#include <cstddef>
+
+#include "engine/cBitmapU16T.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/stages/ColorRecord.h"
+#include "engine/stages/HueCode.h"
+#include "engine/stages/Plane.h"
+#include "engine/stages/StageFlags.h"
+
+namespace TmEngine {
+namespace {
+
+constexpr float kSmallestNormal = 1.1754944e-38f;
+constexpr float kDarkLuminance = 1e-6f;
+
+const float* InputRow(const cBitmapXYZ32& pInput, int pY) {
+  return pInput.GetBitmapData() + static_cast<std::ptrdiff_t>(pY) * (pInput.GetStride() / 4);
+}
+
+void FillRecord(const float* pXYZ, const cMatrix33& pM, unsigned short* pRecord) {
+  float luminance = kDarkLuminance;
+  float r = 1.0f, g = 1.0f, b = 1.0f;
+  if (pXYZ[1] > 0.0f) {
+    luminance = pXYZ[1];
+    const float x = pXYZ[0] / luminance;
+    const float z = pXYZ[2] / luminance;
+    r = pM[0] * x + pM[1] + pM[2] * z;
+    g = pM[3] * x + pM[4] + pM[5] * z;
+    b = pM[6] * x + pM[7] + pM[8] * z;
+  }
+  sChannelRange range = ChannelRange(r, g, b);
+  pRecord[ColorRecord::kHue] = HueCode(r, g, b, range);
+  if (range.fMax <= 0.0f) range = {kSmallestNormal, 0.0f};
+  ColorRecord::StoreFloat(pRecord + ColorRecord::kLuminance, luminance);
+  ColorRecord::StoreFloat(pRecord + ColorRecord::kMinRatio, range.fMin);
+  ColorRecord::StoreFloat(pRecord + ColorRecord::kMaxRatio, range.fMax);
+}
+
+}  // namespace
+
+void FillColorRecords(const cBitmapXYZ32& pInput, const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
+  const cMatrix33 matrix = pXYZToWorking;
+  for (int y = 0; y < pInput.GetHeight(); ++y) {
+    const float* from = InputRow(pInput, y);
+    unsigned short* record = pRecords.GetRow(y);
+    for (int x = 0; x < pInput.GetWidth(); ++x, from += 3, record += ColorRecord::kSlots) {
+      FillRecord(from, matrix, record);
+    }
+  }
+}
+
+void MeasureLogLuminance(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
+                         float* pLogLuminance, sLuminanceRange& pRange) {
+  const float floor = static_cast<float>(std::pow(2.0, -128.0));  // a denormal float: it must not be flushed
+  pRange.fMin = 1e30f;
+  pRange.fMax = -1e30f;
+  for (int y = 0; y < pInput.GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
+    const float* from = InputRow(pInput, y);
+    float* to = pLogLuminance + RowStart(y, pInput.GetWidth());
+    for (int x = 0; x < pInput.GetWidth(); ++x) {
+      const float luminance = from[3 * x + 1];
+      const float clamped = floor > luminance ? floor : luminance;
+      if (clamped < pRange.fMin) pRange.fMin = clamped;
+      if (clamped > pRange.fMax) pRange.fMax = clamped;
+      to[x] = log10f(clamped);
+    }
+  }
+  pRange.fLogMax = log10f(pRange.fMax);
+  pRange.fLogMin = log10f(pRange.fMin);
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,121 @@
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "engine/TmCheck.h"
+#include "engine/ToneMapImage.h"
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapBGR8.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cColorSpace.h"
+#include "engine/cImageUtils.h"
+#include "export/HostSettings.h"
+#include "export/PixelExport.h"
+#include "export/PixelImport.h"
+#include "export/quorvane.h"
+
+using namespace TmEngine;
+
+static constexpr char kSourceFile[] = ".\\cpp_tm_quorvane.cpp";
+static constexpr char kSignature[] =
+    "int __cdecl cpp_tm_quorvane(const struct tm_quorvane_image *,void *,int,struct tm_quorvane_settings "
+    "*,const "
+    "void *,void *)";
+
+namespace {
+
+constexpr int kDone = 1;
+constexpr int kUnsupported = -2;
+
+/// Destroys an output image; an 8-bit one without the line that it writes when it frees its pixels itself.
+struct sReleaseOutput {
+  void operator()(cBitmapLDR* pImage) const {
+    if (auto* bgr8 = dynamic_cast<cBitmapBGR8*>(pImage)) std::free(bgr8->TakeBitmapData());
+    delete pImage;
+  }
+};
+using tOutput = std::unique_ptr<cBitmapLDR, sReleaseOutput>;
+
+bool HasOutput(const tm_quorvane_image& pImage) {
+  return pImage.output_bits == 8 || pImage.output_bits == 16;
+}
+
+/// Null for an output depth that the engine does not make.
+tOutput MakeOutput(const tm_quorvane_image& pImage, eColorSpaceID pID) {
+  switch (pImage.output_bits) {
+    case 8:
+      return tOutput(new cBitmapBGR8(pImage.width, pImage.height, pID));
+    case 16:
+      return tOutput(new cBitmapBGR16(pImage.width, pImage.height, pID));
+    default:
+      return nullptr;
+  }
+}
+
+void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettings,
+                 const sToneParameters& pParameters) {
+  const auto compression = static_cast<double>(pParameters.fToneCompression);
+  std::fprintf(stderr, "zx_tm_quorvane:  %d x %d  - bsp: %d -> %d\n", pImage.width, pImage.height,
+               pImage.input_bits, pImage.output_bits);
+  std::fprintf(stderr, "ToneMapPhase2 -  Strength [-34 60 100]:     %1.2f\n",
+               static_cast<double>(pParameters.fStrength));
+  std::fprintf(stderr, "ToneMapPhase2 -  Tone Compression:     %1.2f -> %1.2f\n", compression,
+               compression / 50.0 + 0.01);
+  std::fprintf(stderr, "ToneMapPhase1 -  Microcontrast [10 100 200] :             %1.2f\n",
+               static_cast<double>(pParameters.fMicrocontrast));
+  std::fprintf(stderr, "ToneMapPhase1 -  Lighting [0 100 200]:            %1.2f\n",
+               static_cast<double>(pParameters.fLighting));
+  std::fprintf(stderr, "ToneMapPhase1 -  Local Contrast [0 100 200]:      %1.2f\n", 0.0);
+  std::fprintf(stderr, "FinalRendering - Contrast [-100 0 100]:         %1.2f\n", 20.0);
+  std::fprintf(stderr, "White/Black Clip: %1.2f %1.2f Test1: %1.2f\n",
+               static_cast<double>(pSettings.white_clip), static_cast<double>(pSettings.black_clip),
+               static_cast<double>(pSettings.test1));
+}
+
+void CheckPixels(const tm_quorvane_image& pImage, const void* pInputPixels, const void* pOutputPixels) {
+  TM_CHECK(pInputPixels != nullptr, cArgumentNullException, "Argument pInputPixels cannot be null.");
+  TM_CHECK(pOutputPixels != nullptr || !HasOutput(pImage), cArgumentNullException,
+           "Argument pOutputPixels cannot be null.");
+  TM_CHECK(pImage.samples_per_pixel >= 1, cArgumentException,
+           "Argument pSamplesPerPixel must be greater than zero.");
+}
+
+/// From the host's pixels to the host's pixels.
+void ToneMapPicture(const tm_quorvane_image& pImage, eColorSpaceID pID, const sToneParameters& pParameters,
+                    const void* pInputPixels, void* pOutputPixels) {
+  const std::unique_ptr<cColorSpace> colorSpace(cColorSpace::FromID(pID));
+  cBitmapXYZ32 input(pImage.width, pImage.height);
+  ImportPixels(pImage, pID == eColorSpaceID_ProPhotoRGB ? 1.8 : 2.2, pInputPixels, input);
+  cImageUtils::ColorTransform(&input, colorSpace->GetRGBToXYZ());
+  const tOutput output = MakeOutput(pImage, pID);
+  ToneMapImage(input, output.get(), pParameters, true);
+  ExportPixels(pImage, *output, pOutputPixels);
+}
+
+}  // namespace
+
+int cpp_tm_quorvane(const tm_quorvane_image* pDescriptor, void* /*pReserved*/, int pColorSpaceID,
+                    tm_quorvane_settings* pSettings, const void* pInputPixels, void* pOutputPixels) {
+  TM_CHECK(pDescriptor != nullptr, cArgumentNullException, "Argument pDescriptor cannot be null.");
+  TM_CHECK(pSettings != nullptr, cArgumentNullException, "Argument pSettings cannot be null.");
+
+  // Hosts may keep both records unaligned.
+  tm_quorvane_image image;
+  tm_quorvane_settings settings;
+  std::memcpy(&image, static_cast<const void*>(pDescriptor), sizeof image);
+  std::memcpy(&settings, static_cast<const void*>(pSettings), sizeof settings);
+
+  const auto id = static_cast<eColorSpaceID>(pColorSpaceID);
+  if (!cColorSpace::IsValidID(id)) return kUnsupported;
+  const sToneParameters parameters = MapSettings(settings);
+  std::memcpy(reinterpret_cast<unsigned char*>(pSettings) + offsetof(tm_quorvane_settings, white_clip),
+              &settings.white_clip, sizeof settings.white_clip);
+  LogSettings(image, settings, parameters);
+
+  if (image.input_bits != 8 && image.input_bits != 16 && image.input_bits != 32) return kUnsupported;
+  CheckPixels(image, pInputPixels, pOutputPixels);
+  ToneMapPicture(image, id, parameters, pInputPixels, pOutputPixels);
+  std::fprintf(stderr, "zx_tm_quorvane  end\n");
+  return kDone;
+}
