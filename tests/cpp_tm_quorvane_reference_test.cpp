@@ -15,6 +15,9 @@
 
 namespace {
 
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
 class cRandom {
  public:
   explicit cRandom(std::uint64_t pSeed) : fState(pSeed * 0x9E3779B97F4A7C15u + 1) {}
@@ -218,31 +221,34 @@ void RandomSettings(sCase& pCase, cRandom& pRandom) {
   settings.test1 = pRandom.OneIn(2) ? 1.0f : 0.999f;
   settings.horizontal_wrap = pRandom.OneIn(2) ? 1.0f : 0.0f;
   if (!pRandom.OneIn(16)) return;
+  constexpr float kFar[] = {-900.0f, -130.0f, 40.0f, 900.0f, 1e30f, -1e30f, kInfinity, -kInfinity, kNaN};
+  const float value = kFar[pRandom.Below(9)];
   switch (pRandom.Below(6)) {  // far out of range, one slider at a time: two would ask for a giant grid
     case 0:
-      settings.strength = pRandom.Between(-900.0f, 900.0f);
+      settings.strength = value;
       break;
     case 1:
-      settings.lighting = pRandom.OneIn(2) ? -500.0f : 13.0f;
+      settings.lighting = value;
       break;
     case 2:
-      settings.tone_compression = pRandom.OneIn(2) ? -20.0f : 5000.0f;
+      settings.tone_compression = value;
       break;
     case 3:
-      settings.white_clip = pRandom.OneIn(2) ? -300.0f : 4000.0f;
+      settings.white_clip = value;
       break;
     case 4:
-      settings.black_clip = pRandom.OneIn(2) ? -10.0f : 150.0f;
+      settings.black_clip = value;
       break;
     default:
-      settings.microcontrast = pRandom.OneIn(2) ? -3000.0f : 15.0f;
+      settings.microcontrast = value;
+      pCase.fImage.height = 1;
   }
 }
 
 constexpr int kWidths = 17;
 constexpr int kDepths[6][2] = {{8, 8}, {8, 16}, {16, 8}, {16, 16}, {32, 8}, {32, 16}};
 constexpr int kSystematic = kWidths * 2 * 6;
-constexpr int kCases = 600;
+constexpr int kCases = 1200;
 constexpr int kShards = 12;
 
 /// The first cases go through each width, order and depths once; all else is drawn from the seed.
@@ -270,7 +276,7 @@ sCase MakeCase(int pSeed) {
 class SmallPictures : public testing::TestWithParam<int> {};
 
 TEST_P(SmallPictures, AgreeToTheBit) {
-  for (int seed = GetParam(); seed < kCases && !HasFailure(); seed += kShards) ExpectSame(MakeCase(seed));
+  for (int seed = GetParam(); seed < kCases; seed += kShards) ExpectSame(MakeCase(seed));
 }
 
 INSTANTIATE_TEST_SUITE_P(Shards, SmallPictures, testing::Range(0, kShards));
@@ -295,14 +301,13 @@ TEST(LargePictures, AgreeToTheBit) {
 }
 
 TEST(WaysOut, AgreeInResultTextAndLines) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   const struct {
     int fInputBits, fOutputBits, fColorSpace, fSamples;
     float fLighting, fMicrocontrast;
   } rows[] = {
-      {8, 8, 3, 3, 0.0f, 0.0f}, {8, 8, -1, 3, 0.0f, 0.0f}, {12, 8, 0, 3, 0.0f, 0.0f},
-      {24, 8, 3, 0, nan, nan},  {0, 16, 1, 0, 0.0f, 0.0f}, {8, 12, 0, 3, nan, 0.0f},
-      {8, 8, 0, 0, nan, nan},   {16, 8, 0, 3, nan, nan},   {32, 8, 0, 3, nan, 0.0f},
+      {8, 8, 3, 3, 0.0f, 0.0f},  {8, 8, -1, 3, 0.0f, 0.0f}, {12, 8, 0, 3, 0.0f, 0.0f},
+      {24, 8, 3, 0, kNaN, kNaN}, {0, 16, 1, 0, 0.0f, 0.0f}, {8, 12, 0, 3, kNaN, 0.0f},
+      {8, 8, 0, 0, kNaN, kNaN},  {16, 8, 0, 3, kNaN, kNaN}, {32, 8, 0, 3, kNaN, 0.0f},
   };
   for (const auto& row : rows) {
     sCase failing = MakeCase(5);
