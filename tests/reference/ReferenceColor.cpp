@@ -6,8 +6,8 @@
 namespace Reference {
 namespace {
 
-using tMatrixD = std::array<double, 9>;
-using tVectorD = std::array<double, 3>;
+using tMatrixD = tFixed<double, 9>;
+using tVectorD = tFixed<double, 3>;
 
 struct sPrimaries {
   float fRed[2], fGreen[2], fBlue[2], fWhite[2];
@@ -19,7 +19,7 @@ constexpr sPrimaries kPrimaries[3] = {
     {{0.7347f, 0.2653f}, {0.1596f, 0.8404f}, {0.0366f, 0.0001f}, {0.34567f, 0.3585f}},
 };
 
-constexpr tMatrixD kBradford = {0.8951, 0.2664, -0.1614, -0.7502, 1.7135, 0.0367, 0.0389, -0.0685, 1.0296};
+constexpr tMatrixD kBradford = {{0.8951, 0.2664, -0.1614, -0.7502, 1.7135, 0.0367, 0.0389, -0.0685, 1.0296}};
 
 tMatrixD Inverse(const tMatrixD& a) {
   const double d = (a[4] * a[8] - a[5] * a[7]) * a[0] - (a[3] * a[8] - a[6] * a[5]) * a[1] +
@@ -27,7 +27,7 @@ tMatrixD Inverse(const tMatrixD& a) {
   tMatrixD b = {a[4] * a[8] - a[5] * a[7],    -(a[1] * a[8] - a[2] * a[7]), a[1] * a[5] - a[2] * a[4],
                 -(a[3] * a[8] - a[6] * a[5]), a[0] * a[8] - a[6] * a[2],    -(a[0] * a[5] - a[3] * a[2]),
                 a[3] * a[7] - a[6] * a[4],    -(a[0] * a[7] - a[6] * a[1]), a[0] * a[4] - a[3] * a[1]};
-  for (double& element : b) element /= d;
+  for (double& element : b.fValues) element /= d;
   return b;
 }
 
@@ -95,8 +95,8 @@ float Encode(int pColorSpace, float x) {
   return static_cast<float>(Power(x, 0.4166666666666667) * 1.055 - 0.055);
 }
 
-std::vector<std::uint16_t> MakeEncodingTable(int pColorSpace) {
-  std::vector<std::uint16_t> table;
+tList<std::uint16_t> MakeEncodingTable(int pColorSpace) {
+  tList<std::uint16_t> table;
   for (int i = 0; i <= 65535; ++i) {
     const float code = Encode(pColorSpace, static_cast<float>(i) / 65535.0f) * 65535.0f;
     table.push_back(static_cast<std::uint16_t>(static_cast<std::int64_t>(code)));
@@ -125,9 +125,9 @@ tMatrix Product(const tMatrix& pA, const tMatrix& pB) {
   return c;
 }
 
-const std::vector<std::uint16_t>& EncodingTable(int pColorSpace) {
-  static const std::vector<std::uint16_t> tables[3] = {MakeEncodingTable(0), MakeEncodingTable(1),
-                                                       MakeEncodingTable(2)};
+const tList<std::uint16_t>& EncodingTable(int pColorSpace) {
+  static const tList<std::uint16_t> tables[3] = {MakeEncodingTable(0), MakeEncodingTable(1),
+                                                 MakeEncodingTable(2)};
   return tables[pColorSpace];
 }
 

@@ -35,8 +35,8 @@ float Horner(const sSegment& pSegment, int pAxis, float s) {
   return ((a * s + b) * s + t0) * s + p0;
 }
 
-std::vector<float> CurveTable(const sSegment& pSegment) {
-  std::vector<float> table(65536, 0.0f);
+tList<float> CurveTable(const sSegment& pSegment) {
+  tList<float> table(65536, 0.0f);
   int lastIndex = Index16(pSegment.fPoint0[0]);
   float lastY = pSegment.fPoint0[1];
   for (int j = 1; j <= 100; ++j) {
@@ -114,15 +114,15 @@ int Index16(float pValue) {
   return pValue > 1.0f ? 65535 : static_cast<int>(pValue * 65535.0f);
 }
 
-std::vector<float> ToneCurve(float pPosition) {
-  std::vector<float> table = CurveTable(ContrastSegment(pPosition));
+tList<float> ToneCurve(float pPosition) {
+  tList<float> table = CurveTable(ContrastSegment(pPosition));
   for (float& entry : table) entry = static_cast<float>(To16Bits(entry)) / 65535.0f;
   return table;
 }
 
-std::vector<sHexcone> HueTable() {
-  const std::vector<float> flat = CurveTable(kFlatHueCurve);
-  std::vector<sHexcone> table;
+tList<sHexcone> HueTable() {
+  const tList<float> flat = CurveTable(kFlatHueCurve);
+  tList<sHexcone> table;
   for (int i = 0; i <= 65535; ++i) {
     const int hue = (To16Bits(flat[i]) + i + 32769) % 65536;
     table.push_back(HexconeColor(hue, 1.0f - 2.0f * flat[i]));

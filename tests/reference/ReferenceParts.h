@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -8,7 +8,22 @@
 /// What the reference's own files share.
 namespace Reference {
 
-using tMatrix = std::array<float, 9>;  // row-major
+/// A vector that takes signed indexes, as the formulas have them.
+template <class tValue>
+struct tList : std::vector<tValue> {
+  using std::vector<tValue>::vector;
+  tValue& operator[](std::int64_t i) { return this->data()[i]; }
+  const tValue& operator[](std::int64_t i) const { return this->data()[i]; }
+};
+
+template <class tValue, int kCount>
+struct tFixed {
+  tValue fValues[kCount];
+  tValue& operator[](int i) { return fValues[i]; }
+  const tValue& operator[](int i) const { return fValues[i]; }
+};
+
+using tMatrix = tFixed<float, 9>;  // row-major
 
 /// Appends a formatted line of any length.
 [[gnu::format(printf, 2, 3)]] void Log(std::string* pLog, const char* pFormat, ...);
@@ -27,15 +42,15 @@ tMatrix XyzD50ToRgb(int pColorSpace);
 tMatrix Product(const tMatrix& pA, const tMatrix& pB);
 
 /// Linear light, quantised to 16 bits, to the 16-bit code of the colour space.
-const std::vector<std::uint16_t>& EncodingTable(int pColorSpace);
+const tList<std::uint16_t>& EncodingTable(int pColorSpace);
 
 /// The contrast curve at position pPosition of its key frames, 65536 entries.
-std::vector<float> ToneCurve(float pPosition);
+tList<float> ToneCurve(float pPosition);
 
 struct sHexcone {
   float fRGB[3];
 };
 /// The saturated colour of each hue code under flat hue curves, 65536 entries.
-std::vector<sHexcone> HueTable();
+tList<sHexcone> HueTable();
 
 }  // namespace Reference

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 
 #include "ReferenceParts.h"
@@ -22,10 +23,10 @@ struct sJob {
   const sEngineValues& fValues;
   std::string* fLog;
   sStatistics fStatistics{};
-  std::vector<sPixel> fPixels{};
-  std::vector<float> fLogY{}, fBase{}, fDetail{};
+  tList<sPixel> fPixels{};
+  tList<float> fLogY{}, fBase{}, fDetail{};
   float fExponent = 1.0f;  // the global one, k
-  std::vector<float> fBaseTable{}, fDetailTable{};
+  tList<float> fBaseTable{}, fDetailTable{};
 
   std::int64_t Count() const { return std::int64_t{fWidth} * fHeight; }
   float LongerSide() const { return static_cast<float>(std::max(fWidth, fHeight)); }
@@ -72,7 +73,7 @@ void Prepare(sJob& pJob, const std::vector<float>& pXYZ) {
   const float floorY = static_cast<float>(std::ldexp(1.0, -128));
   sStatistics& statistics = pJob.fStatistics;
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
-    const float* xyz = &pXYZ[3 * i];
+    const float* xyz = pXYZ.data() + 3 * i;
     pJob.fPixels.push_back(PreparePixel(xyz, toProPhoto));
     const float y = floorY > xyz[1] ? floorY : xyz[1];
     if (y < statistics.fMinY) statistics.fMinY = y;
@@ -104,10 +105,10 @@ float RangeSigma(const sJob& pJob) {
 
 struct sGrid {
   std::int64_t fSize[3];  // x, y, z
-  std::vector<float> fValue, fWeight;
+  tList<float> fValue, fWeight;
 
   sGrid(std::int64_t pX, std::int64_t pY, std::int64_t pZ)
-      : fSize{pX, pY, pZ}, fValue(pX * pY * pZ, 0.0f), fWeight(pX * pY * pZ, 0.0f) {}
+      : fSize{pX, pY, pZ}, fValue(static_cast<std::size_t>(pX * pY * pZ), 0.0f), fWeight(fValue) {}
   std::int64_t Cell(std::int64_t x, std::int64_t y, std::int64_t z) const {
     return (z * fSize[1] + y) * fSize[0] + x;
   }
@@ -146,8 +147,8 @@ void BlurPass(const sGrid& pFrom, sGrid& pTo, std::int64_t pStep) {
     for (std::int64_t y = 1; y <= pFrom.fSize[1] - 2; ++y) {
       for (std::int64_t x = 1; x <= pFrom.fSize[0] - 2; ++x) {
         const std::int64_t i = pFrom.Cell(x, y, z);
-        const std::vector<float>& value = pFrom.fValue;
-        const std::vector<float>& weight = pFrom.fWeight;
+        const tList<float>& value = pFrom.fValue;
+        const tList<float>& weight = pFrom.fWeight;
         pTo.fValue[i] = (value[i - pStep] + 2.0f * value[i]) + value[i + pStep];
         pTo.fWeight[i] = (weight[i - pStep] + 2.0f * weight[i]) + weight[i + pStep];
       }
@@ -162,7 +163,7 @@ void Blur(sGrid& pGrid) {
     BlurPass(pGrid, scratch, step);
     BlurPass(scratch, pGrid, step);
   }
-  for (std::size_t i = 0; i < pGrid.fValue.size(); ++i) {
+  for (std::int64_t i = 0; i < std::ssize(pGrid.fValue); ++i) {
     if (pGrid.fWeight[i] != 0.0f) pGrid.fValue[i] /= pGrid.fWeight[i];
   }
 }
@@ -239,9 +240,9 @@ void Phase1(sJob& pJob) {
 
 /// 65536 samples of 10^(value * exponent), value rising over [pMin, pMax]. With tone compression the exponent
 /// falls with the distance from the typical magnitude.
-std::vector<float> ToneTable(float pMin, float pMax, float pExponent, bool pCompress, double pTypical,
-                             double pFall) {
-  std::vector<float> table;
+tList<float> ToneTable(float pMin, float pMax, float pExponent, bool pCompress, double pTypical,
+                       double pFall) {
+  tList<float> table;
   for (int i = 0; i <= 65535; ++i) {
     const float t = static_cast<float>(i / 65535.0);
     const float value = t * (pMax - pMin) + pMin;
@@ -255,7 +256,7 @@ std::vector<float> ToneTable(float pMin, float pMax, float pExponent, bool pComp
   return table;
 }
 
-float LargestOf(const std::vector<float>& pTable) {
+float LargestOf(const tList<float>& pTable) {
   float largest = 0.0f;
   for (const float entry : pTable) {
     if (entry > largest) largest = entry;
@@ -282,7 +283,7 @@ int TableIndex(float pValue, float pMin, float pRange) {
 }
 
 struct sHistogram {
-  std::vector<std::int64_t> fBins = std::vector<std::int64_t>(65536, 0);
+  tList<std::int64_t> fBins = tList<std::int64_t>(65536, 0);
   std::int64_t fCount = 0;
   float fScale = 1.0f, fMin = 0.0f;
 
@@ -415,9 +416,9 @@ float Stretched(float pY, const sStatistics& pStatistics, float pGain) {
 std::vector<std::uint16_t> FinalRendering(const sJob& pJob, int pOutputBits, int pColorSpace) {
   const sEngineValues& values = pJob.fValues;
   const tMatrix m = Product(XyzD50ToRgb(pColorSpace), RgbToXyzD50(kProPhoto));
-  const std::vector<std::uint16_t>& encoding = EncodingTable(pColorSpace);
-  const std::vector<float> toneCurve = ToneCurve(ContrastPosition(values));
-  const std::vector<sHexcone> hues = HueTable();
+  const tList<std::uint16_t>& encoding = EncodingTable(pColorSpace);
+  const tList<float> toneCurve = ToneCurve(ContrastPosition(values));
+  const tList<sHexcone> hues = HueTable();
   const float gain =
       std::pow(2.0f, values.fExposure) * (values.fUseExposureScale ? pJob.fStatistics.fExposureScale : 1.0f);
   std::vector<std::uint16_t> bgr;
@@ -459,8 +460,8 @@ void BoxLine(const float* pFrom, float* pTo, int n, std::int64_t pStep, float pR
 
 void BoxSmooth(const float* pFrom, float* pTo, int pWidth, int pHeight, float pSigma) {
   const std::int64_t count = std::int64_t{pWidth} * pHeight;
-  std::vector<float> plane(pFrom, pFrom + count);
-  std::vector<float> scratch(plane);
+  tList<float> plane(pFrom, pFrom + count);
+  tList<float> scratch(plane);
   if (pSigma > 0.0f) {
     const float radius = pSigma <= 1.0f ? pSigma - pSigma * 0.58f : pSigma - 0.58f;
     for (int iteration = 0; iteration < 3; ++iteration) {

@@ -69,16 +69,16 @@ sOffsets Offsets(const tm_quorvane_image& pImage) {
 
 // ---- Import: to dense linear RGB ----
 
-std::vector<float> GammaTable(int pMax, double pGamma) {
+tList<float> GammaTable(int pMax, double pGamma) {
   const double d = 1.0 / (pMax + 1);
-  std::vector<float> table;
+  tList<float> table;
   for (int i = 0; i <= pMax; ++i) table.push_back(std::min(static_cast<float>(Power(i * d, pGamma)), 1.0f));
   return table;
 }
 
 template <class tSample>
 std::vector<float> ImportCoded(const tm_quorvane_image& pImage, int pColorSpace, const tSample* pInput) {
-  const std::vector<float> table =
+  const tList<float> table =
       GammaTable(sizeof(tSample) == 1 ? 255 : 65535, pColorSpace == kProPhoto ? 1.8 : 2.2);
   const sOffsets offsets = Offsets(pImage);
   std::vector<float> rgb;
@@ -117,10 +117,10 @@ std::vector<float> Import(const tm_quorvane_image& pImage, int pColorSpace, cons
 }
 
 void ColorTransform(std::vector<float>& pPixels, const tMatrix& m) {
-  for (std::size_t i = 0; i < pPixels.size(); i += 3) {
-    const float s0 = pPixels[i], s1 = pPixels[i + 1], s2 = pPixels[i + 2];
+  for (float* pixel = pPixels.data(); pixel != pPixels.data() + pPixels.size(); pixel += 3) {
+    const float s0 = pixel[0], s1 = pixel[1], s2 = pixel[2];
     for (int row = 0; row < 3; ++row) {
-      pPixels[i + row] = (s1 * m[3 * row + 1] + s0 * m[3 * row]) + s2 * m[3 * row + 2];
+      pixel[row] = (s1 * m[3 * row + 1] + s0 * m[3 * row]) + s2 * m[3 * row + 2];
     }
   }
 }
@@ -136,7 +136,7 @@ void WriteRows(const tm_quorvane_image& pImage, const std::vector<std::uint16_t>
   const std::int64_t samples = std::min({3 * width, pitch, pImage.samples_per_pixel * width});
   for (std::int64_t y = 0; y < pImage.height; ++y) {
     for (std::int64_t i = 0; i < samples; ++i) {
-      pOutput[y * pitch + i] = static_cast<tSample>(pBGR[y * 3 * width + i]);
+      pOutput[y * pitch + i] = static_cast<tSample>(pBGR.data()[y * 3 * width + i]);
     }
   }
 }
@@ -151,7 +151,7 @@ void WritePixels(const tm_quorvane_image& pImage, const std::vector<std::uint16_
   const bool sampled = sizeof(tSample) == 2 && halfWidth > 0 && halfHeight > 0;
   for (int y = 0; y < pImage.height; ++y) {
     for (int x = 0; x < pImage.width; ++x) {
-      const std::uint16_t* from = &pBGR[3 * (std::int64_t{y} * pImage.width + x)];
+      const std::uint16_t* from = pBGR.data() + 3 * (std::int64_t{y} * pImage.width + x);
       tSample* to =
           pOutput + std::int64_t{y} * pImage.output_row_pitch + std::int64_t{x} * pImage.samples_per_pixel;
       to[offsets.fFirst] = static_cast<tSample>(from[2]);
