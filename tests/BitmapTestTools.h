@@ -35,3 +35,15 @@ sCheckRow CheckRow(const std::string& pText, const tCall& pCall) {
 inline void ExpectChecks(const std::string& pSignature, const std::vector<sCheckRow>& pRows) {
   for (const sCheckRow& row : pRows) EXPECT_EQ(row.fExpect(row.fText), pSignature) << row.fText;
 }
+
+/// The checks of a partner that must not be null and must have the size of pOther; pCall takes the partner.
+/// pNarrowLow differs in both sizes, pLow in the height.
+template <class tPartner, class tCall>
+void ExpectPartnerChecks(const std::string& pSignature, const std::string& pName, const std::string& pOther,
+                         tPartner& pNarrowLow, tPartner& pLow, const tCall& pCall) {
+  using namespace TmEngine;
+  const std::string name = "Argument " + pName, equal = " must be equal to " + pOther;
+  ExpectChecks(pSignature, {TM_NULL(name + " cannot be null.", pCall(nullptr)),
+                            TM_ARG(name + "->fWidth" + equal + "->fWidth.", pCall(&pNarrowLow)),
+                            TM_ARG(name + "->fHeight" + equal + "->fHeight.", pCall(&pLow))});
+}
