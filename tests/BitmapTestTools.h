@@ -9,9 +9,9 @@
 #include "tests/ExceptionCheck.h"
 
 /// An allocation that cannot be had is null under the address sanitizer too. Once in a test program.
-#define TM_TEST_NULL_ON_HUGE_ALLOCATION             \
-  extern "C" const char* __asan_default_options() { \
-    return "allocator_may_return_null=1";           \
+#define TM_TEST_NULL_ON_HUGE_ALLOCATION                                                    \
+  extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() { \
+    return "allocator_may_return_null=1";                                                  \
   }
 
 /// One row of a table of checks: a call that breaks this check and, as far as it can, all later ones.
