@@ -70,6 +70,29 @@ bool AreAllZero(const sPrimaries& pP) {
                      [](const cVector2& pV) { return pV.fX == 0.0f && pV.fY == 0.0f; });
 }
 
+using tMatrixBuilder = TmEngine::cMatrix33 (*)(float, float, float, float, float, float, float, float);
+
+TmEngine::cMatrix33 Build(tMatrixBuilder pBuilder, const sPrimaries& pP) {
+  return pBuilder(pP.fRed.fX, pP.fRed.fY, pP.fGreen.fX, pP.fGreen.fY, pP.fBlue.fX, pP.fBlue.fY, pP.fWhite.fX,
+                  pP.fWhite.fY);
+}
+
+/// Dark noise has parts below 0 that cancel the others' luminance, and would be rendered as bright specks of
+/// pure colour. So what is below 0 in RGB of Rec. 2020, which holds the colours of real surfaces, becomes 0
+/// there. All other pixels stay bit for bit.
+void FitGamut(const sPicture& pPicture) {
+  const sPrimaries real{{0.708f, 0.292f}, {0.17f, 0.797f}, {0.131f, 0.046f}, {0.3127f, 0.329f}};
+  const TmEngine::cMatrix33 toRGB = Build(&TmEngine::cColorSpace::BuildXYZToRGB, real);
+  const TmEngine::cMatrix33 toXYZ = Build(&TmEngine::cColorSpace::BuildRGBToXYZ, real);
+  ForEachPixel(pPicture, [&](float* pPixel) {
+    TmEngine::cVector3 rgb = toRGB * TmEngine::cVector3(pPixel[0], pPixel[1], pPixel[2]);
+    if (rgb[0] >= 0.0f && rgb[1] >= 0.0f && rgb[2] >= 0.0f) return;
+    for (int i = 0; i < 3; ++i) rgb[i] = std::max(rgb[i], 0.0f);
+    const TmEngine::cVector3 xyz = toXYZ * rgb;
+    for (int i = 0; i < 3; ++i) pPixel[i] = xyz[i];
+  });
+}
+
 }  // namespace
 
 void RepairSamples(sPicture& pPicture) {
@@ -96,10 +119,9 @@ void LinearToXYZ(sPicture& pPicture, const std::optional<sPrimaries>& pStated) {
   } else if (pStated && !AreAllZero(*pStated)) {  // some programs write zeros for "not known"
     pPicture.fWarnings.emplace_back("its header states primaries that span no colour space; sRGB is taken");
   }
-  const sPrimaries& p = primaries;
-  const TmEngine::cMatrix33 matrix = TmEngine::cColorSpace::BuildRGBToXYZ(
-      p.fRed.fX, p.fRed.fY, p.fGreen.fX, p.fGreen.fY, p.fBlue.fX, p.fBlue.fY, p.fWhite.fX, p.fWhite.fY);
-  TmEngine::cImageUtils::ColorTransform(pPicture.fBitmap.get(), matrix);
+  TmEngine::cImageUtils::ColorTransform(pPicture.fBitmap.get(),
+                                        Build(&TmEngine::cColorSpace::BuildRGBToXYZ, primaries));
+  FitGamut(pPicture);
 }
 
 }  // namespace Cli

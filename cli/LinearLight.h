@@ -21,6 +21,7 @@ void RepairSamples(sPicture& pPicture);
 
 /// Repairs the linear RGB samples of pPicture and turns them into XYZ. pStated: the primaries that the file
 /// states; where there are none, or where they span no colour space (which leaves a warning), sRGB is taken.
+/// Colours beyond those of real surfaces are brought to the border of that range.
 void LinearToXYZ(sPicture& pPicture, const std::optional<sPrimaries>& pStated);
 
 /// Copies each pixel's first sample to the other two.

@@ -18,18 +18,18 @@ struct sSlider {
 
 /// The ranges end where the engine stops telling values apart, or where pictures stop being pictures.
 constexpr sSlider kSliders[] = {
-    {"strength", &tm_quorvane_settings::strength, 50.0f, -200.0f, 150.0f,
-     "How much large contrasts are compressed; usual from -100 to 100"},
+    {"strength", &tm_quorvane_settings::strength, 70.0f, -200.0f, 150.0f,
+     "Compression of large contrasts; usual from -100 to 100, higher shows more of lights and shadows"},
     {"lighting", &tm_quorvane_settings::lighting, 0.0f, -14.0f, 10.0f,
-     "How far apart tones may lie that are adapted together; higher is more local"},
+     "Reach of the local adaptation over tones; higher is more local"},
     {"tone-compression", &tm_quorvane_settings::tone_compression, 0.0f, 0.0f, 100.0f,
      "Extra pull of far tones toward the mean; 0 is none"},
-    {"white-clip", &tm_quorvane_settings::white_clip, 1.0f, 0.0f, 200.0f,
-     "Brightest pixels that become pure white, in twentieths of a per cent"},
-    {"black-clip", &tm_quorvane_settings::black_clip, 0.05f, 0.0f, 50.0f,
-     "Darkest pixels that become pure black, in per cent"},
+    {"white-clip", &tm_quorvane_settings::white_clip, 5.0f, 0.0f, 200.0f,
+     "Pixels above white, in twentieths of a per cent: 20 is 1 % of the picture"},
+    {"black-clip", &tm_quorvane_settings::black_clip, 0.1f, 0.0f, 50.0f,
+     "Pixels below black, in per cent of the picture"},
     {"microcontrast", &tm_quorvane_settings::microcontrast, 0.0f, -11.0f, 10.0f,
-     "How small the details are that keep their contrast; higher is finer"}};
+     "Reach of the local adaptation over the picture; higher is finer"}};
 
 std::string ToText(float pNumber) {
   char text[32];
@@ -59,8 +59,8 @@ void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions) {
   for (const sSlider& slider : kSliders) {
     pVerb.add_option(std::string("--") + slider.fName, pOptions.fSettings.*slider.fField, slider.fMeaning)
         ->check(InRange(slider.fLowest, slider.fHighest))
-        ->type_name("")
-        ->default_str(ToText(slider.fDefault))
+        ->option_text(ToText(slider.fLowest) + ".." + ToText(slider.fHighest) + " [" +
+                      ToText(slider.fDefault) + "]")
         ->group("Sliders");
   }
   pVerb
@@ -73,8 +73,7 @@ void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions) {
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
   pVerb.add_option("--depth", pOptions.fDepth, "Bits a sample of the result; 16 for .png and .tif only")
       ->check(CLI::IsMember({8, 16}))
-      ->type_name("")
-      ->default_str("8")
+      ->option_text("8|16 [8]")
       ->group("Result");
   const std::map<std::string, TmEngine::eColorSpaceID> names = {
       {"srgb", TmEngine::eColorSpaceID_sRGB},
@@ -86,8 +85,7 @@ void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
           [names, &pOptions](const std::string& pName) { pOptions.fColorSpace = names.at(pName); },
           "Colour space of the result, whose profile is embedded")
       ->check(CLI::IsMember({"srgb", "adobergb", "prophoto"}))
-      ->type_name("")
-      ->default_str("srgb")
+      ->option_text("srgb|adobergb|prophoto [srgb]")
       ->group("Result");
 }
 

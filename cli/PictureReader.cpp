@@ -19,6 +19,9 @@ std::string ReadStart(const std::string& pFile) {
   if (std::filesystem::is_directory(pFile, error)) {
     throw cFailure(eExitCode_CannotRead, pFile, "is a folder; give the name of a picture in it");
   }
+  if (std::filesystem::exists(pFile, error) && !std::filesystem::is_regular_file(pFile, error)) {
+    throw cFailure(eExitCode_CannotRead, pFile, "is not a regular file; store the picture in one first");
+  }
   errno = 0;
   std::ifstream stream(pFile, std::ios::binary);
   if (!stream) throw cFailure(eExitCode_CannotRead, pFile, std::strerror(errno));

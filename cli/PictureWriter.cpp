@@ -4,10 +4,10 @@
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
+#include <vector>
 #include <vips/vips8>
 
 #include "cli/Failure.h"
-#include "cli/TempFile.h"
 #include "cli/VipsLibrary.h"
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapBGR8.h"
@@ -56,7 +56,7 @@ VImage ViewBitmap(cBitmapLDR& pBitmap) {
       VImage::new_from_memory(pBitmap.GetBitmapData(), bytes, pBitmap.GetStride() / pixelBytes,
                               pBitmap.GetHeight(), 3, isDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
   image = image.extract_area(0, 0, pBitmap.GetWidth(), pBitmap.GetHeight());
-  image = image[2].bandjoin({image[1], image[0]});
+  image = VImage::bandjoin(std::vector<VImage>{image[2], image[1], image[0]});
   constexpr double kPixelsPerMillimetre = 72.0 / 25.4;
   return image.copy(VImage::option()
                         ->set("interpretation", isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB)
@@ -103,19 +103,17 @@ std::unique_ptr<cBitmapLDR> MakeOutputBitmap(int pWidth, int pHeight, int pDepth
   return std::make_unique<cSilentBitmapBGR8>(pWidth, pHeight, pColorSpace);
 }
 
-void WritePicture(cBitmapLDR& pBitmap, eColorSpaceID pColorSpace, eOutputFormat pFormat,
-                  const std::string& pFile) {
-  cTempFile file(pFile);
+void WritePicture(cBitmapLDR& pBitmap, eColorSpaceID pColorSpace, eOutputFormat pFormat, cTempFile& pFile) {
   try {
     const VImage image = ViewBitmap(pBitmap);
     const TmEngine::sIccProfile profile = GetProfile(pColorSpace);
     vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.fData,
                              static_cast<std::size_t>(profile.fSize));
-    Save(image, pFormat, file.GetPath());
+    Save(image, pFormat, pFile.GetPath());
   } catch (const vips::VError&) {
-    throw cFailure(eExitCode_CannotWrite, pFile, "writing failed (" + TakeVipsError() + ")");
+    throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "writing failed (" + TakeVipsError() + ")");
   }
-  file.Commit();
+  pFile.Commit();
 }
 
 }  // namespace Cli

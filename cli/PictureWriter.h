@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "cli/TempFile.h"
 #include "engine/cBitmapLDR.h"
 
 namespace Cli {
@@ -17,9 +18,9 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth);
 std::unique_ptr<TmEngine::cBitmapLDR> MakeOutputBitmap(int pWidth, int pHeight, int pDepth,
                                                        TmEngine::eColorSpaceID pColorSpace);
 
-/// Writes pBitmap with the ICC profile of pColorSpace to pFile, which appears whole or not at all; a picture
-/// of that name is replaced. libvips must be running. Throws cFailure.
+/// Writes pBitmap with the ICC profile of pColorSpace to pFile and lets it take its target's place. libvips
+/// must be running. Throws cFailure.
 void WritePicture(TmEngine::cBitmapLDR& pBitmap, TmEngine::eColorSpaceID pColorSpace, eOutputFormat pFormat,
-                  const std::string& pFile);
+                  cTempFile& pFile);
 
 }  // namespace Cli

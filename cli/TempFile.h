@@ -15,6 +15,7 @@ class cTempFile {
   cTempFile& operator=(const cTempFile&) = delete;
   ~cTempFile();
 
+  const std::string& GetTarget() const { return fTarget; }
   const std::string& GetPath() const { return fPath; }
   void Commit();  ///< The file becomes the target. Throws cFailure.
 

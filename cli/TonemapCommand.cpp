@@ -53,9 +53,11 @@ void Run(const sTonemapOptions& pOptions) {
   for (const std::string& warning : picture.fWarnings) {
     std::fprintf(stderr, "quorvane: %s: warning: %s\n", pOptions.fInput.c_str(), warning.c_str());
   }
+  cTempFile file(
+      pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
   const auto output = ToneMap(picture, pOptions);
   picture.fBitmap.reset();
-  WritePicture(*output, pOptions.fResult.fColorSpace, format, pOptions.fOutput);
+  WritePicture(*output, pOptions.fResult.fColorSpace, format, file);
 }
 
 }  // namespace
@@ -66,14 +68,14 @@ void AddTonemapCommand(CLI::App& pProgram) {
       "tonemap",
       "Turns a high-dynamic-range photograph into a finished picture: contrasts too large for a\n"
       "screen or paper are compressed, details keep their own.");
-  verb->add_option("input", options->fInput,
+  verb->add_option("IN", options->fInput,
                    "The photograph: .hdr, .exr, .pfm, .png, .tif or .jpg; told by its content")
       ->required()
-      ->type_name("IN");
+      ->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
                    "The result: .png, .tif or .jpg; a file of that name is replaced")
       ->required()
-      ->type_name("OUT");
+      ->option_text("OUT");
   AddToneOptions(*verb, options->fTone);
   AddOutputOptions(*verb, options->fResult);
   verb->add_flag("--verbose", options->fVerbose, "Show what the engine measures and decides");
