@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace TmEngine {
 
 /// Last index of every 65,536-entry table.
@@ -20,6 +22,12 @@ inline int ClampToIndex(float pValue, int pLast) {
 /// gives 65535.
 inline int UnitToIndex(float pValue) {
   return ClampToIndex(pValue * 65535.0f, kLastIndex);
+}
+
+/// pValue truncated toward zero, unclamped; NaN and what no 64-bit integer holds give 0.
+inline std::int64_t TruncateToInt64(float pValue) {
+  if (!(pValue >= -0x1p63f && pValue < 0x1p63f)) return 0;
+  return static_cast<std::int64_t>(pValue);
 }
 
 }  // namespace TmEngine

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdlib>
+
 namespace TmEngine {
+
+struct sThrowPlace;
 
 /// Base of all images. Row y starts y * fStride bytes after the first sample. Sizes are greater than zero
 /// once an image is constructed. Images own their pixels and are neither copied nor assigned.
@@ -22,6 +27,19 @@ class cBitmap {
   /// The allocation rule of every untiled image: width and height rounded up to multiples of 4 pixels and
   /// rows, not cleared, from malloc. Null when the stride does not fit an int or the block cannot be had.
   static void* AllocRows(int pWidth, int pHeight, int pPixelBytes, int& pStride);
+  /// The same with the checks of every AllocBitmapData, in the name of pPlace: sizes (cArgumentException),
+  /// then the block (cOutOfMemoryException with pFailureText).
+  static void* AllocRows(int pWidth, int pHeight, int pPixelBytes, int& pStride, const char* pFailureText,
+                         const sThrowPlace& pPlace);
+  /// One block, padding included, when the strides are equal; otherwise pRowBytes a row. Strides in bytes.
+  /// The source may be the destination's own block.
+  static void CopyRows(void* pTo, int pToStride, const void* pFrom, int pFromStride, std::size_t pRowBytes,
+                       int pRows);
+
+  /// Frees the pixel block of a constructor that fails.
+  struct sFreeBlock {
+    void operator()(void* pBlock) const { std::free(pBlock); }
+  };
 
   int fWidth = 0;
   int fHeight = 0;

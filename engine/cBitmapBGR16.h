@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "engine/cBitmapLDR.h"
 
 namespace TmEngine {
@@ -45,6 +47,8 @@ class cBitmapBGR16 : public cBitmapLDR {
   void FromXYZ32(cBitmapXYZ32* pFromXYZ32, cTransferLUT_F32I16* pCustomTransferLUT, cMatrix33 pMatrix);
 
  private:
+  using tBlock = std::unique_ptr<unsigned short, sFreeBlock>;
+
   unsigned short* fBGR16 = nullptr;
 };
 

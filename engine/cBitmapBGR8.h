@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "engine/cBitmapLDR.h"
 
 namespace TmEngine {
@@ -27,7 +29,7 @@ class cBitmapBGR8 : public cBitmapLDR {
   unsigned char* GetBitmapData() override;
   using cBitmapLDR::GetBitmapData;
 
-  /// Hands the pixel block to the caller, who frees it with std::free; the image then holds none. For owners
+  /// Hands the pixel block to the caller, who frees it with std::free; the image is then 0 x 0. For owners
   /// that must not write the line of FreeBitmapData.
   unsigned char* TakeBitmapData();
 
@@ -43,6 +45,8 @@ class cBitmapBGR8 : public cBitmapLDR {
   void FromXYZ32(cBitmapXYZ32* pFromXYZ32, cTransferLUT_F32I8* pCustomTransferLUT, cMatrix33 pMatrix);
 
  private:
+  using tBlock = std::unique_ptr<unsigned char, sFreeBlock>;
+
   unsigned char* fBGR8 = nullptr;
 };
 

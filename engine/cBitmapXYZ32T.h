@@ -29,6 +29,9 @@ class cBitmapXYZ32T : public cBitmap {
   const float* GetRow(int pY) const { return const_cast<cBitmapXYZ32T*>(this)->GetRow(pY); }
 
  private:
+  cBitmapXYZ32T() = default;
+  void AllocTiles(const sThrowPlace& pPlace);
+
   void** fTiles = nullptr;
   int fTileCount = 0;
   int fTileHeight = 0;

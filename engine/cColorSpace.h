@@ -6,6 +6,7 @@
 namespace TmEngine {
 
 class cTransfer;
+struct sChromaticities;
 
 /// The named colour spaces. The type is fixed, so that an id out of range can be passed and rejected.
 enum eColorSpaceID : int {
@@ -14,7 +15,7 @@ enum eColorSpaceID : int {
   eColorSpaceID_ProPhotoRGB = 2,
 };
 
-/// A read-only ICC profile in static memory.
+/// A read-only ICC profile (version 2, display class, RGB to XYZ) in static memory.
 struct sIccProfile {
   const unsigned char* fData;
   int fSize;  ///< Bytes.
@@ -66,8 +67,10 @@ class cColorSpace {
                                    float pBlueY, float pWhiteX, float pWhiteY);
 
  protected:
-  cColorSpace() = default;  // for a clone, which fills every field itself
+  cColorSpace() = default;  // for constructors that set the chromaticities, and clones that fill every field
   cColorSpace(cVector2 pRed, cVector2 pGreen, cVector2 pBlue, cVector2 pWhite);
+
+  void SetChromaticities(const sChromaticities& pSpace);  // and derives the matrices
 
   cVector2 fRed, fGreen, fBlue, fWhite;
   cTransfer* fToLinear = nullptr;
@@ -81,7 +84,7 @@ class cColorSpace_sRGB : public cColorSpace {
   ~cColorSpace_sRGB() override;
   cColorSpace* Clone() const override;
   const char* GetName() const override;
-  static sIccProfile GetIccProfile();
+  static sIccProfile GetIccProfile();  ///< 3144 bytes.
 };
 
 class cColorSpace_AdobeRGB98 : public cColorSpace {
@@ -90,7 +93,7 @@ class cColorSpace_AdobeRGB98 : public cColorSpace {
   ~cColorSpace_AdobeRGB98() override;
   cColorSpace* Clone() const override;
   const char* GetName() const override;
-  static sIccProfile GetIccProfile();
+  static sIccProfile GetIccProfile();  ///< 560 bytes.
 };
 
 class cColorSpace_ProPhotoRGB : public cColorSpace {
@@ -99,7 +102,7 @@ class cColorSpace_ProPhotoRGB : public cColorSpace {
   ~cColorSpace_ProPhotoRGB() override;
   cColorSpace* Clone() const override;
   const char* GetName() const override;
-  static sIccProfile GetIccProfile();
+  static sIccProfile GetIccProfile();  ///< 940 bytes.
 };
 
 /// A space of any primaries, from chromaticities and a gamma or from what an ICC profile holds.

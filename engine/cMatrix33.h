@@ -8,12 +8,13 @@ namespace TmEngine {
 /// v. A plain value: image operations take it by copy. Sums run left to right, in the matrix's own precision.
 class cMatrix33 {
  public:
-  cMatrix33() = default;
-  cMatrix33(float p0, float p1, float p2, float p3, float p4, float p5, float p6, float p7, float p8)
+  constexpr cMatrix33() = default;
+  constexpr cMatrix33(float p0, float p1, float p2, float p3, float p4, float p5, float p6, float p7,
+                      float p8)
       : fM{p0, p1, p2, p3, p4, p5, p6, p7, p8} {}
 
-  float operator[](int pIndex) const { return fM[pIndex]; }
-  float& operator[](int pIndex) { return fM[pIndex]; }
+  constexpr float operator[](int pIndex) const { return fM[pIndex]; }
+  constexpr float& operator[](int pIndex) { return fM[pIndex]; }
 
   float Determinant() const;
   /// Writes the transposed cofactor matrix to pTo (which may be this matrix) and returns it.
@@ -33,13 +34,13 @@ cMatrix33 operator/(const cMatrix33& pM, float pScalar);  ///< Every element div
 /// The double-precision twin, in which matrices of colour spaces are derived.
 class cMatrix33d {
  public:
-  cMatrix33d() = default;
-  cMatrix33d(double p0, double p1, double p2, double p3, double p4, double p5, double p6, double p7,
-             double p8)
+  constexpr cMatrix33d() = default;
+  constexpr cMatrix33d(double p0, double p1, double p2, double p3, double p4, double p5, double p6, double p7,
+                       double p8)
       : fM{p0, p1, p2, p3, p4, p5, p6, p7, p8} {}
 
-  double operator[](int pIndex) const { return fM[pIndex]; }
-  double& operator[](int pIndex) { return fM[pIndex]; }
+  constexpr double operator[](int pIndex) const { return fM[pIndex]; }
+  constexpr double& operator[](int pIndex) { return fM[pIndex]; }
 
   double Determinant() const;
   cMatrix33d& Adjugate(cMatrix33d& pTo) const;

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstdint>
+
 namespace TmEngine {
 
 /// Memory of tiled images, and a checked copy.
 class cMemUtils {
  public:
+  /// Every image's count of pixels a row and of rows: the next multiple of 4, in 64 bits.
+  static std::int64_t RoundUpTo4(int pCount) { return (std::int64_t{pCount} + 3) & ~std::int64_t{3}; }
   /// Cuts an image into bands of whole rows, each a malloc block of at most 10 MiB, not cleared. Width and
   /// height are rounded up to multiples of 4. Returns the array of blocks (owned by the caller), or null when
   /// memory is short; sets pStride (bytes a row), pTileCount and pTileHeight (rows a band, the last may have

@@ -46,9 +46,8 @@ class cTransferLUT_F32I8 : public cTransferLUT {
   explicit cTransferLUT_F32I8(cTransfer* pTransfer);
   ~cTransferLUT_F32I8() override;
   void BuildCache(cTransfer* pTransfer) override;
-  const unsigned char* GetTable() const {
-    return fTable;
-  }  ///< 65,536 entries, indexed by UnitToIndex(value).
+  /// 65,536 entries, indexed by UnitToIndex(value).
+  const unsigned char* GetTable() const { return fTable; }
 
  private:
   unsigned char fTable[kTableSize];
@@ -60,9 +59,8 @@ class cTransferLUT_F32I16 : public cTransferLUT {
   explicit cTransferLUT_F32I16(cTransfer* pTransfer);
   ~cTransferLUT_F32I16() override;
   void BuildCache(cTransfer* pTransfer) override;
-  const unsigned short* GetTable() const {
-    return fTable;
-  }  ///< 65,536 entries, indexed by UnitToIndex(value).
+  /// 65,536 entries, indexed by UnitToIndex(value).
+  const unsigned short* GetTable() const { return fTable; }
 
  private:
   unsigned short fTable[kTableSize];

@@ -5,8 +5,8 @@ namespace TmEngine {
 /// Two floats: a chromaticity (x, y), or a point or tangent of a curve (input, output).
 class cVector2 {
  public:
-  cVector2() = default;
-  cVector2(float pX, float pY) : fX(pX), fY(pY) {}
+  constexpr cVector2() = default;
+  constexpr cVector2(float pX, float pY) : fX(pX), fY(pY) {}
 
   float fX = 0.0f;
   float fY = 0.0f;
@@ -15,8 +15,8 @@ class cVector2 {
 /// The double-precision twin of cVector2.
 class cVector2d {
  public:
-  cVector2d() = default;
-  cVector2d(double pX, double pY) : fX(pX), fY(pY) {}
+  constexpr cVector2d() = default;
+  constexpr cVector2d(double pX, double pY) : fX(pX), fY(pY) {}
 
   double fX = 0.0;
   double fY = 0.0;
@@ -25,11 +25,11 @@ class cVector2d {
 /// Three floats in order; for colour X, Y, Z or R, G, B.
 class cVector3 {
  public:
-  cVector3() = default;
-  cVector3(float p0, float p1, float p2) : fV{p0, p1, p2} {}
+  constexpr cVector3() = default;
+  constexpr cVector3(float p0, float p1, float p2) : fV{p0, p1, p2} {}
 
-  float operator[](int pIndex) const { return fV[pIndex]; }
-  float& operator[](int pIndex) { return fV[pIndex]; }
+  constexpr float operator[](int pIndex) const { return fV[pIndex]; }
+  constexpr float& operator[](int pIndex) { return fV[pIndex]; }
 
  private:
   float fV[3] = {};
@@ -38,11 +38,11 @@ class cVector3 {
 /// The double-precision twin of cVector3.
 class cVector3d {
  public:
-  cVector3d() = default;
-  cVector3d(double p0, double p1, double p2) : fV{p0, p1, p2} {}
+  constexpr cVector3d() = default;
+  constexpr cVector3d(double p0, double p1, double p2) : fV{p0, p1, p2} {}
 
-  double operator[](int pIndex) const { return fV[pIndex]; }
-  double& operator[](int pIndex) { return fV[pIndex]; }
+  constexpr double operator[](int pIndex) const { return fV[pIndex]; }
+  constexpr double& operator[](int pIndex) { return fV[pIndex]; }
 
  private:
   double fV[3] = {};

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapBGR8.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cBitmapY8.h"
+
+/// The walk over rows, for sources that work on pixels; no interface shows it.
+
+namespace TmEngine {
+
+/// The rows of an untiled image: top to bottom, padding never looked at.
+template <class tSample>
+struct sRows {
+  tSample* fFirst;
+  std::ptrdiff_t fStride;  ///< Samples from one row to the next.
+  int fWidth;              ///< Pixels.
+  int fHeight;
+
+  tSample* Row(int pY) const { return fFirst + fStride * pY; }
+};
+
+template <class tSample>
+sRows<tSample> RowsOf(tSample* pFirst, const cBitmap& pImage) {
+  return {pFirst, pImage.GetStride() / static_cast<int>(sizeof(tSample)), pImage.GetWidth(),
+          pImage.GetHeight()};
+}
+
+inline sRows<const float> RowsOf(const cBitmapXYZ32& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
+inline sRows<float> RowsOf(cBitmapXYZ32& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
+inline sRows<const unsigned char> RowsOf(const cBitmapBGR8& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
+inline sRows<unsigned char> RowsOf(cBitmapBGR8& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
+inline sRows<const unsigned short> RowsOf(const cBitmapBGR16& pImage) {
+  return RowsOf(pImage.GetBGR16Data(), pImage);
+}
+inline sRows<unsigned short> RowsOf(cBitmapBGR16& pImage) {
+  return RowsOf(pImage.GetBGR16Data(), pImage);
+}
+inline sRows<unsigned char> RowsOf(cBitmapY8& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
+
+/// Calls pBody(source row, destination row, pixels) for two images of one size.
+template <class tFrom, class tTo, class tBody>
+void ForEachRow(const sRows<tFrom>& pFrom, const sRows<tTo>& pTo, const tBody& pBody) {
+  for (int y = 0; y < pFrom.fHeight; ++y) pBody(pFrom.Row(y), pTo.Row(y), pFrom.fWidth);
+}
+
+}  // namespace TmEngine

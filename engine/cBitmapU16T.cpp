@@ -1,0 +1,32 @@
+#include "engine/cBitmapU16T.h"
+
+#include <climits>
+
+#include "engine/BitmapChecks.h"
+#include "engine/cMemUtils.h"
+
+namespace TmEngine {
+namespace {
+
+constexpr char kSourceFile[] = ".\\cBitmapU16T.cpp";
+
+}  // namespace
+
+cBitmapU16T::cBitmapU16T(int pWidth, int pHeight, int pPlane) : cBitmap(pWidth, pHeight), fPlane(pPlane) {
+  static constexpr char kSignature[] = "__cdecl TmEngine::cBitmapU16T::cBitmapU16T(int,int,int)";
+  CheckPositive(pWidth, "pWidth", TM_HERE);
+  CheckPositive(pHeight, "pHeight", TM_HERE);
+  CheckPositive(pPlane, "pPlane", TM_HERE);
+  // Where the product overflows, one pixel is over the tile limit, and INT_MAX is too.
+  const int pixelBytes = pPlane > INT_MAX / 2 ? INT_MAX : 2 * pPlane;
+  fTiles = cMemUtils::TiledBitmapAlloc(fWidth, fHeight, pixelBytes, fStride, fTileCount, fTileHeight);
+  TM_CHECK(fTiles != nullptr, cOutOfMemoryException, "Cannot alloc bitmap tiles.");
+}
+
+cBitmapU16T::~cBitmapU16T() {
+  // Never throws: an allocation gives all tiles or none.
+  if (fTiles != nullptr) cMemUtils::TiledBitmapFree(fTiles, fTileCount, fTileHeight);
+  fTiles = nullptr;
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,147 @@
+#include <memory>
+
+#include "engine/BitmapChecks.h"
+#include "engine/BitmapRows.h"
+#include "engine/Quantise.h"
+#include "engine/cImageUtils.h"
+#include "engine/cTransferLUT.h"
+
+/// The operations of cImageUtils that move pixels between sample formats.
+
+namespace TmEngine {
+namespace {
+
+constexpr char kSourceFile[] = ".\\cImageUtils.cpp";  // the class's name, as in every exception of it
+
+/// Source and destination not null, then of one size.
+void CheckPair(const cBitmap* pFrom, const char* pFromName, const cBitmap* pTo, const char* pToName,
+               const sThrowPlace& pPlace) {
+  CheckNotNull(pFrom, pFromName, pPlace);
+  CheckNotNull(pTo, pToName, pPlace);
+  CheckSameSize(*pTo, pToName, *pFrom, pFromName, pPlace);
+}
+
+/// Every sample through pRule, order kept.
+template <class tFrom, class tTo, class tRule>
+void MapSamples(const tFrom& pFrom, tTo& pTo, const tRule& pRule) {
+  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [&pRule](const auto* pFromRow, auto* pToRow, int pWidth) {
+    const std::ptrdiff_t samples = std::ptrdiff_t{3} * pWidth;
+    for (std::ptrdiff_t i = 0; i < samples; ++i) pToRow[i] = pRule(pFromRow[i]);
+  });
+}
+
+template <class tFrom>
+void DecodeSamples(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable) {
+  MapSamples(pFrom, pTo, [pTable](auto pSample) { return pTable[pSample]; });
+}
+
+/// One row of the product, left to right.
+float Product(float p0, float p1, float p2, const cMatrix33& pMatrix, int pRow) {
+  return p0 * pMatrix[3 * pRow] + p1 * pMatrix[3 * pRow + 1] + p2 * pMatrix[3 * pRow + 2];
+}
+
+template <class tFrom>
+void DecodeFloat3(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable, const cMatrix33& pMatrix) {
+  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [pTable, pMatrix](const auto* pBGR, float* pTriple, int pWidth) {
+    for (int x = 0; x < pWidth; ++x, pBGR += 3, pTriple += 3) {
+      const float blue = pTable[pBGR[0]];
+      const float green = pTable[pBGR[1]];
+      const float red = pTable[pBGR[2]];
+      for (int row = 0; row < 3; ++row) pTriple[row] = Product(red, green, blue, pMatrix, row);
+    }
+  });
+}
+
+template <class tTo, class tCode>
+void EncodeFloat3(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable, const cMatrix33& pMatrix) {
+  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [pTable, pMatrix](const float* pTriple, tCode* pBGR, int pWidth) {
+    for (int x = 0; x < pWidth; ++x, pTriple += 3, pBGR += 3) {
+      for (int row = 0; row < 3; ++row) {  // red, green, blue
+        const float linear = Product(pTriple[0], pTriple[1], pTriple[2], pMatrix, row);
+        pBGR[2 - row] = pTable[UnitToIndex(linear)];
+      }
+    }
+  });
+}
+
+}  // namespace
+
+void cImageUtils::BGR8ToBGR32Linear(const cBitmapBGR8* pSrcBGR8, cBitmapXYZ32* pDstBGR32) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR8ToBGR32Linear(const class TmEngine::cBitmapBGR8 *,"
+      "class TmEngine::cBitmapXYZ32 *)";
+  CheckPair(pSrcBGR8, "pSrcBGR8", pDstBGR32, "pDstBGR32", TM_HERE);
+  const auto table = std::make_unique<cTransferLUT_I8F32>(pSrcBGR8->GetColorSpace()->GetToLinear());
+  DecodeSamples(*pSrcBGR8, *pDstBGR32, table->GetTable());
+}
+
+void cImageUtils::BGR16ToBGR32Linear(const cBitmapBGR16* pSrcBGR16, cBitmapXYZ32* pDstBGR32) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR16ToBGR32Linear(const class TmEngine::cBitmapBGR16 *,"
+      "class TmEngine::cBitmapXYZ32 *)";
+  CheckPair(pSrcBGR16, "pSrcBGR16", pDstBGR32, "pDstBGR32", TM_HERE);
+  const auto table = std::make_unique<cTransferLUT_I16F32>(pSrcBGR16->GetColorSpace()->GetToLinear());
+  DecodeSamples(*pSrcBGR16, *pDstBGR32, table->GetTable());
+}
+
+void cImageUtils::BGR8ToFloat3(cBitmapBGR8* pFromBGR8, cBitmapXYZ32* pToXYZ32,
+                               cTransferLUT_I8F32* pTransferLUT, cMatrix33 pMatrix) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR8ToFloat3(class TmEngine::cBitmapBGR8 *,"
+      "class TmEngine::cBitmapXYZ32 *,class TmEngine::cTransferLUT_I8F32 *,class TmEngine::cMatrix33)";
+  CheckPair(pFromBGR8, "pFromBGR8", pToXYZ32, "pToXYZ32", TM_HERE);
+  CheckNotNull(pTransferLUT, "pTransferLUT", TM_HERE);
+  DecodeFloat3(*pFromBGR8, *pToXYZ32, pTransferLUT->GetTable(), pMatrix);
+}
+
+void cImageUtils::BGR16ToFloat3(cBitmapBGR16* pFromBGR16, cBitmapXYZ32* pToXYZ32,
+                                cTransferLUT_I16F32* pTransferLUT, cMatrix33 pMatrix) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR16ToFloat3(class TmEngine::cBitmapBGR16 *,"
+      "class TmEngine::cBitmapXYZ32 *,class TmEngine::cTransferLUT_I16F32 *,class TmEngine::cMatrix33)";
+  CheckPair(pFromBGR16, "pFromBGR16", pToXYZ32, "pToXYZ32", TM_HERE);
+  CheckNotNull(pTransferLUT, "pTransferLUT", TM_HERE);
+  DecodeFloat3(*pFromBGR16, *pToXYZ32, pTransferLUT->GetTable(), pMatrix);
+}
+
+void cImageUtils::Float3ToBGR8(cBitmapXYZ32* pFromXYZ32, cBitmapBGR8* pToBGR8, cTransferLUT_F32I8* pTransfer,
+                               cMatrix33 pMatrix) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::Float3ToBGR8(class TmEngine::cBitmapXYZ32 *,"
+      "class TmEngine::cBitmapBGR8 *,class TmEngine::cTransferLUT_F32I8 *,class TmEngine::cMatrix33)";
+  CheckPair(pFromXYZ32, "pFromXYZ32", pToBGR8, "pToBGR8", TM_HERE);
+  CheckNotNull(pTransfer, "pTransfer", TM_HERE);
+  EncodeFloat3(*pFromXYZ32, *pToBGR8, pTransfer->GetTable(), pMatrix);
+}
+
+void cImageUtils::Float3ToBGR16(cBitmapXYZ32* pFromXYZ32, cBitmapBGR16* pToBGR16,
+                                cTransferLUT_F32I16* pTransfer, cMatrix33 pMatrix) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::Float3ToBGR16(class TmEngine::cBitmapXYZ32 *,"
+      "class TmEngine::cBitmapBGR16 *,class TmEngine::cTransferLUT_F32I16 *,class TmEngine::cMatrix33)";
+  CheckPair(pFromXYZ32, "pFromXYZ32", pToBGR16, "pToBGR16", TM_HERE);
+  CheckNotNull(pTransfer, "pTransfer", TM_HERE);
+  EncodeFloat3(*pFromXYZ32, *pToBGR16, pTransfer->GetTable(), pMatrix);
+}
+
+void cImageUtils::Convert(cBitmapBGR16* pFromBGR16, cBitmapBGR8* pToBGR8) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::Convert(class TmEngine::cBitmapBGR16 *,"
+      "class TmEngine::cBitmapBGR8 *)";
+  CheckPair(pFromBGR16, "pFromBGR16", pToBGR8, "pToBGR8", TM_HERE);
+  // floor(s / 257) without a division
+  MapSamples(*pFromBGR16, *pToBGR8, [](unsigned short pSample) {
+    return static_cast<unsigned char>((std::uint64_t{pSample} * 2139127681u) >> 39);
+  });
+}
+
+void cImageUtils::Convert(cBitmapBGR8* pFromBGR8, cBitmapBGR16* pToBGR16) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::Convert(class TmEngine::cBitmapBGR8 *,"
+      "class TmEngine::cBitmapBGR16 *)";
+  CheckPair(pFromBGR8, "pFromBGR8", pToBGR16, "pToBGR16", TM_HERE);
+  MapSamples(*pFromBGR8, *pToBGR16,
+             [](unsigned char pSample) { return static_cast<unsigned short>(pSample * 257); });
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,128 @@
+#include "engine/stages/BilateralGrid.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <vector>
+
+#include "tests/Pictures.h"
+
+namespace TmEngine {
+namespace {
+
+using tFloats = std::vector<float>;
+
+struct sSettings {
+  float fSigmaS = 4.0f;
+  float fSigmaR = 0.3f;
+  bool fWrap = false;
+  float fLocalContrast = 0.0f;
+  bool fCancel = false;
+};
+
+tFloats Filter(const tFloats& pFrom, int pWidth, int pHeight, const sSettings& pSettings,
+               bool* pAborted = nullptr) {
+  float min = 1e30f, max = -1e30f;
+  for (const float value : pFrom) {
+    if (value < min) min = value;
+    if (value > max) max = value;
+  }
+  tFloats to(pFrom.size(), -99.0f);
+  bool aborted = false;
+  FilterWithBilateralGrid(&pSettings.fCancel, pAborted != nullptr ? pAborted : &aborted, pFrom.data(),
+                          to.data(), pWidth, pHeight, pSettings.fSigmaS, pSettings.fSigmaR, min, max,
+                          pSettings.fLocalContrast, pSettings.fWrap);
+  return to;
+}
+
+/// Dark left, bright right, with a little texture.
+tFloats Edge(int pWidth, int pHeight) {
+  cRandom random(3);
+  tFloats plane;
+  for (int i = 0; i < pWidth * pHeight; ++i) {
+    plane.push_back((i % pWidth < pWidth / 2 ? -1.0f : 2.0f) + 0.05f * random.Unit());
+  }
+  return plane;
+}
+
+TEST(BilateralGrid, SmoothsTextureAndKeepsEdges) {
+  const int width = 60, height = 20;
+  const tFloats from = Edge(width, height);
+  const tFloats base = Filter(from, width, height, {});
+  for (int i = 0; i < width * height; ++i) {
+    const float level = i % width < width / 2 ? -1.0f : 2.0f;
+    EXPECT_NEAR(base[static_cast<std::size_t>(i)], level + 0.025f, 0.03f) << i;
+  }
+}
+
+TEST(BilateralGrid, ReturnsAFlatPictureAsItIs) {
+  const tFloats from(35, -2.5f);
+  EXPECT_EQ(Filter(from, 7, 5, {}), from);
+}
+
+TEST(BilateralGrid, LetsOneEdgeSeeTheOtherOnlyWithWrap) {
+  const int width = 64, height = 8;
+  tFloats from(static_cast<std::size_t>(width * height), 0.0f);
+  tFloats lit = from;
+  for (int y = 0; y < height; ++y) lit[static_cast<std::size_t>(y * width + width - 1)] = 0.2f;
+  // With the range cell larger than the step, the lit column raises its neighbours.
+  const auto left = [&](bool pWrap) {
+    sSettings settings;
+    settings.fSigmaR = 1.0f;
+    settings.fWrap = pWrap;
+    return Filter(lit, width, height, settings)[0];
+  };
+  EXPECT_EQ(left(false), 0.0f);
+  EXPECT_GT(left(true), 0.002f);
+}
+
+TEST(BilateralGrid, WrapsPicturesNarrowerThanTheMargin) {
+  for (const int width : {1, 2, 5}) {
+    const tFloats from = Edge(width, 9);
+    for (const float sigma : {2.0f, 9.0f, 30.0f}) {
+      sSettings settings;
+      settings.fWrap = true;
+      settings.fSigmaS = sigma;
+      for (const float value : Filter(from, width, 9, settings)) {
+        EXPECT_GE(value, -1.01f);
+        EXPECT_LE(value, 2.06f);
+      }
+    }
+  }
+}
+
+TEST(BilateralGrid, SmoothsOnceMoreForLocalContrast) {
+  tFloats from(3000, 0.0f);
+  for (std::size_t i = 1500; i < from.size(); ++i) from[i] = 3.0f;
+  sSettings settings;
+  settings.fLocalContrast = 2.0f;
+  const tFloats base = Filter(from, 3000, 1, {});
+  const tFloats smoothed = Filter(from, 3000, 1, settings);
+  EXPECT_EQ(base[1499], 0.0f);
+  EXPECT_GT(smoothed[1499], 0.1f);
+  EXPECT_EQ(smoothed[1400], base[1400]);
+}
+
+TEST(BilateralGrid, StopsWhenCancelled) {
+  sSettings settings;
+  settings.fCancel = true;
+  bool aborted = false;
+  EXPECT_EQ(Filter(Edge(6, 4), 6, 4, settings, &aborted), tFloats(24, -99.0f));
+  EXPECT_TRUE(aborted);
+}
+
+TEST(BilateralGrid, TakesWhatIsNotANumberAndRefusesRangesWithoutEnd) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  tFloats from = Edge(12, 12);
+  from[30] = nan;
+  Filter(from, 12, 12, {});
+  from[30] = std::numeric_limits<float>::infinity();
+  EXPECT_THROW(Filter(from, 12, 12, {}), std::bad_alloc);
+  EXPECT_THROW(Filter(tFloats(4, nan), 2, 2, {5.0f, nan}), std::bad_alloc);
+  EXPECT_THROW(Filter(Edge(12, 12), 12, 12, {1e-6f, 1e-6f}), std::bad_alloc);
+}
+
+}  // namespace
+}  // namespace TmEngine
