@@ -9,6 +9,7 @@ namespace TmEngine {
 class cContrastCurve : public cInterpolatedHermiteSpline {
  public:
   cContrastCurve();
+  cContrastCurve(const cContrastCurve&) = delete;
   ~cContrastCurve() override;
 };
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+
+#include "engine/Quantise.h"
 #include "engine/cTransfer.h"
 #include "engine/cVector.h"
 
@@ -24,24 +27,32 @@ enum eSplineInterpolationMode : int {
 
 /// A curve on [0, 1] through control points, joined by cubic Hermite segments. Rendered once after a change
 /// into a table of 65,536 samples, which Evaluate reads; other tables derive from it on demand.
+///
+/// Points may lie outside [0, 1]: the table shows the part within, samples clamped to [0, 1]. A coordinate
+/// that is not a number counts as 0 there. Tables are built in const calls, without locks: one thread at a
+/// time. A call that throws, for want of memory too, leaves points, tangents and mode as they were.
 class cHermiteSpline : public cTransfer {
  public:
-  cHermiteSpline();                                      ///< The diagonal: (0, 0) and (1, 1), mode 0.
-  explicit cHermiteSpline(const cHermiteSpline& pFrom);  ///< Mode and points of pFrom; tables are built anew.
+  cHermiteSpline();  ///< The diagonal: (0, 0) and (1, 1), mode 0.
+  explicit cHermiteSpline(
+      const cHermiteSpline& pFrom);  ///< Mode and points of pFrom, numbered as they stand.
   cHermiteSpline& operator=(const cHermiteSpline&) = delete;
   ~cHermiteSpline() override;
 
   cTransfer* Clone() const override;  ///< Always throws cInvalidOperationException; use the constructor.
   /// The sample at truncate(pX * 65535), of which only the low 16 bits are kept: pass values in [0, 1].
   float Evaluate(float pX) const override;
-  virtual bool operator==(const cHermiteSpline& pOther) const;  ///< Mode and points; NaN matches nothing.
+  /// Mode, count and every field of every point, the ids as well; NaN matches nothing.
+  virtual bool operator==(const cHermiteSpline& pOther) const;
   bool operator!=(const cHermiteSpline& pOther) const { return !(*this == pOther); }
   /// Numbers, sorts and spreads the points, sets tangents by the mode, invalidates the tables.
   virtual void UpdatePointArray();
+  // The accessors build a stale table first. Pointers hold as long as the spline.
   virtual const float* GetFloatTable() const;           ///< 65,537 samples of the curve (the last a guard).
   virtual const unsigned short* Get16BitTable() const;  ///< 65,536 samples, truncate(v * 65535).
-  virtual const float* Get8BitInputFloatTable() const;  ///< 256 samples for 8-bit inputs.
-  virtual const unsigned char* Get8BitTable() const;    ///< 256 samples, truncate(v * 255).
+  virtual const float* Get8BitInputFloatTable() const;  ///< 256 samples: float sample 257 * i.
+  virtual const unsigned char* Get8BitTable() const;    ///< 256: truncate(v * 255) of float sample 254 * i.
+  /// The float table's flag is cleared; tables derived from it follow, as they are stale when it is.
   virtual void Invalidate();
   virtual void BuildFloatTable() const;
   virtual void Build16BitTable() const;
@@ -50,7 +61,7 @@ class cHermiteSpline : public cTransfer {
 
   eSplineInterpolationMode GetMode() const { return fMode; }
   int GetCount() const { return fCount; }
-  const sControlPoint* GetControlPoints() const { return fControlPoints; }
+  const sControlPoint* GetControlPoints() const { return fControlPoints.get(); }
 
   /// Copies pControlPointCount (at least 2) records; pCPs may be the spline's own array.
   void SetControlPoints(eSplineInterpolationMode pMode, int pControlPointCount, const sControlPoint* pCPs);
@@ -65,13 +76,17 @@ class cHermiteSpline : public cTransfer {
   void RemovePointAt(int pIndex);                     ///< Two points at least must stay.
 
  protected:
+  /// Takes over a new set of points and updates it; should that throw, mode and points are the former ones.
+  void ReplacePoints(eSplineInterpolationMode pMode, int pCount, std::unique_ptr<sControlPoint[]> pPoints);
+
   eSplineInterpolationMode fMode = eSplineInterpolationMode_FiniteDifference;
-  sControlPoint* fControlPoints = nullptr;
+  std::unique_ptr<sControlPoint[]> fControlPoints;
   int fCount = 0;
-  float* fFloatTable = nullptr;
-  unsigned short* f16BitTable = nullptr;
-  float* f8BitInputFloatTable = nullptr;
-  unsigned char* f8BitTable = nullptr;
+  // Each table has room for one entry more than it has inputs; only the float table fills it.
+  std::unique_ptr<float[]> fFloatTable = std::make_unique<float[]>(kTableSize + 1);
+  std::unique_ptr<unsigned short[]> f16BitTable = std::make_unique<unsigned short[]>(kTableSize + 1);
+  std::unique_ptr<float[]> f8BitInputFloatTable = std::make_unique<float[]>(257);
+  std::unique_ptr<unsigned char[]> f8BitTable = std::make_unique<unsigned char[]>(257);
   mutable bool fFloatTableValid = false;
   mutable bool f16BitTableValid = false;
   mutable bool f8BitInputFloatTableValid = false;
