@@ -34,8 +34,8 @@ enum eSplineInterpolationMode : int {
 class cHermiteSpline : public cTransfer {
  public:
   cHermiteSpline();  ///< The diagonal: (0, 0) and (1, 1), mode 0.
-  explicit cHermiteSpline(
-      const cHermiteSpline& pFrom);  ///< Mode and points of pFrom, numbered as they stand.
+  /// Mode and points of pFrom, numbered as they stand there.
+  explicit cHermiteSpline(const cHermiteSpline& pFrom);
   cHermiteSpline& operator=(const cHermiteSpline&) = delete;
   ~cHermiteSpline() override;
 

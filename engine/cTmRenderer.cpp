@@ -279,6 +279,7 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
   }
   const double min = static_cast<double>(range.fMin);
   const double max = static_cast<double>(range.fMax);
+  const double scaling = static_cast<double>(1.0f / (range.fMax - range.fMin));
   if (fVerbose) {
     const double pixels = static_cast<double>(fInput->GetWidth()) * fInput->GetHeight();
     std::fprintf(
@@ -286,18 +287,17 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
         "Tone Mapped Y Min/Max: [%1.2f  %1.2f] (vs orig [%1.2f  %1.2f]) ave: %1.2f  -> scaling: %1.2f (vs "
         "exposure: %1.2f)\n",
         min, max, static_cast<double>(fLuminance.fMin), static_cast<double>(fLuminance.fMax),
-        range.fSum / pixels, 1.0 / (max - min), static_cast<double>(fExposureScales.fInput));
+        range.fSum / pixels, scaling, static_cast<double>(fExposureScales.fInput));
   }
   const cLuminanceHistogram histogram(*fColorRecords, range);
   fPoints = histogram.Points(fBlackClip, fWhiteClip);
   if (!fVerbose || histogram.IsEmpty()) return;
   histogram.LogPercentiles();
-  const double black = static_cast<double>(fPoints.fBlack);
-  const double white = static_cast<double>(fPoints.fWhite);
   std::fprintf(
       stderr,
       "  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
-      black, min, white, max, 1.0 / (white - black), 1.0 / (max - min));
+      static_cast<double>(fPoints.fBlack), min, static_cast<double>(fPoints.fWhite), max,
+      static_cast<double>(1.0f / (fPoints.fWhite - fPoints.fBlack)), scaling);
 }
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {

@@ -11,15 +11,18 @@
 
 namespace {
 
-/// Copies blue, green, red rows as they stand. The host's row may be shorter than the picture's.
+/// Copies blue, green, red rows as they stand. The host's row may be shorter than the picture's; what lies
+/// between its last pixel and its next row is padding, which stays.
 void CopyRows(const tm_quorvane_image& pImage, const TmEngine::cBitmapLDR& pFrom, unsigned char* pTo) {
-  const std::ptrdiff_t packedBytes = static_cast<std::ptrdiff_t>(pImage.width) * 3 * (pImage.output_bits / 8);
-  const std::ptrdiff_t rowBytes =
-      static_cast<std::ptrdiff_t>(pImage.output_row_pitch) * pImage.output_bits / 8;
-  const std::ptrdiff_t copied = std::min(packedBytes, rowBytes);
+  const std::ptrdiff_t width = pImage.width;
+  const std::ptrdiff_t sampleBytes = pImage.output_bits / 8;
+  const std::ptrdiff_t packedBytes = width * 3 * sampleBytes;
+  const std::ptrdiff_t pixelsBytes = width * pImage.samples_per_pixel * sampleBytes;
+  const std::ptrdiff_t rowBytes = pImage.output_row_pitch * sampleBytes;
+  const std::ptrdiff_t copied = std::min({packedBytes, pixelsBytes, rowBytes});
   if (copied <= 0) return;
   const unsigned char* from = pFrom.GetBitmapData();
-  if (rowBytes == packedBytes && pFrom.GetStride() == packedBytes) {
+  if (rowBytes == packedBytes && copied == packedBytes && pFrom.GetStride() == packedBytes) {
     std::memcpy(pTo, from, static_cast<std::size_t>(packedBytes) * static_cast<std::size_t>(pImage.height));
     return;
   }

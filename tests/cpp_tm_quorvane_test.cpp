@@ -28,8 +28,8 @@ const char* const kSevenLines =
     "White/Black Clip: 0.50 1.50 Test1: 0.25\n";
 
 std::string EightLines(int pInputBits, int pOutputBits) {
-  return "zx_tm_quorvane:  4 x 4  - bsp: " + std::to_string(pInputBits) + " -> " + std::to_string(pOutputBits) +
-         "\n" + kSevenLines;
+  return "zx_tm_quorvane:  4 x 4  - bsp: " + std::to_string(pInputBits) + " -> " +
+         std::to_string(pOutputBits) + "\n" + kSevenLines;
 }
 
 void Set(tm_quorvane_settings& pSettings) {
@@ -217,6 +217,11 @@ TEST(cpp_tm_quorvane, WritesNoPaddingOfTheHost) {
     }
     for (std::size_t i = 27 * bytes; i < cut.size(); ++i) EXPECT_EQ(cut[i], 0xA5);
     EXPECT_EQ(WithPitch(bits, 1, -3), std::vector<unsigned char>(60 * bytes, 0xA5));
+    // Pixels of two samples end after 10 of the row's samples; the rest is the host's.
+    const auto two = WithPitch(bits, 1, 12, 2);
+    EXPECT_EQ(std::memcmp(two.data(), packed.data(), 10 * bytes), 0);
+    EXPECT_EQ(two[10 * bytes], 0xA5);
+    EXPECT_EQ(two[34 * bytes], 0xA5);
   }
 }
 

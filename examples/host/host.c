@@ -15,10 +15,10 @@ static unsigned char* make_picture(void) {
   for (int y = 0; y < kHeight; ++y) {
     unsigned char* row = rgbe + (size_t)4 * kWidth * (size_t)y;
     for (int x = 0; x < kWidth; ++x) {
-      row[x] = (unsigned char)(128 + (x * 5 + y * 3) % 120);             /* red mantissas */
+      row[x] = (unsigned char)(128 + (x * 5 + y * 3) % 120);               /* red mantissas */
       row[kWidth + x] = (unsigned char)(110 + (x / 24 + y / 24) % 2 * 60); /* green */
-      row[2 * kWidth + x] = (unsigned char)(160 - y * 120 / kHeight);    /* blue */
-      row[3 * kWidth + x] = (unsigned char)(122 + 14 * x / kWidth);      /* exponents */
+      row[2 * kWidth + x] = (unsigned char)(160 - y * 120 / kHeight);      /* blue */
+      row[3 * kWidth + x] = (unsigned char)(122 + 14 * x / kWidth);        /* exponents */
     }
   }
   return rgbe;

@@ -1,0 +1,184 @@
+#include "engine/cBitmap.h"
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <climits>
+#include <cstring>
+
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapBGR8.h"
+#include "engine/cBitmapU16T.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cBitmapXYZ32T.h"
+#include "engine/cBitmapY32.h"
+#include "engine/cBitmapY8.h"
+#include "tests/BitmapTestTools.h"
+
+TM_TEST_NULL_ON_HUGE_ALLOCATION
+
+namespace TmEngine {
+namespace {
+
+/// What the rules of every untiled image need to know about a class.
+struct sClass {
+  std::string fName, fSampleType;
+  int fPixelBytes;
+  std::string fMemoryText, fFreeText, fConstructor;
+  std::function<void*(int, int, int&)> fAlloc;
+  std::function<void(void*)> fFree;
+  std::function<void(int, int)> fConstruct;
+};
+
+template <class tBitmap, class tSample, class... tMore>
+sClass Describe(const std::string& pName, const char* pSampleType, int pPixelBytes, const char* pMemoryText,
+                const std::string& pTail, tMore... pMore) {
+  return {"TmEngine::c" + pName,
+          pSampleType,
+          pPixelBytes,
+          pMemoryText,
+          "Argument 'p" + pName.substr(6) + "' cannot be null.",
+          "__cdecl TmEngine::c" + pName + "::c" + pName + "(int,int" + pTail + ")",
+          [](int w, int h, int& s) { return tBitmap::AllocBitmapData(w, h, s); },
+          [](void* p) { tBitmap::FreeBitmapData(static_cast<tSample*>(p)); },
+          [=](int w, int h) { tBitmap(w, h, pMore...); }};
+}
+
+std::vector<sClass> Classes() {
+  const char* const plain = "Out of memory while allocating bitmap array.";
+  const char* const floats = "Cannot alloc bitmap array.";
+  const char* const withID = ",enum TmEngine::eColorSpaceID";
+  const eColorSpaceID id = eColorSpaceID_sRGB;
+  return {Describe<cBitmapBGR8, unsigned char>("BitmapBGR8", "unsigned char", 3, plain, withID, id),
+          Describe<cBitmapBGR16, unsigned short>("BitmapBGR16", "unsigned short", 6, plain, withID, id),
+          Describe<cBitmapXYZ32, float>("BitmapXYZ32", "float", 12, floats, ""),
+          Describe<cBitmapY32, float>("BitmapY32", "float", 4, floats, ""),
+          Describe<cBitmapY8, unsigned char>("BitmapY8", "unsigned char", 1, plain, "")};
+}
+
+TEST(cBitmap, RoundsRowsAndRowCountsUpToFour) {
+  const int sizes[][4] = {{1, 1, 4, 4}, {3, 2, 4, 4}, {4, 4, 4, 4}, {5, 5, 8, 8}, {8, 1, 8, 4}};
+  for (const sClass& each : Classes()) {
+    for (const auto& size : sizes) {
+      int stride = 0;
+      void* const block = each.fAlloc(size[0], size[1], stride);
+      EXPECT_EQ(stride, size[2] * each.fPixelBytes) << each.fName;
+      const std::size_t bytes = static_cast<std::size_t>(size[3] * stride);
+      EXPECT_GE(malloc_usable_size(block), bytes) << each.fName;
+      std::memset(block, 0, bytes);
+      each.fFree(block);
+    }
+  }
+  EXPECT_EQ(cBitmapBGR16(5, 5, eColorSpaceID_sRGB).GetStride(), 48);
+  EXPECT_EQ(cBitmapY8(1, 1).GetStride(), 4);
+}
+
+TEST(cBitmap, ChecksSizesThenMemory) {
+  const std::string width = "Argument pWidth must be greater than zero.";
+  const std::string height = "Argument pHeight must be greater than zero.";
+  for (const sClass& each : Classes()) {
+    int stride = 77;
+    const std::string alloc =
+        each.fSampleType + " *__cdecl " + each.fName + "::AllocBitmapData(int,int,int &)";
+    ExpectChecks(alloc,
+                 {TM_ARG(width, each.fAlloc(0, 0, stride)), TM_ARG(width, each.fAlloc(INT_MIN, 1, stride)),
+                  TM_ARG(height, each.fAlloc(1, 0, stride)),
+                  TM_MEMORY(each.fMemoryText, each.fAlloc(INT_MAX, 1, stride)),
+                  TM_MEMORY(each.fMemoryText, each.fAlloc(INT_MAX, INT_MAX, stride)),
+                  TM_MEMORY(each.fMemoryText, each.fConstruct(1 << 27, INT_MAX))});
+    EXPECT_EQ(stride, 77) << "a failed allocation tells no stride";
+    ExpectChecks(each.fConstructor,
+                 {TM_ARG(width, each.fConstruct(0, 0)), TM_ARG(height, each.fConstruct(1, -1))});
+    ExpectChecks("void __cdecl " + each.fName + "::FreeBitmapData(" + each.fSampleType + " *)",
+                 {TM_NULL(each.fFreeText, each.fFree(nullptr))});
+  }
+}
+
+TEST(cBitmap, SwapsWidthAndHeightOfNoImage) {
+  cBitmapBGR8 bgr8(1, 2, eColorSpaceID_sRGB);
+  cBitmapBGR16 bgr16(1, 2, eColorSpaceID_sRGB);
+  cBitmapXYZ32 xyz32(1, 2);
+  cBitmapY32 y32(1, 2);
+  cBitmapY8 y8(1, 2);
+  cBitmapU16T u16(1, 2, 1);
+  cBitmapXYZ32T tiled(1, 2);
+  for (cBitmap* bitmap : std::initializer_list<cBitmap*>{&bgr8, &bgr16, &xyz32, &y32, &y8, &u16, &tiled}) {
+    ExpectChecks(
+        "void __cdecl TmEngine::cBitmap::SwapWidthHeight(void)",
+        {TM_STATE("SwapWidthHeight() is not implemented for this class.", bitmap->SwapWidthHeight())});
+    EXPECT_EQ(bitmap->GetWidth(), 1);
+    EXPECT_EQ(bitmap->GetHeight(), 2);
+  }
+}
+
+TEST(cBitmap, CopiesCheckTheirSourceInOrder) {
+  cBitmapBGR8 bgr8(2, 3, eColorSpaceID_sRGB);
+  cBitmapBGR16 bgr16(2, 3, eColorSpaceID_sRGB);
+  cBitmapXYZ32 xyz32(2, 3);
+  cBitmapXYZ32T tiled(2, 3);
+  const auto check = [](const std::string& pMember, const std::string& pName, const std::string& pLeastStride,
+                        int pLeast, auto pCopy) {
+    ExpectChecks(
+        "void __cdecl TmEngine::" + pMember,
+        {TM_ARG("Argument pFromWidth must be equal to this->fWidth.", pCopy(3, 2, pLeast - 1)),
+         TM_ARG("Argument pFromWidth must be equal to this->fHeight.", pCopy(2, 2, pLeast - 1)),
+         TM_ARG("Argument pFromStride must be greater than or equal to " + pLeastStride + "*this->fWidth.",
+                pCopy(2, 3, pLeast - 1)),
+         TM_NULL("Argument " + pName + " cannot be null.", pCopy(2, 3, pLeast))});
+  };
+  check("cBitmapBGR8::CopyFromBGR8(int,int,int,unsigned char *)", "pFromBGR8", "3", 6,
+        [&](int w, int h, int s) { bgr8.CopyFromBGR8(w, h, s, nullptr); });
+  check("cBitmapBGR16::CopyFromBGR16(int,int,int,unsigned char *)", "pFromBGR16", "3", 12,
+        [&](int w, int h, int s) { bgr16.CopyFromBGR16(w, h, s, nullptr); });
+  check("cBitmapBGR16::CopyFromLittleEndianRGB16(int,int,int,unsigned short *)", "pFromLERGB16", "2*3", 12,
+        [&](int w, int h, int s) { bgr16.CopyFromLittleEndianRGB16(w, h, s, nullptr); });
+  check("cBitmapXYZ32::CopyFromXYZ32(int,int,int,const float *)", "pFromXYZ32", "12", 24,
+        [&](int w, int h, int s) { xyz32.CopyFromXYZ32(w, h, s, nullptr); });
+  check("cBitmapXYZ32T::CopyFromXYZ32(int,int,int,const float *)", "pFromXYZ32", "12", 24,
+        [&](int w, int h, int s) { tiled.CopyFromXYZ32(w, h, s, nullptr); });
+}
+
+/// Copies two rows, pFromStride bytes apart, into a 2 x 2 image full of 0xEE.
+template <class tCopy>
+void CheckCopy(const cBitmap& pImage, void* pData, int pFromStride, const tCopy& pCopy) {
+  const int stride = pImage.GetStride();
+  const int written = pFromStride == stride ? stride : stride / 2;
+  unsigned char* const bytes = static_cast<unsigned char*>(pData);
+  std::memset(bytes, 0xEE, static_cast<std::size_t>(4 * stride));
+  alignas(4) unsigned char source[128];
+  for (int i = 0; i < 128; ++i) source[i] = static_cast<unsigned char>(i);
+  pCopy(pFromStride, source);
+  for (int i = 0; i < 4 * stride; ++i) {
+    const int y = i / stride, x = i % stride;
+    EXPECT_EQ(bytes[i], y < 2 && x < written ? y * pFromStride + x : 0xEE) << pFromStride << " " << i;
+  }
+}
+
+TEST(cBitmap, CopiesAdvanceInBytesAndKeepThePaddingUnlessStridesAreEqual) {
+  cBitmapBGR8 bgr8(2, 2, eColorSpaceID_sRGB);
+  cBitmapBGR16 bgr16(2, 2, eColorSpaceID_sRGB);
+  cBitmapXYZ32 xyz32(2, 2);
+  for (const int add : {0, 1, 6, 7}) {
+    CheckCopy(bgr8, bgr8.GetBitmapData(), 6 + add,
+              [&](int s, unsigned char* p) { bgr8.CopyFromBGR8(2, 2, s, p); });
+    CheckCopy(bgr16, bgr16.GetBitmapData(), 12 + 2 * add - add % 2,
+              [&](int s, unsigned char* p) { bgr16.CopyFromBGR16(2, 2, s, p); });
+    CheckCopy(xyz32, xyz32.GetBitmapData(), 24 + 4 * add - add % 2, [&](int s, unsigned char* p) {
+      xyz32.CopyFromXYZ32(2, 2, s, reinterpret_cast<const float*>(p));
+    });
+  }
+}
+
+TEST(cBitmap, TellsTheFileOfItsClass) {
+  try {
+    cBitmapBGR16::FreeBitmapData(nullptr);
+    FAIL();
+  } catch (const cException& exception) {
+    EXPECT_STREQ(exception.GetFile(), ".\\cBitmapBGR16.cpp");
+    EXPECT_EQ(std::strlen(exception.GetTimestamp()), 24u);
+    EXPECT_GT(exception.GetLine(), 0);
+  }
+}
+
+}  // namespace
+}  // namespace TmEngine

@@ -1,0 +1,346 @@
+// The exported function against the plain second writing in reference/: every byte of the output buffer, the
+// lines on standard error, the result and the changed settings.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "StderrCapture.h"
+#include "export/quorvane.h"
+#include "reference/ReferenceToneMapper.h"
+
+namespace {
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+class cRandom {
+ public:
+  explicit cRandom(std::uint64_t pSeed) : fState(pSeed * 0x9E3779B97F4A7C15u + 1) {}
+  std::uint32_t Next() {
+    fState ^= fState << 13;
+    fState ^= fState >> 7;
+    fState ^= fState << 17;
+    return static_cast<std::uint32_t>((fState * 0x2545F4914F6CDD1Du) >> 32);
+  }
+  int Below(int pLimit) { return static_cast<int>(Next() % static_cast<std::uint32_t>(pLimit)); }
+  bool OneIn(int pCount) { return Below(pCount) == 0; }
+  float Between(float pLow, float pHigh) {
+    return pLow + (pHigh - pLow) * (static_cast<float>(Next() >> 8) / 16777216.0f);
+  }
+
+ private:
+  std::uint64_t fState;
+};
+
+enum class ePicture { kRandom, kGradient, kBlackSpots, kFlat, kBrightPixel, kDeep, kCount };
+
+struct sCase {
+  tm_quorvane_image fImage{};
+  tm_quorvane_settings fSettings{};
+  int fColorSpace = 0;
+  ePicture fPicture = ePicture::kRandom;
+  std::uint64_t fSeed = 0;
+};
+
+std::string Describe(const sCase& pCase) {
+  const tm_quorvane_image& image = pCase.fImage;
+  const tm_quorvane_settings& settings = pCase.fSettings;
+  char text[500];
+  std::snprintf(
+      text, sizeof(text),
+      "seed %d: %d x %d, N %d, %d -> %d bits, pitch %d, order %d, space %d, picture %d, strength %g, "
+      "lighting %g, tone compression %g, white clip %g, black clip %g, microcontrast %g, wrap %g",
+      static_cast<int>(pCase.fSeed), image.width, image.height, image.samples_per_pixel, image.input_bits,
+      image.output_bits, image.output_row_pitch, image.reversed_order, pCase.fColorSpace,
+      static_cast<int>(pCase.fPicture), settings.strength, settings.lighting, settings.tone_compression,
+      settings.white_clip, settings.black_clip, settings.microcontrast, settings.horizontal_wrap);
+  return text;
+}
+
+// ---- Pictures ----
+
+/// A sample's brightness in [0, 1].
+float Level(const sCase& pCase, int x, int y, int pChannel, cRandom& pRandom) {
+  const tm_quorvane_image& image = pCase.fImage;
+  const auto along = static_cast<float>(x + 1) / static_cast<float>(image.width + 1);
+  const auto down = static_cast<float>(y + 1) / static_cast<float>(image.height + 1);
+  const float random = pRandom.Between(0.0f, 1.0f);
+  const int channels = image.input_bits == 32 ? 3 : image.samples_per_pixel;
+  switch (pCase.fPicture) {
+    case ePicture::kGradient:
+      return along * (0.3f + 0.7f * down) * (pChannel == 0 ? 1.0f : 0.8f);
+    case ePicture::kBlackSpots:
+      return (x * 7 + y * 3) % 5 == 0 ? 0.0f : random;
+    case ePicture::kFlat:
+      return 0.4f + 0.5f * static_cast<float>(pChannel) / static_cast<float>(channels);
+    case ePicture::kBrightPixel:
+      return x == image.width / 2 && y == image.height / 2 ? 1.0f : 0.05f;
+    default:
+      return random;
+  }
+}
+
+template <class tSample>
+void FillCoded(const sCase& pCase, float pMax, cRandom& pRandom, std::vector<std::uint8_t>& pBytes) {
+  const tm_quorvane_image& image = pCase.fImage;
+  for (int y = 0; y < image.height; ++y) {
+    for (int x = 0; x < image.width; ++x) {
+      for (int channel = 0; channel < image.samples_per_pixel; ++channel) {
+        const auto sample = static_cast<tSample>(Level(pCase, x, y, channel, pRandom) * pMax);
+        const auto* bytes = reinterpret_cast<const std::uint8_t*>(&sample);
+        pBytes.insert(pBytes.end(), bytes, bytes + sizeof(tSample));
+      }
+    }
+  }
+}
+
+void FillRgbe(const sCase& pCase, cRandom& pRandom, std::vector<std::uint8_t>& pBytes) {
+  const tm_quorvane_image& image = pCase.fImage;
+  for (int y = 0; y < image.height; ++y) {
+    for (int channel = 0; channel < 3; ++channel) {
+      for (int x = 0; x < image.width; ++x) {
+        pBytes.push_back(static_cast<std::uint8_t>(Level(pCase, x, y, channel, pRandom) * 255.0f));
+      }
+    }
+    for (int x = 0; x < image.width; ++x) {
+      int exponent = 130;
+      if (pCase.fPicture == ePicture::kRandom) exponent = 122 + pRandom.Below(14);
+      if (pCase.fPicture == ePicture::kGradient) exponent = 126 + 8 * x / image.width;
+      if (pCase.fPicture == ePicture::kBlackSpots) exponent = pRandom.OneIn(4) ? 0 : 128;
+      if (pCase.fPicture == ePicture::kDeep) exponent = pRandom.Below(256);
+      pBytes.push_back(static_cast<std::uint8_t>(exponent));
+    }
+  }
+}
+
+std::vector<std::uint8_t> MakeInput(const sCase& pCase) {
+  cRandom random(pCase.fSeed + 1000000);
+  std::vector<std::uint8_t> bytes;
+  switch (pCase.fImage.input_bits) {
+    case 8:
+      FillCoded<std::uint8_t>(pCase, 255.0f, random, bytes);
+      break;
+    case 16:
+      FillCoded<std::uint16_t>(pCase, 65535.0f, random, bytes);
+      break;
+    default:
+      FillRgbe(pCase, random, bytes);
+  }
+  return bytes;
+}
+
+// ---- One call on each side ----
+
+struct sOutcome {
+  int fResult = 0;
+  std::string fException, fLog;
+  tm_quorvane_settings fSettings{};
+  std::vector<std::uint8_t> fOutput;
+};
+
+constexpr std::uint8_t kSentinel = 0xA5;
+
+/// The host's buffer as small as it may be, and some bytes behind it that nobody may touch.
+std::vector<std::uint8_t> MakeOutput(const tm_quorvane_image& pImage) {
+  const std::int64_t samples = std::int64_t{pImage.height - 1} * pImage.output_row_pitch +
+                               std::int64_t{pImage.width} * pImage.samples_per_pixel;
+  return std::vector<std::uint8_t>(static_cast<std::size_t>(samples * (pImage.output_bits / 8) + 16),
+                                   kSentinel);
+}
+
+template <class tCall>
+sOutcome Call(const sCase& pCase, const tCall& pCall) {
+  sOutcome outcome;
+  outcome.fSettings = pCase.fSettings;
+  outcome.fOutput = MakeOutput(pCase.fImage);
+  try {
+    outcome.fResult = pCall(outcome);
+  } catch (const std::runtime_error& exception) {
+    outcome.fException = exception.what();
+  }
+  return outcome;
+}
+
+sOutcome CallReference(const sCase& pCase, const std::vector<std::uint8_t>& pInput) {
+  return Call(pCase, [&](sOutcome& pOutcome) {
+    return Reference::ToneMap(pCase.fImage, pCase.fColorSpace, pOutcome.fSettings, pInput.data(),
+                              pOutcome.fOutput.data(), &pOutcome.fLog);
+  });
+}
+
+sOutcome CallLibrary(const sCase& pCase, const std::vector<std::uint8_t>& pInput) {
+  cStderrCapture capture;
+  sOutcome outcome = Call(pCase, [&](sOutcome& pOutcome) {
+    return cpp_tm_quorvane(&pCase.fImage, nullptr, pCase.fColorSpace, &pOutcome.fSettings, pInput.data(),
+                           pOutcome.fOutput.data());
+  });
+  outcome.fLog = capture.Text();
+  return outcome;
+}
+
+std::string FirstDifference(const sCase& pCase, const sOutcome& pLibrary, const sOutcome& pReference) {
+  const int bytes = pCase.fImage.output_bits / 8;
+  for (std::size_t i = 0; i < pLibrary.fOutput.size(); ++i) {
+    if (pLibrary.fOutput[i] == pReference.fOutput[i]) continue;
+    const auto sample = static_cast<int>(i) / bytes;
+    return "sample " + std::to_string(sample % pCase.fImage.output_row_pitch) + " of row " +
+           std::to_string(sample / pCase.fImage.output_row_pitch) + ", byte " + std::to_string(i) +
+           ": library " + std::to_string(pLibrary.fOutput[i]) + ", reference " +
+           std::to_string(pReference.fOutput[i]);
+  }
+  return "none";
+}
+
+void ExpectSame(const sCase& pCase) {
+  const std::vector<std::uint8_t> input = MakeInput(pCase);
+  const sOutcome reference = CallReference(pCase, input);
+  const sOutcome library = CallLibrary(pCase, input);
+  SCOPED_TRACE(Describe(pCase));
+  EXPECT_EQ(library.fResult, reference.fResult);
+  EXPECT_EQ(library.fException, reference.fException);
+  EXPECT_EQ(library.fLog, reference.fLog);
+  EXPECT_EQ(std::memcmp(&library.fSettings, &reference.fSettings, sizeof(tm_quorvane_settings)), 0);
+  EXPECT_EQ(FirstDifference(pCase, library, reference), "none");
+}
+
+// ---- Cases ----
+
+void RandomSettings(sCase& pCase, cRandom& pRandom) {
+  tm_quorvane_settings& settings = pCase.fSettings;
+  settings.strength = pRandom.OneIn(3) ? 0.0f : pRandom.Between(-240.0f, 170.0f);
+  settings.lighting = pRandom.OneIn(3) ? 0.0f : pRandom.Between(-14.0f, 10.0f);
+  settings.tone_compression = pRandom.OneIn(2) ? 0.0f : pRandom.Between(0.0f, 50.0f);
+  settings.white_clip = pRandom.OneIn(3) ? 0.0f : pRandom.Between(0.0f, 100.0f);
+  settings.black_clip = pRandom.OneIn(3) ? 0.0f : pRandom.Between(0.0f, 5.0f);
+  settings.microcontrast = pRandom.OneIn(3) ? 0.0f : pRandom.Between(-11.0f, 10.0f);
+  settings.test1 = pRandom.OneIn(2) ? 1.0f : 0.999f;
+  settings.horizontal_wrap = pRandom.OneIn(2) ? 1.0f : 0.0f;
+  if (!pRandom.OneIn(16)) return;
+  constexpr float kFar[] = {-900.0f, -130.0f, 40.0f, 900.0f, 1e30f, -1e30f, kInfinity, -kInfinity, kNaN};
+  const float value = kFar[pRandom.Below(9)];
+  switch (pRandom.Below(6)) {  // far out of range, one slider at a time: two would ask for a giant grid
+    case 0:
+      settings.strength = value;
+      break;
+    case 1:
+      settings.lighting = value;
+      break;
+    case 2:
+      settings.tone_compression = value;
+      break;
+    case 3:
+      settings.white_clip = value;
+      break;
+    case 4:
+      settings.black_clip = value;
+      break;
+    default:
+      settings.microcontrast = value;
+      pCase.fImage.height = 1;
+  }
+}
+
+constexpr int kWidths = 17;
+constexpr int kDepths[6][2] = {{8, 8}, {8, 16}, {16, 8}, {16, 16}, {32, 8}, {32, 16}};
+constexpr int kSystematic = kWidths * 2 * 6;
+constexpr int kCases = 1200;
+constexpr int kShards = 12;
+
+/// The first cases go through each width, order and depths once; all else is drawn from the seed.
+sCase MakeCase(int pSeed) {
+  cRandom random(static_cast<std::uint64_t>(pSeed));
+  sCase result;
+  result.fSeed = static_cast<std::uint64_t>(pSeed);
+  const int choice = pSeed < kSystematic ? pSeed : random.Below(kSystematic);
+  const int* depths = kDepths[choice / (2 * kWidths)];
+  tm_quorvane_image& image = result.fImage;
+  image.width = choice % kWidths + 1;
+  image.height = random.Below(9) + 1;
+  image.samples_per_pixel = random.OneIn(4) ? 4 : random.OneIn(8) ? 1 + random.Below(2) : 3;
+  image.input_bits = depths[0];
+  image.output_bits = depths[1];
+  image.reversed_order = choice / kWidths % 2;
+  image.output_row_pitch =
+      image.samples_per_pixel * image.width + (random.OneIn(3) ? 0 : 1 + random.Below(9));
+  result.fColorSpace = random.Below(3);
+  result.fPicture = static_cast<ePicture>(random.Below(static_cast<int>(ePicture::kCount)));
+  RandomSettings(result, random);
+  return result;
+}
+
+class SmallPictures : public testing::TestWithParam<int> {};
+
+TEST_P(SmallPictures, AgreeToTheBit) {
+  for (int seed = GetParam(); seed < kCases; seed += kShards) ExpectSame(MakeCase(seed));
+}
+
+INSTANTIATE_TEST_SUITE_P(Shards, SmallPictures, testing::Range(0, kShards));
+
+TEST(LargePictures, AgreeToTheBit) {
+  for (const int seed : {1, 2, 3}) {
+    sCase large = MakeCase(seed);
+    large.fImage = {.width = 300,
+                    .height = 200,
+                    .samples_per_pixel = 3,
+                    .input_bits = seed == 2 ? 16 : 32,
+                    .output_bits = seed == 1 ? 8 : 16,
+                    .reserved0 = 0,
+                    .output_row_pitch = 907,
+                    .reversed_order = seed == 3,
+                    .reserved1 = {}};
+    large.fPicture = seed == 2 ? ePicture::kBlackSpots : ePicture::kGradient;
+    large.fSettings.microcontrast = static_cast<float>(seed) - 2.0f;
+    large.fSettings.horizontal_wrap = seed == 2 ? 0.0f : 1.0f;
+    ExpectSame(large);
+  }
+}
+
+TEST(WaysOut, AgreeInResultTextAndLines) {
+  const struct {
+    int fInputBits, fOutputBits, fColorSpace, fSamples;
+    float fLighting, fMicrocontrast;
+  } rows[] = {
+      {8, 8, 3, 3, 0.0f, 0.0f},  {8, 8, -1, 3, 0.0f, 0.0f}, {12, 8, 0, 3, 0.0f, 0.0f},
+      {24, 8, 3, 0, kNaN, kNaN}, {0, 16, 1, 0, 0.0f, 0.0f}, {8, 12, 0, 3, kNaN, 0.0f},
+      {8, 8, 0, 0, kNaN, kNaN},  {16, 8, 0, 3, kNaN, kNaN}, {32, 8, 0, 3, kNaN, 0.0f},
+  };
+  for (const auto& row : rows) {
+    sCase failing = MakeCase(5);
+    failing.fImage.input_bits = row.fInputBits;
+    failing.fImage.output_bits = row.fOutputBits;
+    failing.fImage.samples_per_pixel = row.fSamples;
+    failing.fImage.output_row_pitch = 3 * failing.fImage.width;
+    failing.fColorSpace = row.fColorSpace;
+    failing.fSettings.lighting = row.fLighting;
+    failing.fSettings.microcontrast = row.fMicrocontrast;
+    ExpectSame(failing);
+  }
+}
+
+/// What follows from the formulas by hand, so that both sides cannot be wrong alike.
+TEST(Reference, KeepsKnownFigures) {
+  const std::vector<float> ramp = {0.2f, 0.2f, 0.2f, 0.4f, 0.5f, 0.3f, 2.0f, 2.0f, 1.0f, 0.1f, 0.1f, 0.2f};
+  const double dark = std::pow(2.0, -0.35);
+  const struct {
+    float fStrength;
+    double fExposureScale;
+  } rows[] = {{100.0f, std::pow(0.5, 2.2) * dark}, {0.0f, 1.0}, {50.0f, dark / std::sqrt(2.0)}};
+  for (const auto& row : rows) {
+    Reference::sEngineValues values;
+    values.fStrength = row.fStrength;
+    const Reference::sPicture picture = Reference::ToneMapXYZ(4, 1, ramp, values, 16, 0, nullptr);
+    EXPECT_NEAR(picture.fStatistics.fExposureScale, row.fExposureScale, 1e-6) << row.fStrength;
+    EXPECT_EQ(picture.fBGR.size(), 12u);
+    EXPECT_EQ(picture.fStatistics.fMaxY, 2.0f);
+  }
+  std::vector<float> box = {0.0f, 0.0f, 1.0f, 0.0f, 0.0f};
+  Reference::BoxSmooth(box.data(), box.data(), 5, 1, 1.58f);
+  EXPECT_NEAR(box[2], 0.2592f, 2e-4f);  // three boxes of three, with shorter windows at the ends
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// What the reference's own files share.
+namespace Reference {
+
+/// A vector that takes signed indexes, as the formulas have them.
+template <class tValue>
+struct tList : std::vector<tValue> {
+  using std::vector<tValue>::vector;
+  tValue& operator[](std::int64_t i) { return this->data()[i]; }
+  const tValue& operator[](std::int64_t i) const { return this->data()[i]; }
+};
+
+template <class tValue, int kCount>
+struct tFixed {
+  tValue fValues[kCount];
+  tValue& operator[](int i) { return fValues[i]; }
+  const tValue& operator[](int i) const { return fValues[i]; }
+};
+
+using tMatrix = tFixed<float, 9>;  // row-major
+
+/// Appends a formatted line of any length.
+[[gnu::format(printf, 2, 3)]] void Log(std::string* pLog, const char* pFormat, ...);
+
+/// Every power in double goes through here: a base or exponent that the compiler knows would let it take
+/// another function, which rounds differently.
+double Power(double pBase, double pExponent);
+
+/// pValue in [0, 1] as an index 0 to 65535, truncated; values outside go to the ends, a NaN to 0.
+int Index16(float pValue);
+
+constexpr int kProPhoto = 2;
+
+tMatrix RgbToXyzD50(int pColorSpace);
+tMatrix XyzD50ToRgb(int pColorSpace);
+tMatrix Product(const tMatrix& pA, const tMatrix& pB);
+
+/// Linear light, quantised to 16 bits, to the 16-bit code of the colour space.
+const tList<std::uint16_t>& EncodingTable(int pColorSpace);
+
+/// The contrast curve at position pPosition of its key frames, 65536 entries.
+tList<float> ToneCurve(float pPosition);
+
+struct sHexcone {
+  float fRGB[3];
+};
+/// The saturated colour of each hue code under flat hue curves, 65536 entries.
+tList<sHexcone> HueTable();
+
+}  // namespace Reference
