@@ -291,7 +291,7 @@ TEST_F(QuorvaneTool, DecodesThroughTheEmbeddedProfile) {
     const float* p = &scene.fSamples[i];
     const TmEngine::cVector3 wide = toWide * TmEngine::cVector3(p[0], p[1], p[2]);
     for (int k = 0; k < 3; ++k) {
-      samples.push_back(static_cast<unsigned short>(std::pow(wide[k], 1.0f / 1.8f) * 65535.0f + 0.5f));
+      samples.push_back(static_cast<unsigned short>(std::lround(std::pow(wide[k], 1.0f / 1.8f) * 65535.0f)));
     }
   }
   const std::string profile = ProfileOf(TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile());
