@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <vector>
 #include <vips/vips8>
 
 #include "cli/Failure.h"
 #include "cli/VipsLibrary.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
 
 namespace Cli {
 namespace {
@@ -28,12 +25,6 @@ constexpr sEnding kEndings[] = {{".png", eOutputFormat::kPng},
                                 {".tiff", eOutputFormat::kTiff},
                                 {".jpg", eOutputFormat::kJpeg},
                                 {".jpeg", eOutputFormat::kJpeg}};
-
-class cSilentBitmapBGR8 : public TmEngine::cBitmapBGR8 {
- public:
-  using cBitmapBGR8::cBitmapBGR8;
-  ~cSilentBitmapBGR8() override { std::free(TakeBitmapData()); }
-};
 
 TmEngine::sIccProfile GetProfile(eColorSpaceID pColorSpace) {
   switch (pColorSpace) {
@@ -96,11 +87,6 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth) {
     throw cFailure(eExitCode_Usage, pFile, "JPEG holds 8 bits only; use --depth 8, or write .png or .tif");
   }
   return found->fFormat;
-}
-
-std::unique_ptr<cBitmapLDR> MakeOutputBitmap(int pWidth, int pHeight, int pDepth, eColorSpaceID pColorSpace) {
-  if (pDepth == 16) return std::make_unique<TmEngine::cBitmapBGR16>(pWidth, pHeight, pColorSpace);
-  return std::make_unique<cSilentBitmapBGR8>(pWidth, pHeight, pColorSpace);
 }
 
 void WritePicture(cBitmapLDR& pBitmap, eColorSpaceID pColorSpace, eOutputFormat pFormat, cTempFile& pFile) {

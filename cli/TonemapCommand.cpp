@@ -15,6 +15,7 @@
 #include "engine/ToneMapImage.h"
 #include "engine/cBitmapXYZ32.h"
 #include "export/HostSettings.h"
+#include "export/OutputBitmap.h"
 
 namespace Cli {
 namespace {

@@ -1,16 +1,15 @@
+#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "engine/TmCheck.h"
 #include "engine/ToneMapImage.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
 #include "engine/cImageUtils.h"
 #include "export/HostSettings.h"
+#include "export/OutputBitmap.h"
 #include "export/PixelExport.h"
 #include "export/PixelImport.h"
 #include "export/quorvane.h"
@@ -27,31 +26,6 @@ namespace {
 
 constexpr int kDone = 1;
 constexpr int kUnsupported = -2;
-
-/// Destroys an output image; an 8-bit one without the line that it writes when it frees its pixels itself.
-struct sReleaseOutput {
-  void operator()(cBitmapLDR* pImage) const {
-    if (auto* bgr8 = dynamic_cast<cBitmapBGR8*>(pImage)) std::free(bgr8->TakeBitmapData());
-    delete pImage;
-  }
-};
-using tOutput = std::unique_ptr<cBitmapLDR, sReleaseOutput>;
-
-bool HasOutput(const tm_quorvane_image& pImage) {
-  return pImage.output_bits == 8 || pImage.output_bits == 16;
-}
-
-/// Null for an output depth that the engine does not make.
-tOutput MakeOutput(const tm_quorvane_image& pImage, eColorSpaceID pID) {
-  switch (pImage.output_bits) {
-    case 8:
-      return tOutput(new cBitmapBGR8(pImage.width, pImage.height, pID));
-    case 16:
-      return tOutput(new cBitmapBGR16(pImage.width, pImage.height, pID));
-    default:
-      return nullptr;
-  }
-}
 
 void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettings,
                  const sToneParameters& pParameters) {
@@ -75,8 +49,8 @@ void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pS
 
 void CheckPixels(const tm_quorvane_image& pImage, const void* pInputPixels, const void* pOutputPixels) {
   TM_CHECK(pInputPixels != nullptr, cArgumentNullException, "Argument pInputPixels cannot be null.");
-  TM_CHECK(pOutputPixels != nullptr || !HasOutput(pImage), cArgumentNullException,
-           "Argument pOutputPixels cannot be null.");
+  TM_CHECK(pOutputPixels != nullptr || (pImage.output_bits != 8 && pImage.output_bits != 16),
+           cArgumentNullException, "Argument pOutputPixels cannot be null.");
   TM_CHECK(pImage.samples_per_pixel >= 1, cArgumentException,
            "Argument pSamplesPerPixel must be greater than zero.");
 }
@@ -88,7 +62,7 @@ void ToneMapPicture(const tm_quorvane_image& pImage, eColorSpaceID pID, const sT
   cBitmapXYZ32 input(pImage.width, pImage.height);
   ImportPixels(pImage, pID == eColorSpaceID_ProPhotoRGB ? 1.8 : 2.2, pInputPixels, input);
   cImageUtils::ColorTransform(&input, colorSpace->GetRGBToXYZ());
-  const tOutput output = MakeOutput(pImage, pID);
+  const auto output = MakeOutputBitmap(pImage.width, pImage.height, pImage.output_bits, pID);
   ToneMapImage(input, output.get(), pParameters, true);
   ExportPixels(pImage, *output, pOutputPixels);
 }

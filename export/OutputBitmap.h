@@ -1,0 +1,10 @@
+#pragma once
+
+#include <memory>
+
+#include "engine/cBitmapLDR.h"
+
+/// An output image that frees its pixels silently (an 8-bit image writes a line when it frees them itself).
+/// Null for a depth other than 8 and 16. Throws what the images' constructors throw.
+std::unique_ptr<TmEngine::cBitmapLDR> MakeOutputBitmap(int pWidth, int pHeight, int pBitDepth,
+                                                       TmEngine::eColorSpaceID pID);
