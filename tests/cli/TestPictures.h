@@ -21,13 +21,14 @@ struct sTestPicture {
   int fHeight = 0;
   std::vector<float> fSamples;  ///< Red, green, blue.
 
-  float* GetPixel(int pX, int pY) { return &fSamples[static_cast<std::size_t>(3 * (pY * fWidth + pX))]; }
+  float* GetPixel(int pX, int pY) { return fSamples.data() + 3 * (pY * fWidth + pX); }
 };
 
 /// pDecades of light from left to right, colours from top to bottom, and a bright corner: no two ways of
 /// turning it look alike.
 inline sTestPicture MakeScene(int pWidth = 48, int pHeight = 32, float pDecades = 4.0f) {
-  sTestPicture scene{pWidth, pHeight, std::vector<float>(static_cast<std::size_t>(3 * pWidth * pHeight))};
+  sTestPicture scene{pWidth, pHeight, {}};
+  scene.fSamples.resize(std::size_t{3} * static_cast<unsigned>(pWidth) * static_cast<unsigned>(pHeight));
   for (int y = 0; y < pHeight; ++y) {
     for (int x = 0; x < pWidth; ++x) {
       const float u = static_cast<float>(x) / static_cast<float>(pWidth);
@@ -44,7 +45,7 @@ inline sTestPicture MakeScene(int pWidth = 48, int pHeight = 32, float pDecades 
 inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
   std::ofstream stream(pFile, std::ios::binary);
   stream << "PF\n" << pPicture.fWidth << ' ' << pPicture.fHeight << "\n-1.0\n";
-  const auto row = static_cast<std::size_t>(3 * pPicture.fWidth);
+  const std::size_t row = std::size_t{3} * static_cast<unsigned>(pPicture.fWidth);
   for (auto y = static_cast<std::size_t>(pPicture.fHeight); y-- > 0;) {
     stream.write(reinterpret_cast<const char*>(&pPicture.fSamples[y * row]),
                  static_cast<std::streamsize>(row * sizeof(float)));
@@ -105,7 +106,7 @@ inline vips::VImage ToVips16(const sTestPicture& pPicture) {
   for (const float linear : pPicture.fSamples) {
     const double x = std::clamp(static_cast<double>(linear), 0.0, 1.0);
     const double encoded = x <= 0.0031308 ? 12.92 * x : 1.055 * std::pow(x, 1.0 / 2.4) - 0.055;
-    samples.push_back(static_cast<unsigned short>(encoded * 65535.0 + 0.5));
+    samples.push_back(static_cast<unsigned short>(std::lround(encoded * 65535.0)));
   }
   return vips::VImage::new_from_memory(samples.data(), samples.size() * sizeof(unsigned short),
                                        pPicture.fWidth, pPicture.fHeight, 3, VIPS_FORMAT_USHORT)
