@@ -27,16 +27,15 @@ std::string StandardErrorOf(const tCall& pCall) {
 }
 
 TEST(cBitmapLDR, ConstructorsCheckTheirArgumentsInOrder) {
+  const auto check = [](const std::string& pName, auto pMake) {
+    ExpectChecks("__cdecl TmEngine::" + pName + "::" + pName + "(int,int,class TmEngine::cColorSpace *)",
+                 {TM_ARG("Argument pWidth must be greater than zero.", pMake(0, 0)),
+                  TM_ARG("Argument pHeight must be greater than zero.", pMake(1, 0)),
+                  TM_NULL("Argument pReferentColorSpace cannot be null.", pMake(1, 1))});
+  };
   cColorSpace* const none = nullptr;
-  const std::string width = "Argument pWidth must be greater than zero.";
-  const std::string height = "Argument pHeight must be greater than zero.";
-  const std::string space = "Argument pReferentColorSpace cannot be null.";
-  ExpectChecks("__cdecl TmEngine::cBitmapBGR8::cBitmapBGR8(int,int,class TmEngine::cColorSpace *)",
-               {TM_ARG(width, cBitmapBGR8(0, 0, none)), TM_ARG(height, cBitmapBGR8(1, 0, none)),
-                TM_NULL(space, cBitmapBGR8(1, 1, none))});
-  ExpectChecks("__cdecl TmEngine::cBitmapBGR16::cBitmapBGR16(int,int,class TmEngine::cColorSpace *)",
-               {TM_ARG(width, cBitmapBGR16(0, 0, none)), TM_ARG(height, cBitmapBGR16(1, 0, none)),
-                TM_NULL(space, cBitmapBGR16(1, 1, none))});
+  check("cBitmapBGR8", [=](int w, int h) { cBitmapBGR8(w, h, none); });
+  check("cBitmapBGR16", [=](int w, int h) { cBitmapBGR16(w, h, none); });
 }
 
 TEST(cBitmapLDR, ImagesFromDataCheckTheirArgumentsInOrder) {
@@ -136,40 +135,29 @@ TEST(cBitmapLDR, ConversionsCheckTheirArgumentsInOrder) {
   cBitmapBGR8 bgr8(2, 2, kID), narrowLow8(1, 1, kID), low8(2, 1, kID);
   cBitmapBGR16 bgr16(2, 2, kID);
   cBitmapXYZ32 same(2, 2), narrowLow(1, 1), low(2, 1);
-  const auto check = [](const std::string& pSignature, const std::string& pName, auto* pNarrowLow, auto* pLow,
-                        const auto& pCall) {
-    const std::string name = "Argument " + pName;
-    ExpectChecks("void __cdecl TmEngine::" + pSignature,
-                 {TM_NULL(name + " cannot be null.", pCall(decltype(pLow){})),
-                  TM_ARG(name + "->fWidth must be equal to this->fWidth.", pCall(pNarrowLow)),
-                  TM_ARG(name + "->fHeight must be equal to this->fHeight.", pCall(pLow))});
-  };
-  const auto checkFloat = [&](const std::string& pMember, const std::string& pName, const auto& pCall) {
-    check(pMember, pName, &narrowLow, &low, pCall);
+  const std::string begin = "void __cdecl TmEngine::cBitmapBGR", xyz = "XYZ32(class TmEngine::cBitmapXYZ32 *";
+  const std::string table = xyz + ",class TmEngine::cTransferLUT_", end = " *,class TmEngine::cMatrix33)";
+  const auto check = [&](const std::string& pMember, const std::string& pName, const auto& pCall) {
+    ExpectPartnerChecks(begin + pMember, pName, "this", narrowLow, low, pCall);
   };
   const auto checkTable = [&](const std::string& pMember, const std::string& pName, const auto& pCall) {
-    checkFloat(pMember, pName, pCall);
-    ExpectChecks("void __cdecl TmEngine::" + pMember,
-                 {TM_NULL("Argument pCustomTransferLUT cannot be null.", pCall(&same))});
+    check(pMember, pName, pCall);
+    ExpectChecks(begin + pMember, {TM_NULL("Argument pCustomTransferLUT cannot be null.", pCall(&same))});
   };
-  const std::string xyz = "XYZ32(class TmEngine::cBitmapXYZ32 *",
-                    b8 = "cBitmapBGR8::", b16 = "cBitmapBGR16::";
-  const std::string table = xyz + ",class TmEngine::cTransferLUT_", end = " *,class TmEngine::cMatrix33)";
   using tF = cBitmapXYZ32;
   const cMatrix33 m;
-  checkFloat(b8 + "To" + xyz + ")", "pToXYZ32", [&](tF* p) { bgr8.ToXYZ32(p); });
-  checkFloat(b16 + "To" + xyz + ")", "pToXYZ32", [&](tF* p) { bgr16.ToXYZ32(p); });
-  checkFloat(b8 + "From" + xyz + ")", "pFromXYZ32", [&](tF* p) { bgr8.FromXYZ32(p); });
-  checkFloat(b16 + "From" + xyz + ")", "pFromXYZ32", [&](tF* p) { bgr16.FromXYZ32(p); });
-  checkTable(b8 + "To" + table + "I8F32" + end, "pToXYZ32", [&](tF* p) { bgr8.ToXYZ32(p, nullptr, m); });
-  checkTable(b8 + "From" + table + "F32I8" + end, "pFromXYZ32",
-             [&](tF* p) { bgr8.FromXYZ32(p, nullptr, m); });
-  checkTable(b16 + "From" + table + "F32I16" + end, "pFromXYZ32",
+  check("8::To" + xyz + ")", "pToXYZ32", [&](tF* p) { bgr8.ToXYZ32(p); });
+  check("16::To" + xyz + ")", "pToXYZ32", [&](tF* p) { bgr16.ToXYZ32(p); });
+  check("8::From" + xyz + ")", "pFromXYZ32", [&](tF* p) { bgr8.FromXYZ32(p); });
+  check("16::From" + xyz + ")", "pFromXYZ32", [&](tF* p) { bgr16.FromXYZ32(p); });
+  checkTable("8::To" + table + "I8F32" + end, "pToXYZ32", [&](tF* p) { bgr8.ToXYZ32(p, nullptr, m); });
+  checkTable("8::From" + table + "F32I8" + end, "pFromXYZ32", [&](tF* p) { bgr8.FromXYZ32(p, nullptr, m); });
+  checkTable("16::From" + table + "F32I16" + end, "pFromXYZ32",
              [&](tF* p) { bgr16.FromXYZ32(p, nullptr, m); });
-  check(b16 + "FromBGR8(class TmEngine::cBitmapBGR8 *)", "pFromBGR8", &narrowLow8, &low8,
-        [&](cBitmapBGR8* p) { bgr16.FromBGR8(p); });
-  check(b16 + "ToBGR8(class TmEngine::cBitmapBGR8 *)", "pToBGR8", &narrowLow8, &low8,
-        [&](cBitmapBGR8* p) { bgr16.ToBGR8(p); });
+  ExpectPartnerChecks(begin + "16::FromBGR8(class TmEngine::cBitmapBGR8 *)", "pFromBGR8", "this", narrowLow8,
+                      low8, [&](cBitmapBGR8* p) { bgr16.FromBGR8(p); });
+  ExpectPartnerChecks(begin + "16::ToBGR8(class TmEngine::cBitmapBGR8 *)", "pToBGR8", "this", narrowLow8,
+                      low8, [&](cBitmapBGR8* p) { bgr16.ToBGR8(p); });
 }
 
 /// Blue, green, red, white and a grey through D50-relative XYZ and back.

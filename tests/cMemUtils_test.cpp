@@ -102,6 +102,7 @@ TEST(cMemUtils, CopiesInsideABlockOnly) {
   const std::string beyond =
       "Argument 'pDst' cannot be greater than or equal to 'pBlockStart + pBlockLength'.";
   const auto top = reinterpret_cast<void*>(UINTPTR_MAX - 3);  // sums of it wrap; nothing is written there
+  char* const nearTop = reinterpret_cast<char*>(UINTPTR_MAX - 20);
   const auto copy = cMemUtils::SafeMemCopy;
   ExpectChecks(
       "void __cdecl TmEngine::cMemUtils::SafeMemCopy(void *,const void *,unsigned int,void *,unsigned int)",
@@ -113,7 +114,8 @@ TEST(cMemUtils, CopiesInsideABlockOnly) {
        TM_ARG(beyond, copy(block + 4, from, 9, block, 4)),
        TM_ARG(outside, copy(block + 3, from, 2, block, 4)),
        TM_ARG(outside, copy(block + 3, from, UINT_MAX, block, 4)),
-       TM_ARG(outside, copy(top, from, 100, top, 16))});
+       TM_ARG(outside, copy(top, from, 100, top, 16)),
+       TM_ARG(outside, copy(nearTop + 8, from, 100, nearTop, 16))});
   EXPECT_STREQ(block, "abcdefg");
   copy(block + 3, from, 1, block, 4);
   EXPECT_STREQ(block, "abc1efg");

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace Cli {
+
+/// What the program returns to its caller.
+enum eExitCode : int {
+  eExitCode_Done = 0,
+  eExitCode_PictureFailed = 1,  ///< One or more pictures of several failed.
+  eExitCode_Usage = 2,
+  eExitCode_CannotRead = 3,
+  eExitCode_CannotWrite = 4,
+  eExitCode_Processing = 5,
+};
+
+/// The end of the work on one picture: which file, why, and the code that the program returns for it.
+class cFailure : public std::runtime_error {
+ public:
+  /// pFile may be empty where no file is at fault.
+  cFailure(eExitCode pExitCode, const std::string& pFile, const std::string& pReason)
+      : std::runtime_error(pFile.empty() ? pReason : pFile + ": " + pReason), fExitCode(pExitCode) {}
+
+  eExitCode GetExitCode() const { return fExitCode; }
+
+ private:
+  eExitCode fExitCode;
+};
+
+}  // namespace Cli

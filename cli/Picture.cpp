@@ -1,0 +1,34 @@
+#include "cli/Picture.h"
+
+#include <cstddef>
+#include <limits>
+
+#include "cli/Failure.h"
+#include "engine/cException.h"
+
+namespace Cli {
+
+sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
+  const std::string size = std::to_string(pWidth) + " x " + std::to_string(pHeight);
+  if (pWidth < 1 || pHeight < 1)
+    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + size + ")");
+  constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
+  sPicture picture;
+  try {
+    if (pWidth > kLongest || pHeight > kLongest) throw std::bad_alloc();
+    picture.fBitmap =
+        std::make_unique<TmEngine::cBitmapXYZ32>(static_cast<int>(pWidth), static_cast<int>(pHeight));
+  } catch (const std::bad_alloc&) {
+    throw cFailure(eExitCode_CannotRead, pFile, size + " pixels do not fit into memory");
+  } catch (const TmEngine::cOutOfMemoryException&) {
+    throw cFailure(eExitCode_CannotRead, pFile, size + " pixels do not fit into memory");
+  }
+  return picture;
+}
+
+float* GetRow(const sPicture& pPicture, int pY) {
+  return pPicture.fBitmap->GetBitmapData() +
+         static_cast<std::ptrdiff_t>(pPicture.fBitmap->GetStride() / 4) * pY;
+}
+
+}  // namespace Cli

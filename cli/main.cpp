@@ -1,0 +1,47 @@
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "cli/Failure.h"
+#include "cli/TonemapCommand.h"
+
+namespace {
+
+int Report(const std::string& pText, Cli::eExitCode pExitCode) {
+  std::fprintf(stderr, "quorvane: %s\n", pText.c_str());
+  return pExitCode;
+}
+
+int RunProgram(int pCount, char** pArguments) {
+  CLI::App program("Tone mapping for high-dynamic-range photographs.", "quorvane");
+  program.require_subcommand(1);
+  program.set_version_flag("--version", QUORVANE_VERSION);
+  program.footer(
+      "Exit codes: 0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing.\n\n"
+      "Examples:\n"
+      "  quorvane tonemap photo.hdr -o photo.png\n"
+      "  quorvane tonemap --help");
+  Cli::AddTonemapCommand(program);
+  try {
+    program.parse(pCount, pArguments);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return program.exit(error);  // help or version, on standard output
+    return Report(std::string(error.what()) + "\nRun 'quorvane tonemap --help' for what it takes.",
+                  Cli::eExitCode_Usage);
+  }
+  return Cli::eExitCode_Done;
+}
+
+}  // namespace
+
+int main(int pCount, char** pArguments) {
+  try {
+    return RunProgram(pCount, pArguments);
+  } catch (const Cli::cFailure& failure) {
+    return Report(failure.what(), failure.GetExitCode());
+  } catch (const std::exception& exception) {
+    return Report(exception.what(), Cli::eExitCode_Processing);
+  }
+}

@@ -1,0 +1,512 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "engine/ToneMapImage.h"
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cImageUtils.h"
+#include "export/HostSettings.h"
+#include "tests/cli/TestPictures.h"
+
+// The built tool, end to end: it is run in a folder of its own, on pictures made here.
+
+namespace {
+
+namespace fs = std::filesystem;
+using vips::VImage;
+
+struct sRun {
+  int fExitCode = -1;  ///< -1 for an end by a signal.
+  std::string fOutput;
+  std::string fErrors;
+};
+
+/// A picture as it lies on disk.
+struct sStored {
+  int fWidth = 0;
+  int fHeight = 0;
+  int fBands = 0;
+  int fBits = 0;
+  std::string fProfile;
+  std::vector<double> fSamples;
+};
+
+std::string ReadText(const fs::path& pFile) {
+  std::ifstream stream(pFile, std::ios::binary);
+  std::stringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+std::string ProfileOf(const TmEngine::sIccProfile& pProfile) {
+  return {reinterpret_cast<const char*>(pProfile.fData), static_cast<std::size_t>(pProfile.fSize)};
+}
+
+double MeanDifference(const sStored& pA, const sStored& pB) {
+  EXPECT_EQ(pA.fWidth, pB.fWidth);
+  EXPECT_EQ(pA.fSamples.size(), pB.fSamples.size());
+  if (pA.fWidth != pB.fWidth || pA.fSamples.size() != pB.fSamples.size()) return 1e9;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < pA.fSamples.size(); ++i) sum += std::fabs(pA.fSamples[i] - pB.fSamples[i]);
+  return sum / static_cast<double>(pA.fSamples.size());
+}
+
+class QuorvaneTool : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    ASSERT_EQ(VIPS_INIT("QuorvaneTool_test"), 0);
+    vips_cache_set_max(0);  // names are used again for other pictures
+  }
+
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "quorvane-test-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    fFolder = name;
+    fs::current_path(fFolder);
+  }
+  void TearDown() override {
+    fs::current_path("/");
+    fs::remove_all(fFolder);
+  }
+
+  /// pBefore: shell commands that run first, in the tool's own process.
+  static sRun Run(const std::string& pArguments, const std::string& pBefore = "") {
+    char streams[] = "/tmp/quorvane-streams-XXXXXX";
+    EXPECT_NE(mkdtemp(streams), nullptr);
+    const std::string folder = streams;
+    const std::string command =
+        pBefore + " exec '" QUORVANE_TOOL "' " + pArguments + " >" + folder + "/o 2>" + folder + "/e";
+    const int status = std::system(command.c_str());
+    sRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(folder + "/o"), ReadText(folder + "/e")};
+    fs::remove_all(folder);
+    return run;
+  }
+
+  /// Expects success without a word, and returns the result.
+  static sStored ToneMap(const std::string& pInput, const std::string& pOptions = "",
+                         const std::string& pOutput = "result.png") {
+    const sRun run = Run("tonemap " + pInput + " -o " + pOutput + " " + pOptions);
+    EXPECT_EQ(run.fExitCode, 0) << pInput << ' ' << pOptions;
+    EXPECT_EQ(run.fErrors + run.fOutput, "") << pInput << ' ' << pOptions;
+    return run.fExitCode == 0 ? Load(pOutput) : sStored{};
+  }
+
+  static sStored Load(const std::string& pFile) {
+    const VImage image = VImage::new_from_file(pFile.c_str());
+    sStored stored{
+        image.width(), image.height(), image.bands(), image.format() == VIPS_FORMAT_USHORT ? 16 : 8, "", {}};
+    std::size_t size = 0;
+    if (image.get_typeof(VIPS_META_ICC_NAME) != 0) {
+      const void* const data = image.get_blob(VIPS_META_ICC_NAME, &size);
+      stored.fProfile.assign(static_cast<const char*>(data), size);
+    }
+    auto* const samples = static_cast<double*>(image.cast(VIPS_FORMAT_DOUBLE).write_to_memory(&size));
+    stored.fSamples.assign(samples, samples + size / sizeof(double));
+    g_free(samples);
+    return stored;
+  }
+
+  static std::set<std::string> ListFolder() {
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(".")) names.insert(entry.path().filename());
+    return names;
+  }
+
+  fs::path fFolder;
+};
+
+/// What the engine itself makes of a picture with sRGB primaries.
+std::vector<double> RenderDirectly(const sTestPicture& pPicture, tm_quorvane_settings pSettings,
+                                   TmEngine::eColorSpaceID pColorSpace) {
+  TmEngine::cBitmapXYZ32 input(pPicture.fWidth, pPicture.fHeight);
+  input.CopyFromXYZ32(pPicture.fWidth, pPicture.fHeight, 12 * pPicture.fWidth, pPicture.fSamples.data());
+  TmEngine::cImageUtils::ColorTransform(&input, TmEngine::cColorSpace_sRGB().GetRGBToXYZ());
+  TmEngine::cBitmapBGR16 output(pPicture.fWidth, pPicture.fHeight, pColorSpace);
+  TmEngine::ToneMapImage(input, &output, MapSettings(pSettings), false);
+  std::vector<double> samples;
+  for (int y = 0; y < pPicture.fHeight; ++y) {
+    const unsigned short* pixel = output.GetBGR16Data() + output.GetStride() / 2 * y;
+    for (int x = 0; x < pPicture.fWidth; ++x, pixel += 3) {
+      for (int i = 2; i >= 0; --i) samples.push_back(pixel[i]);
+    }
+  }
+  return samples;
+}
+
+TEST_F(QuorvaneTool, HandsSlidersAndFlagsToTheEngine) {
+  const sTestPicture scene = MakeScene(53, 31);  // rows with padding
+  WritePfm("scene.pfm", scene);
+  tm_quorvane_settings settings{};
+  settings.strength = 70.0f;
+  settings.white_clip = 5.0f;
+  settings.black_clip = 0.1f;
+  EXPECT_EQ(ToneMap("scene.pfm", "--depth 16", "a.tif").fSamples,
+            RenderDirectly(scene, settings, TmEngine::eColorSpaceID_sRGB));
+  settings = {-30.0f, 4.0f, 12.0f, 60.0f, 2.0f, -3.0f, {}, 0.0f, {}, 1.0f};
+  EXPECT_EQ(ToneMap("scene.pfm",
+                    "--strength -30 --lighting=4 --tone-compression 12 --white-clip 60 --black-clip 2 "
+                    "--microcontrast -3 --wrap --depth 16 --colorspace prophoto")
+                .fSamples,
+            RenderDirectly(scene, settings, TmEngine::eColorSpaceID_ProPhotoRGB));
+}
+
+TEST_F(QuorvaneTool, ReadsEveryFormatAlike) {
+  const sTestPicture scene = MakeScene(48, 32, 2.0f);
+  WritePfm("scene.pfm", scene);
+  WriteRadiance("scene.hdr", scene);
+  WriteExr("scene.exr", scene);
+  WriteExr("tiled.exr", scene, {{"R", "G", "B"}, true, {}});
+  ToVips16(scene).pngsave("16.png");
+  ToVips16(scene).tiffsave("16.tif");
+  ToVips8(scene).pngsave("8.png");
+  ToVips8(scene).tiffsave("8.tif");
+  ToVips8(scene).pngsave("8[1].png");
+  ToVips8(scene).jpegsave("8.jpg",
+                          VImage::option()->set("Q", 100)->set("subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF));
+  ToVips8(scene).bandjoin_const({77.0}).pngsave("alpha.png");
+  fs::copy("scene.exr", "exr-named.hdr");
+  const sStored expected = ToneMap("scene.pfm");
+  const struct {
+    const char* fFile;
+    double fTolerance;  // in steps of the 8-bit result: what the format's own precision leaves
+  } cases[] = {{"scene.exr", 0.0},  {"tiled.exr", 0.0}, {"exr-named.hdr", 0.0}, {"scene.hdr", 0.4},
+               {"16.png", 0.02},    {"16.tif", 0.02},   {"8.png", 1.5},         {"8.tif", 1.5},
+               {"'8[1].png'", 1.5}, {"8.jpg", 5.0},     {"alpha.png", 1.5}};
+  for (const auto& row : cases) {
+    EXPECT_LE(MeanDifference(ToneMap(row.fFile), expected), row.fTolerance) << row.fFile;
+  }
+  EXPECT_EQ(ToneMap("alpha.png").fSamples, ToneMap("8.png").fSamples);
+}
+
+TEST_F(QuorvaneTool, WritesFormatDepthAndProfileThatAreAskedFor) {
+  WriteExr("scene.exr", MakeScene(50, 30));
+  const struct {
+    const char* fFile;
+    const char* fLoader;
+    int fDepth;
+    const char* fSpace;
+    TmEngine::sIccProfile fProfile;
+  } cases[] = {{"a.png", "pngload", 8, "srgb", TmEngine::cColorSpace_sRGB::GetIccProfile()},
+               {"a.png", "pngload", 16, "adobergb", TmEngine::cColorSpace_AdobeRGB98::GetIccProfile()},
+               {"a.tif", "tiffload", 8, "adobergb", TmEngine::cColorSpace_AdobeRGB98::GetIccProfile()},
+               {"a.TIFF", "tiffload", 16, "prophoto", TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile()},
+               {"a.jpeg", "jpegload", 8, "prophoto", TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile()}};
+  for (const auto& row : cases) {
+    const sStored result = ToneMap(
+        "scene.exr", "--depth " + std::to_string(row.fDepth) + " --colorspace " + row.fSpace, row.fFile);
+    EXPECT_EQ(VImage::new_from_file(row.fFile).get_string("vips-loader"), std::string(row.fLoader));
+    EXPECT_EQ(result.fWidth, 50);
+    EXPECT_EQ(result.fHeight, 30);
+    EXPECT_EQ(result.fBands, 3);
+    EXPECT_EQ(result.fBits, row.fDepth);
+    EXPECT_EQ(result.fProfile, ProfileOf(row.fProfile)) << row.fFile << ' ' << row.fSpace;
+  }
+}
+
+TEST_F(QuorvaneTool, TakesPrimariesFromTheHeader) {
+  const sTestPicture scene = MakeScene();
+  sTestPicture inXYZ = scene;  // the same light, told in XYZ: D65's white is as bright as sRGB's
+  const TmEngine::cMatrix33 matrix = TmEngine::cColorSpace_sRGB().GetRGBToXYZNative();
+  for (std::size_t i = 0; i < inXYZ.fSamples.size(); i += 3) {
+    const TmEngine::cVector3 xyz =
+        matrix * TmEngine::cVector3(scene.fSamples[i], scene.fSamples[i + 1], scene.fSamples[i + 2]);
+    // XYZ whose white is (1, 1, 1) where RGB's is
+    inXYZ.fSamples[i] = xyz[0] / 0.95044f;
+    inXYZ.fSamples[i + 1] = xyz[1];
+    inXYZ.fSamples[i + 2] = xyz[2] / 1.08892f;
+  }
+  const std::vector<float> xyz65 = {1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.31271f, 0.32902f};
+  WriteExr("plain.exr", scene);
+  WriteExr("xyz.exr", inXYZ, {{"R", "G", "B"}, false, xyz65});
+  WriteExr("unmarked.exr", inXYZ);
+  WriteExr("zeros.exr", scene, {{"R", "G", "B"}, false, std::vector<float>(8, 0.0f)});
+  WriteExr("nonsense.exr", scene, {{"R", "G", "B"}, false, {0.3f, 0.3f, 0.4f, 0.4f, 0.5f, 0.5f, 0.3f, 0.3f}});
+  const std::string format = "FORMAT=32-bit_rle_rgbe\n";
+  WriteRadiance("plain.hdr", scene);
+  WriteRadiance("zeros.hdr", scene, "PRIMARIES=0 0 0 0 0 0 0 0\n" + format);
+  WriteRadiance("xyz.hdr", inXYZ, "PRIMARIES= 1 0 0 1 0 0 .31271 .32902\n" + format);
+  const sStored expected = ToneMap("plain.exr");
+  EXPECT_LT(MeanDifference(ToneMap("xyz.exr"), expected), 0.1);
+  EXPECT_LT(MeanDifference(ToneMap("xyz.hdr"), expected), 1.5);
+  EXPECT_GT(MeanDifference(ToneMap("unmarked.exr"), expected), 3.0);
+  EXPECT_EQ(ToneMap("zeros.exr").fSamples, expected.fSamples);
+  EXPECT_EQ(ToneMap("zeros.hdr").fSamples, ToneMap("plain.hdr").fSamples);
+  const sRun run = Run("tonemap nonsense.exr -o out.png");
+  EXPECT_EQ(run.fErrors,
+            "quorvane: nonsense.exr: warning: its header states primaries that span no colour space; sRGB is "
+            "taken\n");
+  EXPECT_EQ(Load("out.png").fSamples, expected.fSamples);
+}
+
+TEST_F(QuorvaneTool, HonoursExposureAndRowOrderOfRadianceFiles) {
+  const sTestPicture scene = MakeScene(24, 20);
+  sTestPicture bright = scene;
+  for (float& sample : bright.fSamples) sample *= 8.0f;
+  WriteRadiance("plain.hdr", scene);
+  WriteRadiance("bright.hdr", bright, "EXPOSURE=4\nFORMAT=32-bit_rle_rgbe\nCOLORCORR=2 2 2\n");
+  const std::string compress = "--tone-compression 20";  // the setting that looks at absolute light
+  EXPECT_EQ(ToneMap("bright.hdr", compress).fSamples, ToneMap("plain.hdr", compress).fSamples);
+  WriteRadiance("flat.hdr", scene, "", "+Y 20 -X 24");
+  WriteRadiance("tall.hdr", scene, "", "-X 20 -Y 24");  // a stored row is a column, from the right
+  const VImage upright = VImage::new_from_file("plain.hdr").rad2float();
+  upright.rot180().tiffsave("rot180.tif");
+  upright.rot90().tiffsave("rot90.tif");
+  EXPECT_EQ(ToneMap("flat.hdr").fSamples, ToneMap("rot180.tif").fSamples);
+  EXPECT_EQ(ToneMap("tall.hdr").fSamples, ToneMap("rot90.tif").fSamples);
+}
+
+TEST_F(QuorvaneTool, TurnsPicturesUpright) {
+  const VImage scene = ToVips16(MakeScene());
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    VImage image = scene.copy();
+    image.set(VIPS_META_ORIENTATION, orientation);
+    image.tiffsave("stored.tif");
+    image.autorot().tiffsave("upright.tif");
+    const sStored result = ToneMap("stored.tif");
+    EXPECT_EQ(result.fWidth, orientation >= 5 ? 32 : 48);
+    EXPECT_EQ(result.fSamples, ToneMap("upright.tif").fSamples) << orientation;
+  }
+}
+
+TEST_F(QuorvaneTool, DecodesThroughTheEmbeddedProfile) {
+  const sTestPicture scene = MakeScene(48, 32, 2.0f);
+  ToVips16(scene).tiffsave("plain.tif");
+  const TmEngine::cMatrix33 toWide =
+      TmEngine::cColorSpace_ProPhotoRGB().GetXYZToRGB() * TmEngine::cColorSpace_sRGB().GetRGBToXYZ();
+  std::vector<unsigned short> samples;
+  for (std::size_t i = 0; i < scene.fSamples.size(); i += 3) {
+    const float* p = &scene.fSamples[i];
+    const TmEngine::cVector3 wide = toWide * TmEngine::cVector3(p[0], p[1], p[2]);
+    for (int k = 0; k < 3; ++k) {
+      samples.push_back(static_cast<unsigned short>(std::pow(wide[k], 1.0f / 1.8f) * 65535.0f + 0.5f));
+    }
+  }
+  const std::string profile = ProfileOf(TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile());
+  VImage wide = VImage::new_from_memory(samples.data(), samples.size() * sizeof(unsigned short), 48, 32, 3,
+                                        VIPS_FORMAT_USHORT)
+                    .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
+  vips_image_set_blob_copy(wide.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+  wide.tiffsave("wide.tif");
+  const sStored expected = ToneMap("plain.tif");
+  EXPECT_LT(MeanDifference(ToneMap("wide.tif"), expected), 0.5);
+  VImage broken = ToVips16(scene);
+  vips_image_set_blob_copy(broken.get_image(), VIPS_META_ICC_NAME, profile.data(), 200);
+  broken.tiffsave("broken.tif");
+  const sRun run = Run("tonemap broken.tif -o out.png");
+  EXPECT_EQ(run.fErrors,
+            "quorvane: broken.tif: warning: its colour profile is damaged or unfit; taken as sRGB\n");
+  EXPECT_EQ(Load("out.png").fSamples, expected.fSamples);
+}
+
+TEST_F(QuorvaneTool, ReadsGreyPaletteAndInks) {
+  sTestPicture grey = MakeScene();
+  for (std::size_t i = 0; i < grey.fSamples.size(); i += 3)
+    grey.fSamples[i + 1] = grey.fSamples[i + 2] = grey.fSamples[i];
+  WriteExr("grey.exr", grey);
+  WriteExr("y.exr", grey, {{"Y"}, false, {}});
+  EXPECT_EQ(ToneMap("y.exr").fSamples, ToneMap("grey.exr").fSamples);
+  ToVips8(grey).tiffsave("three.tif");
+  ToVips8(grey)[0].copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W)).tiffsave("one.tif");
+  EXPECT_EQ(ToneMap("one.tif").fSamples, ToneMap("three.tif").fSamples);
+  const VImage colours = ToVips8(MakeScene(48, 32, 2.0f));
+  colours.pngsave("full.png");
+  colours.pngsave("palette.png", VImage::option()->set("palette", true)->set("Q", 100));
+  colours.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb")).tiffsave("inks.tif");
+  EXPECT_LT(MeanDifference(ToneMap("palette.png"), ToneMap("full.png")), 12.0);
+  EXPECT_LT(MeanDifference(ToneMap("inks.tif"), ToneMap("full.png")), 30.0);  // paper holds fewer tones
+}
+
+TEST_F(QuorvaneTool, KeepsWhatIsNotFiniteFromTheEngine) {
+  const float infinity = std::numeric_limits<float>::infinity();
+  sTestPicture scene = MakeScene();
+  const float largest = *std::max_element(scene.fSamples.begin(), scene.fSamples.end());
+  sTestPicture repaired = scene;
+  const struct {
+    int fX;
+    float fBad, fGood;
+  } cases[] = {{3, std::nanf(""), 0.0f}, {20, infinity, largest}, {40, -infinity, 0.0f}};
+  for (const auto& row : cases) {
+    scene.GetPixel(row.fX, 7)[1] = row.fBad;
+    repaired.GetPixel(row.fX, 7)[1] = row.fGood;
+  }
+  WriteExr("bad.exr", scene);
+  WriteExr("repaired.exr", repaired);
+  const sRun run = Run("tonemap bad.exr -o out.png");
+  EXPECT_EQ(run.fExitCode, 0);
+  EXPECT_EQ(run.fErrors, "quorvane: bad.exr: warning: repaired 3 pixels with values that are not finite\n");
+  EXPECT_EQ(Load("out.png").fSamples, ToneMap("repaired.exr").fSamples);
+
+  std::fill(scene.fSamples.begin(), scene.fSamples.end(), std::nanf(""));
+  WritePfm("nothing.pfm", scene);
+  EXPECT_EQ(Run("tonemap nothing.pfm -o black.png").fExitCode, 0);
+  for (const double sample : Load("black.png").fSamples) ASSERT_EQ(sample, 0.0);
+}
+
+TEST_F(QuorvaneTool, RendersDarkNoiseWithoutBrightSpecks) {
+  sTestPicture scene = MakeScene();
+  scene.GetPixel(2, 25)[0] = 4e-4f;  // red and green that cancel out to hardly any luminance
+  scene.GetPixel(2, 25)[1] = -1.17e-4f;
+  scene.GetPixel(2, 25)[2] = 0.0f;
+  WriteExr("noise.exr", scene);
+  EXPECT_LT(ToneMap("noise.exr").fSamples[3 * (25 * 48 + 2)], 128.0);
+}
+
+TEST_F(QuorvaneTool, ShowsTheEnginesLinesOnlyWhenAsked) {
+  WritePfm("scene.pfm", MakeScene());
+  ToneMap("scene.pfm");
+  const sRun run = Run("tonemap scene.pfm -o out.png --verbose");
+  for (const char* text :
+       {"Prepare for Rendering - Min: ", "End ToneMappingPhase1 48 x 32", "==> Linear Black: "}) {
+    EXPECT_NE(run.fErrors.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(run.fOutput, "");
+}
+
+TEST_F(QuorvaneTool, HelpTeaches) {
+  const sRun program = Run("--help");
+  EXPECT_EQ(program.fExitCode, 0);
+  EXPECT_NE(program.fOutput.find("tonemap"), std::string::npos);
+  const sRun verb = Run("tonemap --help");
+  EXPECT_EQ(verb.fExitCode, 0);
+  for (const char* text : {"--strength -200..150 [70]", "--white-clip 0..200 [5]", "--depth 8|16 [8]",
+                           "--colorspace srgb|adobergb|prophoto [srgb]", "Examples:", "--wrap", "per cent"}) {
+    EXPECT_NE(verb.fOutput.find(text), std::string::npos) << text;
+  }
+}
+
+TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
+  const sTestPicture scene = MakeScene();
+  WritePfm("scene.pfm", scene);
+  WriteRadiance("scene.hdr", scene);
+  WriteExr("scene.exr", scene);
+  WriteExr("chroma.exr", scene, {{"Y", "RY", "BY"}, false, {}});
+  WriteExr("depth.exr", scene, {{"Z"}, false, {}});
+  ToVips16(scene).pngsave("scene.png");
+  ToVips8(scene).jpegsave("scene.jpg");
+  ToVips16(scene).tiffsave("scene.tif",
+                           VImage::option()->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_LZW));
+  for (const char* ending : {"pfm", "hdr", "exr", "png", "jpg", "tif"}) {
+    const std::string whole = ReadText(std::string("scene.") + ending);
+    std::ofstream(std::string("cut.") + ending, std::ios::binary) << whole.substr(0, whole.size() * 2 / 3);
+  }
+  ToVips16(scene).colourspace(VIPS_INTERPRETATION_LAB).tiffsave("lab.tif");
+  std::ofstream("huge.pfm") << "PF\n2000000000 2000000000\n-1\n";
+  std::ofstream("text.png") << "not a picture";
+  std::ofstream("empty.hdr").close();
+  fs::create_directory("folder.png");
+  fs::create_symlink("scene.pfm", "link.png");
+  const struct {
+    const char* fArguments;
+    int fExitCode;
+    const char* fText;  // what follows "quorvane: "
+  } cases[] = {
+      {"", 2, "A subcommand is required"},
+      {"sharpen a -o b.png", 2, "A subcommand is required"},
+      {"tonemap scene.pfm", 2, "--output is required"},
+      {"tonemap -o b.png", 2, "IN is required"},
+      {"tonemap scene.pfm -o b.png --strength 151", 2, "--strength: 151 is not a number from -200 to 150"},
+      {"tonemap scene.pfm -o b.png --lighting nan", 2, "--lighting: nan is not a number from -14 to 10"},
+      {"tonemap scene.pfm -o b.png --black-clip -0.1", 2, "--black-clip: -0.1 is not a number from 0 to 50"},
+      {"tonemap scene.pfm -o b.png --white-clip 1e99", 2, "--white-clip: 1e99 is not a number from 0 to 200"},
+      {"tonemap scene.pfm -o b.png --microcontrast x", 2,
+       "--microcontrast: x is not a number from -11 to 10"},
+      {"tonemap scene.pfm -o b.png --depth 12", 2, "--depth: 12 not in {8,16}"},
+      {"tonemap scene.pfm -o b.png --colorspace lab", 2, "--colorspace: lab not in"},
+      {"tonemap scene.pfm -o b.jpg --depth 16", 2, "b.jpg: JPEG holds 8 bits only; use --depth 8"},
+      {"tonemap scene.pfm -o b.gif", 2, "b.gif: unknown ending of an output name; use .png"},
+      {"tonemap scene.png -o ./scene.png", 2, "./scene.png: is the input itself"},
+      {"tonemap scene.pfm -o link.png", 2, "link.png: is the input itself"},
+      {"tonemap missing.hdr -o b.png", 3, "missing.hdr: No such file or directory"},
+      {"tonemap folder.png -o b.png", 3, "folder.png: is a folder"},
+      {"tonemap /dev/null -o b.png", 3, "/dev/null: is not a regular file"},
+      {"tonemap empty.hdr -o b.png", 3, "empty.hdr: is empty"},
+      {"tonemap text.png -o b.png", 3, "text.png: not a picture of a known format"},
+      {"tonemap cut.pfm -o b.png", 3, "cut.pfm: cut short"},
+      {"tonemap huge.pfm -o b.png", 3, "huge.pfm: cut short"},
+      {"tonemap cut.hdr -o b.png", 3, "cut.hdr: damaged or cut short ("},
+      {"tonemap cut.exr -o b.png", 3, "cut.exr: damaged, cut short, or"},
+      {"tonemap cut.png -o b.png", 3, "cut.png: damaged or cut short ("},
+      {"tonemap cut.jpg -o b.png", 3, "cut.jpg: damaged or cut short ("},
+      {"tonemap cut.tif -o b.png", 3, "cut.tif: "},
+      {"tonemap chroma.exr -o b.png", 3, "chroma.exr: its colours are stored as luminance and chroma"},
+      {"tonemap depth.exr -o b.png", 3,
+       "depth.exr: it has neither the channels R, G, B nor a channel Y (it has: Z)"},
+      {"tonemap lab.tif -o b.png", 3, "lab.tif: its "},
+      {"tonemap scene.pfm -o none/b.png", 4, "none/b.png: the folder none does not exist; create it first"},
+      {"tonemap scene.pfm -o folder.png", 4, "folder.png: is a folder"},
+      {"tonemap scene.pfm -o /proc/b.png", 4, "/proc/b.png: cannot write into the folder /proc ("},
+  };
+  const std::set<std::string> before = ListFolder();
+  for (const auto& row : cases) {
+    const sRun run = Run(row.fArguments);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments << '\n' << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + row.fText, 0), 0u)
+        << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;
+    EXPECT_EQ(run.fOutput, "");
+    EXPECT_EQ(ListFolder(), before) << row.fArguments;
+  }
+}
+
+TEST_F(QuorvaneTool, LeavesTheOldResultWhenWritingFails) {
+  WritePfm("scene.pfm", MakeScene(400, 300));
+  for (const std::string name : {"old.png", "old.tif", "old.jpg"}) {
+    std::ofstream(name) << "old";
+    const std::set<std::string> before = ListFolder();
+    const sRun run = Run("tonemap scene.pfm -o " + name, "ulimit -f 16;");
+    EXPECT_EQ(run.fExitCode, 4) << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind("quorvane: " + name + ": writing failed (", 0), 0u) << run.fErrors;
+    EXPECT_EQ(ReadText(name), "old");
+    EXPECT_EQ(ListFolder(), before);
+  }
+}
+
+TEST_F(QuorvaneTool, ReplacesTheTargetAsItStands) {
+  WritePfm("scene.pfm", MakeScene());
+  std::ofstream("real.png") << "old";
+  fs::permissions("real.png", fs::perms(0640));
+  fs::create_symlink("real.png", "link.png");
+  const sStored result = ToneMap("scene.pfm", "", "link.png");
+  EXPECT_TRUE(fs::is_symlink("link.png"));
+  EXPECT_EQ(Load("real.png").fSamples, result.fSamples);
+  EXPECT_EQ(fs::status("real.png").permissions(), fs::perms(0640));
+  EXPECT_EQ(Run("tonemap scene.pfm -o new.png", "umask 027;").fExitCode, 0);
+  EXPECT_EQ(fs::status("new.png").permissions(), fs::perms(0640));
+  EXPECT_EQ(ListFolder(), (std::set<std::string>{"scene.pfm", "real.png", "link.png", "new.png"}));
+}
+
+TEST_F(QuorvaneTool, LeavesNothingWhenInterrupted) {
+  WritePfm("scene.pfm", MakeScene(2000, 1500));
+  for (const int signal : {SIGTERM, SIGINT}) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      execl(QUORVANE_TOOL, QUORVANE_TOOL, "tonemap", "scene.pfm", "-o", "out.png",
+            static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    for (int i = 0; i < 60000 && ListFolder().size() < 2; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    kill(child, signal);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), signal);
+    EXPECT_EQ(ListFolder(), std::set<std::string>{"scene.pfm"});
+  }
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <OpenEXR/ImfChannelList.h>
+#include <OpenEXR/ImfChromaticitiesAttribute.h>
+#include <OpenEXR/ImfFrameBuffer.h>
+#include <OpenEXR/ImfHeader.h>
+#include <OpenEXR/ImfOutputFile.h>
+#include <OpenEXR/ImfStandardAttributes.h>
+#include <OpenEXR/ImfTiledOutputFile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <string>
+#include <vector>
+#include <vips/vips8>
+
+/// A picture of floats, linear light, that the tests store in every format.
+struct sTestPicture {
+  int fWidth = 0;
+  int fHeight = 0;
+  std::vector<float> fSamples;  ///< Red, green, blue.
+
+  float* GetPixel(int pX, int pY) { return &fSamples[static_cast<std::size_t>(3 * (pY * fWidth + pX))]; }
+};
+
+/// pDecades of light from left to right, colours from top to bottom, and a bright corner: no two ways of
+/// turning it look alike.
+inline sTestPicture MakeScene(int pWidth = 48, int pHeight = 32, float pDecades = 4.0f) {
+  sTestPicture scene{pWidth, pHeight, std::vector<float>(static_cast<std::size_t>(3 * pWidth * pHeight))};
+  for (int y = 0; y < pHeight; ++y) {
+    for (int x = 0; x < pWidth; ++x) {
+      const float u = static_cast<float>(x) / static_cast<float>(pWidth);
+      const float v = static_cast<float>(y) / static_cast<float>(pHeight);
+      float light = std::pow(10.0f, pDecades * (u - 1.0f)) * ((x / 3 + y / 3) % 2 == 0 ? 1.0f : 0.6f);
+      if (u < 0.3f && v < 0.3f) light = 0.9f;
+      const float colour[] = {0.3f + 0.7f * v, 0.7f, 1.0f - 0.8f * v};
+      for (int i = 0; i < 3; ++i) scene.GetPixel(x, y)[i] = light * colour[i];
+    }
+  }
+  return scene;
+}
+
+inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
+  std::ofstream stream(pFile, std::ios::binary);
+  stream << "PF\n" << pPicture.fWidth << ' ' << pPicture.fHeight << "\n-1.0\n";
+  const auto row = static_cast<std::size_t>(3 * pPicture.fWidth);
+  for (auto y = static_cast<std::size_t>(pPicture.fHeight); y-- > 0;) {
+    stream.write(reinterpret_cast<const char*>(&pPicture.fSamples[y * row]),
+                 static_cast<std::streamsize>(row * sizeof(float)));
+  }
+}
+
+/// pLines: header lines, each with its end. pResolution: the picture's own where it is empty.
+inline void WriteRadiance(const std::string& pFile, const sTestPicture& pPicture,
+                          const std::string& pLines = "", const std::string& pResolution = "") {
+  std::ofstream stream(pFile, std::ios::binary);
+  const std::string own = "-Y " + std::to_string(pPicture.fHeight) + " +X " + std::to_string(pPicture.fWidth);
+  stream << "#?RADIANCE\n" << (pLines.empty() ? "FORMAT=32-bit_rle_rgbe\n" : pLines) << "\n";
+  stream << (pResolution.empty() ? own : pResolution) << "\n";
+  for (std::size_t i = 0; i < pPicture.fSamples.size(); i += 3) {
+    int exponent = 0;
+    std::frexp(*std::max_element(&pPicture.fSamples[i], &pPicture.fSamples[i] + 3), &exponent);
+    for (std::size_t k = 0; k < 3; ++k) {
+      stream.put(static_cast<char>(static_cast<int>(std::ldexp(pPicture.fSamples[i + k], 8 - exponent))));
+    }
+    stream.put(static_cast<char>(exponent + 128));
+  }
+}
+
+struct sExrKind {
+  std::vector<std::string> fChannels{"R", "G", "B"};  ///< Filled with red, green, blue in this order.
+  bool fTiled = false;
+  std::vector<float> fChromaticities;  ///< Eight numbers, or none.
+};
+
+inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, const sExrKind& pKind = {}) {
+  Imf::Header header(pPicture.fWidth, pPicture.fHeight);
+  Imf::FrameBuffer frame;
+  auto* base = reinterpret_cast<char*>(const_cast<float*>(pPicture.fSamples.data()));
+  for (const std::string& channel : pKind.fChannels) {
+    header.channels().insert(channel, Imf::Channel(Imf::FLOAT));
+    frame.insert(channel, Imf::Slice(Imf::FLOAT, base, 12, static_cast<std::size_t>(12 * pPicture.fWidth)));
+    base += sizeof(float);
+  }
+  if (const std::vector<float>& c = pKind.fChromaticities; !c.empty()) {
+    Imf::addChromaticities(header,
+                           Imf::Chromaticities({c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}));
+  }
+  if (pKind.fTiled) {
+    header.setTileDescription(Imf::TileDescription(16, 16));
+    Imf::TiledOutputFile file(pFile.c_str(), header);
+    file.setFrameBuffer(frame);
+    file.writeTiles(0, file.numXTiles() - 1, 0, file.numYTiles() - 1);
+  } else {
+    Imf::OutputFile file(pFile.c_str(), header);
+    file.setFrameBuffer(frame);
+    file.writePixels(pPicture.fHeight);
+  }
+}
+
+/// The picture with the transfer of sRGB, 16 bits a sample, as libvips takes it.
+inline vips::VImage ToVips16(const sTestPicture& pPicture) {
+  std::vector<unsigned short> samples;
+  for (const float linear : pPicture.fSamples) {
+    const double x = std::clamp(static_cast<double>(linear), 0.0, 1.0);
+    const double encoded = x <= 0.0031308 ? 12.92 * x : 1.055 * std::pow(x, 1.0 / 2.4) - 0.055;
+    samples.push_back(static_cast<unsigned short>(encoded * 65535.0 + 0.5));
+  }
+  return vips::VImage::new_from_memory(samples.data(), samples.size() * sizeof(unsigned short),
+                                       pPicture.fWidth, pPicture.fHeight, 3, VIPS_FORMAT_USHORT)
+      .copy(vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16))
+      .copy_memory();
+}
+
+inline vips::VImage ToVips8(const sTestPicture& pPicture) {
+  return ToVips16(pPicture).msb().copy(
+      vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
