@@ -16,7 +16,7 @@ namespace {
 constexpr int kSamples = 1;      // of a pixel where nothing changes
 constexpr int kEdgeSamples = 8;  // of a pixel that an edge runs through
 constexpr float kMatt = 0.06f;   // roughness from which a reflection is smoothed like soft light
-constexpr int kSmoothReach = 3;
+constexpr int kSmoothReach = 4;
 
 /// What one ray, or a pixel's rays on average, found. Soft light is kept apart from the surface that it falls
 /// on: it may be smoothed over neighbours, the rest may not.
@@ -131,7 +131,7 @@ class cRenderer {
     ForEachPixel([this](int pX, int pY) { fFindings[Index(pX, pY)] = LookAt(pX, pY, kSamples, 1); });
     ForEachPixel([&](int pX, int pY) { edges[Index(pX, pY)] = IsEdge(pX, pY); });
     ForEachPixel([&](int pX, int pY) {
-      if (edges[Index(pX, pY)]) fFindings[Index(pX, pY)] = LookAt(pX, pY, kEdgeSamples, 3);
+      if (edges[Index(pX, pY)]) fFindings[Index(pX, pY)] = LookAt(pX, pY, kEdgeSamples, 4);
     });
     ForEachPixel([&](int pX, int pY) { Develop(pX, pY, &picture.fPixels[3 * Index(pX, pY)]); });
     return picture;
@@ -203,13 +203,15 @@ class cRenderer {
   }
 
   static bool AreUnlike(const sFinding& pA, const sFinding& pB) {
-    const float a = Luminance(pA.fSharp) + Luminance(pA.fAlbedo * pA.fSoft) + 0.003f;
-    const float b = Luminance(pB.fSharp) + Luminance(pB.fAlbedo * pB.fSoft) + 0.003f;
-    return Dot(pA.fNormal, pB.fNormal) < 0.8f * Dot(pA.fNormal, pA.fNormal) ||
-           std::max(a, b) > 1.6f * std::min(a, b);
+    if (Dot(pA.fNormal, pB.fNormal) < 0.8f * Dot(pA.fNormal, pA.fNormal)) return true;
+    const sVec3 soft = (pA.fSoft + pB.fSoft) * 0.5f;  // of both, because its noise is no edge
+    const float a = Luminance(pA.fSharp) + Luminance(pA.fAlbedo * soft) + 0.003f;
+    const float b = Luminance(pB.fSharp) + Luminance(pB.fAlbedo * soft) + 0.003f;
+    return std::max(a, b) > 1.5f * std::min(a, b);
   }
 
-  /// The soft light and the sheen of a pixel, averaged with those of neighbours on the same flat surface.
+  /// The soft light and the sheen of a pixel, averaged with those of neighbours on the same flat surface. The
+  /// outermost count half: so the square holds each place of the sampler's blocks of 4 x 4 equally often.
   sVec3 Smoothed(int pX, int pY, const sFinding& pHere) const {
     const float reach = 0.004f * Length(pHere.fPosition - fCamera.RayThrough(0.0f, 0.0f).fOrigin);
     sVec3 soft;
@@ -220,9 +222,11 @@ class cRenderer {
         const sFinding* there = Neighbour(pX, pY, dx, dy);
         if (there == nullptr || Dot(there->fNormal, pHere.fNormal) < 0.93f) continue;
         if (std::fabs(Dot(there->fPosition - pHere.fPosition, pHere.fNormal)) > reach) continue;
-        soft += there->fSoft;
-        sheen += there->fSheen;
-        count += 1.0f;
+        const float weight =
+            (std::abs(dx) == kSmoothReach ? 0.5f : 1.0f) * (std::abs(dy) == kSmoothReach ? 0.5f : 1.0f);
+        soft += there->fSoft * weight;
+        sheen += there->fSheen * weight;
+        count += weight;
       }
     }
     return (pHere.fAlbedo * soft + sheen) * (1.0f / count);
