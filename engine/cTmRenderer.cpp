@@ -11,11 +11,10 @@
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
 #include "engine/cContrastCurve.h"
-#include "engine/cHermiteSpline.h"
-#include "engine/cTransferLUT.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/ColorRecord.h"
 #include "engine/stages/HueTable.h"
+#include "engine/stages/LdrRows.h"
 #include "engine/stages/RowRenderer.h"
 #include "engine/stages/StageFlags.h"
 #include "engine/stages/ToneMapping.h"
@@ -25,15 +24,6 @@ namespace TmEngine {
 static constexpr char kSourceFile[] = ".\\cTmRenderer.cpp";
 
 namespace {
-
-std::unique_ptr<cHermiteSpline> NeutralHueCurve() {
-  sControlPoint points[2];
-  points[0].fPoint = cVector2(0.0f, 0.5f);
-  points[1].fPoint = cVector2(1.0f, 0.5f);
-  auto curve = std::make_unique<cHermiteSpline>();
-  curve->SetControlPoints(eSplineInterpolationMode_Flat, 2, points);
-  return curve;
-}
 
 /// Cell size in pixels: one to ten per cent of the picture's larger side over the control's range.
 float SpatialSigma(float pLargerSide, float pMicrocontrast, bool pWrap) {
@@ -52,11 +42,7 @@ float RangeSigma(float pLighting) {
 }  // namespace
 
 cTmRenderer::cTmRenderer()
-    : fHueTable(std::make_unique<cHueTable>()),
-      fContrastCurve(std::make_unique<cContrastCurve>()),
-      fHHCurve(NeutralHueCurve()),
-      fHSCurve(NeutralHueCurve()),
-      fHLCurve(NeutralHueCurve()) {
+    : fHueTable(std::make_unique<cHueTable>()), fContrastCurve(std::make_unique<cContrastCurve>()) {
   const cColorSpace_ProPhotoRGB working;
   fXYZToWorking = working.GetXYZToRGB();
   fWorkingToXYZ = working.GetRGBToXYZ();
@@ -69,7 +55,7 @@ void cTmRenderer::SetInput(cBitmapXYZ32* pInput) {
       "void __cdecl TmEngine::cTmRenderer::SetInput(class TmEngine::cBitmapXYZ32 *)";
   TM_CHECK_LINE(124, pInput != nullptr, cArgumentNullException, "Argument pInput is null.");
   fInput = pInput;
-  fOutputEncodingBuilt = false;
+  fOutputEncoding.Invalidate();
   InvalidateAll();
 }
 
@@ -86,18 +72,7 @@ void cTmRenderer::SetHueCurves(const cHermiteSpline* pHHCurve, const cHermiteSpl
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cTmRenderer::SetHueCurves(const class TmEngine::cHermiteSpline *,const class "
       "TmEngine::cHermiteSpline *,const class TmEngine::cHermiteSpline *)";
-  TM_CHECK(pHHCurve != nullptr, cArgumentNullException, "Argument pHHCurve is null.");
-  TM_CHECK(pHSCurve != nullptr, cArgumentNullException, "Argument pHSCurve is null.");
-  TM_CHECK(pHLCurve != nullptr, cArgumentNullException, "Argument pHLCurve is null.");
-  ReplaceCurve(fHHCurve, *pHHCurve);
-  ReplaceCurve(fHSCurve, *pHSCurve);
-  ReplaceCurve(fHLCurve, *pHLCurve);
-}
-
-void cTmRenderer::ReplaceCurve(std::unique_ptr<cHermiteSpline>& pCurve, const cHermiteSpline& pFrom) {
-  if (*pCurve == pFrom) return;
-  pCurve = std::make_unique<cHermiteSpline>(pFrom);
-  InvalidateFinalRendering();
+  fHueCurves.Replace(pHHCurve, pHSCurve, pHLCurve, fFinalDirty, TM_HERE);
 }
 
 void cTmRenderer::SetToneParameters(float pStrength, float pToneCompression, bool pStrengthInContrast,
@@ -160,7 +135,7 @@ void cTmRenderer::InvalidateFinalRendering() {
 }
 
 void cTmRenderer::InvalidateOutputEncoding() {
-  fOutputEncodingBuilt = false;
+  fOutputEncoding.Invalidate();
   InvalidateFinalRendering();
 }
 
@@ -302,26 +277,18 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
-  UpdateOutputEncoding();
+  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
   UpdateToneCurve();
-  fHueTable->Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
+  fHueCurves.BuildHueTable(*fHueTable);
   if (StopRequested(pCancel, pAborted)) return;
 
   const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
   const float gain = static_cast<float>(std::pow(2.0, static_cast<double>(fExposure)) * scale);
   const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
-  unsigned char* row = fOutput->GetBitmapData();
-  for (int y = 0; y < fOutput->GetHeight(); ++y, row += fOutput->GetStride()) {
-    RenderRow(*fHueTable, fColorRecords->GetRow(y), row, fOutput->GetWidth(), fOutput->GetBitDepth(),
-              fOutputEncoding, gain, stretch, fPoints.fBlack, colorMatrix, fToneCurve);
+  for (int y = 0; y < fOutput->GetHeight(); ++y) {
+    RenderRow(*fHueTable, fColorRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
+              fOutput->GetBitDepth(), encoding, gain, stretch, fPoints.fBlack, colorMatrix, fToneCurve);
   }
-}
-
-void cTmRenderer::UpdateOutputEncoding() {
-  if (fOutputEncodingBuilt) return;
-  const auto table = std::make_unique<cTransferLUT_F32I16>(fOutput->GetColorSpace()->GetFromLinear());
-  std::copy_n(table->GetTable(), kTableSize, fOutputEncoding);
-  fOutputEncodingBuilt = true;
 }
 
 void cTmRenderer::UpdateToneCurve() {

@@ -6,6 +6,8 @@
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/DetailLayer.h"
 #include "engine/stages/ExposureScale.h"
+#include "engine/stages/HueCurves.h"
+#include "engine/stages/OutputEncoding.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/Preparation.h"
 #include "engine/stages/ToneTables.h"
@@ -78,8 +80,6 @@ class cTmRenderer {
   void ToneMapPhase1(bool* pCancel, bool* pAborted);
   void ToneMapPhase2(bool* pCancel, bool* pAborted);
   void FinalRendering(bool* pCancel, bool* pAborted);
-  void ReplaceCurve(std::unique_ptr<cHermiteSpline>& pCurve, const cHermiteSpline& pFrom);
-  void UpdateOutputEncoding();
   void UpdateToneCurve();
 
   cBitmapXYZ32* fInput = nullptr;  // not owned
@@ -93,18 +93,15 @@ class cTmRenderer {
   tPlane fDetail;
 
   std::unique_ptr<cContrastCurve> fContrastCurve;
-  std::unique_ptr<cHermiteSpline> fHHCurve;
-  std::unique_ptr<cHermiteSpline> fHSCurve;
-  std::unique_ptr<cHermiteSpline> fHLCurve;
+  cHueCurves fHueCurves;
 
   sLuminanceRange fLuminance;
   sLayerStatistics fLayers;
   sToneTables fToneTables;
   sExposureScales fExposureScales;
   sBlackWhite fPoints;
-  unsigned short fOutputEncoding[kTableSize];
+  cOutputEncoding fOutputEncoding;
   float fToneCurve[kTableSize];
-  bool fOutputEncodingBuilt = false;
 
   float fStrength = 0.0f;
   float fAfterStrength = 0.0f;  // always 0

@@ -6,14 +6,12 @@
 #include "engine/cBitmapU16T.h"
 #include "engine/cBitmapXYZ32.h"
 #include "engine/stages/ColorRecord.h"
-#include "engine/stages/HueCode.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
 
-constexpr float kSmallestNormal = 1.1754944e-38f;
 constexpr float kDarkLuminance = 1e-6f;
 
 const float* InputRow(const cBitmapXYZ32& pInput, int pY) {
@@ -31,12 +29,8 @@ void FillRecord(const float* pXYZ, const cMatrix33& pM, unsigned short* pRecord)
     g = pM[3] * x + pM[4] + pM[5] * z;
     b = pM[6] * x + pM[7] + pM[8] * z;
   }
-  sChannelRange range = ChannelRange(r, g, b);
-  pRecord[ColorRecord::kHue] = HueCode(r, g, b, range);
-  if (range.fMax <= 0.0f) range = {kSmallestNormal, 0.0f};
   ColorRecord::StoreFloat(pRecord + ColorRecord::kLuminance, luminance);
-  ColorRecord::StoreFloat(pRecord + ColorRecord::kMinRatio, range.fMin);
-  ColorRecord::StoreFloat(pRecord + ColorRecord::kMaxRatio, range.fMax);
+  HueRecord::Store(pRecord + ColorRecord::kHueRecord, r, g, b);
 }
 
 }  // namespace

@@ -1,0 +1,101 @@
+#include "engine/cColorEqRenderer.h"
+
+#include "engine/TmCheck.h"
+#include "engine/cBitmapLDR.h"
+#include "engine/cBitmapU16T.h"
+#include "engine/cColorSpace.h"
+#include "engine/stages/EqualiserPreparation.h"
+#include "engine/stages/EqualiserRow.h"
+#include "engine/stages/HueRecord.h"
+#include "engine/stages/HueTable.h"
+#include "engine/stages/LdrRows.h"
+#include "engine/stages/StageFlags.h"
+
+namespace TmEngine {
+
+static constexpr char kSourceFile[] = ".\\cColorEqRenderer.cpp";
+
+cColorEqRenderer::cColorEqRenderer() : fHueTable(std::make_unique<cHueTable>()) {
+  const cColorSpace_ProPhotoRGB working;
+  fXYZToWorking = working.GetXYZToRGB();
+  fWorkingToXYZ = working.GetRGBToXYZ();
+}
+
+cColorEqRenderer::~cColorEqRenderer() = default;
+
+void cColorEqRenderer::SetInput(cBitmapLDR* pInput) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cColorEqRenderer::SetInput(class TmEngine::cBitmapLDR *)";
+  TM_CHECK(pInput != nullptr, cArgumentNullException, "Argument pInput is null.");
+  fInput = pInput;
+  fOutputEncoding.Invalidate();
+  fPrepareDirty = true;
+  fRenderDirty = true;
+}
+
+void cColorEqRenderer::SetOutput(cBitmapLDR* pOutput) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cColorEqRenderer::SetOutput(class TmEngine::cBitmapLDR *)";
+  TM_CHECK(pOutput != nullptr, cArgumentNullException, "Argument pOutput is null.");
+  fOutput = pOutput;
+  fOutputEncoding.Invalidate();
+  fRenderDirty = true;
+}
+
+void cColorEqRenderer::SetHueCurves(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve,
+                                    const cHermiteSpline* pHLCurve) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cColorEqRenderer::SetHueCurves(const class TmEngine::cHermiteSpline *,const "
+      "class "
+      "TmEngine::cHermiteSpline *,const class TmEngine::cHermiteSpline *)";
+  fHueCurves.Replace(pHHCurve, pHSCurve, pHLCurve, fRenderDirty, TM_HERE);
+}
+
+void cColorEqRenderer::Render() {
+  bool cancel = false;
+  bool aborted = false;
+  Render(&cancel, &aborted);
+}
+
+void cColorEqRenderer::Render(bool* pCancel, bool* pAborted) {
+  static constexpr char kSignature[] = "void __cdecl TmEngine::cColorEqRenderer::Render(bool *,bool *)";
+  TM_CHECK(fInput != nullptr, cInvalidOperationException, "Input image is not set.");
+  TM_CHECK(fOutput != nullptr, cInvalidOperationException, "Output image is not set.");
+  TM_CHECK(fInput->GetWidth() == fOutput->GetWidth(), cInvalidOperationException,
+           "The input and output images do not have the same width.");
+  TM_CHECK(fInput->GetHeight() == fOutput->GetHeight(), cInvalidOperationException,
+           "The input and output images do not have the same height.");
+
+  if (fPrepareDirty) {
+    Prepare(pCancel, pAborted);
+    if (IsSet(pAborted)) return;
+    fPrepareDirty = false;
+  }
+  if (fRenderDirty) {
+    RenderRows(pCancel, pAborted);
+    if (!IsSet(pAborted)) fRenderDirty = false;
+  }
+}
+
+void cColorEqRenderer::Prepare(bool* pCancel, bool* pAborted) {
+  if (StopRequested(pCancel, pAborted)) return;
+  fHueRecords.reset();  // first, so that two are never held
+  fHueRecords = std::make_unique<cBitmapU16T>(fInput->GetWidth(), fInput->GetHeight(), HueRecord::kSlots);
+  FillHueRecords(*fInput, fXYZToWorking, *fHueRecords);
+  StopRequested(pCancel, pAborted);
+}
+
+void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
+  const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
+  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
+  const float* lightness = fHueCurves.Lightness();
+  fHueCurves.BuildHueTable(*fHueTable);
+  if (StopRequested(pCancel, pAborted)) return;
+
+  for (int y = 0; y < fOutput->GetHeight(); ++y) {
+    EqualiseRow(*fHueTable, lightness, fHueRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
+                fOutput->GetBitDepth(), encoding, colorMatrix);
+  }
+}
+
+}  // namespace TmEngine

@@ -1,0 +1,50 @@
+#include "engine/stages/HueCurves.h"
+
+#include "engine/TmCheck.h"
+#include "engine/cHermiteSpline.h"
+#include "engine/stages/HueTable.h"
+
+namespace TmEngine {
+namespace {
+
+std::unique_ptr<cHermiteSpline> NeutralHueCurve() {
+  sControlPoint points[2];
+  points[0].fPoint = cVector2(0.0f, 0.5f);
+  points[1].fPoint = cVector2(1.0f, 0.5f);
+  auto curve = std::make_unique<cHermiteSpline>();
+  curve->SetControlPoints(eSplineInterpolationMode_Flat, 2, points);
+  return curve;
+}
+
+void ReplaceIfOther(std::unique_ptr<cHermiteSpline>& pHeld, const cHermiteSpline& pFrom, bool& pDirty) {
+  if (*pHeld == pFrom) return;
+  pHeld = std::make_unique<cHermiteSpline>(pFrom);
+  pDirty = true;
+}
+
+}  // namespace
+
+cHueCurves::cHueCurves()
+    : fHHCurve(NeutralHueCurve()), fHSCurve(NeutralHueCurve()), fHLCurve(NeutralHueCurve()) {}
+
+cHueCurves::~cHueCurves() = default;
+
+void cHueCurves::Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve,
+                         const cHermiteSpline* pHLCurve, bool& pDirty, const sThrowPlace& pPlace) {
+  TM_CHECK_AT(pPlace, pHHCurve != nullptr, cArgumentNullException, "Argument pHHCurve is null.");
+  TM_CHECK_AT(pPlace, pHSCurve != nullptr, cArgumentNullException, "Argument pHSCurve is null.");
+  TM_CHECK_AT(pPlace, pHLCurve != nullptr, cArgumentNullException, "Argument pHLCurve is null.");
+  ReplaceIfOther(fHHCurve, *pHHCurve, pDirty);
+  ReplaceIfOther(fHSCurve, *pHSCurve, pDirty);
+  ReplaceIfOther(fHLCurve, *pHLCurve, pDirty);
+}
+
+void cHueCurves::BuildHueTable(cHueTable& pTable) const {
+  pTable.Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
+}
+
+const float* cHueCurves::Lightness() const {
+  return fHLCurve->GetFloatTable();
+}
+
+}  // namespace TmEngine
