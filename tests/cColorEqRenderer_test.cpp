@@ -20,6 +20,7 @@
 #include "engine/stages/HueRecord.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/Pictures.h"
+#include "tests/reference/ReferenceHue.h"
 
 namespace TmEngine {
 namespace {
@@ -112,24 +113,9 @@ struct sJob {
 
 // The formulas once more, a pixel at a time, nothing tabulated but the curves.
 
-int HueOf(const cVector3& pColor, float pMin, float pMax) {
-  const float r = pColor[0], g = pColor[1], b = pColor[2];
-  if (!(pMin < pMax)) return 0;
-  float degrees = (r - g) * 60.0f / (pMax - pMin) + 240.0f;
-  if (pMax == g) degrees = (b - r) * 60.0f / (pMax - pMin) + 120.0f;
-  if (pMax == r) degrees = (g - b) * 60.0f / (pMax - pMin) + (b > g ? 360.0f : 0.0f);
-  return degrees >= 0.0f ? static_cast<int>(std::min(degrees / 360.0f * 65535.0f, 65535.0f)) : 0;
-}
-
-cVector3 HueColor(int pHue, const sCurves& pCurves) {
+Reference::sHexcone HueColor(int pHue, const sCurves& pCurves) {
   const int shifted = (pCurves.fHH->Get16BitTable()[pHue] - 32767 + pHue + 65536) % 65536;
-  const float m = 1.0f - 2.0f * pCurves.fHS->GetFloatTable()[pHue];
-  const float p = static_cast<float>(shifted) / 65535.0f * 6.0f;
-  const float u = p - std::floor(p);
-  const float up = m + (1.0f - m) * u;
-  const float down = 1.0f + (m - 1.0f) * u;
-  const cVector3 sectors[] = {{1, up, m}, {down, 1, m}, {m, 1, up}, {m, down, 1}, {up, m, 1}, {1, m, down}};
-  return sectors[static_cast<int>(p) % 6];
+  return Reference::HexconeColor(shifted, 1.0f - 2.0f * pCurves.fHS->GetFloatTable()[pHue]);
 }
 
 int Encoded(float pLinear, const cBitmapLDR& pOutput) {
@@ -153,14 +139,14 @@ void ExpectPixel(const sJob& pJob, const sCurves& pCurves, int pX, int pY) {
   for (int i = 0; i < 3; ++i) c[i] = c[i] > 0.0f ? c[i] : 0.0f;
   const float min = std::min({c[0], c[1], c[2]});
   float max = std::max({c[0], c[1], c[2]});
-  const int hue = HueOf(c, min, max);
+  const int hue = Reference::HueCode(c[0], c[1], c[2], min, max);
   if (max == 0.0f) max = std::numeric_limits<float>::min();
   const float k = (pCurves.fHL->GetFloatTable()[hue] - 0.5f) * (1.0f - min / max) * 2.0f + 1.0f;
   const float low = min * k;
   const float span = max * k - low;
-  c = HueColor(hue, pCurves);
+  const Reference::sHexcone full = HueColor(hue, pCurves);
   for (int i = 0; i < 3; ++i) {
-    const float v = c[i] * span + low;
+    const float v = full.fRGB[i] * span + low;
     c[i] = v > 0.0f ? std::min(v, 1.0f) : 0.0f;
   }
   c = pJob.fOutput->GetColorSpace()->GetXYZToRGB() * working.GetRGBToXYZ() * c;
