@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <vector>
 
@@ -13,41 +15,29 @@ namespace {
 
 using tFloats = std::vector<float>;
 
-/// One line as the definition has it: every tap summed for every sample.
-tFloats DirectLine(const tFloats& pFrom, int pReach, float pShort) {
-  const int count = static_cast<int>(pFrom.size());
-  tFloats to(pFrom.size());
-  for (int i = 0; i < count; ++i) {
+/// One line of pCount samples, pStep apart, as the definition has it: every tap summed for every sample.
+void DirectLine(const float* pFrom, float* pTo, int pCount, int pStep, float pRadius) {
+  const int reach = static_cast<int>(std::ceil(pRadius));
+  const double end = 1.0 - static_cast<double>(static_cast<float>(reach) - pRadius);
+  for (int i = 0; i < pCount; ++i) {
     double sum = 0.0, weight = 0.0;
-    for (int j = std::max(i - pReach, 0); j <= std::min(i + pReach, count - 1); ++j) {
-      const double share = j == i - pReach || j == i + pReach ? 1.0 - static_cast<double>(pShort) : 1.0;
-      sum += share * static_cast<double>(pFrom[static_cast<std::size_t>(j)]);
+    for (int j = std::max(i - reach, 0); j <= std::min(i + reach, pCount - 1); ++j) {
+      const double share = std::abs(j - i) == reach ? end : 1.0;
+      sum += share * static_cast<double>(pFrom[j * pStep]);
       weight += share;
     }
-    to[static_cast<std::size_t>(i)] = static_cast<float>(sum / weight);
+    pTo[i * pStep] = static_cast<float>(sum / weight);
   }
-  return to;
-}
-
-tFloats Transposed(const tFloats& pPlane, int pWidth) {
-  tFloats plane;
-  for (std::size_t i = 0, width = static_cast<std::size_t>(pWidth), height = pPlane.size() / width;
-       i < pPlane.size(); ++i)
-    plane.push_back(pPlane[i % height * width + i / height]);
-  return plane;
 }
 
 tFloats Direct(tFloats pPlane, int pWidth, int pHeight, float pSigma) {
   const float radius = pSigma <= 1.0f ? pSigma - pSigma * 0.58f : pSigma - 0.58f;
-  const int reach = static_cast<int>(std::ceil(radius));
-  for (int pass = 0; pass < 6; ++pass) {  // rows, then columns as rows
-    for (auto row = pPlane.begin(); row != pPlane.end(); row += pWidth) {
-      const tFloats smoothed =
-          DirectLine(tFloats(row, row + pWidth), reach, static_cast<float>(reach) - radius);
-      std::copy(smoothed.begin(), smoothed.end(), row);
+  tFloats rows(pPlane);
+  for (int i = 0; i < 3; ++i) {
+    for (int at = 0; at < pWidth * pHeight; at += pWidth) {
+      DirectLine(pPlane.data() + at, rows.data() + at, pWidth, 1, radius);
     }
-    pPlane = Transposed(pPlane, pWidth);
-    std::swap(pWidth, pHeight);
+    for (int x = 0; x < pWidth; ++x) DirectLine(rows.data() + x, pPlane.data() + x, pHeight, pWidth, radius);
   }
   return pPlane;
 }

@@ -66,6 +66,7 @@ float Level(const sCase& pCase, int x, int y, int pChannel, sRandom& pRandom) {
   const ePicture picture = pCase.fPicture;
   if (picture == ePicture::kGradient) return along * (0.3f + 0.7f * down) * (pChannel == 0 ? 1.0f : 0.8f);
   if (picture == ePicture::kBlackSpots) return (x * 7 + y * 3) % 5 == 0 ? 0.0f : random;
+  if (picture == ePicture::kFlat && pCase.fSeed % 3 == 0) return 0.0f;
   if (picture == ePicture::kFlat)
     return 0.4f + 0.5f * static_cast<float>(pChannel) / static_cast<float>(channels);
   if (picture == ePicture::kBrightPixel) return x == image.width / 2 && y == image.height / 2 ? 1.0f : 0.05f;
