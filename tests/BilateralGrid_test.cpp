@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 #include <new>
 #include <vector>
 
+#include "tests/Numbers.h"
 #include "tests/Pictures.h"
 
 namespace TmEngine {
@@ -84,13 +84,12 @@ TEST(BilateralGrid, StopsWhenCancelled) {
 }
 
 TEST(BilateralGrid, TakesWhatIsNotANumberAndRefusesRangesWithoutEnd) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   tFloats from = Edge(12, 12);
-  from[30] = nan;
+  from[30] = kNaN;
   Filter(from, 12, 12, {});
-  from[30] = std::numeric_limits<float>::infinity();
+  from[30] = kInfinity;
   EXPECT_THROW(Filter(from, 12, 12, {}), std::bad_alloc);
-  EXPECT_THROW(Filter(tFloats(4, nan), 2, 2, {5.0f, nan}), std::bad_alloc);
+  EXPECT_THROW(Filter(tFloats(4, kNaN), 2, 2, {5.0f, kNaN}), std::bad_alloc);
   EXPECT_THROW(Filter(Edge(12, 12), 12, 12, {1e-6f, 1e-6f}), std::bad_alloc);
 }
 

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <vector>
 
+#include "tests/Numbers.h"
 #include "tests/Pictures.h"
 
 namespace TmEngine {
@@ -73,14 +73,14 @@ TEST(BoxSmoother, GivesAKnownFigure) {
 
 TEST(BoxSmoother, CopiesWithoutARadiusAndEndsInTheMeanWithAHugeOne) {
   const tFloats from = RandomPlane(6 * 5);
-  for (const float sigma : {0.0f, -3.0f, std::numeric_limits<float>::quiet_NaN()}) {
+  for (const float sigma : {0.0f, -3.0f, kNaN}) {
     tFloats to(from.size());
     SmoothWithBox(from.data(), to.data(), 6, 5, sigma);
     EXPECT_EQ(to, from);
   }
   double mean = 0.0;
   for (const float value : from) mean += static_cast<double>(value) / 30.0;
-  for (const float sigma : {8.0f, 1e20f, std::numeric_limits<float>::infinity()}) {
+  for (const float sigma : {8.0f, 1e20f, kInfinity}) {
     tFloats to(from.size());
     SmoothWithBox(from.data(), to.data(), 6, 5, sigma);
     for (const float value : to) EXPECT_NEAR(value, mean, 1e-5);

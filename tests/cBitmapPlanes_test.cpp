@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <numeric>
 
@@ -13,12 +12,10 @@
 #include "engine/cBitmapXYZ32T.h"
 #include "engine/cBitmapY8.h"
 #include "tests/BitmapTestTools.h"
+#include "tests/Numbers.h"
 
 namespace TmEngine {
 namespace {
-
-const float kNaN = std::numeric_limits<float>::quiet_NaN();
-const float kInfinity = std::numeric_limits<float>::infinity();
 
 TEST(cBitmapXYZ32, CopiesAnotherImage) {
   cBitmapXYZ32 from(3, 5);

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +15,7 @@
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cHermiteSpline.h"
 #include "tests/ExceptionCheck.h"
+#include "tests/Numbers.h"
 #include "tests/Pictures.h"
 #include "tests/StderrCapture.h"
 
@@ -99,9 +99,8 @@ TEST(cTmRenderer, ChecksItsArgumentsAndImages) {
   };
   const auto renderTo = [&](cBitmapBGR16& pOutput) { renderer->SetOutput(&pOutput), renderer->Render(); };
   const char* const hue =
-      "SetHueCurves(const class TmEngine::cHermiteSpline *,const class TmEngine::cHermiteSpline *,const "
-      "class "
-      "TmEngine::cHermiteSpline *)";
+      "SetHueCurves(const class TmEngine::cHermiteSpline *,const class TmEngine::cHermiteSpline *,"
+      "const class TmEngine::cHermiteSpline *)";
   const char* const render = "Render(bool *,bool *)";
   ExpectThrows<cArgumentNullException>(
       {{"SetInput(class TmEngine::cBitmapXYZ32 *)", "Argument pInput is null.", 124,
@@ -203,11 +202,10 @@ TEST(cTmRenderer, StopsWhenCancelledAndRunsInFullAfterwards) {
 }
 
 TEST(cTmRenderer, SurvivesWhatIsNotANumber) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   sJob job;
-  for (int i = 0; i < 40; ++i) job.fInput.GetBitmapData()[7 * i] = i % 2 == 0 ? nan : -1e30f;
-  for (const float strength : {44.0f, nan, 1e30f, -1e30f}) {
-    for (const float exposure : {0.0f, nan, 1e4f}) {
+  for (int i = 0; i < 40; ++i) job.fInput.GetBitmapData()[7 * i] = i % 2 == 0 ? kNaN : -1e30f;
+  for (const float strength : {44.0f, kNaN, 1e30f, -1e30f}) {
+    for (const float exposure : {0.0f, kNaN, 1e4f}) {
       job.SetParameters(strength, 100.0f, 60.0f, exposure);
       EXPECT_EQ(job.Pixels().size(), 23u * 17u * 3u);
     }

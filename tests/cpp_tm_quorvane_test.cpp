@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "export/quorvane.h"
 #include "tests/ExceptionCheck.h"
 #include "tests/HostCall.h"
+#include "tests/Numbers.h"
 #include "tests/StderrCapture.h"
 
 // What a host can do wrong, and how its records may lie. What comes out of a call, to the byte and the log
@@ -26,7 +26,6 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
   };
   const std::vector<unsigned char> wide(std::size_t{748981} * 4);
   std::vector<unsigned char> wideOut(std::size_t{748981} * 3);
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   cStderrCapture capture;
   ExpectChecks(
       "int __cdecl cpp_tm_quorvane(const struct tm_quorvane_image *,void *,int,struct "
@@ -43,7 +42,7 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
            TM_ARG("Argument pHeight must be greater than zero.", image.width = 4, run(in, out)),
            TM_STATE("Output image is not set.", image = HostImage(4, 4, 8, 12), run(in, nullptr)),
            TM_ARG("Argument pMicrocontrast is out of range.", image.output_bits = 8,
-                  settings.microcontrast = settings.lighting = nan, run(in, out)),
+                  settings.microcontrast = settings.lighting = kNaN, run(in, out)),
            TM_ARG("Argument pLighting is out of range.", settings.microcontrast = 0.0f, run(in, out)),
            TM_STATE("Scanline width exceeds max tile size.", image = HostImage(748981, 1, 32, 8),
                     settings.lighting = 0.0f, run(wide.data(), wideOut.data()))});
@@ -73,10 +72,9 @@ TEST(cpp_tm_quorvane, TakesUnalignedRecordsAndBuffers) {
 }
 
 TEST(cpp_tm_quorvane, SurvivesSlidersFarOutOfRange) {
-  const float infinity = std::numeric_limits<float>::infinity();
   cStderrCapture capture;
   for (int field = 0; field < 16; ++field) {
-    for (const float value : {infinity, -infinity, 1e30f, -1e30f, 1e4f, -1e4f}) {
+    for (const float value : {kInfinity, -kInfinity, 1e30f, -1e30f, 1e4f, -1e4f}) {
       for (const float wrap : {0.0f, 1.0f}) {
         sCall call(HostImage(9, 6, 32, 8));
         call.fSettings.horizontal_wrap = wrap;
