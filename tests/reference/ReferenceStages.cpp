@@ -37,6 +37,12 @@ void Extend(float pValue, float& pMin, float& pMax) {
   if (pValue > pMax) pMax = pValue;
 }
 
+/// pValue without its fraction, within 0 to pLast; 0 for a NaN.
+std::int64_t Truncated(float pValue, std::int64_t pLast) {
+  if (!(pValue > 0.0f)) return 0;
+  return pValue >= static_cast<float>(pLast) ? pLast : static_cast<std::int64_t>(pValue);
+}
+
 // ---- Preparation: luminance, hue and chromatic extremes, log luminance ----
 
 sPixel PreparePixel(const float* pXYZ, const tMatrix& m) {
@@ -105,10 +111,7 @@ struct sGrid {
     fWeight[cell] += 1.0f;
   }
   std::int64_t Nearest(float pPosition, int pAxis) const {
-    const float shifted = pPosition + 0.5f + 3.0f;
-    if (!(shifted > 0.0f)) return 0;
-    if (shifted >= static_cast<float>(fSize[pAxis])) return fSize[pAxis] - 1;
-    return static_cast<std::int64_t>(shifted);
+    return Truncated(pPosition + 0.5f + 3.0f, fSize[pAxis] - 1);
   }
 };
 
@@ -134,8 +137,7 @@ void BlurPass(const sGrid& pFrom, sGrid& pTo, std::int64_t pStep) {
     for (std::int64_t y = 1; y <= pFrom.fSize[1] - 2; ++y) {
       for (std::int64_t x = 1; x <= pFrom.fSize[0] - 2; ++x) {
         const std::int64_t i = pFrom.Cell(x, y, z);
-        const tList<float>& value = pFrom.fValue;
-        const tList<float>& weight = pFrom.fWeight;
+        const tList<float>&value = pFrom.fValue, &weight = pFrom.fWeight;
         pTo.fValue[i] = (value[i - pStep] + 2.0f * value[i]) + value[i + pStep];
         pTo.fWeight[i] = (weight[i - pStep] + 2.0f * weight[i]) + weight[i + pStep];
       }
@@ -251,10 +253,8 @@ float ExposureScale(float k, float pLargestY) {
   return static_cast<float>(scale * (Power(2.0, -0.35) * c + (1.0 - c)));
 }
 
-int TableIndex(float pValue, float pMin, float pRange) {
-  const float index = (pValue - pMin) * 65535.0f / pRange;
-  if (!(index > 0.0f)) return 0;
-  return index >= 65535.0f ? 65535 : static_cast<int>(index);
+std::int64_t TableIndex(float pValue, float pMin, float pMax) {
+  return Truncated((pValue - pMin) * 65535.0f / (pMax - pMin), 65535);
 }
 
 struct sHistogram {
@@ -263,9 +263,8 @@ struct sHistogram {
   float fScale = 1.0f, fMin = 0.0f;
 
   void Add(float pY) {
-    const float bin = (pY - fMin) * fScale;
     ++fCount;
-    ++fBins[!(bin > 0.0f) ? 0 : bin >= 65535.0f ? 65535 : static_cast<int>(bin)];
+    ++fBins[Truncated((pY - fMin) * fScale, 65535)];
   }
   /// Bins consumed from below while pTarget is above the sum (or equal to it, when pOrEqual).
   int Up(double pTarget, bool pOrEqual = false) const {
@@ -326,12 +325,11 @@ void FindPoints(sJob& pJob, float pMin, float pMax, double pSum) {
 
 void MapLuminance(sJob& pJob, float pInitialMin) {
   const sStatistics& found = pJob.fStatistics;
-  float largest = 0.0f;
-  float smallest = pInitialMin;
+  float largest = 0.0f, smallest = pInitialMin;
   double sum = 0.0;
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
-    const int base = TableIndex(pJob.fBase[i], found.fBaseMin, found.fBaseMax - found.fBaseMin);
-    const int detail = TableIndex(pJob.fDetail[i], found.fDetailMin, found.fDetailMax - found.fDetailMin);
+    const std::int64_t base = TableIndex(pJob.fBase[i], found.fBaseMin, found.fBaseMax);
+    const std::int64_t detail = TableIndex(pJob.fDetail[i], found.fDetailMin, found.fDetailMax);
     const float y = pJob.fBaseTable[base] * pJob.fDetailTable[detail];
     pJob.fPixels[i].fY = y;
     if (y > largest) {
