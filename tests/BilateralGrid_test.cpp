@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 #include <new>
 #include <vector>
 
+#include "tests/Numbers.h"
 #include "tests/Pictures.h"
 
 namespace TmEngine {
@@ -24,10 +24,10 @@ struct sSettings {
 
 tFloats Filter(const tFloats& pFrom, int pWidth, int pHeight, const sSettings& pSettings,
                bool* pAborted = nullptr) {
-  float min = 1e30f, max = -1e30f;
+  float min = 1e30f, max = -1e30f;  // a NaN counts as neither
   for (const float value : pFrom) {
-    if (value < min) min = value;
-    if (value > max) max = value;
+    min = value < min ? value : min;
+    max = value > max ? value : max;
   }
   tFloats to(pFrom.size(), -99.0f);
   bool aborted = false;
@@ -57,70 +57,39 @@ TEST(BilateralGrid, SmoothsTextureAndKeepsEdges) {
   }
 }
 
-TEST(BilateralGrid, ReturnsAFlatPictureAsItIs) {
-  const tFloats from(35, -2.5f);
-  EXPECT_EQ(Filter(from, 7, 5, {}), from);
-}
-
 TEST(BilateralGrid, LetsOneEdgeSeeTheOtherOnlyWithWrap) {
   const int width = 64, height = 8;
-  tFloats from(static_cast<std::size_t>(width * height), 0.0f);
-  tFloats lit = from;
+  tFloats lit(static_cast<std::size_t>(width * height), 0.0f);
   for (int y = 0; y < height; ++y) lit[static_cast<std::size_t>(y * width + width - 1)] = 0.2f;
   // With the range cell larger than the step, the lit column raises its neighbours.
-  const auto left = [&](bool pWrap) {
-    sSettings settings;
-    settings.fSigmaR = 1.0f;
-    settings.fWrap = pWrap;
-    return Filter(lit, width, height, settings)[0];
-  };
+  const auto left = [&](bool pWrap) { return Filter(lit, width, height, {4.0f, 1.0f, pWrap})[0]; };
   EXPECT_EQ(left(false), 0.0f);
   EXPECT_GT(left(true), 0.002f);
-}
-
-TEST(BilateralGrid, WrapsPicturesNarrowerThanTheMargin) {
-  for (const int width : {1, 2, 5}) {
-    const tFloats from = Edge(width, 9);
-    for (const float sigma : {2.0f, 9.0f, 30.0f}) {
-      sSettings settings;
-      settings.fWrap = true;
-      settings.fSigmaS = sigma;
-      for (const float value : Filter(from, width, 9, settings)) {
-        EXPECT_GE(value, -1.01f);
-        EXPECT_LE(value, 2.06f);
-      }
-    }
-  }
 }
 
 TEST(BilateralGrid, SmoothsOnceMoreForLocalContrast) {
   tFloats from(3000, 0.0f);
   for (std::size_t i = 1500; i < from.size(); ++i) from[i] = 3.0f;
-  sSettings settings;
-  settings.fLocalContrast = 2.0f;
   const tFloats base = Filter(from, 3000, 1, {});
-  const tFloats smoothed = Filter(from, 3000, 1, settings);
+  const tFloats smoothed = Filter(from, 3000, 1, {4.0f, 0.3f, false, 2.0f});
   EXPECT_EQ(base[1499], 0.0f);
-  EXPECT_GT(smoothed[1499], 0.1f);
+  EXPECT_GT(smoothed[1499], 0.8f);
   EXPECT_EQ(smoothed[1400], base[1400]);
 }
 
 TEST(BilateralGrid, StopsWhenCancelled) {
-  sSettings settings;
-  settings.fCancel = true;
   bool aborted = false;
-  EXPECT_EQ(Filter(Edge(6, 4), 6, 4, settings, &aborted), tFloats(24, -99.0f));
+  EXPECT_EQ(Filter(Edge(6, 4), 6, 4, {4.0f, 0.3f, false, 0.0f, true}, &aborted), tFloats(24, -99.0f));
   EXPECT_TRUE(aborted);
 }
 
 TEST(BilateralGrid, TakesWhatIsNotANumberAndRefusesRangesWithoutEnd) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   tFloats from = Edge(12, 12);
-  from[30] = nan;
+  from[30] = kNaN;
   Filter(from, 12, 12, {});
-  from[30] = std::numeric_limits<float>::infinity();
+  from[30] = kInfinity;
   EXPECT_THROW(Filter(from, 12, 12, {}), std::bad_alloc);
-  EXPECT_THROW(Filter(tFloats(4, nan), 2, 2, {5.0f, nan}), std::bad_alloc);
+  EXPECT_THROW(Filter(tFloats(4, kNaN), 2, 2, {5.0f, kNaN}), std::bad_alloc);
   EXPECT_THROW(Filter(Edge(12, 12), 12, 12, {1e-6f, 1e-6f}), std::bad_alloc);
 }
 

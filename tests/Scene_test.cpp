@@ -33,8 +33,7 @@ double Step(const sHdrPicture& pPicture, int pFrom, int pTo) {
 /// A new, empty folder for the test's files.
 std::filesystem::path EmptyFolder() {
   const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-  const std::filesystem::path folder =
-      std::filesystem::path(::testing::TempDir()) / ("quorvane_scene_" + name);
+  const std::filesystem::path folder = ::testing::TempDir() + "quorvane_scene_" + name;
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   return folder;
@@ -105,9 +104,7 @@ sHdrPicture ReadExr(const std::string& pPath) {
 TEST(Scene, SpansTheRangeOfAHighDynamicRangePhotograph) {
   const sHdrPicture picture = RenderScene({eView::Room, 120, 80, 1});
   std::vector<float> luminance;
-  for (const float sample : picture.fPixels) {
-    ASSERT_TRUE(std::isfinite(sample) && sample > 0.0f);
-  }
+  for (const float sample : picture.fPixels) ASSERT_TRUE(std::isfinite(sample) && sample > 0.0f);
   for (int i = 0; i < 120 * 80; ++i) luminance.push_back(LuminanceAt(picture, i % 120, i / 120));
   std::sort(luminance.begin(), luminance.end());
   EXPECT_GT(std::log10(luminance.back() / luminance.front()), 5.0);
@@ -131,8 +128,7 @@ TEST(Scene, IsTheSameEveryTimeAndTheSeedChangesTheGrain) {
 }
 
 TEST(Scene, RefusesSizesOutOfRange) {
-  const int sizes[][2] = {{0, 1}, {1, 0}, {-1, 5}, {32769, 1}, {1, 32769}};
-  for (const auto& [width, height] : sizes) {
+  for (const auto& [width, height] : {std::pair{0, 1}, {1, 0}, {-1, 5}, {32769, 1}, {1, 32769}}) {
     EXPECT_THROW(RenderScene({eView::Room, width, height, 1}), std::invalid_argument)
         << width << " x " << height;
   }
@@ -161,8 +157,7 @@ TEST(Scene, FilesHoldWhatWasWritten) {
 
 TEST(Scene, AFailedWriteNamesTheFileAndLeavesNothing) {
   const std::filesystem::path folder = EmptyFolder();
-  std::filesystem::create_directories(folder / "taken" /
-                                      "inside");  // a folder stands where the file should go
+  std::filesystem::create_directories(folder / "taken" / "inside");  // where the file should go
   const sHdrPicture picture{1, 1, {1.0f, 1.0f, 1.0f}};
   for (const auto write : {WriteHdr, WriteExr}) {
     for (const std::filesystem::path& path : {folder / "none" / "a", folder / "taken"}) {

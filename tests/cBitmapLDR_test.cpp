@@ -11,6 +11,7 @@
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cTransfer.h"
 #include "tests/BitmapTestTools.h"
+#include "tests/StderrCapture.h"
 
 namespace TmEngine {
 namespace {
@@ -21,9 +22,9 @@ const std::string kFreeLine = "Freeing via FreeBitmapData\n";
 
 template <class tCall>
 std::string StandardErrorOf(const tCall& pCall) {
-  testing::internal::CaptureStderr();
+  cStderrCapture capture;
   pCall();
-  return testing::internal::GetCapturedStderr();
+  return capture.Text();
 }
 
 TEST(cBitmapLDR, ConstructorsCheckTheirArgumentsInOrder) {

@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <numeric>
 
@@ -13,12 +12,10 @@
 #include "engine/cBitmapXYZ32T.h"
 #include "engine/cBitmapY8.h"
 #include "tests/BitmapTestTools.h"
+#include "tests/Numbers.h"
 
 namespace TmEngine {
 namespace {
-
-const float kNaN = std::numeric_limits<float>::quiet_NaN();
-const float kInfinity = std::numeric_limits<float>::infinity();
 
 TEST(cBitmapXYZ32, CopiesAnotherImage) {
   cBitmapXYZ32 from(3, 5);
@@ -61,11 +58,9 @@ TEST(cBitmapXYZ32, WritesClampedTruncatedBytes) {
 TEST(cBitmapY8, WeighsSamplesAsLuma) {
   unsigned char bgr8[] = {255, 255, 255, 0, 0, 255, 99, 0, 255, 0, 255, 0, 0, 99};  // rows of 7 bytes
   const std::unique_ptr<cBitmapY8> from8(cBitmapY8::FromBGR8(bgr8, 2, 2, 7));
-  const unsigned char expected8[] = {254, 76, 149, 29};
   unsigned short bgr16[] = {65535, 65535, 65535, 0, 0, 65535, 9, 0, 65535, 0, 65535, 0, 0, 9};
-  // 15 bytes are seven samples.
-  const std::unique_ptr<cBitmapY8> from16(cBitmapY8::FromBGR16(bgr16, 2, 2, 15));
-  const unsigned char expected16[] = {255, 76, 150, 29};
+  const std::unique_ptr<cBitmapY8> from16(cBitmapY8::FromBGR16(bgr16, 2, 2, 15));  // seven samples
+  const int expected8[] = {254, 76, 149, 29}, expected16[] = {255, 76, 150, 29};
   for (int i = 0; i < 4; ++i) {
     EXPECT_EQ(from8->GetBitmapData()[i / 2 * 4 + i % 2], expected8[i]) << i;
     EXPECT_EQ(from16->GetBitmapData()[i / 2 * 4 + i % 2], expected16[i]) << i;
@@ -165,8 +160,7 @@ TEST(cBitmapXYZ32T, CopiesRowsThatAdvanceByWholeFloats) {
     image.CopyFromXYZ32(2, 3, stride, source.data());
     for (int y = 0; y < 3; ++y) {
       EXPECT_EQ(std::memcmp(image.GetRow(y), source.data() + stride / 4 * y, 24), 0) << stride << " " << y;
-      EXPECT_EQ(std::memcmp(image.GetRow(y) + 6, std::string(24, '\xEE').data(), 24), 0)
-          << stride << " " << y;
+      EXPECT_EQ(std::string(reinterpret_cast<char*>(image.GetRow(y) + 6), 24), std::string(24, '\xEE')) << y;
     }
   }
 }

@@ -20,78 +20,51 @@ TM_TEST_NULL_ON_HUGE_ALLOCATION
 namespace TmEngine {
 namespace {
 
-/// What the rules of every untiled image need to know about a class.
-struct sClass {
-  std::string fName, fSampleType;
-  int fPixelBytes;
-  std::string fMemoryText, fFreeText, fConstructor;
-  std::function<void*(int, int, int&)> fAlloc;
-  std::function<void(void*)> fFree;
-  std::function<void(int, int)> fConstruct;
-};
-
+/// The rules of every untiled image, for one class; pTail and pMore are what its constructor takes behind the
+/// sizes.
 template <class tBitmap, class tSample, class... tMore>
-sClass Describe(const std::string& pName, const char* pSampleType, int pPixelBytes, const char* pMemoryText,
+void CheckClass(const std::string& pName, const std::string& pSampleType, const char* pMemoryText,
                 const std::string& pTail, tMore... pMore) {
-  return {"TmEngine::c" + pName,
-          pSampleType,
-          pPixelBytes,
-          pMemoryText,
-          "Argument 'p" + pName.substr(6) + "' cannot be null.",
-          "__cdecl TmEngine::c" + pName + "::c" + pName + "(int,int" + pTail + ")",
-          [](int w, int h, int& s) { return tBitmap::AllocBitmapData(w, h, s); },
-          [](void* p) { tBitmap::FreeBitmapData(static_cast<tSample*>(p)); },
-          [=](int w, int h) { tBitmap(w, h, pMore...); }};
+  SCOPED_TRACE(pName);
+  const int pixelBytes = static_cast<int>(sizeof(tSample)) * (pName.find('Y') == 6 ? 1 : 3);
+  const int sizes[][4] = {{1, 1, 4, 4}, {3, 2, 4, 4}, {4, 4, 4, 4}, {5, 5, 8, 8}, {8, 1, 8, 4}};
+  for (const auto& [width, height, columns, rows] : sizes) {
+    int stride = 0;
+    void* const block = tBitmap::AllocBitmapData(width, height, stride);
+    EXPECT_EQ(stride, columns * pixelBytes);
+    EXPECT_EQ(tBitmap(width, height, pMore...).GetStride(), stride);
+    const auto bytes = static_cast<std::size_t>(rows * stride);
+    EXPECT_GE(malloc_usable_size(block), bytes);
+    std::memset(block, 0, bytes);
+    tBitmap::FreeBitmapData(static_cast<tSample*>(block));
+  }
+  const std::string width = "Argument pWidth must be greater than zero.";
+  const std::string height = "Argument pHeight must be greater than zero.";
+  const std::string scope = "__cdecl TmEngine::c" + pName + "::";
+  int stride = 77;
+  const auto alloc = [&](int w, int h) { tBitmap::AllocBitmapData(w, h, stride); };
+  ExpectChecks(pSampleType + " *" + scope + "AllocBitmapData(int,int,int &)",
+               {TM_ARG(width, alloc(0, 0)), TM_ARG(width, alloc(INT_MIN, 1)), TM_ARG(height, alloc(1, 0)),
+                TM_MEMORY(pMemoryText, alloc(INT_MAX, 1)), TM_MEMORY(pMemoryText, alloc(INT_MAX, INT_MAX)),
+                TM_MEMORY(pMemoryText, tBitmap(1 << 27, INT_MAX, pMore...))});
+  EXPECT_EQ(stride, 77) << "a failed allocation tells no stride";
+  ExpectChecks(scope + "c" + pName + "(int,int" + pTail + ")",
+               {TM_ARG(width, tBitmap(0, 0, pMore...)), TM_ARG(height, tBitmap(1, -1, pMore...))});
+  ExpectChecks(
+      "void " + scope + "FreeBitmapData(" + pSampleType + " *)",
+      {TM_NULL("Argument 'p" + pName.substr(6) + "' cannot be null.", tBitmap::FreeBitmapData(nullptr))});
 }
 
-std::vector<sClass> Classes() {
+TEST(cBitmap, RoundsRowsAndRowCountsUpToFourAndChecksSizesThenMemory) {
   const char* const plain = "Out of memory while allocating bitmap array.";
   const char* const floats = "Cannot alloc bitmap array.";
   const char* const withID = ",enum TmEngine::eColorSpaceID";
   const eColorSpaceID id = eColorSpaceID_sRGB;
-  return {Describe<cBitmapBGR8, unsigned char>("BitmapBGR8", "unsigned char", 3, plain, withID, id),
-          Describe<cBitmapBGR16, unsigned short>("BitmapBGR16", "unsigned short", 6, plain, withID, id),
-          Describe<cBitmapXYZ32, float>("BitmapXYZ32", "float", 12, floats, ""),
-          Describe<cBitmapY32, float>("BitmapY32", "float", 4, floats, ""),
-          Describe<cBitmapY8, unsigned char>("BitmapY8", "unsigned char", 1, plain, "")};
-}
-
-TEST(cBitmap, RoundsRowsAndRowCountsUpToFour) {
-  const int sizes[][4] = {{1, 1, 4, 4}, {3, 2, 4, 4}, {4, 4, 4, 4}, {5, 5, 8, 8}, {8, 1, 8, 4}};
-  for (const sClass& each : Classes()) {
-    for (const auto& size : sizes) {
-      int stride = 0;
-      void* const block = each.fAlloc(size[0], size[1], stride);
-      EXPECT_EQ(stride, size[2] * each.fPixelBytes) << each.fName;
-      const std::size_t bytes = static_cast<std::size_t>(size[3] * stride);
-      EXPECT_GE(malloc_usable_size(block), bytes) << each.fName;
-      std::memset(block, 0, bytes);
-      each.fFree(block);
-    }
-  }
-  EXPECT_EQ(cBitmapBGR16(5, 5, eColorSpaceID_sRGB).GetStride(), 48);
-  EXPECT_EQ(cBitmapY8(1, 1).GetStride(), 4);
-}
-
-TEST(cBitmap, ChecksSizesThenMemory) {
-  const std::string width = "Argument pWidth must be greater than zero.";
-  const std::string height = "Argument pHeight must be greater than zero.";
-  for (const sClass& each : Classes()) {
-    int stride = 77;
-    const std::string alloc =
-        each.fSampleType + " *__cdecl " + each.fName + "::AllocBitmapData(int,int,int &)";
-    ExpectChecks(alloc,
-                 {TM_ARG(width, each.fAlloc(0, 0, stride)), TM_ARG(width, each.fAlloc(INT_MIN, 1, stride)),
-                  TM_ARG(height, each.fAlloc(1, 0, stride)),
-                  TM_MEMORY(each.fMemoryText, each.fAlloc(INT_MAX, 1, stride)),
-                  TM_MEMORY(each.fMemoryText, each.fAlloc(INT_MAX, INT_MAX, stride)),
-                  TM_MEMORY(each.fMemoryText, each.fConstruct(1 << 27, INT_MAX))});
-    EXPECT_EQ(stride, 77) << "a failed allocation tells no stride";
-    ExpectChecks(each.fConstructor,
-                 {TM_ARG(width, each.fConstruct(0, 0)), TM_ARG(height, each.fConstruct(1, -1))});
-    ExpectChecks("void __cdecl " + each.fName + "::FreeBitmapData(" + each.fSampleType + " *)",
-                 {TM_NULL(each.fFreeText, each.fFree(nullptr))});
-  }
+  CheckClass<cBitmapBGR8, unsigned char>("BitmapBGR8", "unsigned char", plain, withID, id);
+  CheckClass<cBitmapBGR16, unsigned short>("BitmapBGR16", "unsigned short", plain, withID, id);
+  CheckClass<cBitmapXYZ32, float>("BitmapXYZ32", "float", floats, "");
+  CheckClass<cBitmapY32, float>("BitmapY32", "float", floats, "");
+  CheckClass<cBitmapY8, unsigned char>("BitmapY8", "unsigned char", plain, "");
 }
 
 TEST(cBitmap, SwapsWidthAndHeightOfNoImage) {

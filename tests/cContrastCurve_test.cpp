@@ -21,7 +21,6 @@ TEST(cContrastCurve, HoldsFiveFramesFromBrightToSteep) {
     const unsigned short* table = curve.Get16BitTable();
     EXPECT_EQ(table[0], 0);
     EXPECT_EQ(table[65535], 65535);
-    for (int k = 1; k < 65536; ++k) ASSERT_GE(table[k], table[k - 1]) << frame << ' ' << k;
     for (int k = 0; frame == 2 && k < 65536; ++k) ASSERT_NEAR(table[k], k, 1);
     EXPECT_LT(table[6553], tenth - 1000) << frame;
     tenth = table[6553];

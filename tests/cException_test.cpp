@@ -7,22 +7,19 @@
 namespace TmEngine {
 namespace {
 
-struct sNamed {
-  const cException& fException;
-  const char* fClassName;
-  const char* fCategory;
-};
-
 TEST(cException, TellsItsClassMessageAndPlace) {
   const cArgumentException argument("m", 7, "f", "t", "s");
   const cArgumentNullException null("m", 7, "f", "t", "s");
   const cInvalidOperationException operation("m", 7, "f", "t", "s");
   const cOutOfMemoryException memory("m", 7, "f", "t", "s");
-  const sNamed cases[] = {{argument, "cArgumentException", "Invalid Argument Error"},
-                          {null, "cArgumentNullException", "Argument Null Error"},
-                          {operation, "cInvalidOperationException", "Invalid Operation Error"},
-                          {memory, "cOutOfMemoryException", "Out of Memory"}};
-  for (const sNamed& row : cases) {
+  const struct {
+    const cException& fException;
+    const char *fClassName, *fCategory;
+  } cases[] = {{argument, "cArgumentException", "Invalid Argument Error"},
+               {null, "cArgumentNullException", "Argument Null Error"},
+               {operation, "cInvalidOperationException", "Invalid Operation Error"},
+               {memory, "cOutOfMemoryException", "Out of Memory"}};
+  for (const auto& row : cases) {
     EXPECT_STREQ(row.fException.GetClassName(), row.fClassName);
     EXPECT_STREQ(row.fException.GetCategory(), row.fCategory);
     EXPECT_STREQ(row.fException.GetMessage(), "m");

@@ -3,18 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <random>
 #include <tuple>
 #include <vector>
 
 #include "tests/ExceptionCheck.h"
+#include "tests/Numbers.h"
 
 namespace TmEngine {
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 using tPoints = std::vector<sControlPoint>;
 
 tPoints Points(std::initializer_list<cVector2> pPoints) {
@@ -206,21 +204,18 @@ TEST(cHermiteSpline, RefusesBadArgumentsAndChangesNothing) {
                                               [&](int i) { s.MovePoint(i, {}); },
                                               [&](int i) { s.RemovePointAt(i); }};
   for (const auto& call : byIndex) {
-    ExpectThrow<cArgumentException>([&] { call(-1); },
-                                    "Argument pIndex must be greater than or equal to zero.");
-    ExpectThrow<cArgumentException>([&] { call(2); }, "Argument pIndex must be less than fCount.");
+    ExpectChecks("", {TM_ARG("Argument pIndex must be greater than or equal to zero.", call(-1)),
+                      TM_ARG("Argument pIndex must be less than fCount.", call(2))});
   }
-  const auto setOne = [&] { s.SetControlPoints(eSplineInterpolationMode_Flat, 1, nullptr); };
-  const auto setNull = [&] { s.SetControlPoints(eSplineInterpolationMode_Flat, 2, nullptr); };
-  ExpectThrow<cArgumentException>(setOne, "Argument pControlPointCount must be greater or equal than two.");
-  ExpectThrow<cArgumentNullException>(setNull, "Argument pCPs cannot be null.");
-  using tError = cInvalidOperationException;
-  ExpectThrow<tError>([&] { s.RemovePointAt(1); },
-                      "Cannot remove control point. The curve must have at least two control points.");
-  ExpectThrow<tError>([&] { s.Clone(); }, "Method 'cHermiteSpline::Clone()' is not implemented.");
-  const auto update = [] { sShortSpline().UpdatePointArray(); };
-  EXPECT_EQ(ExpectThrow<tError>(update, "The curve must have at least two control points."),
-            "void __cdecl TmEngine::cHermiteSpline::UpdatePointArray(void)");
+  const auto set = [&](int pCount) { s.SetControlPoints(eSplineInterpolationMode_Flat, pCount, nullptr); };
+  ExpectChecks("", {TM_ARG("Argument pControlPointCount must be greater or equal than two.", set(1)),
+                    TM_NULL("Argument pCPs cannot be null.", set(2)),
+                    TM_STATE("Cannot remove control point. The curve must have at least two control points.",
+                             s.RemovePointAt(1)),
+                    TM_STATE("Method 'cHermiteSpline::Clone()' is not implemented.", s.Clone())});
+  ExpectChecks(
+      "void __cdecl TmEngine::cHermiteSpline::UpdatePointArray(void)",
+      {TM_STATE("The curve must have at least two control points.", sShortSpline().UpdatePointArray())});
   EXPECT_TRUE(s == cHermiteSpline());
 }
 

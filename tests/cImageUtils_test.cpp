@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
+#include <utility>
 
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapBGR8.h"
@@ -14,11 +14,11 @@
 #include "engine/cTransfer.h"
 #include "engine/cTransferLUT.h"
 #include "tests/BitmapTestTools.h"
+#include "tests/Numbers.h"
 
 namespace TmEngine {
 namespace {
 
-const float kNaN = std::numeric_limits<float>::quiet_NaN();
 const cMatrix33 kIdentity(1, 0, 0, 0, 1, 0, 0, 0, 1);
 const cMatrix33 kDigits(1, 10, 100, 1000, 10000, 100000, 2, 20, 200);
 /// Of (1e8, 1e8, 1) it makes (1, 0, -1) only when sums go from left to right.
@@ -40,15 +40,11 @@ std::unique_ptr<cBitmapXYZ32> MakeImage(int pWidth, int pHeight, const std::vect
 /// The samples of an image, row by row; fails when padding was touched.
 std::vector<float> SamplesOf(const cBitmapXYZ32& pImage) {
   std::vector<float> samples;
-  const int rowFloats = pImage.GetStride() / 4;
+  const int rowFloats = pImage.GetStride() / 4, used = 3 * pImage.GetWidth();
   for (int y = 0; y < pImage.GetHeight(); ++y) {
-    for (int x = 0; x < rowFloats; ++x) {
-      const float sample = pImage.GetBitmapData()[rowFloats * y + x];
-      if (x < 3 * pImage.GetWidth())
-        samples.push_back(sample);
-      else
-        EXPECT_EQ(sample, kPad) << "padding at " << x << ", " << y;
-    }
+    const float* row = pImage.GetBitmapData() + rowFloats * y;
+    samples.insert(samples.end(), row, row + used);
+    for (int x = used; x < rowFloats; ++x) EXPECT_EQ(row[x], kPad) << "padding at " << x << ", " << y;
   }
   return samples;
 }
@@ -64,9 +60,8 @@ TEST(cImageUtils, TransformsColoursIntoAnotherImageOrInPlace) {
     const std::vector<float> from = Counting(3 * width * 2);
     std::vector<float> expected;
     for (std::size_t i = 0; i < from.size(); i += 3) {
-      expected.push_back(from[i] + 10 * from[i + 1] + 100 * from[i + 2]);
-      expected.push_back(1000 * expected.back());
-      expected.push_back(2 * expected[expected.size() - 2]);
+      const float sum = from[i] + 10 * from[i + 1] + 100 * from[i + 2];
+      expected.insert(expected.end(), {sum, 1000 * sum, 2 * sum});
     }
     const auto source = MakeImage(width, 2, from);
     const auto target = MakeImage(width, 2, Counting(3 * width * 2));
@@ -121,12 +116,9 @@ TEST(cImageUtils, ClampsAndMeasuresOneChannel) {
   EXPECT_EQ(low, 1.0f);
   EXPECT_EQ(high, 4.0f);
   cImageUtils::ClampLow(image.get(), 1, 0.0f);
-  const std::vector<float> samples = SamplesOf(*image);
-  EXPECT_EQ(samples[1], 0.0f);
-  EXPECT_EQ(samples[4], 0.3f);
-  EXPECT_TRUE(std::isnan(samples[7]));
-  EXPECT_EQ(samples[10], 0.0f);
-  EXPECT_EQ(samples[2], -9.0f) << "other channels stay";
+  std::vector<float> samples = SamplesOf(*image);
+  EXPECT_TRUE(std::isnan(std::exchange(samples[7], 0.0f)));
+  EXPECT_EQ(samples, (std::vector<float>{1, 0, -9, 2, 0.3f, 9, 3, 0, 9, 4, 0, 9}));
   cImageUtils::ClampLow(image.get(), 0, kNaN);
   EXPECT_EQ(image->GetBitmapData()[0], 1.0f);
   const auto nanFirst = MakeImage(2, 1, {kNaN, 0, 0, 5, 0, 0});
@@ -312,11 +304,8 @@ TEST(cImageUtils, FormatConversionsCheckArgumentsInOrder) {
         [](t16* a, t8* b) { tU::Convert(a, b); });
   check("Convert(" + s8 + "," + s16 + ")", "pFromBGR8", "pToBGR16", "", b8, b16,
         [](t8* a, t16* b) { tU::Convert(a, b); });
-  try {
-    tU::Convert(static_cast<t8*>(nullptr), static_cast<t16*>(nullptr));
-  } catch (const cException& exception) {
-    EXPECT_STREQ(exception.GetFile(), ".\\cImageUtils.cpp");
-  }
+  ExpectThrow<cArgumentNullException>([&] { tU::Convert(static_cast<t8*>(nullptr), &b16.fImage); },
+                                      "Argument pFromBGR8 cannot be null.", ".\\cImageUtils.cpp");
 }
 
 }  // namespace

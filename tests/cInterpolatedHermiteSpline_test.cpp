@@ -1,12 +1,12 @@
 #include "engine/cInterpolatedHermiteSpline.h"
 
 #include <cstdlib>
-#include <limits>
 #include <new>
 #include <random>
 #include <vector>
 
 #include "tests/ExceptionCheck.h"
+#include "tests/Numbers.h"
 
 // All arrays of the curves come from here: how many more can be had; negative: any number.
 static int gArraysLeft = -1;
@@ -27,8 +27,6 @@ void operator delete[](void* pBlock, std::size_t) noexcept {
 namespace TmEngine {
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr auto kSupplied = eSplineInterpolationMode_Supplied;
 
 // Key frames of pPoints points: record i stands at x = its place in the frame, its other floats are from i
@@ -97,25 +95,23 @@ TEST(cInterpolatedHermiteSpline, TakesFloatsInTheirOrder) {
 template <class tRecord>
 void CheckRefusals(const std::string& pRecord, const std::string& pWords) {
   const auto set = [](int pPoints, int pFrames) {
-    const tRecord* const null = nullptr;
-    return [=] { cInterpolatedHermiteSpline().SetKeyFrames(kSupplied, pPoints, pFrames, null); };
+    cInterpolatedHermiteSpline().SetKeyFrames(kSupplied, pPoints, pFrames,
+                                              static_cast<const tRecord*>(nullptr));
   };
-  ExpectThrow<cArgumentException>(set(1, 0), "Argument pControlPointCount must be " + pWords + " two.");
-  ExpectThrow<cArgumentException>(set(2, 0), "Argument pKeyFrameCount must be " + pWords + " one.");
-  EXPECT_EQ(ExpectThrow<cArgumentNullException>(set(2, 1), "Argument pCPs cannot be null."),
-            "void __cdecl TmEngine::cInterpolatedHermiteSpline::SetKeyFrames(enum "
-            "TmEngine::eSplineInterpolationMode,int,int,const " +
-                pRecord + " *)");
+  ExpectThrow<cArgumentException>([&] { set(1, 0); },
+                                  "Argument pControlPointCount must be " + pWords + " two.",
+                                  ".\\cHermiteSpline.cpp");  // the base's
+  ExpectChecks(
+      "void __cdecl TmEngine::cInterpolatedHermiteSpline::SetKeyFrames(enum "
+      "TmEngine::eSplineInterpolationMode,int,int,const " +
+          pRecord + " *)",
+      {TM_ARG("Argument pKeyFrameCount must be " + pWords + " one.", set(2, 0)),
+       TM_NULL("Argument pCPs cannot be null.", set(2, 1))});
 }
 
 TEST(cInterpolatedHermiteSpline, RefusesBadArgumentsInOrder) {
   CheckRefusals<sControlPoint>("struct TmEngine::sControlPoint", "greater than or equal to");
   CheckRefusals<float>("float", "greater or equal than");
-  try {
-    cInterpolatedHermiteSpline().SetKeyFrames(kSupplied, 0, 1, static_cast<float*>(nullptr));
-  } catch (const cException& exception) {
-    EXPECT_STREQ(exception.GetFile(), ".\\cHermiteSpline.cpp");  // the base's
-  }
 }
 
 // Lets the first, second, ... array of each call fail until the call succeeds.

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "tests/ExceptionCheck.h"
+#include "tests/Numbers.h"
 
 namespace TmEngine {
 namespace {
@@ -55,13 +56,12 @@ TEST(cTransferLUT, EncodesByTruncation) {
 }
 
 TEST(cTransferLUT, KeepsTheLowBitsOfWhatDoesNotFit) {
-  const float infinity = std::numeric_limits<float>::infinity();
   const struct {
     float fValue;  // of the transfer
     int fByte, fWord;
-  } cases[] = {{-0.5f / 255.0f, 0, 65408}, {-1.0f, 1, 1},     {256.0f / 255.0f, 0, 256},
-               {2.0f, 254, 65534},         {0x1p40f, 0, 0},   {0x1p63f, 0, 0},
-               {infinity, 0, 0},           {-infinity, 0, 0}, {std::nanf(""), 0, 0}};
+  } cases[] = {{-0.5f / 255.0f, 0, 65408}, {-1.0f, 1, 1},      {256.0f / 255.0f, 0, 256},
+               {2.0f, 254, 65534},         {0x1p40f, 0, 0},    {0x1p63f, 0, 0},
+               {kInfinity, 0, 0},          {-kInfinity, 0, 0}, {kNaN, 0, 0}};
   for (const auto& row : cases) {
     sLine constant(0.0f, row.fValue);
     EXPECT_EQ(std::make_unique<cTransferLUT_F32I8>(&constant)->GetTable()[77], row.fByte) << row.fValue;
@@ -72,32 +72,25 @@ TEST(cTransferLUT, KeepsTheLowBitsOfWhatDoesNotFit) {
 }
 
 TEST(cTransferLUT, IsIndexedByClampedValues) {
-  const float infinity = std::numeric_limits<float>::infinity();
   const float belowOne = std::nextafter(1.0f, 0.0f);
-  for (float value : {-infinity, -0.0001f, 0.0f, std::nanf("")}) EXPECT_EQ(UnitToIndex(value), 0) << value;
-  for (float value : {1.0f, 1.0000001f, 1e30f, infinity}) EXPECT_EQ(UnitToIndex(value), 65535) << value;
+  for (float value : {-kInfinity, -0.0001f, 0.0f, kNaN}) EXPECT_EQ(UnitToIndex(value), 0) << value;
+  for (float value : {1.0f, 1.0000001f, 1e30f, kInfinity}) EXPECT_EQ(UnitToIndex(value), 65535) << value;
   EXPECT_EQ(UnitToIndex(belowOne), 65534);
   EXPECT_EQ(UnitToIndex(0.5f), 32767);
 }
 
 template <class tTable>
 void ExpectNullChecks(const std::string& pName) {
-  const char kMessage[] = "Argument pTransfer cannot be null.";
-  const std::string scope = "__cdecl TmEngine::" + pName + "::";
-  const std::string parameters = "(class TmEngine::cTransfer *)";
-  EXPECT_EQ(ExpectThrow<cArgumentNullException>([] { std::make_unique<tTable>(nullptr); }, kMessage),
-            scope + pName + parameters);
+  const char message[] = "Argument pTransfer cannot be null.";
+  const std::string scope = "__cdecl TmEngine::" + pName + "::", parameters = "(class TmEngine::cTransfer *)";
+  ExpectChecks(scope + pName + parameters, {TM_NULL(message, std::make_unique<tTable>(nullptr))});
   sLine line(0.25f, 0.5f);
   const auto table = std::make_unique<tTable>(&line);
   const auto before = table->GetTable()[0];
-  EXPECT_EQ(ExpectThrow<cArgumentNullException>([&] { table->BuildCache(nullptr); }, kMessage),
-            "void " + scope + "BuildCache" + parameters);
+  EXPECT_EQ(
+      ExpectThrow<cArgumentNullException>([&] { table->BuildCache(nullptr); }, message, ".\\cTransfer.cpp"),
+      "void " + scope + "BuildCache" + parameters);
   EXPECT_EQ(table->GetTable()[0], before);
-  try {
-    table->BuildCache(nullptr);
-  } catch (const cException& exception) {
-    EXPECT_STREQ(exception.GetFile(), ".\\cTransfer.cpp");
-  }
 }
 
 TEST(cTransferLUT, NamesTheFunctionThatGotNoTransfer) {

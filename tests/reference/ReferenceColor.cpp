@@ -31,28 +31,14 @@ tMatrixD Inverse(const tMatrixD& a) {
   return b;
 }
 
-tMatrixD ProductD(const tMatrixD& a, const tMatrixD& b) {
-  tMatrixD c{};
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 3; ++column) {
-      c[3 * row + column] =
-          a[3 * row] * b[column] + a[3 * row + 1] * b[3 + column] + a[3 * row + 2] * b[6 + column];
-    }
-  }
-  return c;
-}
-
 tVectorD Apply(const tMatrixD& m, const tVectorD& v) {
   tVectorD result{};
-  for (int row = 0; row < 3; ++row) {
-    result[row] = m[3 * row] * v[0] + m[3 * row + 1] * v[1] + m[3 * row + 2] * v[2];
-  }
+  for (int i = 0; i < 3; ++i) result[i] = m[3 * i] * v[0] + m[3 * i + 1] * v[1] + m[3 * i + 2] * v[2];
   return result;
 }
 
 tVectorD WhiteXyz(const float (&pWhite)[2]) {
-  const double x = pWhite[0];
-  const double y = pWhite[1];
+  const double x = pWhite[0], y = pWhite[1];
   return {x / y, 1.0, (1.0 - x - y) / y};
 }
 
@@ -77,7 +63,7 @@ tMatrixD RgbToXyzD50InDouble(int pColorSpace) {
   const tVectorD from = Apply(kBradford, WhiteXyz(primaries.fWhite));
   tMatrixD scaled = kBradford;
   for (int i = 0; i < 9; ++i) scaled[i] *= to[i / 3] / from[i / 3];
-  return ProductD(ProductD(Inverse(kBradford), scaled), native);
+  return Product(Product(Inverse(kBradford), scaled), native);
 }
 
 tMatrix Rounded(const tMatrixD& m) {
@@ -87,10 +73,8 @@ tMatrix Rounded(const tMatrixD& m) {
 }
 
 float Encode(int pColorSpace, float x) {
-  if (pColorSpace != 0) {
-    const float gamma = pColorSpace == kProPhoto ? 1.8f : 2.2f;
-    return static_cast<float>(Power(x, 1.0 / double{gamma}));
-  }
+  const float gamma = pColorSpace == kProPhoto ? 1.8f : 2.2f;
+  if (pColorSpace != 0) return static_cast<float>(Power(x, 1.0 / double{gamma}));
   if (x <= 0.0031308f) return x * 12.92f;
   return static_cast<float>(Power(x, 0.4166666666666667) * 1.055 - 0.055);
 }
@@ -114,20 +98,9 @@ tMatrix XyzD50ToRgb(int pColorSpace) {
   return Rounded(Inverse(RgbToXyzD50InDouble(pColorSpace)));
 }
 
-tMatrix Product(const tMatrix& pA, const tMatrix& pB) {
-  tMatrix c{};
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 3; ++column) {
-      c[3 * row + column] =
-          pA[3 * row] * pB[column] + pA[3 * row + 1] * pB[3 + column] + pA[3 * row + 2] * pB[6 + column];
-    }
-  }
-  return c;
-}
-
 const tList<std::uint16_t>& EncodingTable(int pColorSpace) {
-  static const tList<std::uint16_t> tables[3] = {MakeEncodingTable(0), MakeEncodingTable(1),
-                                                 MakeEncodingTable(2)};
+  static const tList<std::uint16_t> tables[] = {MakeEncodingTable(0), MakeEncodingTable(1),
+                                                MakeEncodingTable(2)};
   return tables[pColorSpace];
 }
 

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstddef>
 #include <iterator>
-#include <stdexcept>
 
 #include "ReferenceParts.h"
 #include "ReferenceToneMapper.h"
@@ -32,29 +31,25 @@ struct sJob {
   float LongerSide() const { return static_cast<float>(std::max(fWidth, fHeight)); }
 };
 
-// ---- Preparation: luminance, hue and chromatic extremes, log luminance ----
-
-int HueCode(float r, float g, float b, float pMin, float pMax) {
-  float hue = 0.0f;
-  if (pMax == pMin) {
-    hue = 0.0f;
-  } else if (pMax == r) {
-    hue = 60.0f * (g - b) / (pMax - pMin);
-    if (g < b) hue += 360.0f;
-  } else if (pMax == g) {
-    hue = 60.0f * (b - r) / (pMax - pMin) + 120.0f;
-  } else {
-    hue = 60.0f * (r - g) / (pMax - pMin) + 240.0f;
-  }
-  return std::isnan(hue) ? 0 : static_cast<int>(hue / 360.0f * 65535.0f);
+/// Widens [pMin, pMax] to hold pValue.
+void Extend(float pValue, float& pMin, float& pMax) {
+  if (pValue < pMin) pMin = pValue;
+  if (pValue > pMax) pMax = pValue;
 }
+
+/// pValue without its fraction, within 0 to pLast; 0 for a NaN.
+std::int64_t Truncated(float pValue, std::int64_t pLast) {
+  if (!(pValue > 0.0f)) return 0;
+  return pValue >= static_cast<float>(pLast) ? pLast : static_cast<std::int64_t>(pValue);
+}
+
+// ---- Preparation: luminance, hue and chromatic extremes, log luminance ----
 
 sPixel PreparePixel(const float* pXYZ, const tMatrix& m) {
   float y = pXYZ[1];
   float r = 1.0f, g = 1.0f, b = 1.0f;
   if (y > 0.0f) {
-    const float x = pXYZ[0] / y;
-    const float z = pXYZ[2] / y;
+    const float x = pXYZ[0] / y, z = pXYZ[2] / y;
     r = m[0] * x + m[1] + m[2] * z;
     g = m[3] * x + m[4] + m[5] * z;
     b = m[6] * x + m[7] + m[8] * z;
@@ -71,26 +66,24 @@ sPixel PreparePixel(const float* pXYZ, const tMatrix& m) {
 void Prepare(sJob& pJob, const std::vector<float>& pXYZ) {
   const tMatrix toProPhoto = XyzD50ToRgb(kProPhoto);
   const float floorY = static_cast<float>(std::ldexp(1.0, -128));
-  sStatistics& statistics = pJob.fStatistics;
+  sStatistics& found = pJob.fStatistics;
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
     const float* xyz = pXYZ.data() + 3 * i;
     pJob.fPixels.push_back(PreparePixel(xyz, toProPhoto));
     const float y = floorY > xyz[1] ? floorY : xyz[1];
-    if (y < statistics.fMinY) statistics.fMinY = y;
-    if (y > statistics.fMaxY) statistics.fMaxY = y;
+    Extend(y, found.fMinY, found.fMaxY);
     pJob.fLogY.push_back(std::log10(y));
   }
-  statistics.fLogMinY = std::log10(statistics.fMinY);
-  statistics.fLogMaxY = std::log10(statistics.fMaxY);
-  Log(pJob.fLog, "Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n", statistics.fLogMinY,
-      statistics.fLogMaxY);
+  found.fLogMinY = std::log10(found.fMinY);
+  found.fLogMaxY = std::log10(found.fMaxY);
+  Log(pJob.fLog, "Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n", found.fLogMinY, found.fLogMaxY);
 }
 
 // ---- Phase 1: base and detail through the bilateral grid ----
 
 float SpatialSigma(const sJob& pJob) {
   const float m = pJob.fValues.fMicrocontrast;
-  if (std::isnan(m)) throw std::runtime_error("Argument pMicrocontrast is out of range.");
+  Check(!std::isnan(m), "Argument pMicrocontrast is out of range.");
   const float g = m < 100.0f ? (m - 10.0f) * 15.0f / 90.0f + 10.0f : (m - 100.0f) * 75.0f / 100.0f + 25.0f;
   const float smallest = pJob.LongerSide() / 1000.0f;
   const float sigma = std::max(smallest * g, smallest);
@@ -99,7 +92,7 @@ float SpatialSigma(const sJob& pJob) {
 }
 
 float RangeSigma(const sJob& pJob) {
-  if (std::isnan(pJob.fValues.fLighting)) throw std::runtime_error("Argument pLighting is out of range.");
+  Check(!std::isnan(pJob.fValues.fLighting), "Argument pLighting is out of range.");
   return std::max(pJob.fValues.fLighting * 0.4f / 200.0f + 0.2f, 0.01f);
 }
 
@@ -118,10 +111,7 @@ struct sGrid {
     fWeight[cell] += 1.0f;
   }
   std::int64_t Nearest(float pPosition, int pAxis) const {
-    const float shifted = pPosition + 0.5f + 3.0f;
-    if (!(shifted > 0.0f)) return 0;
-    if (shifted >= static_cast<float>(fSize[pAxis])) return fSize[pAxis] - 1;
-    return static_cast<std::int64_t>(shifted);
+    return Truncated(pPosition + 0.5f + 3.0f, fSize[pAxis] - 1);
   }
 };
 
@@ -147,8 +137,7 @@ void BlurPass(const sGrid& pFrom, sGrid& pTo, std::int64_t pStep) {
     for (std::int64_t y = 1; y <= pFrom.fSize[1] - 2; ++y) {
       for (std::int64_t x = 1; x <= pFrom.fSize[0] - 2; ++x) {
         const std::int64_t i = pFrom.Cell(x, y, z);
-        const tList<float>& value = pFrom.fValue;
-        const tList<float>& weight = pFrom.fWeight;
+        const tList<float>&value = pFrom.fValue, &weight = pFrom.fWeight;
         pTo.fValue[i] = (value[i - pStep] + 2.0f * value[i]) + value[i + pStep];
         pTo.fWeight[i] = (weight[i - pStep] + 2.0f * weight[i]) + weight[i + pStep];
       }
@@ -172,23 +161,21 @@ float Mix(float pFraction, float pA, float pB) {
   return (1.0f - pFraction) * pA + pFraction * pB;
 }
 
-float Slice(const sGrid& pGrid, float fx, float fy, float fz) {
-  const auto ix = static_cast<std::int64_t>(fx);
-  const auto iy = static_cast<std::int64_t>(fy);
-  const auto iz = static_cast<std::int64_t>(fz);
-  const float ux = fx - static_cast<float>(ix);
-  const float uy = fy - static_cast<float>(iy);
-  const float uz = fz - static_cast<float>(iz);
-  float plane[2];
-  for (int z = 0; z < 2; ++z) {
-    float line[2];
-    for (int y = 0; y < 2; ++y) {
-      const std::int64_t cell = pGrid.Cell(ix, iy + y, iz + z);
-      line[y] = Mix(ux, pGrid.fValue[cell], pGrid.fValue[cell + 1]);
-    }
-    plane[z] = Mix(uy, line[0], line[1]);
+float Slice(const sGrid& pGrid, const float (&pAt)[3]) {
+  std::int64_t i[3];
+  float u[3], plane[2], line[2];
+  for (int axis = 0; axis < 3; ++axis) {
+    i[axis] = static_cast<std::int64_t>(pAt[axis]);
+    u[axis] = pAt[axis] - static_cast<float>(i[axis]);
   }
-  return Mix(uz, plane[0], plane[1]);
+  for (int z = 0; z < 2; ++z) {
+    for (int y = 0; y < 2; ++y) {
+      const std::int64_t cell = pGrid.Cell(i[0], i[1] + y, i[2] + z);
+      line[y] = Mix(u[0], pGrid.fValue[cell], pGrid.fValue[cell + 1]);
+    }
+    plane[z] = Mix(u[1], line[0], line[1]);
+  }
+  return Mix(u[2], plane[0], plane[1]);
 }
 
 void FindBase(sJob& pJob, float pSigmaS, float pSigmaR) {
@@ -198,42 +185,34 @@ void FindBase(sJob& pJob, float pSigmaS, float pSigmaR) {
              GridSize(pJob.fStatistics.fLogMaxY - logMin, pSigmaR));
   for (int y = 0; y < pJob.fHeight; ++y) SplatRow(pJob, grid, y, pSigmaS, pSigmaR);
   Blur(grid);
-  for (int y = 0; y < pJob.fHeight; ++y) {
-    for (int x = 0; x < pJob.fWidth; ++x) {
-      const float v = pJob.fLogY[std::int64_t{y} * pJob.fWidth + x];
-      pJob.fBase.push_back(Slice(grid, static_cast<float>(x) / pSigmaS + 3.0f,
-                                 static_cast<float>(y) / pSigmaS + 3.0f, (v - logMin) / pSigmaR + 3.0f) +
-                           logMin);
-    }
+  for (std::int64_t i = 0; i < pJob.Count(); ++i) {
+    const auto x = static_cast<float>(i % pJob.fWidth), y = static_cast<float>(i / pJob.fWidth);
+    const float d = pJob.fLogY[i] - logMin;
+    pJob.fBase.push_back(Slice(grid, {x / pSigmaS + 3.0f, y / pSigmaS + 3.0f, d / pSigmaR + 3.0f}) + logMin);
   }
-  const float factor = pJob.fValues.fLocalContrast / 100.0f;
-  BoxSmooth(pJob.fBase.data(), pJob.fBase.data(), pJob.fWidth, pJob.fHeight,
-            pJob.LongerSide() * factor / 3000.0f);
 }
 
 void Phase1(sJob& pJob) {
   const float sigmaS = SpatialSigma(pJob);
   const float sigmaR = RangeSigma(pJob);
   FindBase(pJob, sigmaS, sigmaR);
-  sStatistics& statistics = pJob.fStatistics;
+  sStatistics& found = pJob.fStatistics;
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
     const float base = pJob.fBase[i];
     const float detail = pJob.fLogY[i] - base;
     pJob.fDetail.push_back(detail);
-    if (base > statistics.fBaseMax) statistics.fBaseMax = base;
-    if (base < statistics.fBaseMin) statistics.fBaseMin = base;
-    if (detail > statistics.fDetailMax) statistics.fDetailMax = detail;
-    if (detail < statistics.fDetailMin) statistics.fDetailMin = detail;
-    statistics.fBaseMean += base;
-    statistics.fDetailMeanMagnitude += std::fabs(detail);
+    Extend(base, found.fBaseMin, found.fBaseMax);
+    Extend(detail, found.fDetailMin, found.fDetailMax);
+    found.fBaseMean += base;
+    found.fDetailMeanMagnitude += std::fabs(detail);
   }
-  statistics.fBaseMean /= static_cast<double>(pJob.Count());
-  statistics.fDetailMeanMagnitude /= static_cast<double>(pJob.Count());
+  found.fBaseMean /= static_cast<double>(pJob.Count());
+  found.fDetailMeanMagnitude /= static_cast<double>(pJob.Count());
   Log(pJob.fLog,
       "End ToneMappingPhase1 %d x %d  - min/ave/max Base: %1.2f  %1.2f  %1.2f (vs orig: %1.2f)  -  Detail: "
       "%1.2f  %1.2f  %1.2f\n",
-      pJob.fWidth, pJob.fHeight, statistics.fBaseMin, statistics.fBaseMean, statistics.fBaseMax,
-      statistics.fLogMaxY, statistics.fDetailMin, statistics.fDetailMeanMagnitude, statistics.fDetailMax);
+      pJob.fWidth, pJob.fHeight, found.fBaseMin, found.fBaseMean, found.fBaseMax, found.fLogMaxY,
+      found.fDetailMin, found.fDetailMeanMagnitude, found.fDetailMax);
 }
 
 // ---- Phase 2: tone tables, exposure, black and white points ----
@@ -258,9 +237,7 @@ tList<float> ToneTable(float pMin, float pMax, float pExponent, bool pCompress, 
 
 float LargestOf(const tList<float>& pTable) {
   float largest = 0.0f;
-  for (const float entry : pTable) {
-    if (entry > largest) largest = entry;
-  }
+  for (const float entry : pTable) largest = entry > largest ? entry : largest;
   return largest;
 }
 
@@ -276,10 +253,8 @@ float ExposureScale(float k, float pLargestY) {
   return static_cast<float>(scale * (Power(2.0, -0.35) * c + (1.0 - c)));
 }
 
-int TableIndex(float pValue, float pMin, float pRange) {
-  const float index = (pValue - pMin) * 65535.0f / pRange;
-  if (!(index > 0.0f)) return 0;
-  return index >= 65535.0f ? 65535 : static_cast<int>(index);
+std::int64_t TableIndex(float pValue, float pMin, float pMax) {
+  return Truncated((pValue - pMin) * 65535.0f / (pMax - pMin), 65535);
 }
 
 struct sHistogram {
@@ -288,9 +263,8 @@ struct sHistogram {
   float fScale = 1.0f, fMin = 0.0f;
 
   void Add(float pY) {
-    const float bin = (pY - fMin) * fScale;
     ++fCount;
-    ++fBins[!(bin > 0.0f) ? 0 : bin >= 65535.0f ? 65535 : static_cast<int>(bin)];
+    ++fBins[Truncated((pY - fMin) * fScale, 65535)];
   }
   /// Bins consumed from below while pTarget is above the sum (or equal to it, when pOrEqual).
   int Up(double pTarget, bool pOrEqual = false) const {
@@ -329,38 +303,33 @@ void LogPercentiles(const sJob& pJob, const sHistogram& pHistogram) {
 }
 
 void FindPoints(sJob& pJob, float pMin, float pMax, double pSum) {
-  sStatistics& statistics = pJob.fStatistics;
+  sStatistics& found = pJob.fStatistics;
   sHistogram histogram;
   histogram.fMin = pMin;
   if (pMax > pMin) histogram.fScale = 65535.0f / (pMax - pMin);
   Log(pJob.fLog,
       "Tone Mapped Y Min/Max: [%1.2f  %1.2f] (vs orig [%1.2f  %1.2f]) ave: %1.2f  -> scaling: %1.2f (vs "
-      "exposure: "
-      "%1.2f)\n",
-      pMin, pMax, statistics.fMinY, statistics.fMaxY, pSum / static_cast<double>(pJob.Count()),
-      1.0f / (pMax - pMin), statistics.fExposureScale);
+      "exposure: %1.2f)\n",
+      pMin, pMax, found.fMinY, found.fMaxY, pSum / static_cast<double>(pJob.Count()), 1.0f / (pMax - pMin),
+      found.fExposureScale);
   for (const sPixel& pixel : pJob.fPixels) histogram.Add(pixel.fY);
   LogPercentiles(pJob, histogram);
   const sEngineValues& values = pJob.fValues;
-  statistics.fBlack = histogram.Value(histogram.Up(values.fBlackClip / 100.0 * pJob.fWidth * pJob.fHeight));
-  statistics.fWhite =
+  found.fBlack = histogram.Value(histogram.Up(values.fBlackClip / 100.0 * pJob.fWidth * pJob.fHeight));
+  found.fWhite =
       histogram.Value(histogram.Down((1.0 - values.fWhiteClip / 100.0) * pJob.fWidth * pJob.fHeight));
   Log(pJob.fLog,
       "  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
-      statistics.fBlack, pMin, statistics.fWhite, pMax, 1.0f / (statistics.fWhite - statistics.fBlack),
-      1.0f / (pMax - pMin));
+      found.fBlack, pMin, found.fWhite, pMax, 1.0f / (found.fWhite - found.fBlack), 1.0f / (pMax - pMin));
 }
 
 void MapLuminance(sJob& pJob, float pInitialMin) {
-  const sStatistics& statistics = pJob.fStatistics;
-  float largest = 0.0f;
-  float smallest = pInitialMin;
+  const sStatistics& found = pJob.fStatistics;
+  float largest = 0.0f, smallest = pInitialMin;
   double sum = 0.0;
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
-    const int base =
-        TableIndex(pJob.fBase[i], statistics.fBaseMin, statistics.fBaseMax - statistics.fBaseMin);
-    const int detail =
-        TableIndex(pJob.fDetail[i], statistics.fDetailMin, statistics.fDetailMax - statistics.fDetailMin);
+    const std::int64_t base = TableIndex(pJob.fBase[i], found.fBaseMin, found.fBaseMax);
+    const std::int64_t detail = TableIndex(pJob.fDetail[i], found.fDetailMin, found.fDetailMax);
     const float y = pJob.fBaseTable[base] * pJob.fDetailTable[detail];
     pJob.fPixels[i].fY = y;
     if (y > largest) {
@@ -374,56 +343,52 @@ void MapLuminance(sJob& pJob, float pInitialMin) {
 }
 
 void Phase2(sJob& pJob) {
-  sStatistics& statistics = pJob.fStatistics;
+  sStatistics& found = pJob.fStatistics;
   const float s = static_cast<float>(pJob.fValues.fStrength / 100.0);
   const float k = s > 0.0f ? 1.0f - s : 1.0f - 3.0f * s;
   const double compression = pJob.fValues.fToneCompression;
   const bool compress = compression > 0.0;
-  pJob.fBaseTable = ToneTable(statistics.fBaseMin, statistics.fBaseMax, k, compress, statistics.fBaseMean,
-                              compression / 20.0 + 0.05);
-  pJob.fDetailTable = ToneTable(statistics.fDetailMin, statistics.fDetailMax, 1.0f, compress,
-                                statistics.fDetailMeanMagnitude, compression / 50.0 + 0.01);
-  if (!(statistics.fBaseMax - statistics.fBaseMin > 0.0f)) return;
-  if (!(statistics.fDetailMax - statistics.fDetailMin > 0.0f)) return;
+  pJob.fBaseTable =
+      ToneTable(found.fBaseMin, found.fBaseMax, k, compress, found.fBaseMean, compression / 20.0 + 0.05);
+  pJob.fDetailTable = ToneTable(found.fDetailMin, found.fDetailMax, 1.0f, compress,
+                                found.fDetailMeanMagnitude, compression / 50.0 + 0.01);
+  if (!(found.fBaseMax - found.fBaseMin > 0.0f)) return;
+  if (!(found.fDetailMax - found.fDetailMin > 0.0f)) return;
   const float baseLargest = LargestOf(pJob.fBaseTable);
   const float detailLargest = LargestOf(pJob.fDetailTable);
-  statistics.fExposureScale = ExposureScale(k, statistics.fMaxY);
+  found.fExposureScale = ExposureScale(k, found.fMaxY);
   Log(pJob.fLog,
       "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - DetailOutMax: "
-      " "
-      "%1.2f (vs DetailAverage: %1.2f)\n",
-      k, baseLargest, Power(10.0, statistics.fLogMaxY), 1.0 / statistics.fExposureScale, detailLargest,
-      Power(10.0, statistics.fDetailMeanMagnitude));
+      " %1.2f (vs DetailAverage: %1.2f)\n",
+      k, baseLargest, Power(10.0, found.fLogMaxY), 1.0 / found.fExposureScale, detailLargest,
+      Power(10.0, found.fDetailMeanMagnitude));
   MapLuminance(pJob, baseLargest * detailLargest);
 }
 
 // ---- Final rendering: stretch, colour, contrast, output space, encoding ----
 
 float ContrastPosition(const sEngineValues& pValues) {
-  const float position = (pValues.fContrast + 100.0f) / 200.0f;
-  if (!pValues.fStrengthInContrast || !(pValues.fStrength >= 0.0f)) return position;
+  const float position = (20.0f + 100.0f) / 200.0f;
+  if (!(pValues.fStrength >= 0.0f)) return position;
   return std::min(pValues.fStrength * 0.35f / 100.0f + position, 1.0f);
 }
 
-float Stretched(float pY, const sStatistics& pStatistics, float pGain) {
-  const float factor =
-      pStatistics.fWhite > pStatistics.fBlack ? 1.0f / (pStatistics.fWhite - pStatistics.fBlack) : 1.0f;
-  if (factor == 1.0f) return pY * pGain;
-  const float stretched = (pY - pStatistics.fBlack) * factor;
+float Stretched(float pY, const sStatistics& pStatistics) {
+  const float black = pStatistics.fBlack, white = pStatistics.fWhite;
+  const float factor = white > black ? 1.0f / (white - black) : 1.0f;
+  if (factor == 1.0f) return pY * pStatistics.fExposureScale;
+  const float stretched = (pY - black) * factor;
   return stretched > 0.0f ? stretched : 0.0f;
 }
 
 std::vector<std::uint16_t> FinalRendering(const sJob& pJob, int pOutputBits, int pColorSpace) {
-  const sEngineValues& values = pJob.fValues;
   const tMatrix m = Product(XyzD50ToRgb(pColorSpace), RgbToXyzD50(kProPhoto));
   const tList<std::uint16_t>& encoding = EncodingTable(pColorSpace);
-  const tList<float> toneCurve = ToneCurve(ContrastPosition(values));
+  const tList<float> toneCurve = ToneCurve(ContrastPosition(pJob.fValues));
   const tList<sHexcone> hues = HueTable();
-  const float gain =
-      std::pow(2.0f, values.fExposure) * (values.fUseExposureScale ? pJob.fStatistics.fExposureScale : 1.0f);
   std::vector<std::uint16_t> bgr;
   for (const sPixel& pixel : pJob.fPixels) {
-    const float luminance = Stretched(pixel.fY, pJob.fStatistics, gain);
+    const float luminance = Stretched(pixel.fY, pJob.fStatistics);
     const float lo = pixel.fMin * luminance;
     const float span = pixel.fMax * luminance - lo;
     float rgb[3];
@@ -437,42 +402,7 @@ std::vector<std::uint16_t> FinalRendering(const sJob& pJob, int pOutputBits, int
   return bgr;
 }
 
-// ---- The box smoother ----
-
-/// One pass over a line of n samples that stand pStep apart.
-void BoxLine(const float* pFrom, float* pTo, int n, std::int64_t pStep, float pRadius) {
-  const auto reach = static_cast<int>(std::min(std::ceil(pRadius), static_cast<float>(n)));
-  const float shortfall = std::ceil(pRadius) - pRadius;
-  for (int i = 0; i < n; ++i) {
-    double sum = 0.0, weight = 0.0;
-    for (int j = std::max(i - reach, 0); j <= std::min(i + reach, n - 1); ++j) {
-      double tap = 1.0;
-      if (j == i - reach) tap -= shortfall;
-      if (j == i + reach) tap -= shortfall;
-      sum += tap * pFrom[j * pStep];
-      weight += tap;
-    }
-    pTo[i * pStep] = static_cast<float>(sum / weight);
-  }
-}
-
 }  // namespace
-
-void BoxSmooth(const float* pFrom, float* pTo, int pWidth, int pHeight, float pSigma) {
-  const std::int64_t count = std::int64_t{pWidth} * pHeight;
-  tList<float> plane(pFrom, pFrom + count);
-  tList<float> scratch(plane);
-  if (pSigma > 0.0f) {
-    const float radius = pSigma <= 1.0f ? pSigma - pSigma * 0.58f : pSigma - 0.58f;
-    for (int iteration = 0; iteration < 3; ++iteration) {
-      for (std::int64_t y = 0; y < pHeight; ++y) {
-        BoxLine(&plane[y * pWidth], &scratch[y * pWidth], pWidth, 1, radius);
-      }
-      for (int x = 0; x < pWidth; ++x) BoxLine(&scratch[x], &plane[x], pHeight, pWidth, radius);
-    }
-  }
-  std::copy(plane.begin(), plane.end(), pTo);
-}
 
 sPicture ToneMapXYZ(int pWidth, int pHeight, const std::vector<float>& pXYZ, const sEngineValues& pValues,
                     int pOutputBits, int pColorSpace, std::string* pLog) {

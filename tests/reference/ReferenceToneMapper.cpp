@@ -2,11 +2,11 @@
 #include "ReferenceToneMapper.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <stdexcept>
 
 #include "ReferenceParts.h"
 
@@ -46,25 +46,20 @@ void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pS
 
 void CheckArguments(const tm_quorvane_image& pImage, const void* pInput, const void* pOutput) {
   const bool hasOutput = pImage.output_bits == 8 || pImage.output_bits == 16;
-  if (pInput == nullptr) throw std::runtime_error("Argument pInputPixels cannot be null.");
-  if (hasOutput && pOutput == nullptr) throw std::runtime_error("Argument pOutputPixels cannot be null.");
-  if (pImage.samples_per_pixel < 1) {
-    throw std::runtime_error("Argument pSamplesPerPixel must be greater than zero.");
-  }
-  if (pImage.width <= 0) throw std::runtime_error("Argument pWidth must be greater than zero.");
-  if (pImage.height <= 0) throw std::runtime_error("Argument pHeight must be greater than zero.");
+  Check(pInput != nullptr, "Argument pInputPixels cannot be null.");
+  Check(!hasOutput || pOutput != nullptr, "Argument pOutputPixels cannot be null.");
+  Check(pImage.samples_per_pixel >= 1, "Argument pSamplesPerPixel must be greater than zero.");
+  Check(pImage.width > 0, "Argument pWidth must be greater than zero.");
+  Check(pImage.height > 0, "Argument pHeight must be greater than zero.");
 }
 
 // ---- Where a pixel's three samples stand in the host's buffers ----
 
-struct sOffsets {
-  int fFirst, fMiddle, fThird;
-};
+using tOffsets = std::array<int, 3>;
 
-sOffsets Offsets(const tm_quorvane_image& pImage) {
+tOffsets Offsets(const tm_quorvane_image& pImage) {
   const int last = pImage.samples_per_pixel - 1;
-  if (pImage.reversed_order == 0) return {0, last / 2, last};
-  return {last, last / 2, 0};
+  return pImage.reversed_order == 0 ? tOffsets{0, last / 2, last} : tOffsets{last, last / 2, 0};
 }
 
 // ---- Import: to dense linear RGB ----
@@ -80,13 +75,10 @@ template <class tSample>
 std::vector<float> ImportCoded(const tm_quorvane_image& pImage, int pColorSpace, const tSample* pInput) {
   const tList<float> table =
       GammaTable(sizeof(tSample) == 1 ? 255 : 65535, pColorSpace == kProPhoto ? 1.8 : 2.2);
-  const sOffsets offsets = Offsets(pImage);
   std::vector<float> rgb;
   for (std::int64_t i = 0; i < std::int64_t{pImage.width} * pImage.height; ++i) {
     const tSample* pixel = pInput + i * pImage.samples_per_pixel;
-    rgb.push_back(table[pixel[offsets.fFirst]]);
-    rgb.push_back(table[pixel[offsets.fMiddle]]);
-    rgb.push_back(table[pixel[offsets.fThird]]);
+    for (const int offset : Offsets(pImage)) rgb.push_back(table[pixel[offset]]);
   }
   return rgb;
 }
@@ -106,14 +98,10 @@ std::vector<float> ImportRgbe(const tm_quorvane_image& pImage, const std::uint8_
 }
 
 std::vector<float> Import(const tm_quorvane_image& pImage, int pColorSpace, const void* pInput) {
-  switch (pImage.input_bits) {
-    case 8:
-      return ImportCoded(pImage, pColorSpace, static_cast<const std::uint8_t*>(pInput));
-    case 16:
-      return ImportCoded(pImage, pColorSpace, static_cast<const std::uint16_t*>(pInput));
-    default:
-      return ImportRgbe(pImage, static_cast<const std::uint8_t*>(pInput));
-  }
+  const auto* bytes = static_cast<const std::uint8_t*>(pInput);
+  if (pImage.input_bits == 8) return ImportCoded(pImage, pColorSpace, bytes);
+  if (pImage.input_bits == 32) return ImportRgbe(pImage, bytes);
+  return ImportCoded(pImage, pColorSpace, static_cast<const std::uint16_t*>(pInput));
 }
 
 void ColorTransform(std::vector<float>& pPixels, const tMatrix& m) {
@@ -131,8 +119,7 @@ void ColorTransform(std::vector<float>& pPixels, const tMatrix& m) {
 /// touched.
 template <class tSample>
 void WriteRows(const tm_quorvane_image& pImage, const std::vector<std::uint16_t>& pBGR, tSample* pOutput) {
-  const std::int64_t width = pImage.width;
-  const std::int64_t pitch = pImage.output_row_pitch;
+  const std::int64_t width = pImage.width, pitch = pImage.output_row_pitch;
   const std::int64_t samples = std::min({3 * width, pitch, pImage.samples_per_pixel * width});
   for (std::int64_t y = 0; y < pImage.height; ++y) {
     for (std::int64_t i = 0; i < samples; ++i) {
@@ -145,18 +132,15 @@ void WriteRows(const tm_quorvane_image& pImage, const std::vector<std::uint16_t>
 template <class tSample>
 void WritePixels(const tm_quorvane_image& pImage, const std::vector<std::uint16_t>& pBGR, tSample* pOutput,
                  std::string* pLog) {
-  const sOffsets offsets = Offsets(pImage);
-  const int halfWidth = pImage.width / 2;
-  const int halfHeight = pImage.height / 2;
+  const tOffsets offsets = Offsets(pImage);
+  const int halfWidth = pImage.width / 2, halfHeight = pImage.height / 2;
   const bool sampled = sizeof(tSample) == 2 && halfWidth > 0 && halfHeight > 0;
   for (int y = 0; y < pImage.height; ++y) {
     for (int x = 0; x < pImage.width; ++x) {
       const std::uint16_t* from = pBGR.data() + 3 * (std::int64_t{y} * pImage.width + x);
       tSample* to =
           pOutput + std::int64_t{y} * pImage.output_row_pitch + std::int64_t{x} * pImage.samples_per_pixel;
-      to[offsets.fFirst] = static_cast<tSample>(from[2]);
-      to[offsets.fMiddle] = static_cast<tSample>(from[1]);
-      to[offsets.fThird] = static_cast<tSample>(from[0]);
+      for (std::size_t c = 0; c < 3; ++c) to[offsets[c]] = static_cast<tSample>(from[2 - c]);
       if (sampled && y % halfHeight == 0 && x % halfWidth == 0) {
         Log(pLog, "%d, %d  - %d %d %d\n", x, y, from[0] >> 8, from[1] >> 8, from[2] >> 8);
       }
@@ -168,11 +152,8 @@ template <class tSample>
 void WriteBack(const tm_quorvane_image& pImage, const std::vector<std::uint16_t>& pBGR, void* pOutput,
                std::string* pLog) {
   auto* output = static_cast<tSample*>(pOutput);
-  if (pImage.reversed_order != 0) {
-    WriteRows(pImage, pBGR, output);
-  } else {
-    WritePixels(pImage, pBGR, output, pLog);
-  }
+  if (pImage.reversed_order != 0) return WriteRows(pImage, pBGR, output);
+  WritePixels(pImage, pBGR, output, pLog);
 }
 
 }  // namespace
@@ -186,15 +167,11 @@ int ToneMap(const tm_quorvane_image& pImage, int pColorSpace, tm_quorvane_settin
   CheckArguments(pImage, pInput, pOutput);
   std::vector<float> pixels = Import(pImage, pColorSpace, pInput);
   ColorTransform(pixels, RgbToXyzD50(pColorSpace));
-  if (pImage.output_bits != 8 && pImage.output_bits != 16)
-    throw std::runtime_error("Output image is not set.");
+  Check(pImage.output_bits == 8 || pImage.output_bits == 16, "Output image is not set.");
   const sPicture picture =
       ToneMapXYZ(pImage.width, pImage.height, pixels, values, pImage.output_bits, pColorSpace, pLog);
-  if (pImage.output_bits == 8) {
-    WriteBack<std::uint8_t>(pImage, picture.fBGR, pOutput, pLog);
-  } else {
-    WriteBack<std::uint16_t>(pImage, picture.fBGR, pOutput, pLog);
-  }
+  const auto write = pImage.output_bits == 8 ? WriteBack<std::uint8_t> : WriteBack<std::uint16_t>;
+  write(pImage, picture.fBGR, pOutput, pLog);
   Log(pLog, "zx_tm_quorvane  end\n");
   return 1;
 }

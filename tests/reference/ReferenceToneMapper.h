@@ -14,13 +14,8 @@ namespace Reference {
 struct sEngineValues {
   float fStrength = 44.0f;
   float fToneCompression = 0.0f;
-  bool fStrengthInContrast = true;
-  float fContrast = 20.0f;
-  bool fUseExposureScale = true;
-  float fExposure = 0.0f;
   float fMicrocontrast = 100.0f;
   float fLighting = 60.0f;
-  float fLocalContrast = 0.0f;
   bool fWrap = false;
   float fWhiteClip = 0.0f;
   float fBlackClip = 0.0f;
@@ -48,8 +43,5 @@ int ToneMap(const tm_quorvane_image& pImage, int pColorSpace, tm_quorvane_settin
 /// The middle of the call: pXYZ holds pWidth * pHeight dense triples of D50-relative XYZ.
 sPicture ToneMapXYZ(int pWidth, int pHeight, const std::vector<float>& pXYZ, const sEngineValues& pValues,
                     int pOutputBits, int pColorSpace, std::string* pLog);
-
-/// The iterated fractional box, each output sample summed on its own, in double. pTo may be pFrom.
-void BoxSmooth(const float* pFrom, float* pTo, int pWidth, int pHeight, float pSigma);
 
 }  // namespace Reference
