@@ -24,6 +24,9 @@ struct sCall {
   int Run(int pColorSpace = 0) {
     return cpp_tm_quorvane(&fImage, nullptr, pColorSpace, &fSettings, fInput.data(), fOutput.data());
   }
+  bool OutputUntouched() const {
+    return std::all_of(fOutput.begin(), fOutput.end(), [](unsigned char pByte) { return pByte == 0xA5; });
+  }
 
   tm_quorvane_image fImage;
   tm_quorvane_settings fSettings = {};
