@@ -1,0 +1,131 @@
+#include "cli/ProfileSpace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "cli/IccHandle.h"
+#include "engine/cTransfer.h"
+
+namespace Cli {
+namespace {
+
+using TmEngine::cColorSpace;
+using TmEngine::cVector3;
+using TmEngine::eColorSpaceID;
+
+constexpr eColorSpaceID kFromSmallToWide[] = {
+    TmEngine::eColorSpaceID_sRGB, TmEngine::eColorSpaceID_AdobeRGB98, TmEngine::eColorSpaceID_ProPhotoRGB};
+
+/// Whether both decode to the same light, within a fifth of a per cent of white, and the space encodes it
+/// back.
+bool DecodesAlike(const cColorSpace& pSpace, const cIccDecoder& pDecoder, const float (&pRGB)[3]) {
+  constexpr float kTolerance = 0.002f;
+  cVector3 linear;
+  for (int i = 0; i < 3; ++i) {
+    linear[i] = pSpace.GetToLinear()->Evaluate(pRGB[i]);
+    if (!(std::fabs(pSpace.GetFromLinear()->Evaluate(linear[i]) - pRGB[i]) <= kTolerance)) return false;
+  }
+  const cVector3 mine = pSpace.GetRGBToXYZ() * linear;
+  float others[3];
+  pDecoder.ToXYZ(pRGB, others, 1);
+  for (int i = 0; i < 3; ++i) {
+    if (!(std::fabs(mine[i] - others[i]) <= kTolerance)) return false;  // NaN is no match
+  }
+  return true;
+}
+
+/// Compares over a grid of colours and, finer, over the greys.
+bool Matches(const cColorSpace& pSpace, const cIccDecoder& pDecoder) {
+  constexpr int kGrid = 5;
+  for (int i = 0; i < kGrid * kGrid * kGrid; ++i) {
+    const auto at = [](int pIndex) { return static_cast<float>(pIndex % kGrid) / (kGrid - 1); };
+    if (!DecodesAlike(pSpace, pDecoder, {at(i), at(i / kGrid), at(i / kGrid / kGrid)})) return false;
+  }
+  for (int i = 0; i < 64; ++i) {
+    const float grey = static_cast<float>(i) / 63.0f;
+    if (!DecodesAlike(pSpace, pDecoder, {grey, grey, grey})) return false;
+  }
+  return true;
+}
+
+std::vector<unsigned short> Tabulate(const cmsToneCurve* pCurve, int pSize) {
+  std::vector<unsigned short> table;
+  for (int i = 0; i < pSize; ++i) {
+    const float value = cmsEvalToneCurveFloat(pCurve, static_cast<float>(i) / static_cast<float>(pSize - 1));
+    const float held = value > 0.0f ? std::min(value, 1.0f) : 0.0f;  // NaN gives 0
+    table.push_back(static_cast<unsigned short>(held * 65535.0f + 0.5f));
+  }
+  return table;
+}
+
+template <class tTag>
+const tTag* ReadTag(const tIccHandle& pProfile, cmsTagSignature pTag) {
+  return static_cast<const tTag*>(cmsReadTag(pProfile.get(), pTag));
+}
+
+/// From the colorants and the red tone curve; whether the others are the same is seen when it is compared.
+std::unique_ptr<cColorSpace> MakeGenericSpace(const std::string& pProfile) {
+  const tIccHandle profile = OpenIccProfile(pProfile.data(), pProfile.size());
+  if (profile == nullptr) return nullptr;
+  const auto* const red = ReadTag<cmsCIEXYZ>(profile, cmsSigRedColorantTag);
+  const auto* const green = ReadTag<cmsCIEXYZ>(profile, cmsSigGreenColorantTag);
+  const auto* const blue = ReadTag<cmsCIEXYZ>(profile, cmsSigBlueColorantTag);
+  const auto* const curve = ReadTag<cmsToneCurve>(profile, cmsSigRedTRCTag);
+  if (red == nullptr || green == nullptr || blue == nullptr || curve == nullptr) return nullptr;
+  constexpr int kSize = 65536;
+  const std::unique_ptr<cmsToneCurve, void (*)(cmsToneCurve*)> inverse(cmsReverseToneCurveEx(kSize, curve),
+                                                                       &cmsFreeToneCurve);
+  if (inverse == nullptr) return nullptr;
+  std::vector<unsigned short> toLinear = Tabulate(curve, kSize);
+  std::vector<unsigned short> fromLinear = Tabulate(inverse.get(), kSize);
+  const auto f = [](double pV) { return static_cast<float>(pV); };
+  const TmEngine::cMatrix33 colorants(f(red->X), f(green->X), f(blue->X), f(red->Y), f(green->Y), f(blue->Y),
+                                      f(red->Z), f(green->Z), f(blue->Z));
+  // Colorants are stated relative to D50, so its white serves as the medium's.
+  const cmsCIEXYZ* const white = cmsD50_XYZ();
+  return std::make_unique<TmEngine::cColorSpace_GenericRGB>(colorants,
+                                                            cVector3(f(white->X), f(white->Y), f(white->Z)),
+                                                            toLinear.data(), kSize, fromLinear.data(), kSize);
+}
+
+bool Holds(const cColorSpace& pSpace, const float* pXYZ) {
+  constexpr float kTolerance = 0.02f;
+  const cVector3 rgb = pSpace.GetXYZToRGB() * cVector3(pXYZ[0], pXYZ[1], pXYZ[2]);
+  for (int i = 0; i < 3; ++i) {
+    if (!(rgb[i] >= -kTolerance && rgb[i] <= 1.0f + kTolerance)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::unique_ptr<cColorSpace> MatchProfile(const std::string& pProfile, const cIccDecoder& pDecoder) {
+  for (const eColorSpaceID id : kFromSmallToWide) {
+    std::unique_ptr<cColorSpace> space(cColorSpace::FromID(id));
+    if (Matches(*space, pDecoder)) return space;
+  }
+  std::unique_ptr<cColorSpace> space = MakeGenericSpace(pProfile);
+  return space != nullptr && Matches(*space, pDecoder) ? std::move(space) : nullptr;
+}
+
+eColorSpaceID ChooseWideSpace(const cIccDecoder& pDecoder, int pColours) {
+  const auto holdsAll = [&](eColorSpaceID pID) {
+    const std::unique_ptr<cColorSpace> space(cColorSpace::FromID(pID));
+    for (unsigned corner = 0; corner < 1u << pColours;
+         ++corner) {  // the extremes lie where samples are 0 or full
+      float samples[4];
+      float xyz[3];
+      for (int i = 0; i < pColours; ++i) {
+        samples[i] = (corner >> i & 1u) != 0 ? cIccDecoder::GetFullSample(pColours) : 0.0f;
+      }
+      pDecoder.ToXYZ(samples, xyz, 1);
+      if (!Holds(*space, xyz)) return false;
+    }
+    return true;
+  };
+  const auto* const found = std::find_if(std::begin(kFromSmallToWide), std::end(kFromSmallToWide), holdsAll);
+  return found == std::end(kFromSmallToWide) ? TmEngine::eColorSpaceID_ProPhotoRGB : *found;
+}
+
+}  // namespace Cli
