@@ -70,8 +70,10 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
 /// Whether two names lead to one file, which need not exist.
 bool IsSameFile(const std::string& pA, const std::string& pB) {
   std::error_code error;
-  return std::filesystem::equivalent(pA, pB, error) ||
-         std::filesystem::weakly_canonical(pA, error) == std::filesystem::weakly_canonical(pB, error);
+  const auto resolve = [&](const std::string& pName) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(pName, error), error);
+  };
+  return std::filesystem::equivalent(pA, pB, error) || resolve(pA) == resolve(pB);
 }
 
 void CheckArguments(const sEqualizeOptions& pOptions) {

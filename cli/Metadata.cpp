@@ -74,6 +74,7 @@ cMetadata::cMetadata(const VImage& pFrom)
 void cMetadata::PutInto(const VImage& pTo) const {
   if (fFields.is_null()) return;
   CopyFields(fFields.get_image(), pTo.get_image());
+  vips_image_set_int(pTo.get_image(), VIPS_META_ORIENTATION, 1);  // over what the EXIF block says
   if (const double unknown = 1.0; fFields.xres() != unknown || fFields.yres() != unknown) {
     pTo.get_image()->Xres = fFields.xres();
     pTo.get_image()->Yres = fFields.yres();

@@ -49,14 +49,40 @@ bool Matches(const cColorSpace& pSpace, const cIccDecoder& pDecoder) {
   return true;
 }
 
-std::vector<unsigned short> Tabulate(const cmsToneCurve* pCurve, int pSize) {
-  std::vector<unsigned short> table;
-  for (int i = 0; i < pSize; ++i) {
-    const float value = cmsEvalToneCurveFloat(pCurve, static_cast<float>(i) / static_cast<float>(pSize - 1));
-    const float held = value > 0.0f ? std::min(value, 1.0f) : 0.0f;  // NaN gives 0
-    table.push_back(static_cast<unsigned short>(held * 65535.0f + 0.5f));
+constexpr int kTableSize = 65536;
+
+float ToUnit(int pIndex) {
+  return static_cast<float>(pIndex) / (kTableSize - 1);
+}
+
+/// The curve's values in [0, 1]; NaN gives 0.
+std::vector<float> Tabulate(const cmsToneCurve* pCurve) {
+  std::vector<float> table;
+  for (int i = 0; i < kTableSize; ++i) {
+    const float value = cmsEvalToneCurveFloat(pCurve, ToUnit(i));
+    table.push_back(value > 0.0f ? std::min(value, 1.0f) : 0.0f);
   }
   return table;
+}
+
+/// The inverse of a rising curve. The library's own overflows in tables fine enough for dark tones.
+std::vector<float> Invert(const std::vector<float>& pRising) {
+  std::vector<float> table;
+  std::size_t j = 0;
+  for (int i = 0; i < kTableSize; ++i) {
+    const float target = ToUnit(i);
+    while (j + 2 < pRising.size() && pRising[j + 1] < target) ++j;
+    const float step = pRising[j + 1] - pRising[j];
+    const float part = step > 0.0f ? std::clamp((target - pRising[j]) / step, 0.0f, 1.0f) : 0.0f;
+    table.push_back((static_cast<float>(j) + part) / (kTableSize - 1));
+  }
+  return table;
+}
+
+std::vector<unsigned short> To16Bits(const std::vector<float>& pTable) {
+  std::vector<unsigned short> codes;
+  for (const float value : pTable) codes.push_back(static_cast<unsigned short>(value * 65535.0f + 0.5f));
+  return codes;
 }
 
 template <class tTag>
@@ -73,20 +99,17 @@ std::unique_ptr<cColorSpace> MakeGenericSpace(const std::string& pProfile) {
   const auto* const blue = ReadTag<cmsCIEXYZ>(profile, cmsSigBlueColorantTag);
   const auto* const curve = ReadTag<cmsToneCurve>(profile, cmsSigRedTRCTag);
   if (red == nullptr || green == nullptr || blue == nullptr || curve == nullptr) return nullptr;
-  constexpr int kSize = 65536;
-  const std::unique_ptr<cmsToneCurve, void (*)(cmsToneCurve*)> inverse(cmsReverseToneCurveEx(kSize, curve),
-                                                                       &cmsFreeToneCurve);
-  if (inverse == nullptr) return nullptr;
-  std::vector<unsigned short> toLinear = Tabulate(curve, kSize);
-  std::vector<unsigned short> fromLinear = Tabulate(inverse.get(), kSize);
+  const std::vector<float> toLinear = Tabulate(curve);
+  std::vector<unsigned short> decoding = To16Bits(toLinear);
+  std::vector<unsigned short> encoding = To16Bits(Invert(toLinear));
   const auto f = [](double pV) { return static_cast<float>(pV); };
   const TmEngine::cMatrix33 colorants(f(red->X), f(green->X), f(blue->X), f(red->Y), f(green->Y), f(blue->Y),
                                       f(red->Z), f(green->Z), f(blue->Z));
   // Colorants are stated relative to D50, so its white serves as the medium's.
   const cmsCIEXYZ* const white = cmsD50_XYZ();
-  return std::make_unique<TmEngine::cColorSpace_GenericRGB>(colorants,
-                                                            cVector3(f(white->X), f(white->Y), f(white->Z)),
-                                                            toLinear.data(), kSize, fromLinear.data(), kSize);
+  return std::make_unique<TmEngine::cColorSpace_GenericRGB>(
+      colorants, cVector3(f(white->X), f(white->Y), f(white->Z)), decoding.data(), kTableSize,
+      encoding.data(), kTableSize);
 }
 
 bool Holds(const cColorSpace& pSpace, const float* pXYZ) {
