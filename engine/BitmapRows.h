@@ -46,6 +46,9 @@ inline sRows<const unsigned short> RowsOf(const cBitmapBGR16& pImage) {
 inline sRows<unsigned short> RowsOf(cBitmapBGR16& pImage) {
   return RowsOf(pImage.GetBGR16Data(), pImage);
 }
+inline sRows<const unsigned char> RowsOf(const cBitmapY8& pImage) {
+  return RowsOf(pImage.GetBitmapData(), pImage);
+}
 inline sRows<unsigned char> RowsOf(cBitmapY8& pImage) {
   return RowsOf(pImage.GetBitmapData(), pImage);
 }

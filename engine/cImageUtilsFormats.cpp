@@ -35,6 +35,19 @@ void DecodeSamples(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable) {
   MapSamples(pFrom, pTo, [pTable](auto pSample) { return pTable[pSample]; });
 }
 
+template <class tTo, class tCode>
+void EncodeSamples(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable) {
+  MapSamples(pFrom, pTo, [pTable](float pValue) { return pTable[UnitToIndex(pValue)]; });
+}
+
+/// A new image of the source's size, filled by pFill.
+template <class tTo, class tFrom, class... tSpace>
+tTo* Create(const tFrom* pFrom, void (*pFill)(const tFrom*, tTo*), tSpace... pSpace) {
+  auto image = std::make_unique<tTo>(pFrom->GetWidth(), pFrom->GetHeight(), pSpace...);
+  pFill(pFrom, image.get());
+  return image.release();
+}
+
 /// One row of the product, left to right.
 float Product(float p0, float p1, float p2, const cMatrix33& pMatrix, int pRow) {
   return p0 * pMatrix[3 * pRow] + p1 * pMatrix[3 * pRow + 1] + p2 * pMatrix[3 * pRow + 2];
@@ -66,6 +79,43 @@ void EncodeFloat3(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable, cons
 
 }  // namespace
 
+void cImageUtils::BGR8ToBGR32(const cBitmapBGR8* pSrcBGR8, cBitmapXYZ32* pDstBGR32) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR8ToBGR32(const class TmEngine::cBitmapBGR8 *,class "
+      "TmEngine::cBitmapXYZ32 *)";
+  CheckPair(pSrcBGR8, "pSrcBGR8", pDstBGR32, "pDstBGR32", TM_HERE);
+  // a division: the reciprocal gives other bits
+  MapSamples(*pSrcBGR8, *pDstBGR32,
+             [](unsigned char pSample) { return static_cast<float>(pSample) / 255.0f; });
+}
+
+void cImageUtils::BGR16ToBGR32(const cBitmapBGR16* pSrcBGR16, cBitmapXYZ32* pDstBGR32) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR16ToBGR32(const class TmEngine::cBitmapBGR16 *,class "
+      "TmEngine::cBitmapXYZ32 *)";
+  CheckPair(pSrcBGR16, "pSrcBGR16", pDstBGR32, "pDstBGR32", TM_HERE);
+  MapSamples(*pSrcBGR16, *pDstBGR32,
+             [](unsigned short pSample) { return static_cast<float>(pSample) / 65535.0f; });
+}
+
+void cImageUtils::BGR32ToBGR8(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR8* pDstBGR8) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR32ToBGR8(const class TmEngine::cBitmapXYZ32 *,class "
+      "TmEngine::cBitmapBGR8 *)";
+  CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR8, "pDstBGR8", TM_HERE);
+  MapSamples(*pSrcBGR32, *pDstBGR8,
+             [](float pValue) { return static_cast<unsigned char>(ClampToIndex(pValue * 255.0f, 255)); });
+}
+
+void cImageUtils::BGR32ToBGR16(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR16* pDstBGR16) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR32ToBGR16(const class TmEngine::cBitmapXYZ32 *,class "
+      "TmEngine::cBitmapBGR16 *)";
+  CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR16, "pDstBGR16", TM_HERE);
+  MapSamples(*pSrcBGR32, *pDstBGR16,
+             [](float pValue) { return static_cast<unsigned short>(UnitToIndex(pValue)); });
+}
+
 void cImageUtils::BGR8ToBGR32Linear(const cBitmapBGR8* pSrcBGR8, cBitmapXYZ32* pDstBGR32) {
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cImageUtils::BGR8ToBGR32Linear(const class TmEngine::cBitmapBGR8 *,"
@@ -82,6 +132,88 @@ void cImageUtils::BGR16ToBGR32Linear(const cBitmapBGR16* pSrcBGR16, cBitmapXYZ32
   CheckPair(pSrcBGR16, "pSrcBGR16", pDstBGR32, "pDstBGR32", TM_HERE);
   const auto table = std::make_unique<cTransferLUT_I16F32>(pSrcBGR16->GetColorSpace()->GetToLinear());
   DecodeSamples(*pSrcBGR16, *pDstBGR32, table->GetTable());
+}
+
+void cImageUtils::BGR32LinearToBGR8(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR8* pDstBGR8) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR32LinearToBGR8(const class TmEngine::cBitmapXYZ32 *,class "
+      "TmEngine::cBitmapBGR8 *)";
+  CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR8, "pDstBGR8", TM_HERE);
+  const auto table = std::make_unique<cTransferLUT_F32I8>(pDstBGR8->GetColorSpace()->GetFromLinear());
+  EncodeSamples(*pSrcBGR32, *pDstBGR8, table->GetTable());
+}
+
+void cImageUtils::BGR32LinearToBGR16(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR16* pDstBGR16) {
+  static constexpr char kSignature[] =
+      "void __cdecl TmEngine::cImageUtils::BGR32LinearToBGR16(const class TmEngine::cBitmapXYZ32 *,class "
+      "TmEngine::cBitmapBGR16 *)";
+  CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR16, "pDstBGR16", TM_HERE);
+  const auto table = std::make_unique<cTransferLUT_F32I16>(pDstBGR16->GetColorSpace()->GetFromLinear());
+  EncodeSamples(*pSrcBGR32, *pDstBGR16, table->GetTable());
+}
+
+cBitmapXYZ32* cImageUtils::BGR8ToBGR32(const cBitmapBGR8* pSrcBGR8) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapXYZ32 *__cdecl TmEngine::cImageUtils::BGR8ToBGR32(const class "
+      "TmEngine::cBitmapBGR8 *)";
+  CheckNotNull(pSrcBGR8, "pSrcBGR8", TM_HERE);
+  return Create<cBitmapXYZ32>(pSrcBGR8, &cImageUtils::BGR8ToBGR32);
+}
+
+cBitmapXYZ32* cImageUtils::BGR16ToBGR32(const cBitmapBGR16* pSrcBGR16) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapXYZ32 *__cdecl TmEngine::cImageUtils::BGR16ToBGR32(const class "
+      "TmEngine::cBitmapBGR16 *)";
+  CheckNotNull(pSrcBGR16, "pSrcBGR16", TM_HERE);
+  return Create<cBitmapXYZ32>(pSrcBGR16, &cImageUtils::BGR16ToBGR32);
+}
+
+cBitmapXYZ32* cImageUtils::BGR8ToBGR32Linear(const cBitmapBGR8* pSrcBGR8) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapXYZ32 *__cdecl TmEngine::cImageUtils::BGR8ToBGR32Linear(const class "
+      "TmEngine::cBitmapBGR8 *)";
+  CheckNotNull(pSrcBGR8, "pSrcBGR8", TM_HERE);
+  return Create<cBitmapXYZ32>(pSrcBGR8, &cImageUtils::BGR8ToBGR32Linear);
+}
+
+cBitmapXYZ32* cImageUtils::BGR16ToBGR32Linear(const cBitmapBGR16* pSrcBGR16) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapXYZ32 *__cdecl TmEngine::cImageUtils::BGR16ToBGR32Linear(const class "
+      "TmEngine::cBitmapBGR16 *)";
+  CheckNotNull(pSrcBGR16, "pSrcBGR16", TM_HERE);
+  return Create<cBitmapXYZ32>(pSrcBGR16, &cImageUtils::BGR16ToBGR32Linear);
+}
+
+cBitmapBGR8* cImageUtils::BGR32ToBGR8(const cBitmapXYZ32* pSrcBGR32, eColorSpaceID pID) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapBGR8 *__cdecl TmEngine::cImageUtils::BGR32ToBGR8(const class "
+      "TmEngine::cBitmapXYZ32 *,enum TmEngine::eColorSpaceID)";
+  CheckNotNull(pSrcBGR32, "pSrcBGR32", TM_HERE);
+  return Create<cBitmapBGR8>(pSrcBGR32, &cImageUtils::BGR32ToBGR8, pID);
+}
+
+cBitmapBGR16* cImageUtils::BGR32ToBGR16(const cBitmapXYZ32* pSrcBGR32, eColorSpaceID pID) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapBGR16 *__cdecl TmEngine::cImageUtils::BGR32ToBGR16(const class "
+      "TmEngine::cBitmapXYZ32 *,enum TmEngine::eColorSpaceID)";
+  CheckNotNull(pSrcBGR32, "pSrcBGR32", TM_HERE);
+  return Create<cBitmapBGR16>(pSrcBGR32, &cImageUtils::BGR32ToBGR16, pID);
+}
+
+cBitmapBGR8* cImageUtils::BGR32LinearToBGR8(const cBitmapXYZ32* pSrcBGR32, eColorSpaceID pID) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapBGR8 *__cdecl TmEngine::cImageUtils::BGR32LinearToBGR8(const class "
+      "TmEngine::cBitmapXYZ32 *,enum TmEngine::eColorSpaceID)";
+  CheckNotNull(pSrcBGR32, "pSrcBGR32", TM_HERE);
+  return Create<cBitmapBGR8>(pSrcBGR32, &cImageUtils::BGR32LinearToBGR8, pID);
+}
+
+cBitmapBGR16* cImageUtils::BGR32LinearToBGR16(const cBitmapXYZ32* pSrcBGR32, eColorSpaceID pID) {
+  static constexpr char kSignature[] =
+      "class TmEngine::cBitmapBGR16 *__cdecl TmEngine::cImageUtils::BGR32LinearToBGR16(const class "
+      "TmEngine::cBitmapXYZ32 *,enum TmEngine::eColorSpaceID)";
+  CheckNotNull(pSrcBGR32, "pSrcBGR32", TM_HERE);
+  return Create<cBitmapBGR16>(pSrcBGR32, &cImageUtils::BGR32LinearToBGR16, pID);
 }
 
 void cImageUtils::BGR8ToFloat3(cBitmapBGR8* pFromBGR8, cBitmapXYZ32* pToXYZ32,

@@ -187,10 +187,9 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
   fBase = std::move(base);
   fDetail = std::move(detail);
 
-  FillColorRecords(*fInput, fXYZToWorking, *fColorRecords);
-  if (StopRequested(pCancel, pAborted)) return;
   bool stopped = false;
-  MeasureLogLuminance(pCancel, &stopped, *fInput, fLogLuminance.get(), fLuminance);
+  FillColorRecords(pCancel, &stopped, *fInput, fXYZToWorking, *fColorRecords);
+  if (!stopped) MeasureLogLuminance(pCancel, &stopped, *fInput, fLogLuminance.get(), fLuminance);
   if (stopped) {
     SetAborted(pAborted);
     return;
@@ -264,7 +263,11 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
         min, max, static_cast<double>(fLuminance.fMin), static_cast<double>(fLuminance.fMax),
         range.fSum / pixels, scaling, static_cast<double>(fExposureScales.fInput));
   }
-  const cLuminanceHistogram histogram(*fColorRecords, range);
+  const cLuminanceHistogram histogram(*fColorRecords, range, pCancel, &stopped);
+  if (stopped) {
+    SetAborted(pAborted);
+    return;
+  }
   fPoints = histogram.Points(fBlackClip, fWhiteClip);
   if (!fVerbose || histogram.IsEmpty()) return;
   histogram.LogPercentiles();
@@ -286,6 +289,7 @@ void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const float gain = static_cast<float>(std::pow(2.0, static_cast<double>(fExposure)) * scale);
   const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
   for (int y = 0; y < fOutput->GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
     RenderRow(*fHueTable, fColorRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
               fOutput->GetBitDepth(), encoding, gain, stretch, fPoints.fBlack, colorMatrix, fToneCurve);
   }

@@ -71,7 +71,9 @@ class cTmRenderer {
   /// Runs the stale stages. Throws cInvalidOperationException for a missing image or sizes that differ,
   /// cArgumentException for a NaN in Microcontrast or Lighting, and cOutOfMemoryException or std::bad_alloc.
   /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
-  /// and those after it run at the next call.
+  /// and those after it run at the next call. All stages look at *pCancel before each row of the picture and
+  /// of the grid; tables of 65,536 entries are built to their end. Rows of the output that were not reached
+  /// stay as they were.
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 

@@ -8,6 +8,7 @@
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
 #include "engine/cImageUtils.h"
+#include "export/FloatingPointScope.h"
 #include "export/HostSettings.h"
 #include "export/OutputBitmap.h"
 #include "export/PixelExport.h"
@@ -71,6 +72,7 @@ void ToneMapPicture(const tm_quorvane_image& pImage, eColorSpaceID pID, const sT
 
 int cpp_tm_quorvane(const tm_quorvane_image* pDescriptor, void* /*pReserved*/, int pColorSpaceID,
                     tm_quorvane_settings* pSettings, const void* pInputPixels, void* pOutputPixels) {
+  const cFloatingPointScope scope;
   TM_CHECK(pDescriptor != nullptr, cArgumentNullException, "Argument pDescriptor cannot be null.");
   TM_CHECK(pSettings != nullptr, cArgumentNullException, "Argument pSettings cannot be null.");
 

@@ -84,6 +84,10 @@ static_assert(offsetof(tm_quorvane_settings, horizontal_wrap) == 60, "offset");
  * Writes to standard error: eight lines with the sizes and settings, a few lines of statistics, for 16-bit
  * output with reversed_order 0 a line for each of some sampled pixels, and a closing line.
  *
+ * The floating-point state of the calling thread does not matter: rounding modes, traps and modes that flush
+ * denormal numbers to zero are put aside for the time of the call. Whatever the way out, they are back then,
+ * and the status flags are as they were.
+ *
  * Keeps no state: calls may run at the same time on different threads, each with its own records and buffers.
  */
 #if defined(__GNUC__)

@@ -146,7 +146,7 @@ sPrepared Prepare(float pX, float pY, float pZ) {
   input.GetBitmapData()[1] = pY;
   input.GetBitmapData()[2] = pZ;
   cBitmapU16T records(1, 1, ColorRecord::kSlots);
-  FillColorRecords(input, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
+  FillColorRecords(nullptr, nullptr, input, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
   const unsigned short* record = records.GetRow(0);
   return {ColorRecord::LoadFloat(record), record[ColorRecord::kHue],
           ColorRecord::LoadFloat(record + ColorRecord::kMinRatio),

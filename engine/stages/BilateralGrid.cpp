@@ -81,11 +81,14 @@ std::vector<sColumn> SplatColumns(const sFilter& pFilter, bool pWrap) {
   return columns;
 }
 
+// The steps poll pCancel before each row, of the picture or of the grid, and return false when it is set.
+
 /// Sums each pixel into its nearest cell. Float sums depend on their order: rows down, columns left to right.
-void Splat(const sFilter& pFilter, bool pWrap, float* pCells) {
+bool Splat(const bool* pCancel, const sFilter& pFilter, bool pWrap, float* pCells) {
   const sGridSize& size = pFilter.fSize;
   const std::vector<sColumn> columns = SplatColumns(pFilter, pWrap);
   for (int y = 0; y < pFilter.fHeight; ++y) {
+    if (IsSet(pCancel)) return false;
     const float* row = pFilter.fFrom + RowStart(y, pFilter.fWidth);
     const int cellY = SpatialCell(static_cast<float>(y), pFilter.fSigmaS, size.fY);
     for (const sColumn& column : columns) {
@@ -96,29 +99,36 @@ void Splat(const sFilter& pFilter, bool pWrap, float* pCells) {
       cell[1] += 1.0f;
     }
   }
+  return true;
 }
 
 /// Calls pRow(first float, one past the last) for each row of interior cells.
 template <class tRow>
-void ForEachInteriorRow(const sGridSize& pSize, const tRow& pRow) {
+bool ForEachInteriorRow(const bool* pCancel, const sGridSize& pSize, const tRow& pRow) {
   for (int z = 1; z < pSize.fZ - 1; ++z) {
-    for (int y = 1; y < pSize.fY - 1; ++y) pRow(2 * pSize.Cell(1, y, z), 2 * pSize.Cell(pSize.fX - 1, y, z));
+    for (int y = 1; y < pSize.fY - 1; ++y) {
+      if (IsSet(pCancel)) return false;
+      pRow(2 * pSize.Cell(1, y, z), 2 * pSize.Cell(pSize.fX - 1, y, z));
+    }
   }
+  return true;
 }
 
 float Kernel(const float* pAt, std::ptrdiff_t pStep) {
   return (pAt[-pStep] + 2.0f * pAt[0]) + pAt[pStep];
 }
 
-void BlurPass(const sGridSize& pSize, std::ptrdiff_t pStep, const float* pFrom, float* pTo) {
-  ForEachInteriorRow(pSize, [=](std::ptrdiff_t pFirst, std::ptrdiff_t pEnd) {
+bool BlurPass(const bool* pCancel, const sGridSize& pSize, std::ptrdiff_t pStep, const float* pFrom,
+              float* pTo) {
+  return ForEachInteriorRow(pCancel, pSize, [=](std::ptrdiff_t pFirst, std::ptrdiff_t pEnd) {
     for (std::ptrdiff_t i = pFirst; i < pEnd; ++i) pTo[i] = Kernel(pFrom + i, pStep);
   });
 }
 
 /// A pass that leaves the quotient of value and weight in the value's place.
-void BlurAndNormalise(const sGridSize& pSize, std::ptrdiff_t pStep, const float* pFrom, float* pTo) {
-  ForEachInteriorRow(pSize, [=](std::ptrdiff_t pFirst, std::ptrdiff_t pEnd) {
+bool BlurAndNormalise(const bool* pCancel, const sGridSize& pSize, std::ptrdiff_t pStep, const float* pFrom,
+                      float* pTo) {
+  return ForEachInteriorRow(pCancel, pSize, [=](std::ptrdiff_t pFirst, std::ptrdiff_t pEnd) {
     for (std::ptrdiff_t i = pFirst; i < pEnd; i += 2) {
       const float value = Kernel(pFrom + i, pStep);
       const float weight = Kernel(pFrom + i + 1, pStep);
@@ -129,16 +139,16 @@ void BlurAndNormalise(const sGridSize& pSize, std::ptrdiff_t pStep, const float*
 
 /// Twice along each axis, so that the kernel is 1 4 6 4 1. Border cells are never written: what the scratch
 /// grid holds there reaches the cells next to the border only, which no pixel reads.
-void Blur(const sGridSize& pSize, float* pCells, float* pScratch) {
+bool Blur(const bool* pCancel, const sGridSize& pSize, float* pCells, float* pScratch) {
   const std::ptrdiff_t stepX = 2;
   const std::ptrdiff_t stepY = 2 * pSize.Cell(0, 1, 0);
   const std::ptrdiff_t stepZ = 2 * pSize.Cell(0, 0, 1);
-  BlurPass(pSize, stepX, pCells, pScratch);
-  BlurPass(pSize, stepX, pScratch, pCells);
-  BlurPass(pSize, stepY, pCells, pScratch);
-  BlurPass(pSize, stepY, pScratch, pCells);
-  BlurPass(pSize, stepZ, pCells, pScratch);
-  BlurAndNormalise(pSize, stepZ, pScratch, pCells);
+  return BlurPass(pCancel, pSize, stepX, pCells, pScratch) &&
+         BlurPass(pCancel, pSize, stepX, pScratch, pCells) &&
+         BlurPass(pCancel, pSize, stepY, pCells, pScratch) &&
+         BlurPass(pCancel, pSize, stepY, pScratch, pCells) &&
+         BlurPass(pCancel, pSize, stepZ, pCells, pScratch) &&
+         BlurAndNormalise(pCancel, pSize, stepZ, pScratch, pCells);
 }
 
 /// A continuous grid position: the lower cell and the fraction of the way to the next.
@@ -165,7 +175,7 @@ float Trilinear(const float* pCell, std::ptrdiff_t pStepY, std::ptrdiff_t pStepZ
   return Mix(low, high, pZ);
 }
 
-void Slice(const sFilter& pFilter, const float* pCells, float* pTo) {
+bool Slice(const bool* pCancel, const sFilter& pFilter, const float* pCells, float* pTo) {
   const sGridSize& size = pFilter.fSize;
   const std::ptrdiff_t stepY = 2 * size.Cell(0, 1, 0);
   const std::ptrdiff_t stepZ = 2 * size.Cell(0, 0, 1);
@@ -175,6 +185,7 @@ void Slice(const sFilter& pFilter, const float* pCells, float* pTo) {
         GridPosition(static_cast<float>(x) / pFilter.fSigmaS + kMargin, size.fX);
   }
   for (int y = 0; y < pFilter.fHeight; ++y) {
+    if (IsSet(pCancel)) return false;
     const float* from = pFilter.fFrom + RowStart(y, pFilter.fWidth);
     float* to = pTo + RowStart(y, pFilter.fWidth);
     const sPosition row = GridPosition(static_cast<float>(y) / pFilter.fSigmaS + kMargin, size.fY);
@@ -186,6 +197,7 @@ void Slice(const sFilter& pFilter, const float* pCells, float* pTo) {
           Trilinear(cell, stepY, stepZ, column.fFraction, row.fFraction, depth.fFraction) + pFilter.fRangeMin;
     }
   }
+  return true;
 }
 
 }  // namespace
@@ -200,15 +212,14 @@ void FilterWithBilateralGrid(const bool* pCancel, bool* pAborted, const float* p
   const tCells grid = AllocCells(size);
   {
     const tCells scratch = AllocCells(size);
-    if (StopRequested(pCancel, pAborted)) return;
-    Splat(filter, pWrap, grid.get());
-    if (StopRequested(pCancel, pAborted)) return;
-    Blur(size, grid.get(), scratch.get());
+    if (!Splat(pCancel, filter, pWrap, grid.get()) || !Blur(pCancel, size, grid.get(), scratch.get())) {
+      return SetAborted(pAborted);
+    }
   }
-  if (StopRequested(pCancel, pAborted)) return;
-  Slice(filter, grid.get(), pTo);
-  const float largerSide = static_cast<float>(std::max(pWidth, pHeight));
-  SmoothWithBox(pTo, pTo, pWidth, pHeight, largerSide * pLocalContrast / 3000.0f);
+  const float sigma = static_cast<float>(std::max(pWidth, pHeight)) * pLocalContrast / 3000.0f;
+  if (!Slice(pCancel, filter, grid.get(), pTo) || !SmoothWithBox(pTo, pTo, pWidth, pHeight, sigma, pCancel)) {
+    SetAborted(pAborted);
+  }
 }
 
 }  // namespace TmEngine

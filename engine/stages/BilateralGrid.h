@@ -7,7 +7,7 @@ namespace TmEngine {
 /// value), the grid is blurred with a binomial kernel along each axis, normalised, and read back at each
 /// pixel.
 ///
-/// pCancel, pAborted  polled before splat, blur and slice; pTo may then be left as it was
+/// pCancel, pAborted  polled before each row of the picture and of the grid; pTo is then left unfinished
 /// pFrom, pTo         pWidth * pHeight floats (log10 luminance), row-major, no padding; pTo is not pFrom
 /// pSigmaS            cell size in pixels, above 0
 /// pSigmaR            cell size in log10 units, above 0

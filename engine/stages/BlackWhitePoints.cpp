@@ -4,10 +4,12 @@
 
 #include "engine/cBitmapU16T.h"
 #include "engine/stages/ColorRecord.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 
-cLuminanceHistogram::cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange)
+cLuminanceHistogram::cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange,
+                                         const bool* pCancel, bool* pAborted)
     : fCounts(static_cast<std::uint32_t*>(std::calloc(kTableSize, sizeof(std::uint32_t)))),
       fMin(pRange.fMin),
       fScale(pRange.fMax > pRange.fMin ? 65535.0f / (pRange.fMax - pRange.fMin) : 1.0f),
@@ -16,6 +18,7 @@ cLuminanceHistogram::cLuminanceHistogram(const cBitmapU16T& pRecords, const sTon
       fHeight(pRecords.GetHeight()) {
   if (IsEmpty()) return;
   for (int y = 0; y < fHeight; ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
     const unsigned short* record = pRecords.GetRow(y);
     for (int x = 0; x < fWidth; ++x, record += ColorRecord::kSlots) {
       const float luminance = ColorRecord::LoadFloat(record + ColorRecord::kLuminance);

@@ -19,8 +19,10 @@ struct sBlackWhite {
 /// 65,536 counters over the range of the tone-mapped luminance.
 class cLuminanceHistogram {
  public:
-  /// Counts every record. Without memory the histogram stays empty (see IsEmpty).
-  cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange);
+  /// Counts every record. Without memory the histogram stays empty (see IsEmpty). Polls pCancel before each
+  /// row; sets pAborted and leaves the histogram unfinished when it is set. Both may be null.
+  cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange,
+                      const bool* pCancel = nullptr, bool* pAborted = nullptr);
 
   bool IsEmpty() const { return fCounts == nullptr; }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/stages/Plane.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
@@ -40,9 +41,9 @@ void FillWeights(const sBox& pBox, int pCount, float* pWeights) {
 }
 
 /// One pass over pLanes lines side by side: sample i of lane l is at i * pStep + l. The sums run along the
-/// lines in double, one for each lane, so that a column pass reads whole rows.
-void Pass(const sBox& pBox, const float* pWeights, int pCount, std::ptrdiff_t pStep, int pLanes,
-          const float* pFrom, float* pTo, double* pSums) {
+/// lines in double, one for each lane, so that a column pass reads whole rows. Returns false when stopped.
+bool Pass(const sBox& pBox, const float* pWeights, int pCount, std::ptrdiff_t pStep, int pLanes,
+          const float* pFrom, float* pTo, double* pSums, const bool* pCancel) {
   const auto add = [&](std::ptrdiff_t pAt, double pSign) {
     if (pAt < 0 || pAt >= pCount) return;
     for (int lane = 0; lane < pLanes; ++lane)
@@ -52,8 +53,12 @@ void Pass(const sBox& pBox, const float* pWeights, int pCount, std::ptrdiff_t pS
     return pAt >= 0 && pAt < pCount ? static_cast<double>(pFrom[pAt * pStep + pLane]) : 0.0;
   };
   std::fill(pSums, pSums + pLanes, 0.0);
-  for (std::ptrdiff_t i = 0; i < pBox.fReach; ++i) add(i, 1.0);
+  for (std::ptrdiff_t i = 0; i < pBox.fReach; ++i) {
+    if (IsSet(pCancel)) return false;
+    add(i, 1.0);
+  }
   for (std::ptrdiff_t i = 0; i < pCount; ++i) {
+    if (IsSet(pCancel)) return false;
     add(i + pBox.fReach, 1.0);
     for (int lane = 0; lane < pLanes; ++lane) {
       const double ends = tap(i - pBox.fReach, lane) + tap(i + pBox.fReach, lane);
@@ -62,15 +67,17 @@ void Pass(const sBox& pBox, const float* pWeights, int pCount, std::ptrdiff_t pS
     }
     add(i - pBox.fReach, -1.0);
   }
+  return true;
 }
 
 }  // namespace
 
-void SmoothWithBox(const float* pFrom, float* pTo, int pWidth, int pHeight, float pSigma) {
+bool SmoothWithBox(const float* pFrom, float* pTo, int pWidth, int pHeight, float pSigma,
+                   const bool* pCancel) {
   const std::ptrdiff_t count = RowStart(pHeight, pWidth);
   if (!(pSigma > 0.0f)) {
     if (pFrom != pTo) std::copy(pFrom, pFrom + count, pTo);
-    return;
+    return true;
   }
   const int longestLine = std::max(pWidth, pHeight);
   const sBox box = BoxOf(pSigma, longestLine);
@@ -82,11 +89,14 @@ void SmoothWithBox(const float* pFrom, float* pTo, int pWidth, int pHeight, floa
     FillWeights(box, pWidth, weights.data());
     for (int y = 0; y < pHeight; ++y) {
       const std::ptrdiff_t row = RowStart(y, pWidth);
-      Pass(box, weights.data(), pWidth, 1, 1, from + row, scratch.data() + row, sums.data());
+      if (!Pass(box, weights.data(), pWidth, 1, 1, from + row, scratch.data() + row, sums.data(), pCancel))
+        return false;
     }
     FillWeights(box, pHeight, weights.data());
-    Pass(box, weights.data(), pHeight, pWidth, pWidth, scratch.data(), pTo, sums.data());
+    if (!Pass(box, weights.data(), pHeight, pWidth, pWidth, scratch.data(), pTo, sums.data(), pCancel))
+      return false;
   }
+  return true;
 }
 
 }  // namespace TmEngine

@@ -35,9 +35,11 @@ void FillRecord(const float* pXYZ, const cMatrix33& pM, unsigned short* pRecord)
 
 }  // namespace
 
-void FillColorRecords(const cBitmapXYZ32& pInput, const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
+void FillColorRecords(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
+                      const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
   const cMatrix33 matrix = pXYZToWorking;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
     const float* from = InputRow(pInput, y);
     unsigned short* record = pRecords.GetRow(y);
     for (int x = 0; x < pInput.GetWidth(); ++x, from += 3, record += ColorRecord::kSlots) {

@@ -17,8 +17,10 @@ struct sLuminanceRange {
 
 /// Fills a record (see ColorRecord) for each pixel of pInput (D50-relative XYZ): luminance, hue, and the
 /// smallest and largest channel of its chromaticity at unit luminance. pXYZToWorking leads to the working RGB
-/// space. A pixel without positive luminance counts as grey of luminance 1e-6.
-void FillColorRecords(const cBitmapXYZ32& pInput, const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords);
+/// space. A pixel without positive luminance counts as grey of luminance 1e-6. Polls pCancel before each row;
+/// sets pAborted and returns when it is set.
+void FillColorRecords(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
+                      const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords);
 
 /// Writes log10 of each pixel's luminance, at least 2^-128, to pLogLuminance (width * height floats) and
 /// measures the range. Polls pCancel before each row; sets pAborted and returns when it is set.

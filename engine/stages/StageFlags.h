@@ -2,9 +2,9 @@
 
 namespace TmEngine {
 
-/// Reads a flag that another thread may set while a stage runs.
+/// Reads a flag that another thread may set while a stage runs. A null flag is never set.
 inline bool IsSet(const bool* pFlag) {
-  return __atomic_load_n(pFlag, __ATOMIC_RELAXED);
+  return pFlag != nullptr && __atomic_load_n(pFlag, __ATOMIC_RELAXED);
 }
 
 /// Tells the caller of a stage that it stopped early.
