@@ -238,7 +238,7 @@ std::string DrawHueCurves(const sHueCurveOptions& pCurves) {
   AddValueAxes(svg);
   AddHueBar(svg);
   const tHuePoints* const points[] = {&pCurves.fHueShift, &pCurves.fSaturation, &pCurves.fLightness};
-  constexpr double kLegendX[] = {kLeft, kLeft + 345.0, kLeft + 590.0};
+  constexpr double kLegendX[] = {kLeft, kLeft + 335.0, kLeft + 575.0};
   for (int i = 0; i < 3; ++i) {
     AddCurve(svg, kLooks[i], *points[i], pCurves.fMode);
     AddLegendEntry(svg, kLooks[i], kLegendX[i], points[i]->empty());

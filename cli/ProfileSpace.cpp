@@ -80,8 +80,9 @@ std::vector<float> Invert(const std::vector<float>& pRising) {
 }
 
 std::vector<unsigned short> To16Bits(const std::vector<float>& pTable) {
-  std::vector<unsigned short> codes;
-  for (const float value : pTable) codes.push_back(static_cast<unsigned short>(value * 65535.0f + 0.5f));
+  std::vector<unsigned short> codes(pTable.size());
+  std::transform(pTable.begin(), pTable.end(), codes.begin(),
+                 [](float pValue) { return static_cast<unsigned short>(std::lround(pValue * 65535.0f)); });
   return codes;
 }
 
@@ -121,6 +122,21 @@ bool Holds(const cColorSpace& pSpace, const float* pXYZ) {
   return true;
 }
 
+/// The extreme colours of a profile lie where each sample is either 0 or full.
+bool HoldsCorners(eColorSpaceID pID, const cIccDecoder& pDecoder, int pColours) {
+  const std::unique_ptr<cColorSpace> space(cColorSpace::FromID(pID));
+  for (unsigned corner = 0; corner < 1u << pColours; ++corner) {
+    float samples[4] = {};
+    float xyz[3];
+    for (int i = 0; i < pColours; ++i) {
+      if ((corner >> i & 1u) != 0) samples[i] = cIccDecoder::GetFullSample(pColours);
+    }
+    pDecoder.ToXYZ(samples, xyz, 1);
+    if (!Holds(*space, xyz)) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::unique_ptr<cColorSpace> MatchProfile(const std::string& pProfile, const cIccDecoder& pDecoder) {
@@ -129,25 +145,14 @@ std::unique_ptr<cColorSpace> MatchProfile(const std::string& pProfile, const cIc
     if (Matches(*space, pDecoder)) return space;
   }
   std::unique_ptr<cColorSpace> space = MakeGenericSpace(pProfile);
-  return space != nullptr && Matches(*space, pDecoder) ? std::move(space) : nullptr;
+  if (space != nullptr && !Matches(*space, pDecoder)) space.reset();
+  return space;
 }
 
 eColorSpaceID ChooseWideSpace(const cIccDecoder& pDecoder, int pColours) {
-  const auto holdsAll = [&](eColorSpaceID pID) {
-    const std::unique_ptr<cColorSpace> space(cColorSpace::FromID(pID));
-    for (unsigned corner = 0; corner < 1u << pColours;
-         ++corner) {  // the extremes lie where samples are 0 or full
-      float samples[4];
-      float xyz[3];
-      for (int i = 0; i < pColours; ++i) {
-        samples[i] = (corner >> i & 1u) != 0 ? cIccDecoder::GetFullSample(pColours) : 0.0f;
-      }
-      pDecoder.ToXYZ(samples, xyz, 1);
-      if (!Holds(*space, xyz)) return false;
-    }
-    return true;
-  };
-  const auto* const found = std::find_if(std::begin(kFromSmallToWide), std::end(kFromSmallToWide), holdsAll);
+  const auto* const found =
+      std::find_if(std::begin(kFromSmallToWide), std::end(kFromSmallToWide),
+                   [&](eColorSpaceID pID) { return HoldsCorners(pID, pDecoder, pColours); });
   return found == std::end(kFromSmallToWide) ? TmEngine::eColorSpaceID_ProPhotoRGB : *found;
 }
 

@@ -62,6 +62,8 @@ class cToolTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     ASSERT_EQ(VIPS_INIT("cToolTest"), 0);
+    // for the tool that is run, where it is built with the leak sanitizer
+    setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUORVANE_TESTS_DIR "/cli/leaks.supp", 0);
     vips_cache_set_max(0);  // names are used again for other pictures
   }
 
