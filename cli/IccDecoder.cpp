@@ -1,17 +1,9 @@
 #include "cli/IccDecoder.h"
 
-#include <lcms2.h>
-
-#include <limits>
+#include "cli/IccHandle.h"
 
 namespace Cli {
 namespace {
-
-struct sCloseProfile {
-  using pointer = cmsHPROFILE;
-  void operator()(cmsHPROFILE pProfile) const { cmsCloseProfile(pProfile); }
-};
-using tProfile = std::unique_ptr<void, sCloseProfile>;
 
 struct sColourModel {
   int fColours;
@@ -24,7 +16,7 @@ constexpr sColourModel kModels[] = {
 void* MakeTransform(cmsHPROFILE pFrom, int pColours) {
   for (const sColourModel& model : kModels) {
     if (model.fColours != pColours || model.fSignature != cmsGetColorSpace(pFrom)) continue;
-    const tProfile xyz(cmsCreateXYZProfile());
+    const tIccHandle xyz(cmsCreateXYZProfile());
     if (xyz == nullptr) return nullptr;
     return cmsCreateTransform(pFrom, model.fFormat, xyz.get(), TYPE_XYZ_FLT, INTENT_RELATIVE_COLORIMETRIC,
                               cmsFLAGS_NOCACHE);
@@ -35,8 +27,7 @@ void* MakeTransform(cmsHPROFILE pFrom, int pColours) {
 }  // namespace
 
 std::unique_ptr<cIccDecoder> cIccDecoder::FromProfile(const void* pData, std::size_t pSize, int pColours) {
-  if (pSize > std::numeric_limits<cmsUInt32Number>::max()) return nullptr;
-  const tProfile profile(cmsOpenProfileFromMem(pData, static_cast<cmsUInt32Number>(pSize)));
+  const tIccHandle profile = OpenIccProfile(pData, pSize);
   if (profile == nullptr) return nullptr;
   void* const transform = MakeTransform(profile.get(), pColours);
   return transform == nullptr ? nullptr : std::unique_ptr<cIccDecoder>(new cIccDecoder(transform));

@@ -70,11 +70,15 @@ void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions) {
       ->group("Sliders");
 }
 
-void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
-  pVerb.add_option("--depth", pOptions.fDepth, "Bits a sample of the result; 16 for .png and .tif only")
+void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
+  pVerb.add_option("--depth", pDepth, "Bits a sample of the result; 16 for .png and .tif only")
       ->check(CLI::IsMember({8, 16}))
-      ->option_text("8|16 [8]")
+      ->option_text("8|16 [" + pDefault + "]")
       ->group("Result");
+}
+
+void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
+  AddDepthOption(pVerb, pOptions.fDepth, "8");
   const std::map<std::string, TmEngine::eColorSpaceID> names = {
       {"srgb", TmEngine::eColorSpaceID_sRGB},
       {"adobergb", TmEngine::eColorSpaceID_AdobeRGB98},

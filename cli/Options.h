@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
 #include "engine/cColorSpace.h"
 #include "export/quorvane.h"
 
@@ -21,8 +23,9 @@ struct sOutputOptions {
 };
 
 /// The options that verbs share, each with its range, unit and default in the help. The records must outlive
-/// the parsing.
+/// the parsing. pDefault: what the help says of the depth where none is asked for.
 void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions);
+void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);
 
 }  // namespace Cli

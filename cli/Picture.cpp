@@ -1,6 +1,7 @@
 #include "cli/Picture.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <limits>
 
 #include "cli/Failure.h"
@@ -24,6 +25,12 @@ sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t
     throw cFailure(eExitCode_CannotRead, pFile, size + " pixels do not fit into memory");
   }
   return picture;
+}
+
+void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
+  for (const std::string& warning : pWarnings) {
+    std::fprintf(stderr, "quorvane: %s: warning: %s\n", pFile.c_str(), warning.c_str());
+  }
 }
 
 float* GetRow(const sPicture& pPicture, int pY) {

@@ -19,6 +19,9 @@ struct sPicture {
 /// memory holds.
 sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
 
+/// Tells on standard error what the reader of pFile had to put right.
+void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings);
+
 /// First sample of row pY.
 float* GetRow(const sPicture& pPicture, int pY);
 

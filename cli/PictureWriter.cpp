@@ -26,17 +26,6 @@ constexpr sEnding kEndings[] = {{".png", eOutputFormat::kPng},
                                 {".jpg", eOutputFormat::kJpeg},
                                 {".jpeg", eOutputFormat::kJpeg}};
 
-TmEngine::sIccProfile GetProfile(eColorSpaceID pColorSpace) {
-  switch (pColorSpace) {
-    case TmEngine::eColorSpaceID_AdobeRGB98:
-      return TmEngine::cColorSpace_AdobeRGB98::GetIccProfile();
-    case TmEngine::eColorSpaceID_ProPhotoRGB:
-      return TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile();
-    default:
-      return TmEngine::cColorSpace_sRGB::GetIccProfile();
-  }
-}
-
 /// The pixels where they are, row padding cut off, in red, green, blue order.
 VImage ViewBitmap(cBitmapLDR& pBitmap) {
   const bool isDeep = pBitmap.GetBitDepth() == 16;
@@ -73,10 +62,35 @@ void Save(const VImage& pImage, eOutputFormat pFormat, const std::string& pPath)
 
 }  // namespace
 
-eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth) {
+std::string GetIccProfile(eColorSpaceID pColorSpace) {
+  const auto profile = pColorSpace == TmEngine::eColorSpaceID_AdobeRGB98
+                           ? TmEngine::cColorSpace_AdobeRGB98::GetIccProfile()
+                       : pColorSpace == TmEngine::eColorSpaceID_ProPhotoRGB
+                           ? TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile()
+                           : TmEngine::cColorSpace_sRGB::GetIccProfile();
+  return {reinterpret_cast<const char*>(profile.fData), static_cast<std::size_t>(profile.fSize)};
+}
+
+void RefuseToWrite(const cTempFile& pFile) {
+  throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "writing failed (" + TakeVipsError() + ")");
+}
+
+void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
+  std::error_code error;
+  if (std::filesystem::equivalent(pInput, pOutput, error)) {
+    throw cFailure(eExitCode_Usage, pOutput, "is the input itself; give the result another name");
+  }
+}
+
+std::string GetEnding(const std::string& pFile) {
   std::string ending = std::filesystem::path(pFile).extension().string();
   std::transform(ending.begin(), ending.end(), ending.begin(),
                  [](unsigned char pC) { return static_cast<char>(std::tolower(pC)); });
+  return ending;
+}
+
+eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth) {
+  const std::string ending = GetEnding(pFile);
   const auto* const found = std::find_if(std::begin(kEndings), std::end(kEndings),
                                          [&](const sEnding& pEnding) { return ending == pEnding.fText; });
   if (found == std::end(kEndings)) {
@@ -89,15 +103,15 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth) {
   return found->fFormat;
 }
 
-void WritePicture(cBitmapLDR& pBitmap, eColorSpaceID pColorSpace, eOutputFormat pFormat, cTempFile& pFile) {
+void WritePicture(cBitmapLDR& pBitmap, const std::string& pProfile, const cMetadata& pMetadata,
+                  eOutputFormat pFormat, cTempFile& pFile) {
   try {
     const VImage image = ViewBitmap(pBitmap);
-    const TmEngine::sIccProfile profile = GetProfile(pColorSpace);
-    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.fData,
-                             static_cast<std::size_t>(profile.fSize));
+    pMetadata.PutInto(image);
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pProfile.data(), pProfile.size());
     Save(image, pFormat, pFile.GetPath());
   } catch (const vips::VError&) {
-    throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "writing failed (" + TakeVipsError() + ")");
+    RefuseToWrite(pFile);
   }
   pFile.Commit();
 }

@@ -1,8 +1,6 @@
 #include "cli/TonemapCommand.h"
 
-#include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <string>
@@ -45,20 +43,15 @@ std::unique_ptr<TmEngine::cBitmapLDR> ToneMap(sPicture& pPicture, const sTonemap
 
 void Run(const sTonemapOptions& pOptions) {
   const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, pOptions.fResult.fDepth);
-  std::error_code error;
-  if (std::filesystem::equivalent(pOptions.fInput, pOptions.fOutput, error)) {
-    throw cFailure(eExitCode_Usage, pOptions.fOutput, "is the input itself; give the result another name");
-  }
+  CheckIsAnother(pOptions.fInput, pOptions.fOutput);
   const cVipsLibrary library;
   sPicture picture = ReadPicture(pOptions.fInput);
-  for (const std::string& warning : picture.fWarnings) {
-    std::fprintf(stderr, "quorvane: %s: warning: %s\n", pOptions.fInput.c_str(), warning.c_str());
-  }
+  PrintWarnings(pOptions.fInput, picture.fWarnings);
   cTempFile file(
       pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
   const auto output = ToneMap(picture, pOptions);
   picture.fBitmap.reset();
-  WritePicture(*output, pOptions.fResult.fColorSpace, format, file);
+  WritePicture(*output, GetIccProfile(pOptions.fResult.fColorSpace), cMetadata(), format, file);
 }
 
 }  // namespace

@@ -1,23 +1,18 @@
 #include "cli/VipsReader.h"
 
 #include <algorithm>
-#include <string_view>
 #include <vips/vips8>
 
-#include "cli/Failure.h"
 #include "cli/IccDecoder.h"
 #include "cli/LinearLight.h"
 #include "cli/RadianceHeader.h"
-#include "cli/VipsLibrary.h"
+#include "cli/VipsSource.h"
 #include "engine/cTransfer.h"
 
 namespace Cli {
 namespace {
 
 using vips::VImage;
-
-constexpr std::string_view kLoaders[] = {"VipsForeignLoadRad", "VipsForeignLoadPng", "VipsForeignLoadTiff",
-                                         "VipsForeignLoadJpeg"};
 
 /// How the samples of a row become floats.
 struct sLayout {
@@ -28,58 +23,6 @@ struct sLayout {
   std::unique_ptr<cIccDecoder>
       fDecoder;  ///< From these floats to XYZ; null when they are linear RGB or grey.
 };
-
-/// From a source, not a name: libvips takes a "[" in a name for the start of options.
-VImage Open(const std::string& pFile, VipsAccess pAccess) {
-  const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
-  const char* const loader = vips_foreign_find_load_source(source.get_source());
-  const std::string_view name = loader == nullptr ? "" : loader;
-  if (std::none_of(std::begin(kLoaders), std::end(kLoaders),
-                   [&](std::string_view pKnown) { return name.starts_with(pKnown); })) {
-    vips_error_clear();
-    throw cFailure(eExitCode_CannotRead, pFile,
-                   "not a picture of a known format, or damaged (known: .exr .hdr .pfm .png .tif .jpg)");
-  }
-  return VImage::new_from_source(
-      source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
-}
-
-int GetOrientation(const VImage& pImage, const sRadianceHeader& pHeader) {
-  return pHeader.fOrientation > 1 ? pHeader.fOrientation : vips_image_get_orientation(pImage.get_image());
-}
-
-/// The picture upright. Rows are streamed unless they must be turned.
-VImage OpenUpright(const std::string& pFile, const sRadianceHeader& pHeader) {
-  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL);
-  const int orientation = GetOrientation(image, pHeader);
-  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM);
-  if (image.coding() == VIPS_CODING_RAD) image = image.rad2float();
-  if (orientation <= 1) return image;
-  image = image.copy();
-  image.set(VIPS_META_ORIENTATION, orientation);
-  return image.autorot();
-}
-
-[[noreturn]] void RefuseLayout(const std::string& pFile, const std::string& pWhat) {
-  throw cFailure(eExitCode_CannotRead, pFile, pWhat + "; convert it to 8- or 16-bit RGB first");
-}
-
-int CountColours(const std::string& pFile, const VImage& pImage) {
-  switch (pImage.interpretation()) {
-    case VIPS_INTERPRETATION_B_W:
-    case VIPS_INTERPRETATION_GREY16:
-      return 1;
-    case VIPS_INTERPRETATION_RGB:
-    case VIPS_INTERPRETATION_sRGB:
-    case VIPS_INTERPRETATION_RGB16:
-    case VIPS_INTERPRETATION_scRGB:
-      return 3;
-    case VIPS_INTERPRETATION_CMYK:
-      return 4;
-    default:
-      RefuseLayout(pFile, "its colour model is not supported");
-  }
-}
 
 /// The float of each integer sample: encoded for a profile, else linear light of sRGB.
 std::vector<float> MakeTable(VipsBandFormat pFormat, float pFull, bool pDecode) {
@@ -94,28 +37,6 @@ std::vector<float> MakeTable(VipsBandFormat pFormat, float pFull, bool pDecode) 
   return table;
 }
 
-/// The embedded profile; for inks without a sound one the profile that libvips brings along.
-std::unique_ptr<cIccDecoder> MakeDecoder(const VImage& pImage, int pColours, sPicture& pPicture) {
-  std::unique_ptr<cIccDecoder> decoder;
-  if (pImage.get_typeof(VIPS_META_ICC_NAME) != 0) {
-    std::size_t size = 0;
-    const void* const data = pImage.get_blob(VIPS_META_ICC_NAME, &size);
-    decoder = cIccDecoder::FromProfile(data, size, pColours);
-    if (decoder == nullptr) {
-      pPicture.fWarnings.emplace_back("its colour profile is damaged or unfit; taken as " +
-                                      std::string(pColours == 4 ? "common CMYK" : "sRGB"));
-    }
-  }
-  VipsBlob* blob = nullptr;
-  if (decoder == nullptr && pColours == 4 && vips_profile_load("cmyk", &blob, nullptr) == 0) {
-    std::size_t size = 0;
-    const void* const data = vips_blob_get(blob, &size);
-    decoder = cIccDecoder::FromProfile(data, size, pColours);
-    vips_area_unref(VIPS_AREA(blob));
-  }
-  return decoder;
-}
-
 sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
   sLayout layout;
   layout.fSamples = pImage.bands();
@@ -125,10 +46,7 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   if (!isInteger && (layout.fFormat != VIPS_FORMAT_FLOAT || layout.fColours == 4)) {
     RefuseLayout(pFile, "its kind of samples is not supported");
   }
-  if (layout.fSamples < layout.fColours || layout.fSamples > layout.fColours + 1) {
-    RefuseLayout(pFile, "it has " + std::to_string(layout.fSamples) + " channels");
-  }
-  if (isInteger) layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture);
+  if (isInteger) layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture.fWarnings);
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
   layout.fTable =
       MakeTable(layout.fFormat, cIccDecoder::GetFullSample(layout.fColours), layout.fDecoder == nullptr);
@@ -191,7 +109,7 @@ void UndoScale(const sPicture& pPicture, const double (&pScale)[3]) {
 sPicture ReadWithVips(const std::string& pFile) {
   try {
     const sRadianceHeader header = ReadRadianceHeader(pFile);
-    VImage image = OpenUpright(pFile, header);
+    VImage image = OpenUpright(pFile, header.fOrientation);
     sPicture picture = MakePicture(pFile, image.width(), image.height());
     if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
     const sLayout layout = ChooseLayout(pFile, image, picture);
@@ -205,7 +123,7 @@ sPicture ReadWithVips(const std::string& pFile) {
     LinearToXYZ(picture, header.fPrimaries);
     return picture;
   } catch (const vips::VError&) {
-    throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short (" + TakeVipsError() + ")");
+    RefuseDamaged(pFile);
   }
 }
 

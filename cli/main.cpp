@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <vector>
 
+#include "cli/EqualizeCommand.h"
 #include "cli/Failure.h"
 #include "cli/TonemapCommand.h"
 
@@ -15,20 +17,25 @@ int Report(const std::string& pText, Cli::eExitCode pExitCode) {
 }
 
 int RunProgram(int pCount, char** pArguments) {
-  CLI::App program("Tone mapping for high-dynamic-range photographs.", "quorvane");
+  CLI::App program("Tone mapping for high-dynamic-range photographs, and colour curves over hue.",
+                   "quorvane");
   program.require_subcommand(1);
   program.set_version_flag("--version", QUORVANE_VERSION);
   program.footer(
       "Exit codes: 0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing.\n\n"
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
+      "  quorvane equalize photo.png -o greener.png --hue-shift 60:0.6,20:0.5,100:0.5\n"
       "  quorvane tonemap --help");
   Cli::AddTonemapCommand(program);
+  Cli::AddEqualizeCommand(program);
   try {
     program.parse(pCount, pArguments);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return program.exit(error);  // help or version, on standard output
-    return Report(std::string(error.what()) + "\nRun 'quorvane tonemap --help' for what it takes.",
+    const std::vector<CLI::App*> verbs = program.get_subcommands();
+    const std::string verb = verbs.empty() ? "" : verbs.front()->get_name() + " ";
+    return Report(std::string(error.what()) + "\nRun 'quorvane " + verb + "--help' for what it takes.",
                   Cli::eExitCode_Usage);
   }
   return Cli::eExitCode_Done;

@@ -1,0 +1,181 @@
+#include "cli/EqualizeCommand.h"
+
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "cli/CurvePlot.h"
+#include "cli/CurvePoints.h"
+#include "cli/Failure.h"
+#include "cli/LdrReader.h"
+#include "cli/Options.h"
+#include "cli/Picture.h"
+#include "cli/PictureWriter.h"
+#include "cli/VipsLibrary.h"
+#include "engine/cColorEqRenderer.h"
+#include "export/OutputBitmap.h"
+
+namespace Cli {
+namespace {
+
+constexpr char kVerb[] = "equalize";
+
+struct sEqualizeOptions {
+  std::string fInput;
+  std::string fOutput;
+  std::string fPlot;
+  sHueCurveOptions fCurves;
+  int fDepth = 0;  ///< 0 for the input's.
+};
+
+/// Renders into pPicture's own pixels where the depth stays, else into new ones that replace them.
+void Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
+  TmEngine::cBitmapLDR& input = *pPicture.fBitmap;
+  std::unique_ptr<TmEngine::cBitmapLDR> output;
+  if (pDepth != input.GetBitDepth()) {
+    output = MakeOutputBitmap(input.GetWidth(), input.GetHeight(), pDepth, TmEngine::eColorSpaceID_sRGB);
+    output->SetColorSpace(input.GetColorSpace());
+  }
+  const auto renderer = std::make_unique<TmEngine::cColorEqRenderer>();
+  renderer->SetInput(&input);
+  renderer->SetOutput(output != nullptr ? output.get() : &input);
+  renderer->SetHueCurves(MakeHueCurve(pCurves.fHueShift, pCurves.fMode).get(),
+                         MakeHueCurve(pCurves.fSaturation, pCurves.fMode).get(),
+                         MakeHueCurve(pCurves.fLightness, pCurves.fMode).get());
+  renderer->Render();
+  if (output != nullptr) pPicture.fBitmap = std::move(output);
+}
+
+void EqualizeFile(const sEqualizeOptions& pOptions) {
+  const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, pOptions.fDepth == 16 ? 16 : 8);
+  sLdrPicture picture = ReadLdrPicture(pOptions.fInput, kVerb);
+  PrintWarnings(pOptions.fInput, picture.fWarnings);
+  const int ownDepth = format == eOutputFormat::kJpeg ? 8 : picture.fFileDepth;
+  cTempFile file(
+      pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
+  try {
+    Equalize(picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth, pOptions.fCurves);
+  } catch (const std::bad_alloc&) {
+    throw cFailure(eExitCode_Processing, pOptions.fInput, "not enough memory to equalize it");
+  } catch (const std::exception& exception) {
+    throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
+  }
+  WritePicture(*picture.fBitmap, picture.fProfile, picture.fMetadata, format, file);
+}
+
+/// Whether two names lead to one file, which need not exist.
+bool IsSameFile(const std::string& pA, const std::string& pB) {
+  std::error_code error;
+  const auto resolve = [&](const std::string& pName) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(pName, error), error);
+  };
+  return std::filesystem::equivalent(pA, pB, error) || resolve(pA) == resolve(pB);
+}
+
+void CheckArguments(const sEqualizeOptions& pOptions) {
+  const bool hasPicture = !pOptions.fInput.empty() || !pOptions.fOutput.empty() || pOptions.fPlot.empty();
+  if (hasPicture && pOptions.fInput.empty()) throw CLI::RequiredError("IN");
+  if (hasPicture && pOptions.fOutput.empty()) throw CLI::RequiredError("--output");
+  if (pOptions.fCurves.AreNeutral()) {
+    throw CLI::RequiredError("A curve (--hue-shift, --saturation or --lightness)");
+  }
+}
+
+void Run(const sEqualizeOptions& pOptions) {
+  CheckArguments(pOptions);
+  CheckIsAnother(pOptions.fInput, pOptions.fOutput);
+  CheckIsAnother(pOptions.fInput, pOptions.fPlot);
+  if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
+    throw cFailure(eExitCode_Usage, pOptions.fPlot, "is the result as well; give the plot another name");
+  }
+  const ePlotFormat plotFormat =
+      pOptions.fPlot.empty() ? ePlotFormat::kSvg : ChoosePlotFormat(pOptions.fPlot);
+  const cVipsLibrary library;
+  if (!pOptions.fOutput.empty()) EqualizeFile(pOptions);
+  if (pOptions.fPlot.empty()) return;
+  cTempFile file(pOptions.fPlot);
+  WritePlot(DrawHueCurves(pOptions.fCurves), plotFormat, file);
+}
+
+void AddCurveOption(CLI::App& pVerb, const std::string& pName, tHuePoints& pPoints,
+                    const std::string& pMeaning) {
+  const auto parse = [pName, &pPoints](const std::string& pText) {
+    try {
+      pPoints = ParseHuePoints(pText);
+    } catch (const std::invalid_argument& error) {
+      throw CLI::ValidationError(pName, error.what());
+    }
+  };
+  pVerb.add_option_function<std::string>(pName, parse, pMeaning)->option_text("POINTS")->group("Curves");
+}
+
+void AddCurveOptions(CLI::App& pVerb, sHueCurveOptions& pCurves) {
+  AddCurveOption(pVerb, "--hue-shift", pCurves.fHueShift,
+                 "Turns hues: 0 is -180 degrees, 0.5 none, 1 is +180 degrees");
+  AddCurveOption(pVerb, "--saturation", pCurves.fSaturation,
+                 "Purity of colours: 0 is grey, 0.5 as it is, 1 doubled");
+  AddCurveOption(pVerb, "--lightness", pCurves.fLightness,
+                 "Light of colours: 0 is darkest, 0.5 as it is, 1 lightest; pure colours feel it\n"
+                 "most (black to doubled), greys not at all");
+  const std::map<std::string, TmEngine::eSplineInterpolationMode> modes = {
+      {"smooth", TmEngine::eSplineInterpolationMode_FiniteDifference},
+      {"linear", TmEngine::eSplineInterpolationMode_Linear},
+      {"flat", TmEngine::eSplineInterpolationMode_Flat}};
+  pVerb
+      .add_option_function<std::string>(
+          "--mode", [modes, &pCurves](const std::string& pName) { pCurves.fMode = modes.at(pName); },
+          "Way from point to point: through finite differences, straight, or level at each point")
+      ->check(CLI::IsMember({"smooth", "linear", "flat"}))
+      ->option_text("smooth|linear|flat [smooth]")
+      ->group("Curves");
+}
+
+constexpr char kFooter[] =
+    "POINTS are HUE:VALUE,HUE:VALUE,... (1 to 100 of them, in any order): hue in degrees from 0 to 360, "
+    "value\n"
+    "from 0 to 1, 0.5 neutral. One point alone makes a level curve. A curve closes at 0 = 360 degrees: "
+    "where\n"
+    "only one of the two is given, the other gets its value; where none is, both get the value that lies "
+    "there\n"
+    "on the straight line from the last point to the first. A curve that is not given is neutral.\n\n"
+    "Hues are those of linear ProPhoto RGB, in which colours are changed: the red of sRGB lies at 10 "
+    "degrees,\n"
+    "yellow at 68, green at 103, cyan at 190, blue at 248, magenta at 283. --plot shows them.\n\n"
+    "The result keeps the input's colour profile, EXIF, XMP, IPTC and resolution as far as its format has a\n"
+    "place for them (.tif has none for EXIF); the picture is stored upright, without alpha. Where the "
+    "engine\n"
+    "cannot work in the profile (tables, grey, CMYK), the result is in sRGB, Adobe RGB or ProPhoto RGB, the\n"
+    "first that holds the profile's colours. A picture without a profile is taken as sRGB.\n\n"
+    "Examples:\n"
+    "  quorvane equalize photo.jpg -o calm.jpg --saturation 0:0.4\n"
+    "  quorvane equalize photo.tif -o leaves.tif --hue-shift 40:0.5,80:0.6,130:0.5 --plot leaves.svg\n"
+    "  quorvane equalize --lightness 250:0.3,180:0.5,310:0.5 --mode flat --plot curves.png";
+
+}  // namespace
+
+void AddEqualizeCommand(CLI::App& pProgram) {
+  const auto options = std::make_shared<sEqualizeOptions>();
+  CLI::App* const verb = pProgram.add_subcommand(
+      kVerb, "Changes hue, saturation and lightness of a finished picture, each by a curve over hue.");
+  verb->add_option("IN", options->fInput,
+                   "The picture, 8 or 16 bits: .png, .tif or .jpg; told by its content")
+      ->option_text(" ");
+  verb->add_option("-o,--output", options->fOutput,
+                   "The result: .png, .tif or .jpg; a file of that name is replaced")
+      ->option_text("OUT");
+  AddCurveOptions(*verb, options->fCurves);
+  AddDepthOption(*verb, options->fDepth, "the input's; 8 for .jpg");
+  verb->add_option(
+          "--plot", options->fPlot,
+          "Draws the curves over the hue circle into an .svg or .png; IN and OUT may then be left out")
+      ->option_text("FILE")
+      ->group("Result");
+  verb->footer(kFooter);
+  verb->callback([options] { Run(*options); });
+}
+
+}  // namespace Cli

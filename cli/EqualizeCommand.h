@@ -1,0 +1,10 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace Cli {
+
+/// Adds the verb `equalize` to the program; the parser runs it. It throws cFailure.
+void AddEqualizeCommand(CLI::App& pProgram);
+
+}  // namespace Cli

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace Cli {
+
+/// Who reads a file. It is told by the file's content, not by its name.
+enum class eFileKind { kExr, kPfm, kVips };
+
+/// Throws cFailure, in plain words, for what nobody can read as a file.
+eFileKind TellFileKind(const std::string& pFile);
+
+}  // namespace Cli

@@ -1,0 +1,106 @@
+#include "cli/VipsSource.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "cli/Failure.h"
+#include "cli/VipsLibrary.h"
+
+namespace Cli {
+namespace {
+
+using vips::VImage;
+
+constexpr std::string_view kLoaders[] = {"VipsForeignLoadRad", "VipsForeignLoadPng", "VipsForeignLoadTiff",
+                                         "VipsForeignLoadJpeg"};
+
+/// From a source, not a name: libvips takes a "[" in a name for the start of options.
+VImage Open(const std::string& pFile, VipsAccess pAccess) {
+  const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
+  const char* const loader = vips_foreign_find_load_source(source.get_source());
+  const std::string_view name = loader == nullptr ? "" : loader;
+  if (std::none_of(std::begin(kLoaders), std::end(kLoaders),
+                   [&](std::string_view pKnown) { return name.starts_with(pKnown); })) {
+    vips_error_clear();
+    throw cFailure(eExitCode_CannotRead, pFile,
+                   "not a picture of a known format, or damaged (known: .exr .hdr .pfm .png .tif .jpg)");
+  }
+  return VImage::new_from_source(
+      source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
+}
+
+int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {
+  switch (pModel) {
+    case VIPS_INTERPRETATION_B_W:
+    case VIPS_INTERPRETATION_GREY16:
+      return 1;
+    case VIPS_INTERPRETATION_RGB:
+    case VIPS_INTERPRETATION_sRGB:
+    case VIPS_INTERPRETATION_RGB16:
+    case VIPS_INTERPRETATION_scRGB:
+      return 3;
+    case VIPS_INTERPRETATION_CMYK:
+      return 4;
+    default:
+      RefuseLayout(pFile, "its colour model is not supported");
+  }
+}
+
+}  // namespace
+
+VImage OpenUpright(const std::string& pFile, int pOrientation) {
+  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL);
+  const int orientation = pOrientation > 1 ? pOrientation : vips_image_get_orientation(image.get_image());
+  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM);
+  if (image.coding() == VIPS_CODING_RAD) image = image.rad2float();
+  if (orientation <= 1) return image;
+  image = image.copy();
+  image.set(VIPS_META_ORIENTATION, orientation);
+  return image.autorot();
+}
+
+void RefuseDamaged(const std::string& pFile) {
+  throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short (" + TakeVipsError() + ")");
+}
+
+void RefuseLayout(const std::string& pFile, const std::string& pWhat) {
+  throw cFailure(eExitCode_CannotRead, pFile, pWhat + "; convert it to 8- or 16-bit RGB first");
+}
+
+int CountColours(const std::string& pFile, const VImage& pImage) {
+  const int colours = ColoursOf(pFile, pImage.interpretation());
+  const int bands = pImage.bands();
+  if (bands < colours || bands > colours + 1) {
+    RefuseLayout(pFile, "it has " + std::to_string(bands) + " channels");
+  }
+  return colours;
+}
+
+std::string GetEmbeddedProfile(const VImage& pImage) {
+  if (pImage.get_typeof(VIPS_META_ICC_NAME) == 0) return "";
+  std::size_t size = 0;
+  const void* const data = pImage.get_blob(VIPS_META_ICC_NAME, &size);
+  return {static_cast<const char*>(data), size};
+}
+
+std::unique_ptr<cIccDecoder> MakeDecoder(const VImage& pImage, int pColours,
+                                         std::vector<std::string>& pWarnings) {
+  std::unique_ptr<cIccDecoder> decoder;
+  if (const std::string profile = GetEmbeddedProfile(pImage); !profile.empty()) {
+    decoder = cIccDecoder::FromProfile(profile.data(), profile.size(), pColours);
+    if (decoder == nullptr) {
+      pWarnings.emplace_back("its colour profile is damaged or unfit; taken as " +
+                             std::string(pColours == 4 ? "common CMYK" : "sRGB"));
+    }
+  }
+  VipsBlob* blob = nullptr;
+  if (decoder == nullptr && pColours == 4 && vips_profile_load("cmyk", &blob, nullptr) == 0) {
+    std::size_t size = 0;
+    const void* const data = vips_blob_get(blob, &size);
+    decoder = cIccDecoder::FromProfile(data, size, pColours);
+    vips_area_unref(VIPS_AREA(blob));
+  }
+  return decoder;
+}
+
+}  // namespace Cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+#include <vips/vips8>
+
+#include "cli/IccDecoder.h"
+
+namespace Cli {
+
+/// Opens a Radiance, PNG, TIFF or JPEG file and turns the picture upright; rows are streamed unless they must
+/// be turned. pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. Throws
+/// cFailure and vips::VError.
+vips::VImage OpenUpright(const std::string& pFile, int pOrientation);
+
+/// Ends the work on a picture that libvips failed to read.
+[[noreturn]] void RefuseDamaged(const std::string& pFile);
+/// Ends the work on a picture whose samples are of a kind that nobody reads here.
+[[noreturn]] void RefuseLayout(const std::string& pFile, const std::string& pWhat);
+
+/// The number of a pixel's samples that are colours: 1 grey, 3 RGB, 4 CMYK; one more, alpha, may follow.
+/// Throws cFailure for other layouts.
+int CountColours(const std::string& pFile, const vips::VImage& pImage);
+
+/// The embedded ICC profile; empty for none.
+std::string GetEmbeddedProfile(const vips::VImage& pImage);
+
+/// Through the embedded profile; for inks without a sound one through the profile that libvips brings along.
+/// Null for the rest, with a warning where an embedded profile is of no use.
+std::unique_ptr<cIccDecoder> MakeDecoder(const vips::VImage& pImage, int pColours,
+                                         std::vector<std::string>& pWarnings);
+
+}  // namespace Cli

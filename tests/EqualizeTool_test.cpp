@@ -1,0 +1,240 @@
+#include <gtest/gtest.h>
+
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// The verb `equalize` of the built tool, end to end.
+
+namespace {
+
+class EqualizeTool : public cToolTest {
+ protected:
+  /// Expects success without a word, and returns the result.
+  static sStored Equalize(const std::string& pArguments, const std::string& pOutput = "result.png") {
+    const sRun run = Run("equalize " + pArguments + " -o " + pOutput);
+    EXPECT_EQ(run.fExitCode, 0) << pArguments;
+    EXPECT_EQ(run.fErrors + run.fOutput, "") << pArguments;
+    return run.fExitCode == 0 ? Load(pOutput) : sStored{};
+  }
+
+  /// One colour, 8 bits.
+  static VImage MakeFlat(const std::vector<double>& pColor) {
+    return VImage::black(8, 8).new_from_image(pColor).copy(
+        VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+  }
+
+  static VImage WithProfile(const VImage& pImage, const std::string& pProfile) {
+    const VImage image = pImage.copy();
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pProfile.data(), pProfile.size());
+    return image;
+  }
+};
+
+double LargestDifference(const sStored& pA, const sStored& pB) {
+  double largest = pA.fSamples.size() == pB.fSamples.size() ? 0.0 : 1e9;
+  for (std::size_t i = 0; i < pA.fSamples.size() && largest < 1e9; ++i) {
+    largest = std::max(largest, std::fabs(pA.fSamples[i] - pB.fSamples[i]));
+  }
+  return largest;
+}
+
+TEST_F(EqualizeTool, KeepsSamplesDepthAndProfileUnderNeutralCurves) {
+  const VImage deep = ToVips16(MakeScene(53, 31, 1.5f));
+  const VImage shallow = ToVips8(MakeScene(53, 31, 1.5f));
+  const std::string srgb = ProfileOf(TmEngine::cColorSpace_sRGB::GetIccProfile());
+  const std::string adobe = ProfileOf(TmEngine::cColorSpace_AdobeRGB98::GetIccProfile());
+  const std::string wide = ProfileOf(TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile());
+  std::size_t size = 0;
+  VipsBlob* p3 = nullptr;
+  ASSERT_EQ(vips_profile_load("p3", &p3, nullptr), 0);  // none of the engine's spaces
+  const auto* const data = static_cast<const char*>(vips_blob_get(p3, &size));
+  const std::string display(data, size);
+  vips_area_unref(VIPS_AREA(p3));
+  const struct {
+    const char* fInput;
+    VImage fImage;
+    std::string fProfile;  // none: sRGB is embedded
+    const char* fOptions;
+    const char* fOutput;
+    int fBits;
+    double fTolerance;
+  } cases[] = {{"plain.png", shallow, "", "", "a.png", 8, 1.0},
+               {"adobe.tif", shallow, adobe, "", "a.tif", 8, 1.0},
+               {"wide.tif", deep, wide, "", "a.tif", 16, 40.0},
+               {"p3.png", deep, display, "", "a.png", 16, 40.0},
+               {"p3.tif", shallow, display, "", "a.tif", 8, 1.0},
+               {"alpha.png", shallow.bandjoin_const({99.0}), "", "", "a.png", 8, 1.0},
+               {"up.png", shallow, adobe, "--depth 16", "a.png", 16, -1.0},
+               {"down.tif", deep, "", "", "a.jpg", 8, -1.0}};
+  for (const auto& row : cases) {
+    (row.fProfile.empty() ? row.fImage : WithProfile(row.fImage, row.fProfile)).write_to_file(row.fInput);
+    const sStored result =
+        Equalize(std::string(row.fInput) + " --saturation 0:0.5 " + row.fOptions, row.fOutput);
+    EXPECT_EQ(result.fShape[3], row.fBits) << row.fInput;
+    EXPECT_EQ(result.fProfile, row.fProfile.empty() ? srgb : row.fProfile) << row.fInput;
+    sStored input = Load(row.fInput);
+    if (input.fShape[2] == 4) input = Load("plain.png");
+    if (row.fTolerance >= 0.0) {
+      EXPECT_LE(LargestDifference(result, input), row.fTolerance) << row.fInput;
+    }
+  }
+}
+
+TEST_F(EqualizeTool, ConvertsWhatTheEngineCannotWorkIn) {
+  const VImage scene = ToVips8(MakeScene(48, 32, 1.5f));
+  scene.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb")).tiffsave("inks.tif");
+  VImage::new_from_file("inks.tif").icc_transform("srgb").pngsave("expected.png");
+  const sStored result = Equalize("inks.tif --hue-shift 10:0.5");
+  EXPECT_EQ(result.fShape[2], 3);
+  EXPECT_NE(result.fProfile.find("RGB"), std::string::npos);
+  VImage::new_from_file("result.png").icc_transform("srgb").pngsave("back.png");
+  EXPECT_LT(MeanDifference(Load("back.png"), Load("expected.png")), 2.0);
+  scene[1].copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W)).pngsave("grey.png");
+  scene[1].bandjoin(scene[1]).bandjoin(scene[1]).pngsave("spread.png");
+  EXPECT_LE(LargestDifference(Equalize("grey.png --saturation 0:1 --lightness 0:1"), Load("spread.png")),
+            1.0);
+}
+
+TEST_F(EqualizeTool, MovesColoursAsTheCurvesSay) {
+  MakeFlat({200.0, 40.0, 40.0}).pngsave("red.png");
+  MakeFlat({40.0, 40.0, 200.0}).pngsave("blue.png");
+  const auto color = [](const std::string& pArguments) {
+    const std::vector<double> all = Equalize(pArguments).fSamples;
+    return std::vector<double>(all.begin(), all.begin() + 3);
+  };
+  const std::vector<double> green = color("red.png --hue-shift 0:0.8333");
+  EXPECT_GT(green[1], green[0] + 100.0);
+  EXPECT_GT(green[1], green[2] + 100.0);
+  const std::vector<double> grey = color("red.png --saturation 10:0");
+  EXPECT_NEAR(grey[0], grey[1], 1.0);
+  EXPECT_NEAR(grey[1], grey[2], 1.0);
+  EXPECT_LT(color("blue.png --lightness 250:0.2")[2], 150.0);
+  // A curve acts at its hue alone, between its points by its mode, and over the seam of the circle.
+  for (const char* mode : {"smooth", "linear", "flat"}) {
+    const std::string reds = std::string(" --mode ") + mode + " --saturation 330:0.2,30:0.2,60:0.5,300:0.5";
+    const std::vector<double> pale = color("red.png" + reds);
+    EXPECT_LT(pale[0] - pale[1], 130.0) << mode;
+    const std::vector<double> blue =
+        color("blue.png --mode linear --saturation 330:0.2,30:0.2,60:0.5,300:0.5");
+    EXPECT_NEAR(blue[2], 200.0, 1.0);
+    EXPECT_NEAR(blue[0], 40.0, 1.0);
+  }
+  const std::string slope = "red.png --saturation 0:0.5,100:0,180:0.5 --mode ";
+  EXPECT_NE(color(slope + "linear"), color(slope + "smooth"));
+  EXPECT_NE(color(slope + "linear"), color(slope + "flat"));
+}
+
+TEST_F(EqualizeTool, KeepsMetadataUpright) {
+  VImage image = ToVips8(MakeScene(48, 32, 1.5f)).copy();
+  image.set("exif-ifd0-Copyright", "Somebody (Somebody, ASCII, 9 components, 9 bytes)");
+  image.set(VIPS_META_ORIENTATION, 6);
+  const std::string xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/' tiff:Orientation=\"6\">kept</x:xmpmeta>";
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_XMP_NAME, xmp.data(), xmp.size());
+  image = image.copy(VImage::option()->set("xres", 11.0)->set("yres", 11.0));
+  image.jpegsave("in.jpg", VImage::option()->set("Q", 100));
+  for (const std::string output : {"out.jpg", "out.png", "out.tif"}) {
+    const sStored result = Equalize("in.jpg --saturation 0:0.5", output);
+    EXPECT_EQ(result.fShape[0], 32) << output;
+    const VImage stored = VImage::new_from_file(output.c_str());
+    EXPECT_LE(vips_image_get_orientation(stored.get_image()), 1) << output;
+    EXPECT_NEAR(stored.xres(), 11.0, 0.1) << output;
+    std::size_t size = 0;
+    const auto* const data = static_cast<const char*>(stored.get_blob(VIPS_META_XMP_NAME, &size));
+    const std::string kept(data, size);
+    EXPECT_NE(kept.find("Orientation=\"1\">kept"), std::string::npos) << output << ' ' << kept;
+    if (output == "out.tif") continue;  // TIFF has no place for EXIF here
+    EXPECT_NE(std::string(stored.get_string("exif-ifd0-Copyright")).find("Somebody"), std::string::npos);
+  }
+}
+
+TEST_F(EqualizeTool, DrawsTheCurves) {
+  MakeFlat({200.0, 40.0, 40.0}).pngsave("red.png");
+  const std::string curves = "--hue-shift 90:0.75,270:0.5 --saturation 0:0.25";
+  EXPECT_EQ(Run("equalize --plot a.svg " + curves).fExitCode, 0);
+  const std::string svg = ReadText("a.svg");
+  for (const char* text :
+       {"<svg xmlns=", ">Hue shift<", ">Lightness (neutral)<", ">Hue (degrees)<", "</svg>"}) {
+    EXPECT_NE(svg.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(VImage::svgload("a.svg").width(), 1000);
+  Equalize("red.png " + curves + " --plot b.PNG");
+  const sStored plot = Load("b.PNG");
+  EXPECT_EQ(plot.fShape[0], 2000);
+  // The marker of the point at 90 degrees, 0.75, in the colour of the hue shift.
+  const std::size_t x = 2 * (80 + 770 / 4), y = 2 * (490 - 390 * 3 / 4);
+  const std::vector<double> purple = {0x6d, 0x3f, 0xc0};
+  const auto at = plot.fSamples.begin() + static_cast<std::ptrdiff_t>(3 * (y * 2000 + x));
+  EXPECT_EQ(std::vector<double>(at, at + 3), purple);
+}
+
+TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
+  const sTestPicture scene = MakeScene();
+  WriteRadiance("scene.hdr", scene);
+  WritePfm("scene.pfm", scene);
+  ToVips16(scene).cast(VIPS_FORMAT_FLOAT).tiffsave("float.tif");
+  ToVips16(scene).pngsave("in.png");
+  const std::string whole = ReadText("in.png");
+  std::ofstream("cut.png", std::ios::binary) << whole.substr(0, whole.size() * 2 / 3);
+  std::string many = "0:0";
+  for (int i = 1; i <= 100; ++i) many.append(",").append(std::to_string(i)).append(":0");
+  const std::string refused = ": equalize takes 8- and 16-bit pictures; tone-map it first";
+  const struct {
+    std::string fArguments;
+    int fExitCode;
+    std::string fText;
+  } cases[] = {
+      {"", 2, "IN is required"},
+      {"in.png --saturation 0:1", 2, "--output is required"},
+      {"-o b.png --saturation 0:1", 2, "IN is required"},
+      {"in.png -o b.png", 2, "A curve (--hue-shift, --saturation or --lightness) is required"},
+      {"--plot b.svg", 2, "A curve ("},
+      {"in.png -o b.png --hue-shift 120", 2, "--hue-shift: '120' is not HUE:VALUE"},
+      {"in.png -o b.png --hue-shift ''", 2, "--hue-shift: "},
+      {"in.png -o b.png --hue-shift 0:1,361:1", 2,
+       "--hue-shift: the hue of '361:1' is not a number from 0 to 360"},
+      {"in.png -o b.png --saturation 0:1.5", 2,
+       "--saturation: the value of '0:1.5' is not a number from 0 to 1"},
+      {"in.png -o b.png --lightness 0:nan", 2,
+       "--lightness: the value of '0:nan' is not a number from 0 to 1"},
+      {"in.png -o b.png --lightness 9:0.1x", 2, "--lightness: the value of '9:0.1x' is not a number"},
+      {"in.png -o b.png --lightness 9:1,9.0:0", 2, "--lightness: the hue 9 has two values"},
+      {"in.png -o b.png --lightness " + many, 2, "--lightness: has 101 points; a curve takes 1 to 100"},
+      {"in.png -o b.png --lightness 0:1 --mode wild", 2, "--mode: wild not in {smooth,linear,flat}"},
+      {"in.png -o b.jpg --lightness 0:1 --depth 16", 2, "b.jpg: JPEG holds 8 bits only"},
+      {"in.png -o b.png --lightness 0:1 --plot b.gif", 2, "b.gif: unknown ending of a plot's name"},
+      {"in.png -o b.png --lightness 0:1 --plot ./b.png", 2, "./b.png: is the result as well"},
+      {"in.png -o in.png --lightness 0:1", 2, "in.png: is the input itself"},
+      {"in.png -o b.png --lightness 0:1 --plot in.png", 2, "in.png: is the input itself"},
+      {"scene.hdr -o b.png --lightness 0:1", 3, "scene.hdr" + refused},
+      {"scene.pfm -o b.png --lightness 0:1", 3, "scene.pfm" + refused},
+      {"float.tif -o b.png --lightness 0:1", 3, "float.tif" + refused},
+      {"missing.png -o b.png --lightness 0:1 --plot b.svg", 3, "missing.png: No such file"},
+      {"cut.png -o b.png --lightness 0:1", 3, "cut.png: damaged or cut short ("},
+      {"in.png -o none/b.png --lightness 0:1", 4, "none/b.png: the folder none does not exist"},
+      {"--plot none/b.svg --lightness 0:1", 4, "none/b.svg: the folder none does not exist"},
+  };
+  const std::set<std::string> before = ListFolder();
+  for (const auto& row : cases) {
+    const sRun run = Run("equalize " + row.fArguments);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments << '\n' << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind("quorvane: " + row.fText, 0), 0u)
+        << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;
+    EXPECT_EQ(ListFolder(), before) << row.fArguments;
+  }
+}
+
+TEST_F(EqualizeTool, LeavesTheOldFileWhenWritingFails) {
+  ToVips16(MakeScene(400, 300)).pngsave("in.png");
+  std::ofstream("old.tif") << "old";
+  std::ofstream("old.svg") << "old";
+  const std::set<std::string> before = ListFolder();
+  for (const char* arguments : {"in.png -o old.tif", "--plot old.svg"}) {
+    const sRun run = Run(std::string("equalize --saturation 0:1 ") + arguments, "ulimit -f 4;");
+    EXPECT_EQ(run.fExitCode, 4) << run.fErrors;
+    EXPECT_NE(run.fErrors.find(": writing failed ("), std::string::npos) << run.fErrors;
+    EXPECT_EQ(ReadText("old.tif") + ReadText("old.svg"), "oldold");
+    EXPECT_EQ(ListFolder(), before);
+  }
+}
+
+}  // namespace
