@@ -1,4 +1,4 @@
-// Time and memory of whole calls of the exported function.
+// Time and memory of whole calls of the exported function, on the example scene, repeated to fill the size.
 //
 //   quorvane-bench [MEGAPIXELS [INPUT_BITS [OUTPUT_BITS]]]    24 16 16 when not given
 //
@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "examples/scene/HostPixels.h"
 #include "export/quorvane.h"
 
 namespace {
@@ -25,23 +26,6 @@ double PeakBytes() {
   rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   return 1024.0 * static_cast<double>(usage.ru_maxrss);
-}
-
-/// A lit gradient with texture, 16-bit or 8-bit samples or RGBE; what matters is that tables and grid are
-/// used.
-std::vector<unsigned char> MakePicture(int pWidth, int pHeight, int pBits) {
-  const auto width = static_cast<std::size_t>(pWidth);
-  const std::size_t rowBytes = pBits == 32 ? 4 * width : 3 * width * static_cast<std::size_t>(pBits) / 8;
-  std::vector<unsigned char> picture(rowBytes * static_cast<std::size_t>(pHeight));
-  std::uint32_t noise = 1;
-  for (std::size_t i = 0; i < picture.size(); ++i) {
-    noise = noise * 1664525u + 1013904223u;
-    const std::size_t x = i % rowBytes;
-    picture[i] = static_cast<unsigned char>(x * 200 / rowBytes + (noise >> 27));
-    if (pBits == 32 && x >= 3 * width)
-      picture[i] = static_cast<unsigned char>(118 + (x - 3 * width) * 20 / width);
-  }
-  return picture;
 }
 
 int Number(char** pArguments, int pCount, int pIndex, int pDefault) {
@@ -62,7 +46,8 @@ int main(int pCount, char** pArguments) {
   const int width = static_cast<int>(std::lround(std::sqrt(megapixels * 1e6 * 1.5)));
   const int height = static_cast<int>(std::lround(megapixels * 1e6 / width));
   const double pixels = static_cast<double>(width) * height;
-  const std::vector<unsigned char> input = MakePicture(width, height, inputBits);
+  const std::vector<unsigned char> input =
+      Scene::HostPixels(Scene::RenderScene({}), width, height, inputBits);
   std::vector<unsigned char> output(
       static_cast<std::size_t>(pixels) * 3 * static_cast<std::size_t>(outputBits / 8), 1);
   const double before = PeakBytes();

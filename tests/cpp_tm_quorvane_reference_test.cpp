@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "examples/scene/HostPixels.h"
 #include "export/quorvane.h"
 #include "reference/ReferenceToneMapper.h"
 #include "tests/Numbers.h"
@@ -26,7 +27,7 @@ struct sRandom : cRandom {
   float Between(float pLow, float pHigh) { return pLow + (pHigh - pLow) * Unit(); }
 };
 
-enum class ePicture { kRandom, kGradient, kBlackSpots, kFlat, kBrightPixel, kDeep, kCount };
+enum class ePicture { kRandom, kGradient, kBlackSpots, kFlat, kBrightPixel, kDeep, kCount, kScene };
 
 struct sCase {
   tm_quorvane_image fImage{};
@@ -99,6 +100,11 @@ void FillRgbe(const sCase& pCase, sRandom& pRandom, std::vector<std::uint8_t>& p
 }
 
 std::vector<std::uint8_t> MakeInput(const sCase& pCase) {
+  const tm_quorvane_image& image = pCase.fImage;
+  if (pCase.fPicture == ePicture::kScene) {
+    return Scene::HostPixels(Scene::RenderScene({.fWidth = 180, .fHeight = 120}), image.width, image.height,
+                             image.input_bits);
+  }
   sRandom random(pCase.fSeed + 1000000);
   std::vector<std::uint8_t> bytes;
   bytes.reserve(1);  // never null, even without a sample
@@ -228,7 +234,7 @@ TEST_P(SmallPictures, AgreeToTheBit) {
 INSTANTIATE_TEST_SUITE_P(Shards, SmallPictures, testing::Range(0, kShards));
 
 TEST(LargePictures, AgreeToTheBit) {
-  for (const int seed : {1, 2, 3, 8}) {
+  for (const int seed : {1, 2, 3, 8, 9, 10, 11}) {
     sCase large = MakeCase(seed);
     large.fImage = {300, 200, 3, seed == 2 ? 16 : 32, seed == 1 ? 8 : 16, 0, 907, seed == 3, {}};
     large.fPicture = seed == 2 ? ePicture::kBlackSpots : ePicture::kGradient;
@@ -236,6 +242,10 @@ TEST(LargePictures, AgreeToTheBit) {
       large.fImage.width = 20;
       large.fImage.height = 5;
       large.fPicture = ePicture::kRandom;
+    }
+    if (seed >= 9) {
+      large.fImage.input_bits = seed == 9 ? 8 : seed == 10 ? 16 : 32;
+      large.fPicture = ePicture::kScene;
     }
     large.fSettings.microcontrast = static_cast<float>(seed) - 2.0f;
     large.fSettings.horizontal_wrap = seed == 2 ? 0.0f : 1.0f;

@@ -6,26 +6,13 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "examples/scene/Rgbe.h"
 #include "examples/scene/WriteFile.h"
 
 namespace Scene {
 namespace {
 
 using tBytes = std::vector<unsigned char>;
-
-/// Three floats as mantissas with one exponent: value = (mantissa + 0.5) * 2^(exponent - 136).
-void ToRgbe(const float* pFrom, unsigned char (&pTo)[4]) {
-  const float largest = std::max(pFrom[0], std::max(pFrom[1], pFrom[2]));
-  int exponent = 0;
-  if (!(largest > 1.0e-32f)) {
-    std::memset(pTo, 0, sizeof pTo);
-    return;
-  }
-  std::frexp(largest, &exponent);
-  const float scale = std::ldexp(1.0f, 8 - exponent);
-  for (int i = 0; i < 3; ++i) pTo[i] = static_cast<unsigned char>(std::max(pFrom[i], 0.0f) * scale);
-  pTo[3] = static_cast<unsigned char>(exponent + 128);
-}
 
 std::size_t RunLength(const unsigned char* pFrom, std::size_t pLeft) {
   std::size_t length = 1;
