@@ -3,7 +3,7 @@
 //   quorvane-bench [MEGAPIXELS [INPUT_BITS [OUTPUT_BITS]]]    24 16 16 when not given
 //
 // Prints nanoseconds a pixel (the best of three calls) and the peak memory above the host's own buffers in
-// bytes a pixel. One size a run: the peak is the process's.
+// bytes a pixel.
 #include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
