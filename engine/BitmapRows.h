@@ -59,4 +59,13 @@ void ForEachRow(const sRows<tFrom>& pFrom, const sRows<tTo>& pTo, const tBody& p
   for (int y = 0; y < pFrom.fHeight; ++y) pBody(pFrom.Row(y), pTo.Row(y), pFrom.fWidth);
 }
 
+/// Calls pBody with each pixel's three samples, row by row.
+template <class tSample, class tBody>
+void ForEachPixel(const sRows<tSample>& pRows, const tBody& pBody) {
+  for (int y = 0; y < pRows.fHeight; ++y) {
+    tSample* pixel = pRows.Row(y);
+    for (int x = 0; x < pRows.fWidth; ++x, pixel += 3) pBody(pixel);
+  }
+}
+
 }  // namespace TmEngine

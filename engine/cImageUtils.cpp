@@ -20,15 +20,6 @@ void CheckChannelOf(const cBitmapXYZ32* pSrcXYZ32, int pChannel, const sThrowPla
   CheckChannel(pChannel, pPlace);
 }
 
-/// Calls pBody with each pixel's three samples, row by row.
-template <class tSample, class tBody>
-void ForEachPixel(const sRows<tSample>& pRows, const tBody& pBody) {
-  for (int y = 0; y < pRows.fHeight; ++y) {
-    tSample* pixel = pRows.Row(y);
-    for (int x = 0; x < pRows.fWidth; ++x, pixel += 3) pBody(pixel);
-  }
-}
-
 /// One row of the product. The order of the sum decides its last bits.
 float Product(const float* pPixel, float pA, float pB, float pC) {
   return (pPixel[1] * pB + pPixel[0] * pA) + pPixel[2] * pC;

@@ -61,15 +61,11 @@ void CopyRectangle(const tImage& pSrc, tImage& pDst, const sRectangle& pRectangl
 /// Three samples of every pixel, in storage order.
 template <class tImage, class tSample>
 void FillPixels(tImage& pImage, tSample p0, tSample p1, tSample p2) {
-  const auto rows = RowsOf(pImage);
-  for (int y = 0; y < rows.fHeight; ++y) {
-    tSample* pixel = rows.Row(y);
-    for (int x = 0; x < rows.fWidth; ++x, pixel += 3) {
-      pixel[0] = p0;
-      pixel[1] = p1;
-      pixel[2] = p2;
-    }
-  }
+  ForEachPixel(RowsOf(pImage), [=](tSample* pPixel) {
+    pPixel[0] = p0;
+    pPixel[1] = p1;
+    pPixel[2] = p2;
+  });
 }
 
 /// pTo = pRule(pFrom, pTo) for every sample.
