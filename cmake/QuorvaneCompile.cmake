@@ -4,7 +4,7 @@
 # round twice, so it would give other bytes on machines that have it.
 #
 # -fno-builtin-...: the functions are always the C library's. A compiler that knows them computes constant calls
-# itself, and turns some into others (pow(10, x) into exp10(x)), whose last bits differ.
+# itself, and turns some into others (pow(2, x) into exp2(x), pow(x, 0.5) into a square root): last bits differ.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
