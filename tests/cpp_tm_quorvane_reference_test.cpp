@@ -55,7 +55,7 @@ float Level(const sCase& pCase, int x, int y, int pChannel, sRandom& pRandom) {
   const auto along = static_cast<float>(x + 1) / static_cast<float>(image.width + 1);
   const auto down = static_cast<float>(y + 1) / static_cast<float>(image.height + 1);
   const float random = pRandom.Between(0.0f, 1.0f);
-  const int channels = image.input_bits == 32 ? 3 : image.samples_per_pixel;
+  const int channels = image.input_bits == 32 ? 3 : std::max(image.samples_per_pixel, 1);
   const ePicture picture = pCase.fPicture;
   if (picture == ePicture::kGradient) return along * (0.3f + 0.7f * down) * (pChannel == 0 ? 1.0f : 0.8f);
   if (picture == ePicture::kBlackSpots) return (x * 7 + y * 3) % 5 == 0 ? 0.0f : random;
