@@ -55,7 +55,8 @@ float Level(const sCase& pCase, int x, int y, int pChannel, sRandom& pRandom) {
   const auto along = static_cast<float>(x + 1) / static_cast<float>(image.width + 1);
   const auto down = static_cast<float>(y + 1) / static_cast<float>(image.height + 1);
   const float random = pRandom.Between(0.0f, 1.0f);
-  const int channels = image.input_bits == 32 ? 3 : std::max(image.samples_per_pixel, 1);
+  const bool coded = image.input_bits == 8 || image.input_bits == 16;  // all else is filled as RGBE
+  const int channels = coded ? image.samples_per_pixel : 3;
   const ePicture picture = pCase.fPicture;
   if (picture == ePicture::kGradient) return along * (0.3f + 0.7f * down) * (pChannel == 0 ? 1.0f : 0.8f);
   if (picture == ePicture::kBlackSpots) return (x * 7 + y * 3) % 5 == 0 ? 0.0f : random;
