@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "cli/Failure.h"
+#include "engine/BitmapRows.h"
 #include "engine/cException.h"
 
 namespace Cli {
@@ -34,8 +35,7 @@ void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWa
 }
 
 float* GetRow(const sPicture& pPicture, int pY) {
-  return pPicture.fBitmap->GetBitmapData() +
-         static_cast<std::ptrdiff_t>(pPicture.fBitmap->GetStride() / 4) * pY;
+  return TmEngine::RowsOf(*pPicture.fBitmap).Row(pY);
 }
 
 }  // namespace Cli

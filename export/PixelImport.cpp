@@ -6,14 +6,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/cBitmapXYZ32.h"
+#include "engine/BitmapRows.h"
 #include "export/HostLayout.h"
 
 namespace {
-
-float* RowOf(TmEngine::cBitmapXYZ32& pImage, int pY) {
-  return pImage.GetBitmapData() + static_cast<std::ptrdiff_t>(pY) * (pImage.GetStride() / 4);
-}
 
 /// Linear light of each code. The divisor is the number of codes: the brightest one decodes to just below 1.
 std::vector<float> GammaTable(int pMax, double pGamma) {
@@ -33,7 +29,7 @@ void ImportSamples(const tm_quorvane_image& pImage, const std::vector<float>& pT
   const std::ptrdiff_t step = pImage.samples_per_pixel;
   std::ptrdiff_t base = 0;
   for (int y = 0; y < pImage.height; ++y) {
-    float* to = RowOf(pTo, y);
+    float* to = TmEngine::RowsOf(pTo).Row(y);
     for (int x = 0; x < pImage.width; ++x, base += step, to += 3) {
       to[0] = pTable[LoadSample<tSample>(pFrom, base + channels.fFirst)];
       to[1] = pTable[LoadSample<tSample>(pFrom, base + channels.fMiddle)];
@@ -51,7 +47,7 @@ void ImportRgbe(const tm_quorvane_image& pImage, const unsigned char* pFrom, TmE
   scale[0] = 0.0f;
   const std::ptrdiff_t width = pImage.width;
   for (int y = 0; y < pImage.height; ++y, pFrom += 4 * width) {
-    float* to = RowOf(pTo, y);
+    float* to = TmEngine::RowsOf(pTo).Row(y);
     for (std::ptrdiff_t x = 0; x < width; ++x, to += 3) {
       const float factor = scale[pFrom[3 * width + x]];
       for (int k = 0; k < 3; ++k) to[k] = static_cast<float>(pFrom[k * width + x]) * factor;

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "engine/BitmapRows.h"
 #include "engine/cBitmapU16T.h"
-#include "engine/cBitmapXYZ32.h"
 #include "engine/stages/ColorRecord.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
@@ -13,10 +13,6 @@ namespace TmEngine {
 namespace {
 
 constexpr float kDarkLuminance = 1e-6f;
-
-const float* InputRow(const cBitmapXYZ32& pInput, int pY) {
-  return pInput.GetBitmapData() + static_cast<std::ptrdiff_t>(pY) * (pInput.GetStride() / 4);
-}
 
 void FillRecord(const float* pXYZ, const cMatrix33& pM, unsigned short* pRecord) {
   float luminance = kDarkLuminance;
@@ -40,7 +36,7 @@ void FillColorRecords(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& p
   const cMatrix33 matrix = pXYZToWorking;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;
-    const float* from = InputRow(pInput, y);
+    const float* from = RowsOf(pInput).Row(y);
     unsigned short* record = pRecords.GetRow(y);
     for (int x = 0; x < pInput.GetWidth(); ++x, from += 3, record += ColorRecord::kSlots) {
       FillRecord(from, matrix, record);
@@ -55,7 +51,7 @@ void MeasureLogLuminance(const bool* pCancel, bool* pAborted, const cBitmapXYZ32
   pRange.fMax = -1e30f;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;
-    const float* from = InputRow(pInput, y);
+    const float* from = RowsOf(pInput).Row(y);
     float* to = pLogLuminance + RowStart(y, pInput.GetWidth());
     for (int x = 0; x < pInput.GetWidth(); ++x) {
       const float luminance = from[3 * x + 1];
