@@ -81,7 +81,7 @@ void cColorEqRenderer::Prepare(bool* pCancel, bool* pAborted) {
   if (StopRequested(pCancel, pAborted)) return;
   fHueRecords.reset();  // first, so that two are never held
   fHueRecords = std::make_unique<cBitmapU16T>(fInput->GetWidth(), fInput->GetHeight(), HueRecord::kSlots);
-  FillHueRecords(*fInput, fXYZToWorking, *fHueRecords);
+  FillHueRecords(pCancel, pAborted, *fInput, fXYZToWorking, *fHueRecords);
   StopRequested(pCancel, pAborted);
 }
 
@@ -90,9 +90,8 @@ void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
   const float* lightness = fHueCurves.Lightness();
   fHueCurves.BuildHueTable(*fHueTable);
-  if (StopRequested(pCancel, pAborted)) return;
-
   for (int y = 0; y < fOutput->GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
     EqualiseRow(*fHueTable, lightness, fHueRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
                 fOutput->GetBitDepth(), encoding, colorMatrix);
   }

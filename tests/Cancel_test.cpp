@@ -17,6 +17,7 @@
 
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapXYZ32.h"
+#include "engine/cColorEqRenderer.h"
 #include "engine/cTmRenderer.h"
 #include "tests/AllocationHook.h"
 #include "tests/Pictures.h"
@@ -281,6 +282,37 @@ INSTANTIATE_TEST_SUITE_P(
         sCase{"before_final_rendering", &tRenderer::InvalidateFinalRendering, "", {}},
         sCase{"in_final_rendering", &tRenderer::InvalidateFinalRendering, "", {kOutput}, 6 * kWidth}),
     testing::PrintToStringParamName());
+
+TEST(CancelEqualiser, StopsWithinARowAndRunsInFullAfterwards) {
+  cBitmapBGR16 input(kWidth, kHeight, eColorSpaceID_sRGB), output(kWidth, kHeight, eColorSpaceID_sRGB);
+  const auto bytes = [](cBitmapBGR16& pImage) {
+    return std::vector<unsigned char>(pImage.GetBitmapData(), pImage.GetBitmapData() + kOutputBytes);
+  };
+  cRandom random(7);
+  for (std::size_t i = 0; i < kOutputBytes; ++i)
+    input.GetBitmapData()[i] = static_cast<unsigned char>(random.Next());
+  cColorEqRenderer renderer;
+  renderer.SetInput(&input);
+  renderer.SetOutput(&output);
+  renderer.Render();
+  const std::vector<unsigned char> expected = bytes(output);
+  for (cBitmapBGR16* wired : {&input, &output}) {
+    std::fill_n(output.GetBitmapData(), kOutputBytes, static_cast<unsigned char>(0xA5));
+    renderer.SetInput(&input);
+    bool aborted = false;
+    {
+      cTripwire tripwire;
+      tripwire.Stretch(wired->GetBitmapData(), kOutputBytes);
+      renderer.Render(tripwire.Cancel(), &aborted);
+      EXPECT_TRUE(tripwire.IsTouched());
+      EXPECT_LE(tripwire.TouchedBytes(), 6 * kWidth + 2 * tripwire.PageBytes());
+    }
+    EXPECT_TRUE(aborted);
+    EXPECT_EQ(output.GetBitmapData()[kOutputBytes - 1], 0xA5);
+    renderer.Render();
+    EXPECT_EQ(bytes(output), expected);
+  }
+}
 
 }  // namespace
 }  // namespace TmEngine

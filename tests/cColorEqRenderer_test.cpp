@@ -221,7 +221,8 @@ TEST(cColorEqRenderer, KeepsBlackAsAColorWithAPositiveMaximum) {
   const tImage image = NewImage(8, 1, 1, eColorSpaceID_sRGB);
   std::fill_n(image->GetBitmapData(), 3, static_cast<unsigned char>(0));
   cBitmapU16T records(1, 1, HueRecord::kSlots);
-  FillHueRecords(*image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
+  bool aborted = false;
+  FillHueRecords(nullptr, &aborted, *image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
   const unsigned short* record = records.GetRow(0);
   EXPECT_EQ(record[HueRecord::kHue], 0);
   EXPECT_EQ(HueRecord::LoadFloat(record + HueRecord::kMin), 0.0f);

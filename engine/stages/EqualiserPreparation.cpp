@@ -8,6 +8,7 @@
 #include "engine/cTransferLUT.h"
 #include "engine/stages/HueRecord.h"
 #include "engine/stages/LdrRows.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
@@ -30,10 +31,12 @@ void FillRow(const tSample* pFrom, int pWidth, const float* pToLinear, const cMa
 }
 
 template <class tSample, class tTransferLUT>
-void FillRows(const cBitmapLDR& pInput, const cMatrix33& pMatrix, cBitmapU16T& pRecords) {
+void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
+              cBitmapU16T& pRecords) {
   const auto toLinear = std::make_unique<tTransferLUT>(pInput.GetColorSpace()->GetToLinear());
   const cMatrix33 matrix = pMatrix;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
     FillRow(reinterpret_cast<const tSample*>(PixelRow(pInput, y)), pInput.GetWidth(), toLinear->GetTable(),
             matrix, pRecords.GetRow(y));
   }
@@ -41,12 +44,13 @@ void FillRows(const cBitmapLDR& pInput, const cMatrix33& pMatrix, cBitmapU16T& p
 
 }  // namespace
 
-void FillHueRecords(const cBitmapLDR& pInput, const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
+void FillHueRecords(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput,
+                    const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
   const cMatrix33 matrix = pXYZToWorking * pInput.GetColorSpace()->GetRGBToXYZ();
   if (pInput.GetBitDepth() == 8) {
-    FillRows<unsigned char, cTransferLUT_I8F32>(pInput, matrix, pRecords);
+    FillRows<unsigned char, cTransferLUT_I8F32>(pCancel, pAborted, pInput, matrix, pRecords);
   } else {
-    FillRows<unsigned short, cTransferLUT_I16F32>(pInput, matrix, pRecords);
+    FillRows<unsigned short, cTransferLUT_I16F32>(pCancel, pAborted, pInput, matrix, pRecords);
   }
 }
 
