@@ -1,3 +1,5 @@
+#include "engine/Elementary.h"
+#include "engine/kernels/ElementaryTables.h"
 #include "engine/kernels/InstructionSets.h"
 #include "engine/kernels/Kernels.h"
 
