@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "engine/Elementary.h"
 #include "engine/TmCheck.h"
 #include "engine/cBitmapLDR.h"
 #include "engine/cBitmapU16T.h"
@@ -239,9 +240,9 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
                  "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
                  "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
                  static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
-                 std::pow(10.0, static_cast<double>(fLuminance.fLogMax)),
+                 Pow(10.0, static_cast<double>(fLuminance.fLogMax)),
                  1.0 / static_cast<double>(fExposureScales.fInput),
-                 static_cast<double>(fToneTables.fDetailMax), std::pow(10.0, fLayers.fDetailMagnitude));
+                 static_cast<double>(fToneTables.fDetailMax), Pow(10.0, fLayers.fDetailMagnitude));
   }
 
   bool stopped = false;
@@ -286,7 +287,7 @@ void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   if (StopRequested(pCancel, pAborted)) return;
 
   const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
-  const float gain = static_cast<float>(std::pow(2.0, static_cast<double>(fExposure)) * scale);
+  const float gain = static_cast<float>(Pow(2.0, static_cast<double>(fExposure)) * scale);
   const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
   for (int y = 0; y < fOutput->GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/BitmapRows.h"
+#include "engine/kernels/Kernels.h"
 #include "export/HostLayout.h"
 
 namespace {
@@ -14,10 +15,13 @@ namespace {
 /// Linear light of each code. The divisor is the number of codes: the brightest one decodes to just below 1.
 std::vector<float> GammaTable(int pMax, double pGamma) {
   std::vector<float> table(static_cast<std::size_t>(pMax) + 1);
+  std::vector<double> light(table.size());
   const double step = 1.0 / (pMax + 1);
-  for (int i = 0; i <= pMax; ++i) {
-    const float value = static_cast<float>(std::pow(i * step, pGamma));
-    table[static_cast<std::size_t>(i)] = value > 1.0f ? 1.0f : value;
+  for (int i = 0; i <= pMax; ++i) light[static_cast<std::size_t>(i)] = i * step;
+  TmEngine::Kernels().fPowRow(light.data(), pGamma, light.data(), pMax + 1);
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const float value = static_cast<float>(light[i]);
+    table[i] = value > 1.0f ? 1.0f : value;
   }
   return table;
 }

@@ -1,10 +1,11 @@
 #include "engine/stages/Preparation.h"
 
-#include <cmath>
 #include <cstddef>
 
 #include "engine/BitmapRows.h"
+#include "engine/Elementary.h"
 #include "engine/cBitmapU16T.h"
+#include "engine/kernels/Kernels.h"
 #include "engine/stages/ColorRecord.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
@@ -46,7 +47,8 @@ void FillColorRecords(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& p
 
 void MeasureLogLuminance(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
                          float* pLogLuminance, sLuminanceRange& pRange) {
-  const float floor = static_cast<float>(std::pow(2.0, -128.0));  // a denormal float: it must not be flushed
+  constexpr float kFloor = 0x1p-128f;  // a denormal float: it must not be flushed
+  const sKernels& kernels = Kernels();
   pRange.fMin = 1e30f;
   pRange.fMax = -1e30f;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
@@ -55,14 +57,15 @@ void MeasureLogLuminance(const bool* pCancel, bool* pAborted, const cBitmapXYZ32
     float* to = pLogLuminance + RowStart(y, pInput.GetWidth());
     for (int x = 0; x < pInput.GetWidth(); ++x) {
       const float luminance = from[3 * x + 1];
-      const float clamped = floor > luminance ? floor : luminance;
+      const float clamped = kFloor > luminance ? kFloor : luminance;
       if (clamped < pRange.fMin) pRange.fMin = clamped;
       if (clamped > pRange.fMax) pRange.fMax = clamped;
-      to[x] = log10f(clamped);
+      to[x] = clamped;
     }
+    kernels.fLog10Row(to, to, pInput.GetWidth());
   }
-  pRange.fLogMax = log10f(pRange.fMax);
-  pRange.fLogMin = log10f(pRange.fMin);
+  pRange.fLogMax = Log10(pRange.fMax);
+  pRange.fLogMin = Log10(pRange.fMin);
 }
 
 }  // namespace TmEngine
