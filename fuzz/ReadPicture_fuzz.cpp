@@ -1,17 +1,20 @@
 // The tool's readers. Built once for each format: the input is a file of FUZZ_FORMAT, and is read as
-// 'tonemap' and 'equalize' read it. What they cannot read they refuse with a cFailure.
+// 'tonemap' and 'equalize' read it, and written back. What they cannot read they refuse with a cFailure.
 
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
 #include "cli/PictureReader.h"
+#include "cli/PictureWriter.h"
+#include "cli/TempFile.h"
 #include "cli/VipsLibrary.h"
 #include "fuzz/FuzzInput.h"
 
@@ -71,6 +74,18 @@ void CheckIsFinite(const Cli::sPicture& pPicture) {
   }
 }
 
+/// Writes it as 'equalize' does, in the format that it was read from: what the file tells beside its pixels
+/// must not keep anybody from that.
+void WriteBack(Cli::sLdrPicture& pPicture) {
+  const char* const ending = FUZZ_FORMAT == kPng ? "png" : FUZZ_FORMAT == kTiff ? "tif" : "jpg";
+  const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + "." + ending;
+  const int depth = FUZZ_FORMAT == kJpeg ? 8 : pPicture.fBitmap->GetBitDepth();
+  Cli::cTempFile file(target);
+  Cli::WritePicture(*pPicture.fBitmap, pPicture.fProfile, pPicture.fMetadata,
+                    Cli::ChooseOutputFormat(target, depth), file);
+  std::filesystem::remove(target);
+}
+
 template <class tRead>
 void Try(const tRead& pRead) {
   try {
@@ -88,6 +103,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
   const cMemoryFile file(content);
   Try([&] { CheckIsFinite(Cli::ReadPicture(file.Name())); });
-  if (IsOfIntegers(FUZZ_FORMAT)) Try([&] { Cli::ReadLdrPicture(file.Name(), "equalize"); });
+  if (!IsOfIntegers(FUZZ_FORMAT)) return 0;
+  Try([&] {
+    Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize");
+    WriteBack(picture);
+  });
   return 0;
 }
