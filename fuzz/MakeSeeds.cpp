@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "cli/IccHandle.h"
 #include "tests/cli/TestPictures.h"
 
 namespace {
@@ -50,6 +51,44 @@ void MakePfm(const std::string& pFolder) {
   std::ofstream(pFolder + "grey.pfm", std::ios::binary) << "Pf\n2 2\n1.0\n" << std::string(16, '\x3f');
 }
 
+/// A small ICC profile of a table with two steps an axis; for 1 grey it is a tone curve instead.
+std::string MakeProfile(int pColours) {
+  const Cli::tIccHandle profile(cmsCreateProfilePlaceholder(nullptr));
+  cmsSetProfileVersion(profile.get(), 4.3);
+  cmsSetDeviceClass(profile.get(), cmsSigOutputClass);
+  cmsSetColorSpace(profile.get(), pColours == 1   ? cmsSigGrayData
+                                  : pColours == 3 ? cmsSigRgbData
+                                                  : cmsSigCmykData);
+  cmsSetPCS(profile.get(), cmsSigLabData);
+  if (pColours == 1) {
+    cmsToneCurve* const curve = cmsBuildGamma(nullptr, 2.2);
+    cmsWriteTag(profile.get(), cmsSigGrayTRCTag, curve);
+    cmsFreeToneCurve(curve);
+  } else {
+    const auto colours = static_cast<cmsUInt32Number>(pColours);
+    std::vector<cmsUInt16Number> table(3u << colours);
+    for (std::size_t i = 0; i < table.size(); ++i) table[i] = static_cast<cmsUInt16Number>(i * 40503);
+    cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, colours, 3);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, colours, nullptr));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocCLut16bit(nullptr, 2, colours, 3, table.data()));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
+    cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
+    cmsPipelineFree(pipeline);
+  }
+  cmsUInt32Number size = 0;
+  cmsSaveProfileToMem(profile.get(), nullptr, &size);
+  std::string bytes(size, '\0');
+  cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
+  return bytes;
+}
+
+VImage WithProfile(const VImage& pImage, int pColours) {
+  VImage image = pImage.copy();
+  const std::string profile = MakeProfile(pColours);
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+  return image;
+}
+
 /// Pictures of many kinds of samples, which every format stores as far as it can.
 std::vector<VImage> Kinds() {
   const VImage rgb = ToVips8(Scene());
@@ -60,13 +99,18 @@ std::vector<VImage> Kinds() {
   const VImage profiled = rgb.icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
   VImage inks = profiled.colourspace(VIPS_INTERPRETATION_CMYK).copy();
   inks.remove(VIPS_META_ICC_NAME);  // half a megabyte
+  const VImage grey =
+      rgb.extract_band(1).copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W));
   return {rgb,
           rgb16,
-          rgb.extract_band(1).copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W)),
+          grey,
           turned,
           alpha,
           profiled,
-          inks};
+          inks,
+          WithProfile(grey, 1),
+          WithProfile(rgb, 3),
+          WithProfile(inks, 4)};
 }
 
 void MakePng(const std::string& pFolder) {
