@@ -114,9 +114,9 @@ bool IsDone(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettin
          !std::isnan(pSettings.microcontrast);
 }
 
-/// Sliders far beyond their range ask for grids as fine as memory allows.
+/// High sliders ask for fine grids, which take more memory than can be had here.
 bool MayTakeMuchMemory(const tm_quorvane_settings& pSettings) {
-  return std::fabs(pSettings.lighting) > 10.0f || std::fabs(pSettings.microcontrast) > 10.0f;
+  return pSettings.lighting > 10.0f || pSettings.microcontrast > 0.0f;
 }
 
 void CheckPadding(const tm_quorvane_image& pImage, cBlock& pOutput) {

@@ -79,6 +79,7 @@ std::string MakeProfile(int pColours) {
   cmsSaveProfileToMem(profile.get(), nullptr, &size);
   std::string bytes(size, '\0');
   cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
+  std::fill_n(bytes.begin() + 24, 12, '\0');  // the time of making
   return bytes;
 }
 
@@ -164,7 +165,8 @@ void MakeAll(const std::string& pFolder) {
     std::filesystem::create_directories(pFolder + "/" + pDoor);
     pMake(pFolder + "/" + pDoor + "/seed-");
   };
-  for (const char* const door : {"Equaliser", "ExportedCall", "Spline", "Transfer"}) make(door, MakeNoise);
+  for (const char* const door : {"Equaliser", "ExportedCall", "Renderer", "Spline", "Transfer"})
+    make(door, MakeNoise);
   make("ReadExr", MakeExr);
   make("ReadHdr", MakeHdr);
   make("ReadPfm", MakePfm);
