@@ -1,6 +1,7 @@
 #include "cli/VipsSource.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 #include "cli/Failure.h"
@@ -14,6 +15,18 @@ using vips::VImage;
 constexpr std::string_view kLoaders[] = {"VipsForeignLoadRad", "VipsForeignLoadPng", "VipsForeignLoadTiff",
                                          "VipsForeignLoadJpeg"};
 
+/// Where samples are missing, JPEG decoders make up grey ones: some bytes with a large size in their header
+/// could take all memory and a day.
+void CheckSize(const std::string& pFile, const VImage& pImage) {
+  constexpr double kLarge = 1 << 26;            // pixels
+  constexpr double kMostPixelsAByte = 1 << 16;  // far more than any photograph's file holds
+  const double pixels = static_cast<double>(pImage.width()) * pImage.height();
+  std::error_code error;
+  const auto bytes = static_cast<double>(std::filesystem::file_size(pFile, error));
+  if (error || pixels <= kLarge || pixels <= bytes * kMostPixelsAByte) return;
+  throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short: it is too small for the size it states");
+}
+
 /// From a source, not a name: libvips takes a "[" in a name for the start of options.
 VImage Open(const std::string& pFile, VipsAccess pAccess) {
   const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
@@ -25,8 +38,10 @@ VImage Open(const std::string& pFile, VipsAccess pAccess) {
     throw cFailure(eExitCode_CannotRead, pFile,
                    "not a picture of a known format, or damaged (known: .exr .hdr .pfm .png .tif .jpg)");
   }
-  return VImage::new_from_source(
+  const VImage image = VImage::new_from_source(
       source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
+  CheckSize(pFile, image);
+  return image;
 }
 
 int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {

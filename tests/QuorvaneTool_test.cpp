@@ -301,6 +301,9 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
   }
   ToVips16(scene).colourspace(VIPS_INTERPRETATION_LAB).tiffsave("lab.tif");
   std::ofstream("huge.pfm") << "PF\n2000000000 2000000000\n-1\n";
+  std::string jpeg = ReadText("scene.jpg");
+  jpeg.replace(jpeg.find("\xff\xc0") + 5, 4, "\x75\x30\x75\x30");  // 30000 x 30000
+  std::ofstream("huge.jpg", std::ios::binary) << jpeg;
   std::ofstream("text.png") << "not a picture";
   std::ofstream("empty.hdr").close();
   fs::create_directory("folder.png");
@@ -333,6 +336,7 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"tonemap text.png -o b.png", 3, "text.png: not a picture of a known format"},
       {"tonemap cut.pfm -o b.png", 3, "cut.pfm: cut short"},
       {"tonemap huge.pfm -o b.png", 3, "huge.pfm: cut short"},
+      {"tonemap huge.jpg -o b.png", 3, "huge.jpg: damaged or cut short: it is too small"},
       {"tonemap cut.hdr -o b.png", 3, "cut.hdr: damaged or cut short ("},
       {"tonemap cut.exr -o b.png", 3, "cut.exr: damaged, cut short, or"},
       {"tonemap cut.png -o b.png", 3, "cut.png: damaged or cut short ("},

@@ -73,10 +73,12 @@ struct sExrKind {
   std::vector<std::string> fChannels{"R", "G", "B"};  ///< Filled with red, green, blue in this order.
   bool fTiled = false;
   std::vector<float> fChromaticities;  ///< Eight numbers, or none.
+  Imf::Compression fCompression = Imf::ZIP_COMPRESSION;
 };
 
 inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, const sExrKind& pKind = {}) {
   Imf::Header header(pPicture.fWidth, pPicture.fHeight);
+  header.compression() = pKind.fCompression;
   Imf::FrameBuffer frame;
   auto* base = reinterpret_cast<char*>(const_cast<float*>(pPicture.fSamples.data()));
   for (const std::string& channel : pKind.fChannels) {

@@ -1,0 +1,180 @@
+// The exported function: any records and pixels within buffers of exactly the documented size.
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <stdexcept>
+
+#include "export/quorvane.h"
+#include "fuzz/FuzzInput.h"
+
+namespace {
+
+constexpr unsigned char kUntouched = 0xA5;
+
+tm_quorvane_settings TakeSettings(FuzzedDataProvider& pData) {
+  tm_quorvane_settings settings = {};
+  settings.strength = TakeFloat(pData, -100.0f, 100.0f);
+  settings.lighting = TakeFloat(pData, -10.0f, 10.0f);
+  settings.tone_compression = TakeFloat(pData, 0.0f, 100.0f);
+  settings.white_clip = TakeFloat(pData, 0.0f, 100.0f);
+  settings.black_clip = TakeFloat(pData, 0.0f, 100.0f);
+  const bool isFine = pData.ConsumeIntegralInRange(0, 15) == 0;  // seldom: fine grids take long
+  settings.microcontrast = TakeFloat(pData, -10.0f, isFine ? 10.0f : 0.0f);
+  settings.test1 = TakeFloat(pData, 0.0f, 1.0f);
+  settings.horizontal_wrap = pData.ConsumeBool() ? 1.0f : TakeFloat(pData, 0.0f, 2.0f);
+  return settings;
+}
+
+/// Small; or a line; or, now and then, none at all.
+void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
+  pImage.width = pData.ConsumeIntegralInRange(1, 40);
+  pImage.height = pData.ConsumeIntegralInRange(1, 40);
+  switch (pData.ConsumeIntegralInRange(0, 15)) {
+    case 0:
+      pImage.width = 1;
+      pImage.height = pData.ConsumeIntegralInRange(1, 1000);
+      break;
+    case 1:
+      pImage.height = 1;
+      pImage.width = pData.ConsumeIntegralInRange(1, 1000);
+      break;
+    case 2:
+      (pData.ConsumeBool() ? pImage.width : pImage.height) = pData.ConsumeIntegralInRange(INT32_MIN, 0);
+      break;
+    case 3:  // beyond all memory (see Memory.cpp)
+      pImage.width = pData.ConsumeIntegralInRange(1 << 12, INT32_MAX);
+      pImage.height = pData.ConsumeIntegralInRange(1 << 12, INT32_MAX);
+      break;
+    default:
+      break;
+  }
+}
+
+bool IsSmall(const tm_quorvane_image& pImage) {
+  return pImage.width >= 1 && pImage.height >= 1 && pImage.width <= 1000 && pImage.height <= 1000;
+}
+
+tm_quorvane_image TakeImage(FuzzedDataProvider& pData) {
+  tm_quorvane_image image = {};
+  TakeSize(pData, image);
+  const bool isOdd = pData.ConsumeIntegralInRange(0, 31) == 0;
+  image.samples_per_pixel =
+      isOdd ? pData.ConsumeIntegralInRange(-1, 9) : pData.PickValueInArray({3, 3, 4, 1, 2});
+  image.input_bits = isOdd ? pData.ConsumeIntegral<std::int32_t>() : pData.PickValueInArray({8, 16, 32});
+  image.output_bits = isOdd ? pData.ConsumeIntegral<std::int32_t>() : pData.PickValueInArray({8, 16});
+  image.reserved0 = pData.ConsumeIntegral<std::int32_t>();
+  image.reversed_order = pData.PickValueInArray({0, 0, 1, -1});
+  if (IsSmall(image)) {
+    image.output_row_pitch = image.samples_per_pixel * image.width + pData.PickValueInArray({0, 0, 1, 7});
+  }
+  return image;
+}
+
+/// A block of just the bytes, the first of which lies at an even or odd address.
+class cBlock {
+ public:
+  cBlock(std::vector<unsigned char> pBytes, bool pOdd) : fOdd(pOdd), fBytes(pBytes.size() + (pOdd ? 1 : 0)) {
+    std::copy(pBytes.begin(), pBytes.end(), Data());
+  }
+  unsigned char* Data() { return fBytes.data() + (fOdd ? 1 : 0); }
+  bool IsUntouched(std::size_t pFrom, std::size_t pCount) {
+    return std::all_of(Data() + pFrom, Data() + pFrom + pCount,
+                       [](unsigned char pV) { return pV == kUntouched; });
+  }
+
+ private:
+  bool fOdd;
+  std::vector<unsigned char> fBytes;
+};
+
+template <class tRecord>
+std::vector<unsigned char> BytesOf(const tRecord& pRecord) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&pRecord);
+  return {bytes, bytes + sizeof pRecord};
+}
+
+std::size_t CountInput(const tm_quorvane_image& pImage) {
+  if (!IsSmall(pImage)) return 1;
+  const int samples =
+      pImage.input_bits == 32 ? 4 : std::max(pImage.samples_per_pixel, 0) * (pImage.input_bits == 16 ? 2 : 1);
+  return static_cast<std::size_t>(samples * pImage.width) * static_cast<std::size_t>(pImage.height);
+}
+
+std::size_t CountOutput(const tm_quorvane_image& pImage) {
+  if (!IsSmall(pImage) || pImage.samples_per_pixel < 1) return 1;
+  const int samples = (pImage.height - 1) * pImage.output_row_pitch + pImage.width * pImage.samples_per_pixel;
+  return static_cast<std::size_t>(samples) * (pImage.output_bits == 16 ? 2 : 1);
+}
+
+/// What the header of the library promises for these records.
+bool IsDone(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettings) {
+  return IsSmall(pImage) && pImage.samples_per_pixel >= 1 &&
+         (pImage.output_bits == 8 || pImage.output_bits == 16) && !std::isnan(pSettings.lighting) &&
+         !std::isnan(pSettings.microcontrast);
+}
+
+/// High sliders ask for fine grids, which take more memory than can be had here.
+bool MayTakeMuchMemory(const tm_quorvane_settings& pSettings) {
+  return pSettings.lighting > 10.0f || pSettings.microcontrast > 0.0f;
+}
+
+void CheckPadding(const tm_quorvane_image& pImage, cBlock& pOutput) {
+  const int sampleBytes = pImage.output_bits / 8;
+  const auto pixels = static_cast<std::size_t>(pImage.width * pImage.samples_per_pixel * sampleBytes);
+  const auto pitch = static_cast<std::size_t>(pImage.output_row_pitch * sampleBytes);
+  for (std::size_t y = 0; y + 1 < static_cast<std::size_t>(pImage.height); ++y) {
+    Require(pOutput.IsUntouched(y * pitch + pixels, pitch - pixels), "the padding of rows stays");
+  }
+}
+
+// In place of a result.
+constexpr int kThrown = 0;
+constexpr int kNoMemory = 2;
+
+/// The function's result, or the number of an exception of a documented kind.
+int Call(cBlock& pImage, cBlock& pSettings, int pColorSpace, cBlock& pInput, cBlock& pOutput) {
+  try {
+    return cpp_tm_quorvane(reinterpret_cast<const tm_quorvane_image*>(pImage.Data()), nullptr, pColorSpace,
+                           reinterpret_cast<tm_quorvane_settings*>(pSettings.Data()), pInput.Data(),
+                           pOutput.Data());
+  } catch (const std::runtime_error&) {
+    return kThrown;
+  } catch (const std::bad_alloc&) {
+    return kNoMemory;
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
+  FuzzedDataProvider data(pBytes, pSize);
+  const int colorSpace = data.ConsumeIntegralInRange(0, 31) == 0 ? data.ConsumeIntegral<int>()
+                                                                 : data.ConsumeIntegralInRange(0, 2);
+  const tm_quorvane_settings given = TakeSettings(data);
+  const tm_quorvane_image image = TakeImage(data);
+  const bool isOdd = data.ConsumeBool();
+  cBlock imageBlock(BytesOf(image), isOdd);
+  cBlock settingsBlock(BytesOf(given), isOdd);
+  cBlock input(TakeBytes(data, CountInput(image)), isOdd);
+  const std::size_t outputBytes = CountOutput(image);
+  cBlock output(std::vector<unsigned char>(outputBytes, kUntouched), isOdd);
+
+  const int result = Call(imageBlock, settingsBlock, colorSpace, input, output);
+
+  tm_quorvane_settings expected = given;
+  const bool isKnownSpace = colorSpace >= 0 && colorSpace <= 2;
+  if (isKnownSpace) expected.white_clip = static_cast<float>(static_cast<double>(given.white_clip) / 20.0);
+  const auto kept = BytesOf(expected);
+  Require(std::isnan(given.white_clip) || std::equal(kept.begin(), kept.end(), settingsBlock.Data()),
+          "of the settings white_clip alone changes");
+  const bool isKnownInput = image.input_bits == 8 || image.input_bits == 16 || image.input_bits == 32;
+  if (!isKnownSpace || !isKnownInput) {
+    Require(result == -2, "-2 for what is not supported");
+  } else if (result != kNoMemory || !MayTakeMuchMemory(given)) {
+    Require(result == (IsDone(image, given) ? 1 : kThrown), "1 when done, else an exception");
+  }
+  if (result == 1) return CheckPadding(image, output), 0;
+  Require(output.IsUntouched(0, outputBytes), "no pixels without success");
+  return 0;
+}

@@ -1,0 +1,189 @@
+// Writes the inputs that the fuzzers start from, a folder a door: small pictures, and noise.
+//   MakeSeeds FOLDER
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include "cli/IccHandle.h"
+#include "tests/cli/TestPictures.h"
+
+namespace {
+
+using vips::VImage;
+
+constexpr int kWidth = 20;
+constexpr int kHeight = 12;
+
+sTestPicture Scene() {
+  return MakeScene(kWidth, kHeight);
+}
+
+void MakeExr(const std::string& pFolder) {
+  WriteExr(pFolder + "rgb.exr", Scene());
+  WriteExr(pFolder + "grey.exr", Scene(), {{"Y"}, false, {}});
+  WriteExr(pFolder + "tiled.exr", Scene(),
+           {{"A", "B", "G", "R"}, true, {0.7f, 0.3f, 0.2f, 0.8f, 0.1f, 0.1f, 0.3f, 0.3f}});
+  const sTestPicture small = MakeScene(6, 5);
+  for (const auto kind : {Imf::NO_COMPRESSION, Imf::RLE_COMPRESSION, Imf::PIZ_COMPRESSION,
+                          Imf::PXR24_COMPRESSION, Imf::B44_COMPRESSION, Imf::DWAA_COMPRESSION}) {
+    WriteExr(pFolder + "kind" + std::to_string(kind) + ".exr", small, {{"R", "G", "B"}, false, {}, kind});
+  }
+}
+
+void MakeHdr(const std::string& pFolder) {
+  WriteRadiance(pFolder + "flat.hdr", MakeScene(7, 5));
+  WriteRadiance(pFolder + "lines.hdr", MakeScene(5, 7),
+                "FORMAT=32-bit_rle_xyze\nEXPOSURE=2.5\nCOLORCORR=1 2 0.5\n"
+                "PRIMARIES=.64 .33 .3 .6 .15 .06 .3127 .329\n",
+                "+X 5 -Y 7");
+  ToVips8(Scene())
+      .cast(VIPS_FORMAT_FLOAT)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB))
+      .float2rad()
+      .radsave((pFolder + "rle.hdr").c_str());
+}
+
+void MakePfm(const std::string& pFolder) {
+  WritePfm(pFolder + "colour.pfm", MakeScene(8, 6));
+  std::ofstream(pFolder + "grey.pfm", std::ios::binary) << "Pf\n2 2\n1.0\n" << std::string(16, '\x3f');
+}
+
+/// A small ICC profile of a table with two steps an axis; for 1 grey it is a tone curve instead.
+std::string MakeProfile(int pColours) {
+  const Cli::tIccHandle profile(cmsCreateProfilePlaceholder(nullptr));
+  cmsSetProfileVersion(profile.get(), 4.3);
+  cmsSetDeviceClass(profile.get(), cmsSigOutputClass);
+  cmsSetColorSpace(profile.get(), pColours == 1   ? cmsSigGrayData
+                                  : pColours == 3 ? cmsSigRgbData
+                                                  : cmsSigCmykData);
+  cmsSetPCS(profile.get(), cmsSigLabData);
+  if (pColours == 1) {
+    cmsToneCurve* const curve = cmsBuildGamma(nullptr, 2.2);
+    cmsWriteTag(profile.get(), cmsSigGrayTRCTag, curve);
+    cmsFreeToneCurve(curve);
+  } else {
+    const auto colours = static_cast<cmsUInt32Number>(pColours);
+    std::vector<cmsUInt16Number> table(3u << colours);
+    for (std::size_t i = 0; i < table.size(); ++i) table[i] = static_cast<cmsUInt16Number>(i * 40503);
+    cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, colours, 3);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, colours, nullptr));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocCLut16bit(nullptr, 2, colours, 3, table.data()));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
+    cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
+    cmsPipelineFree(pipeline);
+  }
+  cmsUInt32Number size = 0;
+  cmsSaveProfileToMem(profile.get(), nullptr, &size);
+  std::string bytes(size, '\0');
+  cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
+  std::fill_n(bytes.begin() + 24, 12, '\0');  // the time of making
+  return bytes;
+}
+
+VImage WithProfile(const VImage& pImage, int pColours) {
+  VImage image = pImage.copy();
+  const std::string profile = MakeProfile(pColours);
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+  return image;
+}
+
+/// Pictures of many kinds of samples, which every format stores as far as it can.
+std::vector<VImage> Kinds() {
+  const VImage rgb = ToVips8(Scene());
+  const VImage rgb16 = ToVips16(MakeScene(9, 7));
+  VImage turned = rgb.copy();
+  turned.set(VIPS_META_ORIENTATION, 6);
+  const VImage alpha = rgb.bandjoin(VImage::black(kWidth, kHeight) + 128).cast(VIPS_FORMAT_UCHAR);
+  const VImage profiled = rgb.icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
+  VImage inks = profiled.colourspace(VIPS_INTERPRETATION_CMYK).copy();
+  inks.remove(VIPS_META_ICC_NAME);  // half a megabyte
+  const VImage grey =
+      rgb.extract_band(1).copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W));
+  return {rgb,
+          rgb16,
+          grey,
+          turned,
+          alpha,
+          profiled,
+          inks,
+          WithProfile(grey, 1),
+          WithProfile(rgb, 3),
+          WithProfile(inks, 4)};
+}
+
+void MakePng(const std::string& pFolder) {
+  int number = 0;
+  for (const VImage& image : Kinds()) image.pngsave((pFolder + std::to_string(number++) + ".png").c_str());
+  ToVips8(Scene()).pngsave((pFolder + "palette.png").c_str(),
+                           VImage::option()->set("palette", true)->set("interlace", true));
+}
+
+void MakeJpeg(const std::string& pFolder) {
+  int number = 0;
+  for (const VImage& image : Kinds()) {
+    const std::string name = pFolder + std::to_string(number++);
+    image.jpegsave((name + ".jpg").c_str());
+    image.jpegsave((name + "p.jpg").c_str(), VImage::option()->set("interlace", true)->set("strip", true));
+  }
+}
+
+void MakeTiff(const std::string& pFolder) {
+  int number = 0;
+  for (const VImage& image : Kinds()) {
+    const std::string name = pFolder + std::to_string(number++);
+    image.tiffsave((name + ".tif").c_str());
+    image.tiffsave((name + "t.tif").c_str(), VImage::option()
+                                                 ->set("tile", true)
+                                                 ->set("tile_width", 16)
+                                                 ->set("tile_height", 16)
+                                                 ->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_LZW)
+                                                 ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL));
+  }
+  const VImage floats = ToVips8(MakeScene(5, 5)).cast(VIPS_FORMAT_FLOAT);
+  floats.tiffsave((pFolder + "float.tif").c_str());
+  for (const auto kind : {VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE, VIPS_FOREIGN_TIFF_COMPRESSION_PACKBITS,
+                          VIPS_FOREIGN_TIFF_COMPRESSION_JPEG}) {
+    ToVips8(Scene()).tiffsave((pFolder + "kind" + std::to_string(kind) + ".tif").c_str(),
+                              VImage::option()->set("compression", kind));
+  }
+}
+
+/// For doors that take plain numbers.
+void MakeNoise(const std::string& pFolder) {
+  std::mt19937 random(1);
+  for (const int size : {20, 50, 100, 200, 500, 1000}) {
+    std::ofstream stream(pFolder + std::to_string(size), std::ios::binary);
+    for (int i = 0; i < size; ++i) stream.put(static_cast<char>(random() & 0xFFu));
+  }
+}
+
+void MakeAll(const std::string& pFolder) {
+  const auto make = [&](const std::string& pDoor, void (*pMake)(const std::string&)) {
+    std::filesystem::create_directories(pFolder + "/" + pDoor);
+    pMake(pFolder + "/" + pDoor + "/seed-");
+  };
+  for (const char* const door : {"Equaliser", "ExportedCall", "Renderer", "Spline", "Transfer"})
+    make(door, MakeNoise);
+  make("ReadExr", MakeExr);
+  make("ReadHdr", MakeHdr);
+  make("ReadPfm", MakePfm);
+  make("ReadPng", MakePng);
+  make("ReadJpeg", MakeJpeg);
+  make("ReadTiff", MakeTiff);
+}
+
+}  // namespace
+
+int main(int pCount, char** pArguments) {
+  if (pCount != 2 || VIPS_INIT(pArguments[0]) != 0) return 2;
+  try {
+    MakeAll(pArguments[1]);
+  } catch (const std::exception& exception) {
+    std::fprintf(stderr, "%s\n", exception.what());
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,47 @@
+// How the sanitizers treat memory. Blocks of more than FUZZ_LARGEST_BLOCK megabytes, more than a small
+// picture takes, cannot be had, as on a machine that has run out: what the code does then is tested, and no
+// time goes into huge pictures.
+
+#include <cstdlib>
+#include <new>
+
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();       // NOLINT
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();  // NOLINT
+
+extern "C" const char* __asan_default_options() {  // NOLINT
+  return "allocator_may_return_null=1:max_allocation_size_mb=" FUZZ_LARGEST_BLOCK
+         ":quarantine_size_mb=32:"
+         "detect_stack_use_after_return=0";
+}
+
+// The texts of a thrown exception stay allocated on purpose (see cException).
+extern "C" const char* __lsan_default_suppressions() {  // NOLINT
+  return "leak:CopyText\n";
+}
+
+// The sanitizer's own operators end the program where there is no memory.
+void* operator new(std::size_t pSize) {
+  if (void* const block = std::malloc(pSize)) return block;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t pSize) {
+  return operator new(pSize);
+}
+void* operator new(std::size_t pSize, const std::nothrow_t&) noexcept {
+  return std::malloc(pSize);
+}
+void* operator new[](std::size_t pSize, const std::nothrow_t&) noexcept {
+  return std::malloc(pSize);
+}
+void operator delete(void* pBlock) noexcept {
+  std::free(pBlock);
+}
+void operator delete[](void* pBlock) noexcept {
+  std::free(pBlock);
+}
+void operator delete(void* pBlock, std::size_t) noexcept {
+  std::free(pBlock);
+}
+void operator delete[](void* pBlock, std::size_t) noexcept {
+  std::free(pBlock);
+}

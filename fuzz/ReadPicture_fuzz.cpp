@@ -1,0 +1,112 @@
+// The tool's readers. Built once for each format: the input is a file of FUZZ_FORMAT, and is read as
+// 'tonemap' and 'equalize' read it, and written back. What they cannot read they refuse with a cFailure.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "cli/Failure.h"
+#include "cli/LdrReader.h"
+#include "cli/PictureReader.h"
+#include "cli/PictureWriter.h"
+#include "cli/TempFile.h"
+#include "cli/VipsLibrary.h"
+#include "fuzz/FuzzInput.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+enum eFormat { kHdr, kExr, kTiff, kPng, kJpeg, kPfm };
+
+/// Other files are the business of other fuzzers.
+bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
+  const auto starts = [&](std::string_view pStart) { return pFile.starts_with(pStart); };
+  switch (pFormat) {
+    case kHdr:
+      return starts("#?");
+    case kExr:
+      return starts("\x76\x2f\x31\x01");
+    case kTiff:
+      return starts("II"sv) || starts("MM"sv);
+    case kPng:
+      return starts("\x89PNG\r\n\x1a\n");
+    case kJpeg:
+      return starts("\xff\xd8\xff");
+    default:
+      return starts("PF") || starts("Pf");
+  }
+}
+
+/// Whether 'equalize' takes such files.
+bool IsOfIntegers(eFormat pFormat) {
+  return pFormat == kTiff || pFormat == kPng || pFormat == kJpeg;
+}
+
+/// A file in memory, with a name under which it can be opened.
+class cMemoryFile {
+ public:
+  explicit cMemoryFile(std::string_view pContent) : fHandle(memfd_create("fuzz", MFD_CLOEXEC)) {
+    const bool isWritten =
+        write(fHandle, pContent.data(), pContent.size()) == static_cast<ssize_t>(pContent.size());
+    Require(isWritten, "a file in memory can be written");
+  }
+  cMemoryFile(const cMemoryFile&) = delete;
+  cMemoryFile& operator=(const cMemoryFile&) = delete;
+  ~cMemoryFile() { close(fHandle); }
+  std::string Name() const { return "/proc/self/fd/" + std::to_string(fHandle); }
+
+ private:
+  int fHandle;
+};
+
+void CheckIsFinite(const Cli::sPicture& pPicture) {
+  for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
+    const float* const row = Cli::GetRow(pPicture, y);
+    Require(
+        std::all_of(row, row + 3 * pPicture.fBitmap->GetWidth(), [](float pV) { return std::isfinite(pV); }),
+        "every sample is finite");
+  }
+}
+
+/// Writes it as 'equalize' does, in the format that it was read from: what the file tells beside its pixels
+/// must not keep anybody from that.
+void WriteBack(Cli::sLdrPicture& pPicture) {
+  const char* const ending = FUZZ_FORMAT == kPng ? "png" : FUZZ_FORMAT == kTiff ? "tif" : "jpg";
+  const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + "." + ending;
+  const int depth = FUZZ_FORMAT == kJpeg ? 8 : pPicture.fBitmap->GetBitDepth();
+  Cli::cTempFile file(target);
+  Cli::WritePicture(*pPicture.fBitmap, pPicture.fProfile, pPicture.fMetadata,
+                    Cli::ChooseOutputFormat(target, depth), file);
+  std::filesystem::remove(target);
+}
+
+template <class tRead>
+void Try(const tRead& pRead) {
+  try {
+    pRead();
+  } catch (const Cli::cFailure& failure) {
+    Require(failure.GetExitCode() == Cli::eExitCode_CannotRead, "a reader's failures say so");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
+  static const Cli::cVipsLibrary library;
+  const std::string_view content(reinterpret_cast<const char*>(pBytes), pSize);
+  if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
+  const cMemoryFile file(content);
+  Try([&] { CheckIsFinite(Cli::ReadPicture(file.Name())); });
+  if (!IsOfIntegers(FUZZ_FORMAT)) return 0;
+  Try([&] {
+    Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize");
+    WriteBack(picture);
+  });
+  return 0;
+}
