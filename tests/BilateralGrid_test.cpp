@@ -91,6 +91,8 @@ TEST(BilateralGrid, TakesWhatIsNotANumberAndRefusesRangesWithoutEnd) {
   EXPECT_THROW(Filter(from, 12, 12, {}), std::bad_alloc);
   EXPECT_THROW(Filter(tFloats(4, kNaN), 2, 2, {5.0f, kNaN}), std::bad_alloc);
   EXPECT_THROW(Filter(Edge(12, 12), 12, 12, {1e-6f, 1e-6f}), std::bad_alloc);
+  // 2^23 * 2^23 * 2^18 cells: a product of 64 bits is 0.
+  EXPECT_THROW(Filter({0.0f, 1.0f, 0.0f, 1.0f}, 2, 2, {1.0f / 8388601.0f, 1.0f / 262137.0f}), std::bad_alloc);
 }
 
 }  // namespace

@@ -214,15 +214,16 @@ TEST(RowRenderer, ClampsWhateverAPixelHolds) {
   struct sCase {
     float fLuminance, fGain, fStretch, fBlack;
     unsigned short fExpected;
+    float fMinRatio = 1.0f;
   };
-  const sCase cases[] = {{0.5f, 1.0f, 1.0f, 0.4f, 32767},  {0.25f, 2.0f, 1.0f, 9.0f, 32767},
-                         {0.5f, 7.0f, 2.0f, 0.25f, 32767}, {0.2f, 7.0f, 2.0f, 0.25f, 0},
-                         {9.0f, 7.0f, 2.0f, 0.25f, 65535}, {kNaN, 1.0f, 2.0f, 0.0f, 0},
-                         {kNaN, 1.0f, 1.0f, 0.0f, 0},      {infinity, 1.0f, 1.0f, 0.0f, 0}};
+  const sCase cases[] = {
+      {0.5f, 1.0f, 1.0f, 0.4f, 32767}, {0.25f, 2.0f, 1.0f, 9.0f, 32767}, {0.5f, 7.0f, 2.0f, 0.25f, 32767},
+      {0.2f, 7.0f, 2.0f, 0.25f, 0},    {9.0f, 7.0f, 2.0f, 0.25f, 65535}, {kNaN, 1.0f, 2.0f, 0.0f, 0},
+      {kNaN, 1.0f, 1.0f, 0.0f, 0},     {infinity, 1.0f, 1.0f, 0.0f, 0},  {0.2f, 7.0f, 2.0f, 0.25f, 0, -1.0f}};
   for (const sCase& row : cases) {
     unsigned short record[ColorRecord::kSlots] = {};
     ColorRecord::StoreFloat(record, row.fLuminance);
-    ColorRecord::StoreFloat(record + ColorRecord::kMinRatio, 1.0f);
+    ColorRecord::StoreFloat(record + ColorRecord::kMinRatio, row.fMinRatio);
     ColorRecord::StoreFloat(record + ColorRecord::kMaxRatio, 1.0f);
     unsigned short wide[4] = {1, 1, 1, 0xA5A5};
     unsigned char narrow[4] = {1, 1, 1, 0xA5};

@@ -3,6 +3,9 @@
 #include <cstring>
 #include <vector>
 
+#include "engine/cBitmapXYZ32.h"
+#include "export/HostSettings.h"
+#include "export/PixelImport.h"
 #include "export/quorvane.h"
 #include "tests/ExceptionCheck.h"
 #include "tests/HostCall.h"
@@ -82,6 +85,23 @@ TEST(cpp_tm_quorvane, SurvivesSlidersFarOutOfRange) {
         EXPECT_EQ(call.Run(), 1) << field << " " << value;
       }
     }
+  }
+}
+
+TEST(cpp_tm_quorvane, DecodesExponent0AsBlackAndExponent1AsADenormal) {
+  const unsigned char planes[4][2] = {{200, 128}, {200, 0}, {200, 255}, {0, 1}};
+  TmEngine::cBitmapXYZ32 to(2, 1);
+  ImportPixels(HostImage(2, 1, 32, 8), 2.2, planes, to);
+  const float expected[] = {0.0f, 0.0f, 0.0f, 0x1p-128f, 0.0f, 255 * 0x1p-135f};
+  EXPECT_EQ(std::memcmp(to.GetBitmapData(), expected, sizeof expected), 0);
+}
+
+TEST(cpp_tm_quorvane, SetsItsFlagsFor1AndNothingElse) {
+  for (const float value : {0.0f, 0.5f, 1.0f, 2.0f, kNaN}) {
+    tm_quorvane_settings settings = {};
+    settings.test1 = settings.horizontal_wrap = value;
+    EXPECT_EQ(MapSettings(settings).fHorizontalWrap, value == 1.0f) << value;
+    EXPECT_EQ(MapSettings(settings).fTest1, value == 1.0f) << value;
   }
 }
 
