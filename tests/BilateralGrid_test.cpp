@@ -1,4 +1,4 @@
-#include "engine/stages/BilateralGrid.h"
+#include "engine/stages/BaseLayer.h"
 
 #include <gtest/gtest.h>
 
@@ -31,9 +31,11 @@ tFloats Filter(const tFloats& pFrom, int pWidth, int pHeight, const sSettings& p
   }
   tFloats to(pFrom.size(), -99.0f);
   bool aborted = false;
-  FilterWithBilateralGrid(&pSettings.fCancel, pAborted != nullptr ? pAborted : &aborted, pFrom.data(),
-                          to.data(), pWidth, pHeight, pSettings.fSigmaS, pSettings.fSigmaR, min, max,
-                          pSettings.fLocalContrast, pSettings.fWrap);
+  sLayerStatistics statistics;
+  FormBaseLayer(&pSettings.fCancel, pAborted != nullptr ? pAborted : &aborted, pFrom.data(), to.data(),
+                pWidth, pHeight,
+                {pSettings.fSigmaS, pSettings.fSigmaR, min, max, pSettings.fLocalContrast, pSettings.fWrap},
+                statistics);
   return to;
 }
 

@@ -110,7 +110,7 @@ class cTripwire {
   std::thread fOther;
 };
 
-enum eBlock { kNone, kInput, kLogLuminance, kBase, kDetail, kRecords, kOutput, kTaken, kBlocks };
+enum eBlock { kNone, kInput, kLogLuminance, kBase, kRecords, kOutput, kTaken, kBlocks };
 
 /// Which block the wire is stretched over, and when: at the pCount-th block of pBytes (0: of any size) that a
 /// render takes, or before the render.
@@ -127,11 +127,11 @@ class cWatch : public cAllocationHook {
   void Taken(void* pBlock, std::size_t pBytes) override {
     const sBlock block = {pBlock, pBytes};
     fBlocks[kTaken] = block;
-    if (pBytes == kRecordBytes) {  // the three planes follow
+    if (pBytes == kRecordBytes) {  // the two planes follow
       fBlocks[kRecords] = block;
       fNextPlane = kLogLuminance;
     }
-    if (pBytes == kPlaneBytes && fNextPlane <= kDetail) fBlocks[fNextPlane++] = block;
+    if (pBytes == kPlaneBytes && fNextPlane <= kBase) fBlocks[fNextPlane++] = block;
     const bool counts = fWire.fBytes == 0 || fWire.fBytes == pBytes;
     if (fTripwire != nullptr && counts && ++fCount == fWire.fCount) Stretch();
   }
@@ -275,7 +275,8 @@ INSTANTIATE_TEST_SUITE_P(
         sCase{"in_blur", &tRenderer::InvalidatePhase1, "12", {kTaken, 2}, 0},
         sCase{"in_slice", &tRenderer::InvalidatePhase1, "12", {kBase}, 4 * kWidth},
         sCase{"in_smoothing", &tRenderer::InvalidatePhase1, "12", {kBase, 1, kPlaneBytes}, 4 * kWidth},
-        sCase{"in_detail", &tRenderer::InvalidatePhase1, "12", {kDetail}, 4 * kWidth},
+        sCase{
+            "in_statistics", &tRenderer::InvalidatePhase1, "12", {kLogLuminance, 1, kPlaneBytes}, 4 * kWidth},
         sCase{"before_phase_2", &tRenderer::InvalidatePhase2, "2", {}},
         sCase{"in_tone_mapping", &tRenderer::InvalidatePhase2, "2", {kBase}, 4 * kWidth},
         sCase{"in_histogram", &tRenderer::InvalidatePhase2, "2", {kRecords, 1, 4 * 65536}, 14 * kWidth},

@@ -5,6 +5,8 @@
 
 #if defined(__x86_64__)
 
+#include <immintrin.h>
+
 #define TM_LANES 16
 
 // Opened after all headers: what they define must not be compiled for a processor that may be missing.
