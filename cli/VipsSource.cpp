@@ -38,7 +38,7 @@ VImage Open(const std::string& pFile, VipsAccess pAccess) {
     throw cFailure(eExitCode_CannotRead, pFile,
                    "not a picture of a known format, or damaged (known: .exr .hdr .pfm .png .tif .jpg)");
   }
-  const VImage image = VImage::new_from_source(
+  VImage image = VImage::new_from_source(
       source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
   CheckSize(pFile, image);
   return image;

@@ -301,6 +301,10 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
   }
   ToVips16(scene).colourspace(VIPS_INTERPRETATION_LAB).tiffsave("lab.tif");
   std::ofstream("huge.pfm") << "PF\n2000000000 2000000000\n-1\n";
+  WriteExr("flat.exr", MakeScene(2, 1), {{"R", "G", "B"}, false, {}, Imf::NO_COMPRESSION});
+  std::string exr = ReadText("flat.exr");
+  exr.replace(exr.find("box2i") + 18, 1, "\x7f");  // the right edge of the data window: 128 pixels, not 2
+  std::ofstream("wide.exr", std::ios::binary) << exr;
   std::string jpeg = ReadText("scene.jpg");
   jpeg.replace(jpeg.find("\xff\xc0") + 5, 4, "\x75\x30\x75\x30");  // 30000 x 30000
   std::ofstream("huge.jpg", std::ios::binary) << jpeg;
@@ -338,6 +342,7 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"tonemap huge.pfm -o b.png", 3, "huge.pfm: cut short"},
       {"tonemap huge.jpg -o b.png", 3, "huge.jpg: damaged or cut short: it is too small"},
       {"tonemap cut.hdr -o b.png", 3, "cut.hdr: damaged or cut short ("},
+      {"tonemap wide.exr -o b.png", 3, "wide.exr: cut short"},
       {"tonemap cut.exr -o b.png", 3, "cut.exr: damaged, cut short, or"},
       {"tonemap cut.png -o b.png", 3, "cut.png: damaged or cut short ("},
       {"tonemap cut.jpg -o b.png", 3, "cut.jpg: damaged or cut short ("},
