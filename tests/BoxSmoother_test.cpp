@@ -52,7 +52,7 @@ tFloats RandomPlane(int pCount) {
 
 TEST(BoxSmoother, AgreesWithTheDirectSum) {
   for (const auto& [width, height] : {std::pair{1, 1}, {1, 9}, {13, 1}, {17, 11}, {4, 40}}) {
-    for (const float sigma : {0.01f, 0.5f, 1.0f, 1.5f, 2.58f, 7.0f}) {
+    for (const float sigma : {0.01f, 0.5f, 0.75f, 1.0f, 1.5f, 2.58f, 7.0f}) {
       const tFloats from = RandomPlane(width * height);
       const tFloats expected = Direct(from, width, height, sigma);
       tFloats to(from.size(), -1.0f);
