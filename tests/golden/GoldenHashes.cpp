@@ -70,7 +70,7 @@ void HashCalls(tTable& pTable) {
 
 /// Odd sizes, four samples a pixel, both channel orders.
 void HashShapes(tTable& pTable) {
-  for (const auto& [width, height] : {std::pair{1, 1}, {1, 700}, {700, 1}, {17, 33}, {640, 360}}) {
+  for (const auto& [width, height] : {std::pair{1, 1}, {1, 700}, {700, 1}, {17, 33}, {640, 360}, {2500, 3}}) {
     for (const int reversed : {0, 1}) {
       tm_quorvane_image image = HostImage(width, height, 32, 16);
       image.reversed_order = reversed;
