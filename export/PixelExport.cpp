@@ -62,11 +62,13 @@ cHostSink::cHostSink(const tm_quorvane_image& pImage, TmEngine::eColorSpaceID pI
     : fImage(pImage),
       fColorSpace(TmEngine::cColorSpace::FromID(pID)),
       fPixels(static_cast<unsigned char*>(pPixels)),
-      fIsDirect(TakesRows(pImage, pPixels)),
-      fRow(fIsDirect ? 0 : static_cast<std::size_t>(pImage.width) * 3) {}
+      fIsDirect(TakesRows(pImage, pPixels)) {}
 
 TmEngine::sSampleRow cHostSink::BeginRow(int pY) {
-  if (!fIsDirect) return {fRow.data(), false};
+  if (!fIsDirect) {
+    fRow.resize(static_cast<std::size_t>(fImage.width) * 3);  // once, when the renderer could take that width
+    return {fRow.data(), false};
+  }
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{fImage.output_row_pitch} * (fImage.output_bits / 8);
   return {fPixels + pY * rowBytes, fImage.reversed_order == 0};
 }

@@ -11,7 +11,7 @@
 /// high bytes of some sampled pixels are written to standard error.
 class cHostSink : public TmEngine::cRowSink {
  public:
-  /// pImage.output_bits is 8 or 16. Throws std::bad_alloc.
+  /// pImage.output_bits is 8 or 16. This and BeginRow throw std::bad_alloc.
   cHostSink(const tm_quorvane_image& pImage, TmEngine::eColorSpaceID pID, void* pPixels);
 
   int GetWidth() const override { return fImage.width; }
