@@ -13,15 +13,20 @@
 namespace TmEngine {
 namespace {
 
-void ToneMapRun(const float* pLogLuminance, const float* pBase, const sLayerStatistics& pLayers,
-                const sToneTables& pTables, float* pLuminance, int pCount) {
+/// Returns pSum with the luminances added, in their order.
+double ToneMapRun(const float* pLogLuminance, const float* pBase, const sLayerStatistics& pLayers,
+                  const sToneTables& pTables, double pSum, float* pLuminance, int pCount) {
   const sKernels& kernels = Kernels();
   float details[kRunLength];
   int base[kRunLength], detail[kRunLength];
   kernels.fSubtract(pLogLuminance, pBase, details, pCount);
   kernels.fQuantise(pBase, pLayers.fBaseMin, pLayers.fBaseMax - pLayers.fBaseMin, base, pCount);
   kernels.fQuantise(details, pLayers.fDetailMin, pLayers.fDetailMax - pLayers.fDetailMin, detail, pCount);
-  for (int i = 0; i < pCount; ++i) pLuminance[i] = pTables.fBase[base[i]] * pTables.fDetail[detail[i]];
+  for (int i = 0; i < pCount; ++i) {
+    pLuminance[i] = pTables.fBase[base[i]] * pTables.fDetail[detail[i]];
+    pSum += static_cast<double>(pLuminance[i]);
+  }
+  return pSum;
 }
 
 /// A value that raises the maximum is not tested against the minimum; where none does, order is nothing.
@@ -54,9 +59,8 @@ sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const flo
       const std::ptrdiff_t at = RowStart(y, width) + start;
       const int count = std::min(kRunLength, width - start);
       float* const luminance = ColorRun(pRecords, y, start).fLuminance;
-      ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, luminance, count);
+      range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, count);
       Widen(range, luminance, count);
-      for (int i = 0; i < count; ++i) range.fSum += static_cast<double>(luminance[i]);
     }
   }
   return range;
