@@ -1,6 +1,6 @@
-// How the sanitizers treat memory. Blocks of more than FUZZ_LARGEST_BLOCK megabytes, more than a small
-// picture takes, cannot be had, as on a machine that has run out: what the code does then is tested, and no
-// time goes into huge pictures.
+// How the sanitizers treat memory. Blocks of more than 24 MB, which is more than a small picture takes,
+// cannot be had, as on a machine that has run out: what the code does then is tested, and no time goes into
+// huge pictures.
 
 #include <cstdlib>
 #include <new>
@@ -9,8 +9,7 @@ extern "C" __attribute__((visibility("default"))) const char* __asan_default_opt
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();  // NOLINT
 
 extern "C" const char* __asan_default_options() {  // NOLINT
-  return "allocator_may_return_null=1:max_allocation_size_mb=" FUZZ_LARGEST_BLOCK
-         ":quarantine_size_mb=32:"
+  return "allocator_may_return_null=1:max_allocation_size_mb=24:quarantine_size_mb=32:"
          "detect_stack_use_after_return=0";
 }
 
