@@ -2,8 +2,8 @@
 //
 //   quorvane-bench [MEGAPIXELS [INPUT_BITS [OUTPUT_BITS]]]    24 16 16 when not given
 //
-// Prints nanoseconds of processor time a pixel (the best of three calls) and the peak memory above the host's own buffers in
-// bytes a pixel.
+// Prints nanoseconds of processor time a pixel (the best of three calls) and the peak memory above the host's
+// own buffers in bytes a pixel.
 #include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>

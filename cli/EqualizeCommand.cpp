@@ -13,11 +13,11 @@
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
 #include "cli/Options.h"
+#include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
 #include "cli/PictureWriter.h"
 #include "cli/VipsLibrary.h"
 #include "engine/cColorEqRenderer.h"
-#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {

@@ -7,6 +7,7 @@
 
 #include "cli/Failure.h"
 #include "cli/FileKind.h"
+#include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
 #include "cli/PictureWriter.h"
 #include "cli/ProfileSpace.h"
@@ -14,7 +15,6 @@
 #include "cli/VipsSource.h"
 #include "engine/cBitmapBGR16.h"
 #include "engine/cException.h"
-#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {

@@ -7,13 +7,13 @@
 
 #include "cli/Failure.h"
 #include "cli/Options.h"
+#include "cli/OutputBitmap.h"
 #include "cli/PictureReader.h"
 #include "cli/PictureWriter.h"
 #include "cli/VipsLibrary.h"
 #include "engine/ToneMapImage.h"
 #include "engine/cBitmapXYZ32.h"
 #include "export/HostSettings.h"
-#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {
