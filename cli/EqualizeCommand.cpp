@@ -17,7 +17,7 @@
 #include "cli/PictureWriter.h"
 #include "cli/VipsLibrary.h"
 #include "engine/cColorEqRenderer.h"
-#include "export/OutputBitmap.h"
+#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {

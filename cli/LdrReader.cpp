@@ -14,7 +14,7 @@
 #include "cli/VipsSource.h"
 #include "engine/cBitmapBGR16.h"
 #include "engine/cException.h"
-#include "export/OutputBitmap.h"
+#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {

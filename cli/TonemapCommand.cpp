@@ -13,7 +13,7 @@
 #include "engine/ToneMapImage.h"
 #include "engine/cBitmapXYZ32.h"
 #include "export/HostSettings.h"
-#include "export/OutputBitmap.h"
+#include "cli/OutputBitmap.h"
 
 namespace Cli {
 namespace {

@@ -2,9 +2,6 @@
 #
 # -ffp-contract=off is part of the engine's contract: a fused multiply-add rounds once where the formulas
 # round twice, so it would give other bytes on machines that have it.
-#
-# -fno-builtin-...: the functions are always the C library's. A compiler that knows them computes constant calls
-# itself, and turns some into others (pow(2, x) into exp2(x), pow(x, 0.5) into a square root): last bits differ.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -12,15 +9,16 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_STANDARD 11)
 set(CMAKE_C_STANDARD_REQUIRED ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_CXX_VISIBILITY_PRESET hidden)
-set(CMAKE_C_VISIBILITY_PRESET hidden)
-set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(NOT QUORVANE_SHARED_CORE)  # whose programs need all of the engine's names
+  set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+  set(CMAKE_C_VISIBILITY_PRESET hidden)
+  set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+endif()
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 add_library(quorvane_compile INTERFACE)
 target_compile_options(quorvane_compile INTERFACE
   -ffp-contract=off -fno-math-errno
-  -fno-builtin-pow -fno-builtin-powf -fno-builtin-log10f -fno-builtin-cos
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/="
   -Wall -Wextra -Wconversion -Wshadow -Werror)
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "engine/ImageRows.h"
 #include "engine/cTmRenderer.h"
 
 namespace TmEngine {
@@ -17,17 +18,25 @@ constexpr bool kTest2 = false;
 
 }  // namespace
 
-void ToneMapImage(cBitmapXYZ32& pInput, cBitmapLDR* pOutput, const sToneParameters& pParameters,
-                  bool pVerbose) {
+void ToneMapRows(const cRowSource& pInput, cRowSink* pOutput, const sToneParameters& pParameters,
+                 bool pVerbose) {
   const auto renderer = std::make_unique<cTmRenderer>();
   renderer->SetVerbose(pVerbose);
-  renderer->SetInput(&pInput);
-  if (pOutput != nullptr) renderer->SetOutput(pOutput);
+  renderer->SetInputRows(pInput);
+  if (pOutput != nullptr) renderer->SetOutputRows(*pOutput);
   renderer->SetToneParameters(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
                               kContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
                               pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap,
                               pParameters.fTest1, kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
   renderer->Render();
+}
+
+void ToneMapImage(cBitmapXYZ32& pInput, cBitmapLDR* pOutput, const sToneParameters& pParameters,
+                  bool pVerbose) {
+  const cImageSource input(pInput);
+  if (pOutput == nullptr) return ToneMapRows(input, nullptr, pParameters, pVerbose);
+  cImageSink output(*pOutput);
+  ToneMapRows(input, &output, pParameters, pVerbose);
 }
 
 }  // namespace TmEngine

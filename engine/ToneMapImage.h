@@ -4,6 +4,8 @@ namespace TmEngine {
 
 class cBitmapLDR;
 class cBitmapXYZ32;
+class cRowSink;
+class cRowSource;
 
 /// What a caller chooses about one picture, in the engine's own units (see cTmRenderer::SetToneParameters).
 struct sToneParameters {
@@ -23,5 +25,9 @@ struct sToneParameters {
 /// cOutOfMemoryException or std::bad_alloc when memory is short.
 void ToneMapImage(cBitmapXYZ32& pInput, cBitmapLDR* pOutput, const sToneParameters& pParameters,
                   bool pVerbose);
+
+/// The same without images of its own: rows are taken from pInput and given to pOutput.
+void ToneMapRows(const cRowSource& pInput, cRowSink* pOutput, const sToneParameters& pParameters,
+                 bool pVerbose);
 
 }  // namespace TmEngine

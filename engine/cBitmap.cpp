@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "engine/BitmapChecks.h"
+#include "engine/LargeBlock.h"
 #include "engine/cMemUtils.h"
 
 namespace TmEngine {
@@ -17,7 +18,7 @@ constexpr char kSourceFile[] = ".\\cBitmap.cpp";
 void* AllocBlock(std::int64_t pRows, std::int64_t pStride) {
   if (pStride > INT_MAX) return nullptr;
   if (static_cast<std::uint64_t>(pRows * pStride) > SIZE_MAX) return nullptr;
-  return std::malloc(static_cast<std::size_t>(pRows * pStride));
+  return AllocLargeBlock(static_cast<std::size_t>(pRows * pStride));
 }
 
 }  // namespace

@@ -1,14 +1,14 @@
 #include "engine/cColorEqRenderer.h"
 
+#include "engine/ImageRows.h"
 #include "engine/TmCheck.h"
-#include "engine/cBitmapLDR.h"
 #include "engine/cBitmapU16T.h"
 #include "engine/cColorSpace.h"
+#include "engine/kernels/Kernels.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/EqualiserPreparation.h"
-#include "engine/stages/EqualiserRow.h"
-#include "engine/stages/HueRecord.h"
 #include "engine/stages/HueTable.h"
-#include "engine/stages/LdrRows.h"
+#include "engine/stages/RowEncoder.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
@@ -80,8 +80,8 @@ void cColorEqRenderer::Render(bool* pCancel, bool* pAborted) {
 void cColorEqRenderer::Prepare(bool* pCancel, bool* pAborted) {
   if (StopRequested(pCancel, pAborted)) return;
   fHueRecords.reset();  // first, so that two are never held
-  fHueRecords = std::make_unique<cBitmapU16T>(fInput->GetWidth(), fInput->GetHeight(), HueRecord::kSlots);
-  FillHueRecords(*fInput, fXYZToWorking, *fHueRecords);
+  fHueRecords = std::make_unique<cBitmapU16T>(fInput->GetWidth(), fInput->GetHeight(), kHueChannels);
+  FillHueRecords(pCancel, pAborted, *fInput, fXYZToWorking, *fHueRecords);
   StopRequested(pCancel, pAborted);
 }
 
@@ -90,11 +90,13 @@ void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
   const float* lightness = fHueCurves.Lightness();
   fHueCurves.BuildHueTable(*fHueTable);
-  if (StopRequested(pCancel, pAborted)) return;
-
-  for (int y = 0; y < fOutput->GetHeight(); ++y) {
-    EqualiseRow(*fHueTable, lightness, fHueRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
-                fOutput->GetBitDepth(), encoding, colorMatrix);
+  const sEqualiser equaliser = {fHueTable->Elements(), lightness, colorMatrix.Elements()};
+  cImageSink sink(*fOutput);
+  for (int y = 0; y < sink.GetHeight(); ++y) {
+    if (StopRequested(pCancel, pAborted)) return;
+    EncodeRow(sink, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
+      Kernels().fEqualise(equaliser, ColorRun(*fHueRecords, y, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
+    });
   }
 }
 

@@ -43,8 +43,9 @@ class cColorEqRenderer {
   /// cArgumentNullException for a colour space without transfers, and what cBitmapU16T and std::make_unique
   /// throw; the stage that threw, and those after it, run at the next call.
   ///
-  /// While *pCancel is set (also by another thread), the preparation does not start, or ends as stopped, or
-  /// the rendering writes no row; *pAborted is then set, and what was stopped runs in full at the next call.
+  /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
+  /// and those after it run in full at the next call. Both stages look at *pCancel before each row; rows of
+  /// the output that were not reached stay as they were.
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 

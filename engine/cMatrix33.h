@@ -15,6 +15,7 @@ class cMatrix33 {
 
   constexpr float operator[](int pIndex) const { return fM[pIndex]; }
   constexpr float& operator[](int pIndex) { return fM[pIndex]; }
+  const float* Elements() const { return fM; }  ///< Nine of them.
 
   float Determinant() const;
   /// Writes the transposed cofactor matrix to pTo (which may be this matrix) and returns it.

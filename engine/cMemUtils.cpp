@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "engine/LargeBlock.h"
 #include "engine/TmCheck.h"
 
 namespace TmEngine {
@@ -32,7 +33,7 @@ void** AllocTiles(std::int64_t pRows, std::int64_t pStride, int pTileCount, std:
   if (tiles == nullptr) return nullptr;
   for (int i = 0; i < pTileCount; ++i) {
     const std::int64_t rows = std::min(pTileHeight, pRows - i * pTileHeight);
-    tiles[i] = std::malloc(static_cast<std::size_t>(rows * pStride));
+    tiles[i] = AllocLargeBlock(static_cast<std::size_t>(rows * pStride));
     if (tiles[i] == nullptr) {
       FreeTiles(tiles, i);
       return nullptr;

@@ -5,17 +5,16 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "engine/Elementary.h"
 #include "engine/TmCheck.h"
-#include "engine/cBitmapLDR.h"
 #include "engine/cBitmapU16T.h"
-#include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
 #include "engine/cContrastCurve.h"
-#include "engine/stages/BilateralGrid.h"
-#include "engine/stages/ColorRecord.h"
+#include "engine/kernels/Kernels.h"
+#include "engine/stages/BaseLayer.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/HueTable.h"
-#include "engine/stages/LdrRows.h"
-#include "engine/stages/RowRenderer.h"
+#include "engine/stages/RowEncoder.h"
 #include "engine/stages/StageFlags.h"
 #include "engine/stages/ToneMapping.h"
 
@@ -54,16 +53,24 @@ void cTmRenderer::SetInput(cBitmapXYZ32* pInput) {
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cTmRenderer::SetInput(class TmEngine::cBitmapXYZ32 *)";
   TM_CHECK_LINE(124, pInput != nullptr, cArgumentNullException, "Argument pInput is null.");
-  fInput = pInput;
-  fOutputEncoding.Invalidate();
-  InvalidateAll();
+  SetInputRows(fInputImage.emplace(*pInput));
 }
 
 void cTmRenderer::SetOutput(cBitmapLDR* pOutput) {
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cTmRenderer::SetOutput(class TmEngine::cBitmapLDR *)";
   TM_CHECK_LINE(134, pOutput != nullptr, cArgumentNullException, "Argument pOutput is null.");
-  fOutput = pOutput;
+  SetOutputRows(fOutputImage.emplace(*pOutput));
+}
+
+void cTmRenderer::SetInputRows(const cRowSource& pInput) {
+  fInput = &pInput;
+  fOutputEncoding.Invalidate();
+  InvalidateAll();
+}
+
+void cTmRenderer::SetOutputRows(cRowSink& pOutput) {
+  fOutput = &pOutput;
   InvalidateOutputEncoding();
 }
 
@@ -175,21 +182,17 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
   fColorRecords.reset();
   fLogLuminance.reset();
   fBase.reset();
-  fDetail.reset();
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
-  auto records = std::make_unique<cBitmapU16T>(width, height, ColorRecord::kSlots);
+  auto records = std::make_unique<cBitmapU16T>(width, height, kColorChannels);
   tPlane logLuminance = AllocPlane(width, height);
   tPlane base = AllocPlane(width, height);
-  tPlane detail = AllocPlane(width, height);
   fColorRecords = std::move(records);
   fLogLuminance = std::move(logLuminance);
   fBase = std::move(base);
-  fDetail = std::move(detail);
 
   bool stopped = false;
-  FillColorRecords(pCancel, &stopped, *fInput, fXYZToWorking, *fColorRecords);
-  if (!stopped) MeasureLogLuminance(pCancel, &stopped, *fInput, fLogLuminance.get(), fLuminance);
+  PrepareColors(pCancel, &stopped, *fInput, fXYZToWorking, *fColorRecords, fLogLuminance.get(), fLuminance);
   if (stopped) {
     SetAborted(pAborted);
     return;
@@ -208,11 +211,13 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
   const float largerSide = static_cast<float>(std::max(width, height));
-  FilterWithBilateralGrid(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height,
-                          SpatialSigma(largerSide, fMicrocontrast, fHorizontalWrap), RangeSigma(fLighting),
-                          fLuminance.fLogMin, fLuminance.fLogMax, fLocalContrast / 100.0f, fHorizontalWrap);
-  if (IsSet(pAborted)) return;
-  FormDetailLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), fDetail.get(), width, height, fLayers);
+  const sBaseFilter filter = {SpatialSigma(largerSide, fMicrocontrast, fHorizontalWrap),
+                              RangeSigma(fLighting),
+                              fLuminance.fLogMin,
+                              fLuminance.fLogMax,
+                              fLocalContrast / 100.0f,
+                              fHorizontalWrap};
+  FormBaseLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers);
   if (IsSet(pAborted)) return;
   if (fVerbose) {
     std::fprintf(
@@ -239,14 +244,14 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
                  "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
                  "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
                  static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
-                 std::pow(10.0, static_cast<double>(fLuminance.fLogMax)),
+                 Pow(10.0, static_cast<double>(fLuminance.fLogMax)),
                  1.0 / static_cast<double>(fExposureScales.fInput),
-                 static_cast<double>(fToneTables.fDetailMax), std::pow(10.0, fLayers.fDetailMagnitude));
+                 static_cast<double>(fToneTables.fDetailMax), Pow(10.0, fLayers.fDetailMagnitude));
   }
 
   bool stopped = false;
-  const sToneMappedRange range =
-      ToneMapLuminance(pCancel, &stopped, fBase.get(), fDetail.get(), fLayers, fToneTables, *fColorRecords);
+  const sToneMappedRange range = ToneMapLuminance(pCancel, &stopped, fLogLuminance.get(), fBase.get(),
+                                                  fLayers, fToneTables, *fColorRecords);
   if (stopped || IsSet(pCancel)) {
     SetAborted(pAborted);
     return;
@@ -279,19 +284,24 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
 }
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
-  const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
-  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
+  const cMatrix33 colorMatrix = fOutput->GetColorSpace().GetXYZToRGB() * fWorkingToXYZ;
+  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace());
   UpdateToneCurve();
   fHueCurves.BuildHueTable(*fHueTable);
   if (StopRequested(pCancel, pAborted)) return;
 
   const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
-  const float gain = static_cast<float>(std::pow(2.0, static_cast<double>(fExposure)) * scale);
+  const float gain = static_cast<float>(Pow(2.0, static_cast<double>(fExposure)) * scale);
   const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
+  const sExposure exposure = {gain, stretch, fPoints.fBlack};
+  const sKernels& kernels = Kernels();
   for (int y = 0; y < fOutput->GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;
-    RenderRow(*fHueTable, fColorRecords->GetRow(y), PixelRow(*fOutput, y), fOutput->GetWidth(),
-              fOutput->GetBitDepth(), encoding, gain, stretch, fPoints.fBlack, colorMatrix, fToneCurve);
+    EncodeRow(*fOutput, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
+      kernels.fColorIndices(ColorRun(*fColorRecords, y, pX), fHueTable->Elements(), exposure, pTo.fR, pTo.fG,
+                            pTo.fB, pCount);
+      kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
+    });
   }
 }
 

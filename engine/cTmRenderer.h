@@ -1,12 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
+#include "engine/ImageRows.h"
 #include "engine/cMatrix33.h"
 #include "engine/stages/BlackWhitePoints.h"
-#include "engine/stages/DetailLayer.h"
 #include "engine/stages/ExposureScale.h"
 #include "engine/stages/HueCurves.h"
+#include "engine/stages/LayerStatistics.h"
 #include "engine/stages/OutputEncoding.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/Preparation.h"
@@ -14,9 +16,7 @@
 
 namespace TmEngine {
 
-class cBitmapLDR;
 class cBitmapU16T;
-class cBitmapXYZ32;
 class cContrastCurve;
 class cHermiteSpline;
 class cHueTable;
@@ -38,6 +38,10 @@ class cTmRenderer {
   /// An image of the input's size, whose depth and colour space the picture is encoded in. Stays the
   /// caller's.
   void SetOutput(cBitmapLDR* pOutput);
+  /// The same without images: the picture comes from and goes to rows that the caller makes and takes. Both
+  /// stay the caller's.
+  void SetInputRows(const cRowSource& pInput);
+  void SetOutputRows(cRowSink& pOutput);
   /// Curves over hue (0 to 1 for 0 to 360 degrees), neutral at 0.5: hue shift, saturation, lightness (kept,
   /// not used by this renderer). Copies are kept.
   void SetHueCurves(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve,
@@ -84,15 +88,16 @@ class cTmRenderer {
   void FinalRendering(bool* pCancel, bool* pAborted);
   void UpdateToneCurve();
 
-  cBitmapXYZ32* fInput = nullptr;  // not owned
-  cBitmapLDR* fOutput = nullptr;   // not owned
+  const cRowSource* fInput = nullptr;  // not owned, or fInputImage
+  cRowSink* fOutput = nullptr;         // not owned, or fOutputImage
+  std::optional<cImageSource> fInputImage;
+  std::optional<cImageSink> fOutputImage;
   std::unique_ptr<cHueTable> fHueTable;
 
   // What the stages hand on; null until the preparation has run.
   std::unique_ptr<cBitmapU16T> fColorRecords;
   tPlane fLogLuminance;
   tPlane fBase;
-  tPlane fDetail;
 
   std::unique_ptr<cContrastCurve> fContrastCurve;
   cHueCurves fHueCurves;

@@ -1,9 +1,9 @@
 #include "engine/cTransfer.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
+#include "engine/Elementary.h"
 #include "engine/TmCheck.h"
 
 namespace TmEngine {
@@ -21,7 +21,7 @@ cTransfer* cTransferGamma::Clone() const {
 }
 
 float cTransferGamma::Evaluate(float pX) const {
-  return static_cast<float>(std::pow(static_cast<double>(pX), 1.0 / static_cast<double>(fGamma)));
+  return static_cast<float>(Pow(static_cast<double>(pX), 1.0 / static_cast<double>(fGamma)));
 }
 
 cTransfer_sRGBToLinear::cTransfer_sRGBToLinear() = default;
@@ -35,7 +35,7 @@ cTransfer* cTransfer_sRGBToLinear::Clone() const {
 // Both sRGB curves continue their straight part below 0 and send NaN through the power.
 float cTransfer_sRGBToLinear::Evaluate(float pX) const {
   if (pX <= 0.04045f) return pX / 12.92f;
-  return static_cast<float>(std::pow((static_cast<double>(pX) + 0.055) / 1.055, 2.4));
+  return static_cast<float>(Pow((static_cast<double>(pX) + 0.055) / 1.055, 2.4));
 }
 
 cTransferLinearTo_sRGB::cTransferLinearTo_sRGB() = default;
@@ -49,7 +49,7 @@ cTransfer* cTransferLinearTo_sRGB::Clone() const {
 float cTransferLinearTo_sRGB::Evaluate(float pX) const {
   if (pX <= 0.0031308f) return pX * 12.92f;
   constexpr double kExponent = 0.4166666666666667;  // 1 / 2.4
-  return static_cast<float>(std::pow(static_cast<double>(pX), kExponent) * 1.055 - 0.055);
+  return static_cast<float>(Pow(static_cast<double>(pX), kExponent) * 1.055 - 0.055);
 }
 
 cTransfer_Table::cTransfer_Table(unsigned short* pTable, int pTableSize)

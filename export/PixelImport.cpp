@@ -1,12 +1,10 @@
 #include "export/PixelImport.h"
 
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
-#include "engine/BitmapRows.h"
+#include "engine/kernels/Kernels.h"
 #include "export/HostLayout.h"
 
 namespace {
@@ -14,58 +12,76 @@ namespace {
 /// Linear light of each code. The divisor is the number of codes: the brightest one decodes to just below 1.
 std::vector<float> GammaTable(int pMax, double pGamma) {
   std::vector<float> table(static_cast<std::size_t>(pMax) + 1);
+  std::vector<double> light(table.size());
   const double step = 1.0 / (pMax + 1);
-  for (int i = 0; i <= pMax; ++i) {
-    const float value = static_cast<float>(std::pow(i * step, pGamma));
-    table[static_cast<std::size_t>(i)] = value > 1.0f ? 1.0f : value;
+  for (int i = 0; i <= pMax; ++i) light[static_cast<std::size_t>(i)] = i * step;
+  TmEngine::Kernels().fPowRow(light.data(), pGamma, light.data(), pMax + 1);
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const float value = static_cast<float>(light[i]);
+    table[i] = value > 1.0f ? 1.0f : value;
   }
   return table;
 }
 
+/// Shared-exponent pixels (G. Ward, "Real pixels", Graphics Gems II): mantissa * 2^(exponent - 136), exponent
+/// 0 is black. The smallest exponents give denormals.
+std::vector<float> ExponentTable() {
+  std::vector<float> table(256);
+  for (int e = 1; e < 256; ++e)
+    table[static_cast<std::size_t>(e)] = static_cast<float>(std::ldexp(1.0, e - 136));
+  return table;
+}
+
+std::vector<float> TableOf(int pInputBits, double pGamma) {
+  if (pInputBits == 32) return ExponentTable();
+  return GammaTable(pInputBits == 8 ? 255 : 65535, pGamma);
+}
+
+/// pFrom: the first sample of the run.
 template <class tSample>
-void ImportSamples(const tm_quorvane_image& pImage, const std::vector<float>& pTable,
-                   const unsigned char* pFrom, TmEngine::cBitmapXYZ32& pTo) {
+void DecodeSamples(const unsigned char* pFrom, const tm_quorvane_image& pImage, const float* pTable,
+                   int pCount, float* pR, float* pG, float* pB) {
   const sHostChannels channels = HostChannels(pImage);
-  const std::ptrdiff_t step = pImage.samples_per_pixel;
   std::ptrdiff_t base = 0;
-  for (int y = 0; y < pImage.height; ++y) {
-    float* to = TmEngine::RowsOf(pTo).Row(y);
-    for (int x = 0; x < pImage.width; ++x, base += step, to += 3) {
-      to[0] = pTable[LoadSample<tSample>(pFrom, base + channels.fFirst)];
-      to[1] = pTable[LoadSample<tSample>(pFrom, base + channels.fMiddle)];
-      to[2] = pTable[LoadSample<tSample>(pFrom, base + channels.fThird)];
-    }
+  for (int i = 0; i < pCount; ++i, base += pImage.samples_per_pixel) {
+    pR[i] = pTable[LoadSample<tSample>(pFrom, base + channels.fFirst)];
+    pG[i] = pTable[LoadSample<tSample>(pFrom, base + channels.fMiddle)];
+    pB[i] = pTable[LoadSample<tSample>(pFrom, base + channels.fThird)];
   }
 }
 
-/// Shared-exponent pixels (G. Ward, "Real pixels", Graphics Gems II): mantissa * 2^(exponent - 136), exponent
-/// 0 is black. Each row holds four planes. The smallest exponents give denormals.
-void ImportRgbe(const tm_quorvane_image& pImage, const unsigned char* pFrom, TmEngine::cBitmapXYZ32& pTo) {
-  std::array<float, 256> scale;
-  for (int e = 0; e < 256; ++e)
-    scale[static_cast<std::size_t>(e)] = static_cast<float>(std::ldexp(1.0, e - 136));
-  scale[0] = 0.0f;
-  const std::ptrdiff_t width = pImage.width;
-  for (int y = 0; y < pImage.height; ++y, pFrom += 4 * width) {
-    float* to = TmEngine::RowsOf(pTo).Row(y);
-    for (std::ptrdiff_t x = 0; x < width; ++x, to += 3) {
-      const float factor = scale[pFrom[3 * width + x]];
-      for (int k = 0; k < 3; ++k) to[k] = static_cast<float>(pFrom[k * width + x]) * factor;
-    }
-  }
+/// pFrom: the first mantissa of the run. A row holds four planes, of which the last are the exponents.
+void DecodeRgbe(const unsigned char* pFrom, std::ptrdiff_t pWidth, const float* pTable, int pCount, float* pR,
+                float* pG, float* pB) {
+  float factor[TmEngine::kRunLength];
+  for (int i = 0; i < pCount; ++i) factor[i] = pTable[pFrom[3 * pWidth + i]];
+  for (int i = 0; i < pCount; ++i) pR[i] = static_cast<float>(pFrom[i]) * factor[i];
+  for (int i = 0; i < pCount; ++i) pG[i] = static_cast<float>(pFrom[pWidth + i]) * factor[i];
+  for (int i = 0; i < pCount; ++i) pB[i] = static_cast<float>(pFrom[2 * pWidth + i]) * factor[i];
 }
 
 }  // namespace
 
-void ImportPixels(const tm_quorvane_image& pImage, double pGamma, const void* pInputPixels,
-                  TmEngine::cBitmapXYZ32& pTo) {
-  const auto* from = static_cast<const unsigned char*>(pInputPixels);
-  switch (pImage.input_bits) {
+cHostSource::cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
+                         const void* pPixels)
+    : cRowSource(pImage.width, pImage.height),
+      fImage(pImage),
+      fRGBToXYZ(pRGBToXYZ),
+      fPixels(static_cast<const unsigned char*>(pPixels)),
+      fTable(TableOf(pImage.input_bits, pGamma)) {}
+
+void cHostSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const {
+  const std::ptrdiff_t width = fImage.width;
+  const std::ptrdiff_t first = (pY * width + pX) * fImage.samples_per_pixel;
+  switch (fImage.input_bits) {
     case 8:
-      return ImportSamples<std::uint8_t>(pImage, GammaTable(255, pGamma), from, pTo);
+      DecodeSamples<std::uint8_t>(fPixels + first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
+      break;
     case 16:
-      return ImportSamples<std::uint16_t>(pImage, GammaTable(65535, pGamma), from, pTo);
+      DecodeSamples<std::uint16_t>(fPixels + 2 * first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
+      break;
     default:
-      return ImportRgbe(pImage, from, pTo);
+      DecodeRgbe(fPixels + 4 * width * pY + pX, width, fTable.data(), pCount, pToX, pToY, pToZ);
   }
+  TmEngine::Kernels().fTransform(fRGBToXYZ.Elements(), pToX, pToY, pToZ, pCount);
 }

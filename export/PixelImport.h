@@ -1,12 +1,25 @@
 #pragma once
 
+#include <vector>
+
+#include "engine/PixelRows.h"
+#include "engine/cMatrix33.h"
 #include "export/quorvane.h"
 
-namespace TmEngine {
-class cBitmapXYZ32;
-}
+/// The host's pixels (see quorvane.h for their layout) as linear light. They must stay until the last row is
+/// read.
+class cHostSource : public TmEngine::cRowSource {
+ public:
+  /// pGamma: decoding gamma of 8- and 16-bit samples. pRGBToXYZ: of the host's colour space. Throws
+  /// std::bad_alloc.
+  cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
+              const void* pPixels);
 
-/// Decodes the host's pixels (see quorvane.h for their layout) into linear RGB floats of the same size.
-/// pGamma is the decoding gamma of 8- and 16-bit samples. Throws std::bad_alloc.
-void ImportPixels(const tm_quorvane_image& pImage, double pGamma, const void* pInputPixels,
-                  TmEngine::cBitmapXYZ32& pTo);
+  void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override;
+
+ private:
+  tm_quorvane_image fImage;
+  TmEngine::cMatrix33 fRGBToXYZ;
+  const unsigned char* fPixels;
+  std::vector<float> fTable;  // linear light of each code, or the factor of each shared exponent
+};

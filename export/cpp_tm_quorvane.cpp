@@ -2,15 +2,14 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 
+#include "engine/BitmapChecks.h"
 #include "engine/TmCheck.h"
 #include "engine/ToneMapImage.h"
-#include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
-#include "engine/cImageUtils.h"
 #include "export/FloatingPointScope.h"
 #include "export/HostSettings.h"
-#include "export/OutputBitmap.h"
 #include "export/PixelExport.h"
 #include "export/PixelImport.h"
 #include "export/quorvane.h"
@@ -59,13 +58,14 @@ void CheckPixels(const tm_quorvane_image& pImage, const void* pInputPixels, cons
 /// From the host's pixels to the host's pixels.
 void ToneMapPicture(const tm_quorvane_image& pImage, eColorSpaceID pID, const sToneParameters& pParameters,
                     const void* pInputPixels, void* pOutputPixels) {
+  CheckPositive(pImage.width, "pWidth", TM_HERE);
+  CheckPositive(pImage.height, "pHeight", TM_HERE);
   const std::unique_ptr<cColorSpace> colorSpace(cColorSpace::FromID(pID));
-  cBitmapXYZ32 input(pImage.width, pImage.height);
-  ImportPixels(pImage, pID == eColorSpaceID_ProPhotoRGB ? 1.8 : 2.2, pInputPixels, input);
-  cImageUtils::ColorTransform(&input, colorSpace->GetRGBToXYZ());
-  const auto output = MakeOutputBitmap(pImage.width, pImage.height, pImage.output_bits, pID);
-  ToneMapImage(input, output.get(), pParameters, true);
-  ExportPixels(pImage, *output, pOutputPixels);
+  const cHostSource input(pImage, pID == eColorSpaceID_ProPhotoRGB ? 1.8 : 2.2, colorSpace->GetRGBToXYZ(),
+                          pInputPixels);
+  std::optional<cHostSink> output;
+  if (pImage.output_bits == 8 || pImage.output_bits == 16) output.emplace(pImage, pID, pOutputPixels);
+  ToneMapRows(input, output ? &*output : nullptr, pParameters, true);
 }
 
 }  // namespace

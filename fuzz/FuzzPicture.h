@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "engine/cBitmapLDR.h"
-#include "export/OutputBitmap.h"
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapBGR8.h"
 #include "fuzz/FuzzCurve.h"
 
 using TmEngine::cBitmapLDR;
@@ -54,8 +54,12 @@ inline void Blacken(cBitmapLDR& pBitmap) {
 }
 
 inline tBitmap TakeBitmap(int pWidth, int pHeight, FuzzedDataProvider& pData) {
-  const int depth = pData.ConsumeBool() ? 8 : 16;
-  tBitmap bitmap = MakeOutputBitmap(pWidth, pHeight, depth, TmEngine::eColorSpaceID_sRGB);
+  tBitmap bitmap;
+  if (pData.ConsumeBool()) {
+    bitmap = std::make_unique<TmEngine::cBitmapBGR8>(pWidth, pHeight, TmEngine::eColorSpaceID_sRGB);
+  } else {
+    bitmap = std::make_unique<TmEngine::cBitmapBGR16>(pWidth, pHeight, TmEngine::eColorSpaceID_sRGB);
+  }
   bitmap->SetColorSpace(TakeColorSpace(pData).get());
   Blacken(*bitmap);
   return bitmap;

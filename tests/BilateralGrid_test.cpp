@@ -1,4 +1,4 @@
-#include "engine/stages/BilateralGrid.h"
+#include "engine/stages/BaseLayer.h"
 
 #include <gtest/gtest.h>
 
@@ -31,9 +31,11 @@ tFloats Filter(const tFloats& pFrom, int pWidth, int pHeight, const sSettings& p
   }
   tFloats to(pFrom.size(), -99.0f);
   bool aborted = false;
-  FilterWithBilateralGrid(&pSettings.fCancel, pAborted != nullptr ? pAborted : &aborted, pFrom.data(),
-                          to.data(), pWidth, pHeight, pSettings.fSigmaS, pSettings.fSigmaR, min, max,
-                          pSettings.fLocalContrast, pSettings.fWrap);
+  sLayerStatistics statistics;
+  FormBaseLayer(&pSettings.fCancel, pAborted != nullptr ? pAborted : &aborted, pFrom.data(), to.data(),
+                pWidth, pHeight,
+                {pSettings.fSigmaS, pSettings.fSigmaR, min, max, pSettings.fLocalContrast, pSettings.fWrap},
+                statistics);
   return to;
 }
 
@@ -91,6 +93,8 @@ TEST(BilateralGrid, TakesWhatIsNotANumberAndRefusesRangesWithoutEnd) {
   EXPECT_THROW(Filter(from, 12, 12, {}), std::bad_alloc);
   EXPECT_THROW(Filter(tFloats(4, kNaN), 2, 2, {5.0f, kNaN}), std::bad_alloc);
   EXPECT_THROW(Filter(Edge(12, 12), 12, 12, {1e-6f, 1e-6f}), std::bad_alloc);
+  // 2^23 * 2^23 * 2^18 cells: a product of 64 bits is 0.
+  EXPECT_THROW(Filter({0.0f, 1.0f, 0.0f, 1.0f}, 2, 2, {1.0f / 8388601.0f, 1.0f / 262137.0f}), std::bad_alloc);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <vector>
 
 #include "tests/Numbers.h"
@@ -51,7 +52,7 @@ tFloats RandomPlane(int pCount) {
 
 TEST(BoxSmoother, AgreesWithTheDirectSum) {
   for (const auto& [width, height] : {std::pair{1, 1}, {1, 9}, {13, 1}, {17, 11}, {4, 40}}) {
-    for (const float sigma : {0.01f, 0.5f, 1.0f, 1.5f, 2.58f, 7.0f}) {
+    for (const float sigma : {0.01f, 0.5f, 0.75f, 1.0f, 1.5f, 2.58f, 7.0f}) {
       const tFloats from = RandomPlane(width * height);
       const tFloats expected = Direct(from, width, height, sigma);
       tFloats to(from.size(), -1.0f);
@@ -85,6 +86,15 @@ TEST(BoxSmoother, CopiesWithoutARadiusAndEndsInTheMeanWithAHugeOne) {
     SmoothWithBox(from.data(), to.data(), 6, 5, sigma);
     for (const float value : to) EXPECT_NEAR(value, mean, 1e-5);
   }
+}
+
+TEST(BoxSmoother, StopsBetweenTheRowsThatItWrites) {
+  // The flag lies in the result, as the low byte of the fourth row: the pass over the columns sets it.
+  const tFloats from(4 * 8, std::numeric_limits<float>::denorm_min());
+  tFloats to(from.size(), 0.0f);
+  EXPECT_FALSE(
+      SmoothWithBox(from.data(), to.data(), 4, 8, 2.0f, reinterpret_cast<const bool*>(&to[std::size_t{12}])));
+  EXPECT_EQ(std::count(to.begin(), to.end(), 0.0f), 16);
 }
 
 }  // namespace

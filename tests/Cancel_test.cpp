@@ -17,6 +17,7 @@
 
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapXYZ32.h"
+#include "engine/cColorEqRenderer.h"
 #include "engine/cTmRenderer.h"
 #include "tests/AllocationHook.h"
 #include "tests/Pictures.h"
@@ -109,7 +110,7 @@ class cTripwire {
   std::thread fOther;
 };
 
-enum eBlock { kNone, kInput, kLogLuminance, kBase, kDetail, kRecords, kOutput, kTaken, kBlocks };
+enum eBlock { kNone, kInput, kLogLuminance, kBase, kRecords, kOutput, kTaken, kBlocks };
 
 /// Which block the wire is stretched over, and when: at the pCount-th block of pBytes (0: of any size) that a
 /// render takes, or before the render.
@@ -126,11 +127,11 @@ class cWatch : public cAllocationHook {
   void Taken(void* pBlock, std::size_t pBytes) override {
     const sBlock block = {pBlock, pBytes};
     fBlocks[kTaken] = block;
-    if (pBytes == kRecordBytes) {  // the three planes follow
+    if (pBytes == kRecordBytes) {  // the two planes follow
       fBlocks[kRecords] = block;
       fNextPlane = kLogLuminance;
     }
-    if (pBytes == kPlaneBytes && fNextPlane <= kDetail) fBlocks[fNextPlane++] = block;
+    if (pBytes == kPlaneBytes && fNextPlane <= kBase) fBlocks[fNextPlane++] = block;
     const bool counts = fWire.fBytes == 0 || fWire.fBytes == pBytes;
     if (fTripwire != nullptr && counts && ++fCount == fWire.fCount) Stretch();
   }
@@ -274,13 +275,45 @@ INSTANTIATE_TEST_SUITE_P(
         sCase{"in_blur", &tRenderer::InvalidatePhase1, "12", {kTaken, 2}, 0},
         sCase{"in_slice", &tRenderer::InvalidatePhase1, "12", {kBase}, 4 * kWidth},
         sCase{"in_smoothing", &tRenderer::InvalidatePhase1, "12", {kBase, 1, kPlaneBytes}, 4 * kWidth},
-        sCase{"in_detail", &tRenderer::InvalidatePhase1, "12", {kDetail}, 4 * kWidth},
+        sCase{
+            "in_statistics", &tRenderer::InvalidatePhase1, "12", {kLogLuminance, 1, kPlaneBytes}, 4 * kWidth},
         sCase{"before_phase_2", &tRenderer::InvalidatePhase2, "2", {}},
         sCase{"in_tone_mapping", &tRenderer::InvalidatePhase2, "2", {kBase}, 4 * kWidth},
         sCase{"in_histogram", &tRenderer::InvalidatePhase2, "2", {kRecords, 1, 4 * 65536}, 14 * kWidth},
         sCase{"before_final_rendering", &tRenderer::InvalidateFinalRendering, "", {}},
         sCase{"in_final_rendering", &tRenderer::InvalidateFinalRendering, "", {kOutput}, 6 * kWidth}),
     testing::PrintToStringParamName());
+
+TEST(CancelEqualiser, StopsWithinARowAndRunsInFullAfterwards) {
+  cBitmapBGR16 input(kWidth, kHeight, eColorSpaceID_sRGB), output(kWidth, kHeight, eColorSpaceID_sRGB);
+  const auto bytes = [](cBitmapBGR16& pImage) {
+    return std::vector<unsigned char>(pImage.GetBitmapData(), pImage.GetBitmapData() + kOutputBytes);
+  };
+  cRandom random(7);
+  for (std::size_t i = 0; i < kOutputBytes; ++i)
+    input.GetBitmapData()[i] = static_cast<unsigned char>(random.Next());
+  cColorEqRenderer renderer;
+  renderer.SetInput(&input);
+  renderer.SetOutput(&output);
+  renderer.Render();
+  const std::vector<unsigned char> expected = bytes(output);
+  for (cBitmapBGR16* wired : {&input, &output}) {
+    std::fill_n(output.GetBitmapData(), kOutputBytes, static_cast<unsigned char>(0xA5));
+    renderer.SetInput(&input);
+    bool aborted = false;
+    {
+      cTripwire tripwire;
+      tripwire.Stretch(wired->GetBitmapData(), kOutputBytes);
+      renderer.Render(tripwire.Cancel(), &aborted);
+      EXPECT_TRUE(tripwire.IsTouched());
+      EXPECT_LE(tripwire.TouchedBytes(), 6 * kWidth + 2 * tripwire.PageBytes());
+    }
+    EXPECT_TRUE(aborted);
+    EXPECT_EQ(output.GetBitmapData()[kOutputBytes - 1], 0xA5);
+    renderer.Render();
+    EXPECT_EQ(bytes(output), expected);
+  }
+}
 
 }  // namespace
 }  // namespace TmEngine

@@ -147,9 +147,9 @@ TEST_P(MemoryFailure, EndsCleanlyWhicheverBlockIsRefused) {
   EXPECT_GT(refused, 40);
   EXPECT_GT(ends[static_cast<int>(eEnd::BadAlloc)], 20);
   EXPECT_EQ(withoutHistogram, depths.fOnwards ? 0 : 1);
-  // The two pictures, the three planes, and the tiles with their array.
+  // The two planes, and the tiles with their array.
   if (!depths.fOnwards) {
-    EXPECT_EQ(ends[static_cast<int>(eEnd::EngineException)], 7);
+    EXPECT_EQ(ends[static_cast<int>(eEnd::EngineException)], 4);
   }
 }
 

@@ -1,20 +1,22 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <vector>
 
+#include "engine/ImageRows.h"
 #include "engine/cBitmapU16T.h"
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cColorSpace.h"
 #include "engine/stages/BlackWhitePoints.h"
-#include "engine/stages/ColorRecord.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/ExposureScale.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/Preparation.h"
-#include "engine/stages/RowRenderer.h"
+#include "engine/stages/RowEncoder.h"
 #include "engine/stages/ToneTables.h"
 #include "tests/StderrCapture.h"
 
@@ -68,12 +70,8 @@ TEST(ExposureScale, RunsFromNoneOverNormalisedToFixedGrey) {
 /// A row of records with these luminances.
 std::unique_ptr<cBitmapU16T> Records(std::initializer_list<float> pLuminances) {
   auto records = std::make_unique<cBitmapU16T>(static_cast<int>(pLuminances.size()), 1,
-                                               static_cast<int>(ColorRecord::kSlots));
-  unsigned short* record = records->GetRow(0);
-  for (const float luminance : pLuminances) {
-    ColorRecord::StoreFloat(record, luminance);
-    record += ColorRecord::kSlots;
-  }
+                                               static_cast<int>(kColorChannels));
+  std::copy(pLuminances.begin(), pLuminances.end(), ColorRun(*records, 0, 0).fLuminance);
   return records;
 }
 
@@ -133,24 +131,28 @@ TEST(HueTable, TurnsAndSaturatesByItsCurves) {
   expect(0, -0.5f, 1, -0.5f);
 }
 
-/// Records of one pixel in XYZ.
+/// What is prepared of one pixel in XYZ.
 struct sPrepared {
   float fLuminance;
   int fHue;
   float fMin, fMax;
+  float fLogLuminance;
+  sLuminanceRange fRange;
 };
 
-sPrepared Prepare(float pX, float pY, float pZ) {
+sPrepared Prepare(float pX, float pY, float pZ, bool* pCancel = nullptr, bool* pAborted = nullptr) {
   cBitmapXYZ32 input(1, 1);
   input.GetBitmapData()[0] = pX;
   input.GetBitmapData()[1] = pY;
   input.GetBitmapData()[2] = pZ;
-  cBitmapU16T records(1, 1, ColorRecord::kSlots);
-  FillColorRecords(nullptr, nullptr, input, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
-  const unsigned short* record = records.GetRow(0);
-  return {ColorRecord::LoadFloat(record), record[ColorRecord::kHue],
-          ColorRecord::LoadFloat(record + ColorRecord::kMinRatio),
-          ColorRecord::LoadFloat(record + ColorRecord::kMaxRatio)};
+  cBitmapU16T records(1, 1, kColorChannels);
+  sPrepared result = {};
+  PrepareColors(pCancel, pAborted, cImageSource(input), cColorSpace_ProPhotoRGB().GetXYZToRGB(), records,
+                &result.fLogLuminance, result.fRange);
+  const sColorRun run = ColorRun(records, 0, 0);
+  result.fLuminance = *run.fLuminance, result.fHue = *run.fHue;
+  result.fMin = *run.fMin, result.fMax = *run.fMax;
+  return result;
 }
 
 TEST(Preparation, KeepsLuminanceHueAndRatios) {
@@ -182,26 +184,20 @@ TEST(Preparation, CountsPixelsWithoutLuminanceAsDarkGrey) {
 }
 
 TEST(Preparation, MeasuresLogLuminanceAboveADenormalFloor) {
-  cBitmapXYZ32 input(4, 1);
-  const float luminances[4] = {100.0f, 0.0f, -1.0f, 1e-3f};
-  for (int x = 0; x < 4; ++x) input.GetBitmapData()[3 * x + 1] = luminances[x];
-  float plane[4];
-  sLuminanceRange range;
-  bool cancel = false, aborted = false;
-  MeasureLogLuminance(&cancel, &aborted, input, plane, range);
-  EXPECT_EQ(range.fMin, 0x1p-128f);
-  EXPECT_EQ(range.fMax, 100.0f);
-  EXPECT_FLOAT_EQ(range.fLogMin, -38.531839f);
-  EXPECT_EQ(plane[0], 2.0f);
-  EXPECT_EQ(plane[1], range.fLogMin);
-  EXPECT_EQ(plane[2], range.fLogMin);
-  EXPECT_FALSE(aborted);
-  cancel = true;
-  MeasureLogLuminance(&cancel, &aborted, input, plane, range);
+  EXPECT_EQ(Prepare(1.0f, 100.0f, 1.0f).fLogLuminance, 2.0f);
+  EXPECT_EQ(Prepare(1.0f, 100.0f, 1.0f).fRange.fMax, 100.0f);
+  for (const float y : {0.0f, -1.0f}) {
+    const sPrepared dark = Prepare(1.0f, y, 1.0f);
+    EXPECT_EQ(dark.fRange.fMin, 0x1p-128f);
+    EXPECT_FLOAT_EQ(dark.fRange.fLogMin, -38.531839f);
+    EXPECT_EQ(dark.fLogLuminance, dark.fRange.fLogMin);
+  }
+  bool cancel = true, aborted = false;
+  Prepare(1.0f, 1.0f, 1.0f, &cancel, &aborted);
   EXPECT_TRUE(aborted);
 }
 
-TEST(RowRenderer, ClampsWhateverAPixelHolds) {
+TEST(RowEncoder, ClampsWhateverAPixelHolds) {
   auto hues = std::make_unique<cHueTable>();
   std::vector<unsigned short> encoding(kTableSize);
   std::vector<float> curve(kTableSize);
@@ -214,22 +210,23 @@ TEST(RowRenderer, ClampsWhateverAPixelHolds) {
   struct sCase {
     float fLuminance, fGain, fStretch, fBlack;
     unsigned short fExpected;
+    float fMinRatio = 1.0f;
   };
-  const sCase cases[] = {{0.5f, 1.0f, 1.0f, 0.4f, 32767},  {0.25f, 2.0f, 1.0f, 9.0f, 32767},
-                         {0.5f, 7.0f, 2.0f, 0.25f, 32767}, {0.2f, 7.0f, 2.0f, 0.25f, 0},
-                         {9.0f, 7.0f, 2.0f, 0.25f, 65535}, {kNaN, 1.0f, 2.0f, 0.0f, 0},
-                         {kNaN, 1.0f, 1.0f, 0.0f, 0},      {infinity, 1.0f, 1.0f, 0.0f, 0}};
+  const sCase cases[] = {
+      {0.5f, 1.0f, 1.0f, 0.4f, 32767}, {0.25f, 2.0f, 1.0f, 9.0f, 32767}, {0.5f, 7.0f, 2.0f, 0.25f, 32767},
+      {0.2f, 7.0f, 2.0f, 0.25f, 0},    {9.0f, 7.0f, 2.0f, 0.25f, 65535}, {kNaN, 1.0f, 2.0f, 0.0f, 0},
+      {kNaN, 1.0f, 1.0f, 0.0f, 0},     {infinity, 1.0f, 1.0f, 0.0f, 0},  {0.2f, 7.0f, 2.0f, 0.25f, 0, -1.0f}};
   for (const sCase& row : cases) {
-    unsigned short record[ColorRecord::kSlots] = {};
-    ColorRecord::StoreFloat(record, row.fLuminance);
-    ColorRecord::StoreFloat(record + ColorRecord::kMinRatio, 1.0f);
-    ColorRecord::StoreFloat(record + ColorRecord::kMaxRatio, 1.0f);
+    float luminance = row.fLuminance, min = row.fMinRatio, max = 1.0f;
+    unsigned short hue = 0;
+    const auto indices = std::make_unique<sColorIndices>();
+    Kernels().fColorIndices({&min, &max, &hue, &luminance}, hues->Elements(),
+                            {row.fGain, row.fStretch, row.fBlack}, indices->fR, indices->fG, indices->fB, 1);
+    Kernels().fTransformIndices(identity.Elements(), curve.data(), indices->fR, indices->fG, indices->fB, 1);
     unsigned short wide[4] = {1, 1, 1, 0xA5A5};
     unsigned char narrow[4] = {1, 1, 1, 0xA5};
-    RenderRow(*hues, record, wide, 1, 16, encoding.data(), row.fGain, row.fStretch, row.fBlack, identity,
-              curve.data());
-    RenderRow(*hues, record, narrow, 1, 8, encoding.data(), row.fGain, row.fStretch, row.fBlack, identity,
-              curve.data());
+    EncodeRun(*indices, encoding.data(), 16, {wide, false}, 0, 1);
+    EncodeRun(*indices, encoding.data(), 8, {narrow, true}, 0, 1);
     for (int k = 0; k < 3; ++k) {
       EXPECT_EQ(wide[k], row.fExpected) << row.fLuminance;
       EXPECT_EQ(narrow[k], wide[k] >> 8);

@@ -9,7 +9,9 @@
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapBGR8.h"
 #include "engine/cBitmapXYZ32.h"
+#include "engine/cImageUtils.h"
 #include "engine/cTransfer.h"
+#include "engine/cTransferLUT.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/StderrCapture.h"
 
@@ -197,6 +199,27 @@ void CheckColours(tSample pWhite, int pDepth) {
 TEST(cBitmapLDR, ConvertsColoursThroughItsColourSpace) {
   CheckColours<cBitmapBGR8, unsigned char>(255, 8);
   CheckColours<cBitmapBGR16, unsigned short>(65535, 16);
+}
+
+TEST(cBitmapLDR, ConvertsColoursByTablesAndMatricesOfOthers) {
+  cTransferGamma asItIs(1.0f);
+  cTransferLUT_I8F32 decoding(&asItIs);
+  cTransferLUT_F32I8 encoding8(&asItIs);
+  cTransferLUT_F32I16 encoding16(&asItIs);
+  const cMatrix33 exchange(0, 0, 1, 0, 1, 0, 1, 0, 0);
+  cBitmapBGR8 image(1, 1, kID), back(1, 1, kID);
+  cBitmapBGR16 wide(1, 1, kID);
+  cBitmapXYZ32 decoded(1, 1);
+  cImageUtils::Fill(&image, 51, 102, 255);
+  image.ToXYZ32(&decoded, &decoding, exchange);
+  back.FromXYZ32(&decoded, &encoding8, exchange);
+  wide.FromXYZ32(&decoded, &encoding16, exchange);
+  for (int i = 0; i < 3; ++i) {
+    const int sample = image.GetBitmapData()[i];
+    EXPECT_EQ(decoded.GetBitmapData()[i], static_cast<float>(sample) / 255.0f);
+    EXPECT_EQ(back.GetBitmapData()[i], sample);
+    EXPECT_EQ(wide.GetBGR16Data()[i], 257 * sample);
+  }
 }
 
 }  // namespace

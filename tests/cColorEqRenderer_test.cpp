@@ -15,8 +15,8 @@
 #include "engine/cBitmapU16T.h"
 #include "engine/cHermiteSpline.h"
 #include "engine/cTransfer.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/EqualiserPreparation.h"
-#include "engine/stages/HueRecord.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/Numbers.h"
 #include "tests/Pictures.h"
@@ -220,12 +220,13 @@ TEST(cColorEqRenderer, TakesColorsBeyondTheWorkingSpaceAndWhatIsNoNumber) {
 TEST(cColorEqRenderer, KeepsBlackAsAColorWithAPositiveMaximum) {
   const tImage image = NewImage(8, 1, 1, eColorSpaceID_sRGB);
   std::fill_n(image->GetBitmapData(), 3, static_cast<unsigned char>(0));
-  cBitmapU16T records(1, 1, HueRecord::kSlots);
-  FillHueRecords(*image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
-  const unsigned short* record = records.GetRow(0);
-  EXPECT_EQ(record[HueRecord::kHue], 0);
-  EXPECT_EQ(HueRecord::LoadFloat(record + HueRecord::kMin), 0.0f);
-  EXPECT_EQ(HueRecord::LoadFloat(record + HueRecord::kMax), 1.1754944e-38f);
+  cBitmapU16T records(1, 1, kHueChannels);
+  bool aborted = false;
+  FillHueRecords(nullptr, &aborted, *image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
+  const sColorRun run = ColorRun(records, 0, 0);
+  EXPECT_EQ(*run.fHue, 0);
+  EXPECT_EQ(*run.fMin, 0.0f);
+  EXPECT_EQ(*run.fMax, 1.1754944e-38f);
 }
 
 TEST(cColorEqRenderer, GivesThePictureBackUnderNeutralCurves) {

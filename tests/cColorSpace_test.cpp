@@ -52,6 +52,7 @@ std::unique_ptr<cColorSpace> MakeSpace(int pID) {
 
 TEST(cColorSpace, KnowsTheNamedSpaces) {
   const float linearHalf[] = {0.21404114f, 0.21763764f, 0.28717458f};
+  const float linearHundredth[] = {0x1.95cbbp-11f, 0x1.4df4e2p-15f, 0x1.0763f6p-12f};  // to the bit
   for (int id = 0; id < 3; ++id) {
     SCOPED_TRACE(kNames[id]);
     EXPECT_TRUE(cColorSpace::IsValidID(static_cast<eColorSpaceID>(id)));
@@ -66,6 +67,7 @@ TEST(cColorSpace, KnowsTheNamedSpaces) {
       ExpectMatrix(space->GetXYZToRGB() * space->GetRGBToXYZ(), kIdentity, 1e-6);
       ExpectMatrix(space->GetXYZToRGBNative() * space->GetRGBToXYZNative(), kIdentity, 1e-6);
       EXPECT_NEAR(space->GetToLinear()->Evaluate(0.5f), linearHalf[id], 1e-7f);
+      EXPECT_EQ(space->GetToLinear()->Evaluate(0.01f), linearHundredth[id]);
       EXPECT_NEAR(space->GetFromLinear()->Evaluate(linearHalf[id]), 0.5f, 1e-7f);
     }
   }

@@ -70,9 +70,12 @@ std::vector<float> SlowTable(bool pStraight, const tPoints& p) {
 }
 
 TEST(cHermiteSpline, RendersTheSameSamplesAsTheSlowForm) {
-  std::vector<tPoints> sets = {Points({{0, 0}, {1, 1}}), Points({{-0.5f, 2}, {0.5f, -1}, {1.5f, 0.5f}}),
-                               Points({{2, 0.25f}, {3, 0.75f}}), Points({{0.5f, 0}, {0.5f, 1}, {0.5f, 0.5f}}),
-                               Points({{-1e-5f, 0.5f}, {1.00001f, 0.25f}})};
+  std::vector<tPoints> sets = {Points({{0, 0}, {1, 1}}),
+                               Points({{-0.5f, 2}, {0.5f, -1}, {1.5f, 0.5f}}),
+                               Points({{2, 0.25f}, {3, 0.75f}}),
+                               Points({{0.5f, 0}, {0.5f, 1}, {0.5f, 0.5f}}),
+                               Points({{-1e-5f, 0.5f}, {1.00001f, 0.25f}}),
+                               Points({{-1.0f / 65535.0f, 0.25f}, {0, 0.75f}, {1, 0.5f}})};
   std::mt19937 random(20);
   const auto in = [&](float low, float high) {
     return low + (high - low) * static_cast<float>(random() % 101) / 100.0f;

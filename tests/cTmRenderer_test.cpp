@@ -132,7 +132,10 @@ TEST(cTmRenderer, RunsOnlyStaleStages) {
   cBitmapBGR16 other(23, 17, eColorSpaceID_ProPhotoRGB);
   job.fRenderer->SetOutput(&other);
   EXPECT_EQ(job.Stages(), "");
-  EXPECT_NE(std::memcmp(other.GetBitmapData(), job.fOutput.GetBitmapData(), 23 * 6), 0);
+  sJob fresh;
+  fresh.fOutput.SetColorSpace(eColorSpaceID_ProPhotoRGB);
+  fresh.Pixels();
+  EXPECT_EQ(std::memcmp(other.GetBitmapData(), fresh.fOutput.GetBitmapData(), 23 * 6), 0);
 
   job.SetParameters(44.0f);
   EXPECT_EQ(job.Stages(), "pP2");

@@ -3,6 +3,9 @@
 #include <cstring>
 #include <vector>
 
+#include "engine/cBitmapXYZ32.h"
+#include "export/HostSettings.h"
+#include "export/PixelImport.h"
 #include "export/quorvane.h"
 #include "tests/ExceptionCheck.h"
 #include "tests/HostCall.h"
@@ -82,6 +85,26 @@ TEST(cpp_tm_quorvane, SurvivesSlidersFarOutOfRange) {
         EXPECT_EQ(call.Run(), 1) << field << " " << value;
       }
     }
+  }
+}
+
+TEST(cpp_tm_quorvane, DecodesExponent0AsBlackAndExponent1AsADenormal) {
+  const unsigned char planes[4][2] = {{200, 128}, {200, 0}, {200, 255}, {0, 1}};
+  const TmEngine::cMatrix33 identity(1, 0, 0, 0, 1, 0, 0, 0, 1);
+  float x[2], y[2], z[2];
+  cHostSource(HostImage(2, 1, 32, 8), 2.2, identity, planes).ReadRun(0, 0, 2, x, y, z);
+  for (const float* plane : {x, y, z}) EXPECT_EQ(plane[0], 0.0f);
+  EXPECT_EQ(x[1], 0x1p-128f);
+  EXPECT_EQ(y[1], 0.0f);
+  EXPECT_EQ(z[1], 255 * 0x1p-135f);
+}
+
+TEST(cpp_tm_quorvane, SetsItsFlagsFor1AndNothingElse) {
+  for (const float value : {0.0f, 0.5f, 1.0f, 2.0f, kNaN}) {
+    tm_quorvane_settings settings = {};
+    settings.test1 = settings.horizontal_wrap = value;
+    EXPECT_EQ(MapSettings(settings).fHorizontalWrap, value == 1.0f) << value;
+    EXPECT_EQ(MapSettings(settings).fTest1, value == 1.0f) << value;
   }
 }
 

@@ -1,23 +1,69 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
+#include "engine/stages/Plane.h"
+
 namespace TmEngine {
 
 /// Edge-preserving smoothing with a bilateral grid (Chen, Paris, Durand, "Real-time edge-aware image
 /// processing with the bilateral grid", SIGGRAPH 2007): pixels are summed into coarse cells over (x, y,
 /// value), the grid is blurred with a binomial kernel along each axis, normalised, and read back at each
-/// pixel.
+/// pixel: Splat, Blur, then SliceRow for the rows wanted.
 ///
-/// pCancel, pAborted  polled before each row of the picture and of the grid; pTo is then left unfinished
-/// pFrom, pTo         pWidth * pHeight floats (log10 luminance), row-major, no padding; pTo is not pFrom
-/// pSigmaS            cell size in pixels, above 0
-/// pSigmaR            cell size in log10 units, above 0
-/// pRangeMin, Max     range of the values in pFrom
-/// pLocalContrast     Local Contrast / 100: above 0, the result is smoothed once more (see SmoothWithBox)
-/// pWrap              left and right edges meet: the picture continues around them for three pSigmaS
-///
-/// Throws std::bad_alloc when the grid cannot be had, a range without end included; nothing else.
-void FilterWithBilateralGrid(const bool* pCancel, bool* pAborted, const float* pFrom, float* pTo, int pWidth,
-                             int pHeight, float pSigmaS, float pSigmaR, float pRangeMin, float pRangeMax,
-                             float pLocalContrast, bool pWrap);
+/// Splat and Blur poll pCancel before each row, of the picture or of the grid, and return false when it is
+/// set. All throw std::bad_alloc, nothing else.
+class cBilateralGrid {
+ public:
+  /// For a picture of pWidth * pHeight values between pRangeMin and pRangeMax. pSigmaS: cell size in pixels,
+  /// pSigmaR: in units of the values, both above 0. Ranges without end are more than memory holds.
+  cBilateralGrid(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin, float pRangeMax);
+
+  /// Sums each pixel into its nearest cell. pFrom: row-major, no padding. pWrap: the left and right edges
+  /// meet, and the picture continues around them for three pSigmaS.
+  bool Splat(const bool* pCancel, const float* pFrom, bool pWrap);
+  bool Blur(const bool* pCancel);
+  /// Interpolates between the cells around each pixel of row pY. pTo is not pFrom.
+  void SliceRow(int pY, const float* pFrom, float* pTo);
+
+ private:
+  /// Columns of the picture, side by side, that fall into one column of cells.
+  struct sColumns {
+    int fFirst;
+    int fCount;
+    int fCell;
+  };
+
+  std::ptrdiff_t Cell(int pX, int pY, int pZ) const {
+    return (static_cast<std::ptrdiff_t>(pZ) * fCellsY + pY) * fCellsX + pX;
+  }
+  float* AllocCells() const;
+  std::vector<sColumns> SplatColumns(bool pWrap) const;
+  void SplatRow(const float* pFrom, const int* pCellsZ, const std::vector<sColumns>& pColumns, float* pRow);
+  void FindSliceColumns();
+  template <class tRow>
+  bool ForEachInteriorRow(const bool* pCancel, const tRow& pRow) const;
+  bool BlurPass(const bool* pCancel, std::ptrdiff_t pStep, const float* pFrom, float* pTo) const;
+  bool BlurAndNormalise(const bool* pCancel, std::ptrdiff_t pStep, const float* pFrom, float* pTo) const;
+
+  using tCells = std::unique_ptr<float[], sFreeBlock>;
+
+  int fWidth;
+  int fHeight;
+  float fSigmaS;
+  float fSigmaR;
+  float fRangeMin;
+  int fCellsX, fCellsY, fCellsZ;
+  tCells fCells;    // pairs: sum of values, sum of weights; x fastest, then y, then z
+  tCells fScratch;  // until the blur is done
+
+  // For SliceRow: where each column lies between its two cells, and room for a row.
+  std::vector<sColumns> fColumns;
+  std::vector<float> fFractionsX;
+  std::vector<int> fRowCells;
+  std::vector<float> fRowFractions;
+  std::vector<float> fRowBase;
+};
 
 }  // namespace TmEngine

@@ -1,14 +1,16 @@
 #include "engine/stages/BlackWhitePoints.h"
 
+#include <algorithm>
 #include <cstdio>
 
+#include "engine/PixelRows.h"
 #include "engine/cBitmapU16T.h"
-#include "engine/stages/ColorRecord.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 
-cLuminanceHistogram::cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange,
+cLuminanceHistogram::cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappedRange& pRange,
                                          const bool* pCancel, bool* pAborted)
     : fCounts(static_cast<std::uint32_t*>(std::calloc(kTableSize, sizeof(std::uint32_t)))),
       fMin(pRange.fMin),
@@ -19,12 +21,16 @@ cLuminanceHistogram::cLuminanceHistogram(const cBitmapU16T& pRecords, const sTon
   if (IsEmpty()) return;
   for (int y = 0; y < fHeight; ++y) {
     if (StopRequested(pCancel, pAborted)) return;
-    const unsigned short* record = pRecords.GetRow(y);
-    for (int x = 0; x < fWidth; ++x, record += ColorRecord::kSlots) {
-      const float luminance = ColorRecord::LoadFloat(record + ColorRecord::kLuminance);
-      ++fCounts[static_cast<std::size_t>(ClampToIndex((luminance - fMin) * fScale, kLastIndex))];
-    }
+    for (int start = 0; start < fWidth; start += kRunLength) CountRun(ColorRun(pRecords, y, start), start);
   }
+}
+
+void cLuminanceHistogram::CountRun(const sColorRun& pRun, int pStart) {
+  int bins[kRunLength];
+  const int count = std::min(kRunLength, fWidth - pStart);
+  Kernels().fBins(pRun.fLuminance, fMin, fScale, bins, count);
+  std::uint32_t* const counts = fCounts.get();
+  for (int i = 0; i < count; ++i) ++counts[bins[i]];
 }
 
 template <class tGoesOn>

@@ -9,6 +9,7 @@
 namespace TmEngine {
 
 class cBitmapU16T;
+struct sColorRun;
 
 /// Tone-mapped luminances that become output black and white.
 struct sBlackWhite {
@@ -21,8 +22,8 @@ class cLuminanceHistogram {
  public:
   /// Counts every record. Without memory the histogram stays empty (see IsEmpty). Polls pCancel before each
   /// row; sets pAborted and leaves the histogram unfinished when it is set. Both may be null.
-  cLuminanceHistogram(const cBitmapU16T& pRecords, const sToneMappedRange& pRange,
-                      const bool* pCancel = nullptr, bool* pAborted = nullptr);
+  cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappedRange& pRange, const bool* pCancel = nullptr,
+                      bool* pAborted = nullptr);
 
   bool IsEmpty() const { return fCounts == nullptr; }
 
@@ -33,6 +34,7 @@ class cLuminanceHistogram {
   void LogPercentiles() const;
 
  private:
+  void CountRun(const sColorRun& pRun, int pStart);
   float ValueAt(int pBin) const { return static_cast<float>(pBin) / fScale + fMin; }
 
   /// Bins taken from the dark end while pGoesOn(pixels in them).

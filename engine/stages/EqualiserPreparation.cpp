@@ -1,52 +1,53 @@
 #include "engine/stages/EqualiserPreparation.h"
 
+#include <algorithm>
 #include <memory>
 
-#include "engine/cBitmapLDR.h"
-#include "engine/cBitmapU16T.h"
+#include "engine/ImageRows.h"
 #include "engine/cMatrix33.h"
 #include "engine/cTransferLUT.h"
-#include "engine/stages/HueRecord.h"
-#include "engine/stages/LdrRows.h"
+#include "engine/kernels/Kernels.h"
+#include "engine/stages/ColorRows.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
 
-float AtLeastZero(float pValue) {
-  return pValue > 0.0f ? pValue : 0.0f;
-}
-
 template <class tSample>
-void FillRow(const tSample* pFrom, int pWidth, const float* pToLinear, const cMatrix33& pM,
-             unsigned short* pRecord) {
-  for (int x = 0; x < pWidth; ++x, pFrom += 3, pRecord += HueRecord::kSlots) {
-    const float r = pToLinear[pFrom[2]];
-    const float g = pToLinear[pFrom[1]];
-    const float b = pToLinear[pFrom[0]];
-    HueRecord::Store(pRecord, AtLeastZero(pM[0] * r + pM[1] * g + pM[2] * b),
-                     AtLeastZero(pM[3] * r + pM[4] * g + pM[5] * b),
-                     AtLeastZero(pM[6] * r + pM[7] * g + pM[8] * b));
+void FillRun(const tSample* pFrom, int pCount, const float* pToLinear, const cMatrix33& pMatrix,
+             const sColorRun& pTo) {
+  float r[kRunLength], g[kRunLength], b[kRunLength];
+  for (int i = 0; i < pCount; ++i, pFrom += 3) {
+    r[i] = pToLinear[pFrom[2]];
+    g[i] = pToLinear[pFrom[1]];
+    b[i] = pToLinear[pFrom[0]];
   }
+  Kernels().fHueRecords(pMatrix.Elements(), {r, g, b}, pTo, pCount);
 }
 
 template <class tSample, class tTransferLUT>
-void FillRows(const cBitmapLDR& pInput, const cMatrix33& pMatrix, cBitmapU16T& pRecords) {
+void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
+              cBitmapU16T& pRecords) {
   const auto toLinear = std::make_unique<tTransferLUT>(pInput.GetColorSpace()->GetToLinear());
-  const cMatrix33 matrix = pMatrix;
   for (int y = 0; y < pInput.GetHeight(); ++y) {
-    FillRow(reinterpret_cast<const tSample*>(PixelRow(pInput, y)), pInput.GetWidth(), toLinear->GetTable(),
-            matrix, pRecords.GetRow(y));
+    if (StopRequested(pCancel, pAborted)) return;
+    const auto* const row = reinterpret_cast<const tSample*>(PixelRow(pInput, y));
+    for (int start = 0; start < pInput.GetWidth(); start += kRunLength) {
+      FillRun(row + std::ptrdiff_t{3} * start, std::min(kRunLength, pInput.GetWidth() - start),
+              toLinear->GetTable(), pMatrix, ColorRun(pRecords, y, start));
+    }
   }
 }
 
 }  // namespace
 
-void FillHueRecords(const cBitmapLDR& pInput, const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
+void FillHueRecords(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput,
+                    const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
   const cMatrix33 matrix = pXYZToWorking * pInput.GetColorSpace()->GetRGBToXYZ();
   if (pInput.GetBitDepth() == 8) {
-    FillRows<unsigned char, cTransferLUT_I8F32>(pInput, matrix, pRecords);
+    FillRows<unsigned char, cTransferLUT_I8F32>(pCancel, pAborted, pInput, matrix, pRecords);
   } else {
-    FillRows<unsigned short, cTransferLUT_I16F32>(pInput, matrix, pRecords);
+    FillRows<unsigned short, cTransferLUT_I16F32>(pCancel, pAborted, pInput, matrix, pRecords);
   }
 }
 

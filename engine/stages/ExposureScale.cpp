@@ -1,7 +1,8 @@
 #include "engine/stages/ExposureScale.h"
 
-#include <cmath>
 #include <numbers>
+
+#include "engine/Elementary.h"
 
 namespace TmEngine {
 namespace {
@@ -10,17 +11,18 @@ namespace {
 double NormalisationWeight(double pExponent) {
   constexpr double kPi = std::numbers::pi;
   const double clamped = pExponent < 1.0 ? pExponent : 1.0;
-  return std::pow(std::cos(clamped * kPi - kPi / 2.0), clamped < 0.5 ? 4.0 : 0.5);
+  return Pow(Cos(clamped * kPi - kPi / 2.0), clamped < 0.5 ? 4.0 : 0.5);
 }
 
 }  // namespace
 
 sExposureScales ExposureScales(float pExponent, float pLargestLuminance, float pBaseMax) {
   const auto k = static_cast<double>(pExponent);
-  const double middleGrey = std::pow(0.5, 2.2);
-  const auto grey = static_cast<double>(static_cast<float>(middleGrey / std::pow(middleGrey, k)));
-  const double normalise = 1.0 / static_cast<double>(powf(pLargestLuminance, pExponent));
-  const double normaliseBase = 1.0 / std::pow(std::pow(10.0, static_cast<double>(pBaseMax)), k);
+  const double middleGrey = Pow(0.5, 2.2);
+  const auto grey = static_cast<double>(static_cast<float>(middleGrey / Pow(middleGrey, k)));
+  const double normalise =
+      1.0 / static_cast<double>(static_cast<float>(Pow(static_cast<double>(pLargestLuminance), k)));
+  const double normaliseBase = 1.0 / Pow(Pow(10.0, static_cast<double>(pBaseMax)), k);
   const double weight = NormalisationWeight(k);
   sExposureScales scales{static_cast<float>(weight * normalise + (1.0 - weight) * grey),
                          static_cast<float>(weight * normaliseBase + (1.0 - weight) * grey)};
@@ -30,7 +32,7 @@ sExposureScales ExposureScales(float pExponent, float pLargestLuminance, float p
   if (compression < 0.0f) compression = 0.0f;
   if (compression > 1.0f) compression = 1.0f;
   const auto c = static_cast<double>(compression);
-  const double darkening = std::pow(2.0, -0.35) * c + (1.0 - c);
+  const double darkening = Pow(2.0, -0.35) * c + (1.0 - c);
   scales.fInput = static_cast<float>(static_cast<double>(scales.fInput) * darkening);
   scales.fBase = static_cast<float>(static_cast<double>(scales.fBase) * darkening);
   return scales;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "engine/Quantise.h"
-#include "engine/stages/HueRecord.h"
 
 namespace TmEngine {
 
@@ -20,14 +19,8 @@ class cHueTable {
   void Build(const unsigned short* pHueShift, const float* pSaturation);
 
   const sColor& operator[](unsigned short pHue) const { return fColors[pHue]; }
-
-  /// The channels of a HueRecord's colour, every one times pScale.
-  sColor ColorOf(const unsigned short* pHueRecord, float pScale) const {
-    const float low = HueRecord::LoadFloat(pHueRecord + HueRecord::kMin) * pScale;
-    const float span = HueRecord::LoadFloat(pHueRecord + HueRecord::kMax) * pScale - low;
-    const sColor& hue = (*this)[pHueRecord[HueRecord::kHue]];
-    return {span * hue.fR + low, span * hue.fG + low, span * hue.fB + low};
-  }
+  /// The table as three floats a hue.
+  const float* Elements() const { return &fColors[0].fR; }
 
  private:
   sColor fColors[kTableSize];

@@ -1,5 +1,6 @@
 #include "engine/stages/Plane.h"
 
+#include "engine/LargeBlock.h"
 #include "engine/TmCheck.h"
 
 namespace TmEngine {
@@ -9,7 +10,7 @@ static constexpr char kSourceFile[] = ".\\cTmRenderer.cpp";
 tPlane AllocPlane(int pWidth, int pHeight) {
   static constexpr char kSignature[] = "float *__cdecl TmEngine::AllocPlane(int,int)";
   const std::size_t count = static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pHeight);
-  tPlane plane(static_cast<float*>(std::malloc(count * sizeof(float))));
+  tPlane plane(static_cast<float*>(AllocLargeBlock(count * sizeof(float))));
   TM_CHECK(plane != nullptr, cOutOfMemoryException, "Cannot alloc bitmap array.");
   return plane;
 }

@@ -5,7 +5,7 @@
 namespace TmEngine {
 
 class cBitmapU16T;
-class cBitmapXYZ32;
+class cRowSource;
 
 /// Smallest and largest luminance of a picture, none below 2^-128, and their base-10 logarithms.
 struct sLuminanceRange {
@@ -15,16 +15,15 @@ struct sLuminanceRange {
   float fLogMax = 0.0f;
 };
 
-/// Fills a record (see ColorRecord) for each pixel of pInput (D50-relative XYZ): luminance, hue, and the
-/// smallest and largest channel of its chromaticity at unit luminance. pXYZToWorking leads to the working RGB
-/// space. A pixel without positive luminance counts as grey of luminance 1e-6. Polls pCancel before each row;
-/// sets pAborted and returns when it is set.
-void FillColorRecords(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
-                      const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords);
-
-/// Writes log10 of each pixel's luminance, at least 2^-128, to pLogLuminance (width * height floats) and
-/// measures the range. Polls pCancel before each row; sets pAborted and returns when it is set.
-void MeasureLogLuminance(const bool* pCancel, bool* pAborted, const cBitmapXYZ32& pInput,
-                         float* pLogLuminance, sLuminanceRange& pRange);
+/// Reads the picture once and writes for each pixel
+/// - its record (see ColorRows.h): luminance, hue, and the smallest and largest channel of its chromaticity
+/// at
+///   unit luminance; pXYZToWorking leads to the working RGB space. A pixel without positive luminance counts
+///   as grey of luminance 1e-6;
+/// - log10 of its luminance, at least 2^-128, to pLogLuminance (width * height floats), and measures the
+/// range. Polls pCancel before each row; sets pAborted and returns when it is set.
+void PrepareColors(const bool* pCancel, bool* pAborted, const cRowSource& pInput,
+                   const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords, float* pLogLuminance,
+                   sLuminanceRange& pRange);
 
 }  // namespace TmEngine

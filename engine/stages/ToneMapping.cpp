@@ -1,42 +1,66 @@
 #include "engine/stages/ToneMapping.h"
 
+#include <algorithm>
 #include <cstddef>
 
+#include "engine/PixelRows.h"
 #include "engine/cBitmapU16T.h"
-#include "engine/stages/ColorRecord.h"
+#include "engine/kernels/Kernels.h"
+#include "engine/stages/ColorRows.h"
 #include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
 
-int LayerIndex(float pValue, float pMin, float pRange) {
-  return ClampToIndex((pValue - pMin) * 65535.0f / pRange, kLastIndex);
+/// Returns pSum with the luminances added, in their order.
+double ToneMapRun(const float* pLogLuminance, const float* pBase, const sLayerStatistics& pLayers,
+                  const sToneTables& pTables, double pSum, float* pLuminance, int pCount) {
+  const sKernels& kernels = Kernels();
+  float details[kRunLength];
+  int base[kRunLength], detail[kRunLength];
+  kernels.fSubtract(pLogLuminance, pBase, details, pCount);
+  kernels.fQuantise(pBase, pLayers.fBaseMin, pLayers.fBaseMax - pLayers.fBaseMin, base, pCount);
+  kernels.fQuantise(details, pLayers.fDetailMin, pLayers.fDetailMax - pLayers.fDetailMin, detail, pCount);
+  for (int i = 0; i < pCount; ++i) {
+    pLuminance[i] = pTables.fBase[base[i]] * pTables.fDetail[detail[i]];
+    pSum += static_cast<double>(pLuminance[i]);
+  }
+  return pSum;
+}
+
+/// A value that raises the maximum is not tested against the minimum; where none does, order is nothing.
+void Widen(sToneMappedRange& pRange, const float* pValues, int pCount) {
+  sRange run = {pRange.fMin, pRange.fMax};
+  Kernels().fWiden(pValues, pCount, run);
+  if (run.fMax == pRange.fMax) {
+    pRange.fMin = run.fMin;
+    return;
+  }
+  for (int i = 0; i < pCount; ++i) {
+    if (pValues[i] > pRange.fMax) {
+      pRange.fMax = pValues[i];
+    } else if (pValues[i] < pRange.fMin) {
+      pRange.fMin = pValues[i];
+    }
+  }
 }
 
 }  // namespace
 
-sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pBase,
-                                  const float* pDetail, const sLayerStatistics& pLayers,
+sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pLogLuminance,
+                                  const float* pBase, const sLayerStatistics& pLayers,
                                   const sToneTables& pTables, cBitmapU16T& pRecords) {
-  const float baseRange = pLayers.fBaseMax - pLayers.fBaseMin;
-  const float detailRange = pLayers.fDetailMax - pLayers.fDetailMin;
+  const int width = pRecords.GetWidth();
   sToneMappedRange range{pTables.fBaseMax * pTables.fDetailMax, 0.0f, 0.0};
   for (int y = 0; y < pRecords.GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) continue;
-    const std::ptrdiff_t row = RowStart(y, pRecords.GetWidth());
-    unsigned short* record = pRecords.GetRow(y);
-    for (int x = 0; x < pRecords.GetWidth(); ++x, record += ColorRecord::kSlots) {
-      const float luminance = pTables.fBase[LayerIndex(pBase[row + x], pLayers.fBaseMin, baseRange)] *
-                              pTables.fDetail[LayerIndex(pDetail[row + x], pLayers.fDetailMin, detailRange)];
-      ColorRecord::StoreFloat(record + ColorRecord::kLuminance, luminance);
-      // A value that raises the maximum is not tested against the minimum.
-      if (luminance > range.fMax) {
-        range.fMax = luminance;
-      } else if (luminance < range.fMin) {
-        range.fMin = luminance;
-      }
-      range.fSum += static_cast<double>(luminance);
+    for (int start = 0; start < width; start += kRunLength) {
+      const std::ptrdiff_t at = RowStart(y, width) + start;
+      const int count = std::min(kRunLength, width - start);
+      float* const luminance = ColorRun(pRecords, y, start).fLuminance;
+      range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, count);
+      Widen(range, luminance, count);
     }
   }
   return range;

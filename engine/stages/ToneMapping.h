@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/stages/DetailLayer.h"
+#include "engine/stages/LayerStatistics.h"
 #include "engine/stages/ToneTables.h"
 
 namespace TmEngine {
@@ -15,10 +15,10 @@ struct sToneMappedRange {
 };
 
 /// Writes the tone-mapped luminance of each pixel, the product of its two table entries, into its record.
-/// pBase and pDetail are planes of the records' size; both layers' ranges are above 0. Polls pCancel before
-/// each row; sets pAborted and skips the row when it is set.
-sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pBase,
-                                  const float* pDetail, const sLayerStatistics& pLayers,
+/// pLogLuminance and pBase are planes of the records' size; both layers' ranges are above 0. Polls pCancel
+/// before each row; sets pAborted and skips the row when it is set.
+sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pLogLuminance,
+                                  const float* pBase, const sLayerStatistics& pLayers,
                                   const sToneTables& pTables, cBitmapU16T& pRecords);
 
 }  // namespace TmEngine

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "engine/kernels/Kernels.h"
+
 namespace TmEngine {
 namespace {
 
@@ -13,21 +15,38 @@ struct sCompression {
   double fMagnitude;  // the typical one
 };
 
-double Exponent(const sCompression& pCompression, double pValue) {
+constexpr int kRun = 256;  // entries worked on at once
+static_assert(kTableSize % kRun == 0);
+
+/// Multiplies each value by its exponent.
+void ApplyExponents(const sCompression& pCompression, double* pValues) {
   const auto plain = static_cast<double>(pCompression.fExponent);
-  if (!pCompression.fCompressed) return plain;
-  const double relative = std::fabs(pValue / pCompression.fMagnitude);
-  return relative > 0.0 ? std::pow(relative, -pCompression.fFall) * plain : plain;
+  double relative[kRun], fall[kRun];
+  if (pCompression.fCompressed) {
+    for (int i = 0; i < kRun; ++i) relative[i] = std::fabs(pValues[i] / pCompression.fMagnitude);
+    Kernels().fPowRow(relative, -pCompression.fFall, fall, kRun);
+  }
+  for (int i = 0; i < kRun; ++i) {
+    const bool falls = pCompression.fCompressed && relative[i] > 0.0;
+    pValues[i] *= falls ? fall[i] * plain : plain;
+  }
 }
 
 /// Fills a table over [pMin, pMax] and returns its largest entry.
 float FillTable(const sCompression& pCompression, float pMin, float pMax, float* pTable) {
   float largest = 0.0f;
-  for (int i = 0; i < kTableSize; ++i) {
-    const float t = static_cast<float>(i / 65535.0);
-    const auto value = static_cast<double>(t * (pMax - pMin) + pMin);
-    pTable[i] = static_cast<float>(std::pow(10.0, value * Exponent(pCompression, value)));
-    if (pTable[i] > largest) largest = pTable[i];
+  for (int start = 0; start < kTableSize; start += kRun, pTable += kRun) {
+    double values[kRun];
+    for (int i = 0; i < kRun; ++i) {
+      const float t = static_cast<float>((start + i) / 65535.0);
+      values[i] = static_cast<double>(t * (pMax - pMin) + pMin);
+    }
+    ApplyExponents(pCompression, values);
+    Kernels().fBasePowRow(10.0, values, values, kRun);
+    for (int i = 0; i < kRun; ++i) {
+      pTable[i] = static_cast<float>(values[i]);
+      if (pTable[i] > largest) largest = pTable[i];
+    }
   }
   return largest;
 }

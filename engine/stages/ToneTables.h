@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/Quantise.h"
-#include "engine/stages/DetailLayer.h"
+#include "engine/stages/LayerStatistics.h"
 
 namespace TmEngine {
 

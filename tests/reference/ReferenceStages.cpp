@@ -63,6 +63,11 @@ sPixel PreparePixel(const float* pXYZ, const tMatrix& m) {
   return {y, hue, smallest, largest};
 }
 
+/// Rounded to a float once; that of floats itself is not.
+float Log10(float pValue) {
+  return static_cast<float>(std::log10(double{pValue}));
+}
+
 void Prepare(sJob& pJob, const std::vector<float>& pXYZ) {
   const tMatrix toProPhoto = XyzD50ToRgb(kProPhoto);
   const float floorY = static_cast<float>(std::ldexp(1.0, -128));
@@ -72,10 +77,10 @@ void Prepare(sJob& pJob, const std::vector<float>& pXYZ) {
     pJob.fPixels.push_back(PreparePixel(xyz, toProPhoto));
     const float y = floorY > xyz[1] ? floorY : xyz[1];
     Extend(y, found.fMinY, found.fMaxY);
-    pJob.fLogY.push_back(std::log10(y));
+    pJob.fLogY.push_back(Log10(y));
   }
-  found.fLogMinY = std::log10(found.fMinY);
-  found.fLogMaxY = std::log10(found.fMaxY);
+  found.fLogMinY = Log10(found.fMinY);
+  found.fLogMaxY = Log10(found.fMaxY);
   Log(pJob.fLog, "Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n", found.fLogMinY, found.fLogMaxY);
 }
 

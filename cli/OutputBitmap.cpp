@@ -1,4 +1,4 @@
-#include "export/OutputBitmap.h"
+#include "cli/OutputBitmap.h"
 
 #include <cstdlib>
 

@@ -1,0 +1,56 @@
+#pragma once
+
+namespace TmEngine {
+
+class cColorSpace;
+
+/// Runs of pixels that are worked on together are at most this long: what belongs to one stays in the
+/// processor's nearest cache.
+inline constexpr int kRunLength = 1024;
+
+/// Where a renderer's input comes from, a run of pixels at a time: linear light, D50-relative XYZ. Rows are
+/// asked for from top to bottom, each from left to right, once a preparation.
+class cRowSource {
+ public:
+  cRowSource(int pWidth, int pHeight) : fWidth(pWidth), fHeight(pHeight) {}
+  cRowSource(const cRowSource&) = delete;
+  cRowSource& operator=(const cRowSource&) = delete;
+  virtual ~cRowSource() = default;
+
+  int GetWidth() const { return fWidth; }
+  int GetHeight() const { return fHeight; }
+
+  /// Writes the pCount (at most kRunLength) pixels from column pX of row pY on, a plane a channel.
+  virtual void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const = 0;
+
+ private:
+  int fWidth;
+  int fHeight;
+};
+
+/// A row's samples: three a pixel, without gaps.
+struct sSampleRow {
+  void* fSamples;
+  bool fRedFirst;  ///< Red, green, blue; else blue, green, red.
+};
+
+/// Where a renderer's output goes, row by row from top to bottom.
+class cRowSink {
+ public:
+  cRowSink() = default;
+  cRowSink(const cRowSink&) = delete;
+  cRowSink& operator=(const cRowSink&) = delete;
+  virtual ~cRowSink() = default;
+
+  virtual int GetWidth() const = 0;
+  virtual int GetHeight() const = 0;
+  virtual int GetBitDepth() const = 0;  ///< 8 or 16.
+  virtual const cColorSpace& GetColorSpace() const = 0;
+
+  /// Room for row pY, aligned as its samples want it.
+  virtual sSampleRow BeginRow(int pY) = 0;
+  /// The row is complete.
+  virtual void EndRow(int pY) = 0;
+};
+
+}  // namespace TmEngine

@@ -1,0 +1,49 @@
+#include "engine/stages/BaseLayer.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "engine/stages/BilateralGrid.h"
+#include "engine/stages/BoxSmoother.h"
+#include "engine/stages/Plane.h"
+#include "engine/stages/StageFlags.h"
+
+namespace TmEngine {
+namespace {
+
+/// Reads the base from the grid, smooths it if asked to and measures the layers. False when stopped.
+bool SliceAndMeasure(const bool* pCancel, cBilateralGrid& pGrid, const float* pLogLuminance, float* pBase,
+                     int pWidth, int pHeight, float pSmoothing, sLayerStatistics& pStatistics) {
+  const bool smooths = pSmoothing > 0.0f;
+  for (int y = 0; y < pHeight; ++y) {
+    if (IsSet(pCancel)) return false;
+    const std::ptrdiff_t row = RowStart(y, pWidth);
+    pGrid.SliceRow(y, pLogLuminance + row, pBase + row);
+    if (!smooths) pStatistics.AddRow(pLogLuminance + row, pBase + row, pWidth);
+  }
+  if (!smooths) return true;
+  if (!SmoothWithBox(pBase, pBase, pWidth, pHeight, pSmoothing, pCancel)) return false;
+  for (int y = 0; y < pHeight; ++y) {
+    if (IsSet(pCancel)) return false;
+    const std::ptrdiff_t row = RowStart(y, pWidth);
+    pStatistics.AddRow(pLogLuminance + row, pBase + row, pWidth);
+  }
+  return true;
+}
+
+}  // namespace
+
+void FormBaseLayer(const bool* pCancel, bool* pAborted, const float* pLogLuminance, float* pBase, int pWidth,
+                   int pHeight, const sBaseFilter& pFilter, sLayerStatistics& pStatistics) {
+  pStatistics = sLayerStatistics{};
+  const float smoothing = static_cast<float>(std::max(pWidth, pHeight)) * pFilter.fLocalContrast / 3000.0f;
+  cBilateralGrid grid(pWidth, pHeight, pFilter.fSigmaS, pFilter.fSigmaR, pFilter.fRangeMin,
+                      pFilter.fRangeMax);
+  if (!grid.Splat(pCancel, pLogLuminance, pFilter.fWrap) || !grid.Blur(pCancel) ||
+      !SliceAndMeasure(pCancel, grid, pLogLuminance, pBase, pWidth, pHeight, smoothing, pStatistics)) {
+    return SetAborted(pAborted);
+  }
+  pStatistics.Finish(RowStart(pHeight, pWidth));
+}
+
+}  // namespace TmEngine

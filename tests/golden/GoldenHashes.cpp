@@ -1,0 +1,180 @@
+// Every compiler, optimisation level, sanitizer and processor gives the same bytes: their hashes stand in
+// hashes.txt.
+//
+//   golden-hashes hashes.txt            compares, names what differs
+//   golden-hashes --update hashes.txt   writes the table anew, after a change that is meant to change bytes
+//
+// A program without a test framework, so that it also runs where only a C++ compiler is.
+#include <cinttypes>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "engine/cBitmapBGR16.h"
+#include "engine/cBitmapBGR8.h"
+#include "engine/cBitmapXYZ32.h"
+#include "engine/cColorEqRenderer.h"
+#include "engine/cHermiteSpline.h"
+#include "engine/cTmRenderer.h"
+#include "tests/HostCall.h"
+
+using namespace TmEngine;
+
+namespace {
+
+using tTable = std::map<std::string, std::string>;
+using tImage = std::unique_ptr<cBitmapLDR>;
+
+/// FNV-1a, 64 bits (IETF draft-eastlake-fnv).
+std::string Hash(const unsigned char* pBytes, std::size_t pCount) {
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (std::size_t i = 0; i < pCount; ++i) hash = (hash ^ pBytes[i]) * 0x100000001B3u;
+  char text[17];
+  std::snprintf(text, sizeof text, "%016" PRIx64, hash);
+  return text;
+}
+
+struct sSliders {
+  const char* fName;
+  tm_quorvane_settings fSettings;
+};
+
+void HashCall(tTable& pTable, const std::string& pName, const tm_quorvane_image& pImage, int pColorSpace,
+              const tm_quorvane_settings& pSettings) {
+  sCall call(pImage);
+  call.fSettings = pSettings;
+  const bool done = call.Run(pColorSpace) == 1;
+  pTable[pName] = done ? Hash(call.fOutput.data(), call.fOutput.size()) : "failed";
+}
+
+/// All depths, spaces and sliders.
+void HashCalls(tTable& pTable) {
+  const sSliders kSliders[] = {{"neutral", {}},
+                               {"strong", {160, 8, 20, 40, 1, 9, {}, 0, {}, 0}},
+                               {"expanded", {-230, -10, 3, 10, 0.5f, -10, {}, 0, {}, 1}},
+                               {"panorama", {60, -3, 7, 2, 0.1f, 4, {}, 0, {}, 1}}};
+  for (const int inputBits : {8, 16, 32}) {
+    for (const int outputBits : {8, 16}) {
+      for (int colorSpace = 0; colorSpace < 3; ++colorSpace) {
+        for (const sSliders& sliders : kSliders) {
+          const std::string name = std::to_string(inputBits) + "-" + std::to_string(outputBits) + "-" +
+                                   std::to_string(colorSpace) + "-" + sliders.fName;
+          HashCall(pTable, name, HostImage(203, 91, inputBits, outputBits), colorSpace, sliders.fSettings);
+        }
+      }
+    }
+  }
+}
+
+/// Odd sizes, four samples a pixel, both channel orders.
+void HashShapes(tTable& pTable) {
+  for (const auto& [width, height] : {std::pair{1, 1}, {1, 700}, {700, 1}, {17, 33}, {640, 360}, {2500, 3}}) {
+    for (const int reversed : {0, 1}) {
+      tm_quorvane_image image = HostImage(width, height, 32, 16);
+      image.reversed_order = reversed;
+      const std::string name = "shape-" + std::to_string(width) + "x" + std::to_string(height) + "-";
+      HashCall(pTable, name + std::to_string(reversed), image, 0,
+               {90, 2, 5, 5, 0.2f, 3, {}, 0, {}, static_cast<float>(reversed)});
+    }
+  }
+}
+
+void FillWithNoise(float* pSamples, int pCount) {
+  cRandom random(11);
+  for (int i = 0; i < pCount; ++i) pSamples[i] = random.Unit() * static_cast<float>(1 << random.Below(12));
+}
+
+/// What a host cannot choose: smoothing of the base layer, contrast, exposure, hue curves.
+void HashRenderer(tTable& pTable) {
+  cBitmapXYZ32 input(120, 80);
+  FillWithNoise(input.GetBitmapData(), 3 * 120 * 80);
+  cBitmapBGR16 output(120, 80, eColorSpaceID_AdobeRGB98);
+  for (const float amount : {0.0f, 30.0f, 100.0f}) {
+    const auto renderer = std::make_unique<cTmRenderer>();
+    renderer->SetInput(&input);
+    renderer->SetOutput(&output);
+    renderer->SetToneParameters(
+        amount, amount / 9,
+        amount<50, amount - 60, true, amount / 50, 180 - amount, amount, amount, amount> 20, false, false,
+        amount / 70, amount / 200);
+    renderer->Render();
+    pTable["renderer-" + std::to_string(static_cast<int>(amount))] =
+        Hash(output.GetBitmapData(), std::size_t{720} * 80);
+  }
+}
+
+tImage NoisyImage(int pDepth, eColorSpaceID pSpace) {
+  tImage image;
+  if (pDepth == 8) {
+    image = std::make_unique<cBitmapBGR8>(120, 80, pSpace);
+  } else {
+    image = std::make_unique<cBitmapBGR16>(120, 80, pSpace);
+  }
+  cRandom random(3);
+  for (int i = 0; i < image->GetStride() * 80; ++i)
+    image->GetBitmapData()[i] = static_cast<unsigned char>(random.Next());
+  return image;
+}
+
+void HashEqualiser(tTable& pTable) {
+  const sControlPoint points[] = {{{0.0f, 0.4f}, {0.1f, 0.2f}, {0.2f, 0.1f}},
+                                  {{0.3f, 0.7f}, {0.1f, 0.0f}, {0.3f, 0.3f}},
+                                  {{1.0f, 0.55f}, {0.2f, -0.3f}, {0.1f, 0.0f}}};
+  for (const int depth : {8, 16}) {
+    for (int space = 0; space < 3; ++space) {
+      for (const int mode : {0, 1, 2, 3}) {
+        cHermiteSpline curve;
+        curve.SetControlPoints(static_cast<eSplineInterpolationMode>(mode), 3, points);
+        const auto id = static_cast<eColorSpaceID>(space);
+        const tImage input = NoisyImage(depth, id), output = NoisyImage(24 - depth, id);
+        const auto renderer = std::make_unique<cColorEqRenderer>();
+        renderer->SetInput(input.get());
+        renderer->SetOutput(output.get());
+        renderer->SetHueCurves(&curve, &curve, &curve);
+        renderer->Render();
+        const std::string name = "equaliser-" + std::to_string(depth) + "-" + std::to_string(space) + "-";
+        pTable[name + std::to_string(mode)] =
+            Hash(output->GetBitmapData(), static_cast<std::size_t>(output->GetStride()) * 80);
+      }
+    }
+  }
+}
+
+int Update(const tTable& pTable, const char* pPath) {
+  std::ofstream file(pPath);
+  for (const auto& [name, hash] : pTable) file << name << " " << hash << "\n";
+  file.close();
+  return file ? 0 : 2;
+}
+
+int Compare(const tTable& pTable, const char* pPath) {
+  tTable golden;
+  std::ifstream file(pPath);
+  for (std::string name, hash; file >> name >> hash;) golden[name] = hash;
+  int differing = 0;
+  for (const auto& [name, hash] : pTable) {
+    if (golden[name] == hash) continue;
+    std::printf("%s: %s, golden %s\n", name.c_str(), hash.c_str(), golden[name].c_str());
+    ++differing;
+  }
+  std::printf("%d of %zu hashes differ\n", differing, pTable.size());
+  return differing == 0 && golden.size() == pTable.size() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int pCount, char** pArguments) {
+  const bool update = pCount == 3 && std::string(pArguments[1]) == "--update";
+  if (pCount != 2 && !update) {
+    std::fprintf(stderr, "usage: golden-hashes [--update] hashes.txt\n");
+    return 2;
+  }
+  tTable table;
+  HashCalls(table);
+  HashShapes(table);
+  HashRenderer(table);
+  HashEqualiser(table);
+  return update ? Update(table, pArguments[2]) : Compare(table, pArguments[1]);
+}
