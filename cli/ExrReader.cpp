@@ -8,9 +8,9 @@
 
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 #include <vector>
 
+#include "cli/ExrChunks.h"
 #include "cli/Failure.h"
 #include "cli/LinearLight.h"
 
@@ -50,22 +50,6 @@ std::vector<std::string> ChooseChannels(const std::string& pFile, const Imf::Cha
   return chosen;
 }
 
-/// Refuses a file without compression that holds fewer samples than its header promises: the library would
-/// make up the rest from memory as it finds it.
-void CheckSize(const std::string& pFile, const Imf::Header& pHeader, const sPicture& pPicture) {
-  if (pHeader.compression() != Imf::NO_COMPRESSION) return;
-  double pixelBytes = 0.0;
-  for (auto channel = pHeader.channels().begin(); channel != pHeader.channels().end(); ++channel) {
-    const Imf::Channel& stored = channel.channel();
-    pixelBytes += (stored.type == Imf::HALF ? 2.0 : 4.0) / stored.xSampling / stored.ySampling;
-  }
-  const double needed = pixelBytes * pPicture.fBitmap->GetWidth() * pPicture.fBitmap->GetHeight();
-  std::error_code error;
-  if (static_cast<double>(std::filesystem::file_size(pFile, error)) < needed || error) {
-    throw cFailure(eExitCode_CannotRead, pFile, "cut short: it holds fewer pixels than its header promises");
-  }
-}
-
 std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
   if (!Imf::hasChromaticities(pHeader)) return std::nullopt;
   const Imf::Chromaticities& stated = Imf::chromaticities(pHeader);
@@ -92,7 +76,7 @@ sPicture ReadChecked(const std::string& pFile) {
   const std::vector<std::string> channels = ChooseChannels(pFile, file.header().channels());
   sPicture picture = MakePicture(pFile, std::int64_t{window.max.x} - window.min.x + 1,
                                  std::int64_t{window.max.y} - window.min.y + 1);
-  CheckSize(pFile, file.header(), picture);
+  CheckExrChunks(pFile, file);
   file.setFrameBuffer(PlaceChannels(picture, window, channels));
   file.readPixels(window.min.y, window.max.y);
   if (channels.size() == 1) SpreadGrey(picture);
