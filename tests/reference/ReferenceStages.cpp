@@ -72,6 +72,8 @@ void Prepare(sJob& pJob, const std::vector<float>& pXYZ) {
   const tMatrix toProPhoto = XyzD50ToRgb(kProPhoto);
   const float floorY = static_cast<float>(std::ldexp(1.0, -128));
   sStatistics& found = pJob.fStatistics;
+  pJob.fPixels.reserve(static_cast<std::size_t>(pJob.Count()));
+  pJob.fLogY.reserve(static_cast<std::size_t>(pJob.Count()));
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
     const float* xyz = pXYZ.data() + 3 * i;
     pJob.fPixels.push_back(PreparePixel(xyz, toProPhoto));
@@ -190,6 +192,7 @@ void FindBase(sJob& pJob, float pSigmaS, float pSigmaR) {
              GridSize(pJob.fStatistics.fLogMaxY - logMin, pSigmaR));
   for (int y = 0; y < pJob.fHeight; ++y) SplatRow(pJob, grid, y, pSigmaS, pSigmaR);
   Blur(grid);
+  pJob.fBase.reserve(static_cast<std::size_t>(pJob.Count()));
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
     const auto x = static_cast<float>(i % pJob.fWidth), y = static_cast<float>(i / pJob.fWidth);
     const float d = pJob.fLogY[i] - logMin;
@@ -202,6 +205,7 @@ void Phase1(sJob& pJob) {
   const float sigmaR = RangeSigma(pJob);
   FindBase(pJob, sigmaS, sigmaR);
   sStatistics& found = pJob.fStatistics;
+  pJob.fDetail.reserve(static_cast<std::size_t>(pJob.Count()));
   for (std::int64_t i = 0; i < pJob.Count(); ++i) {
     const float base = pJob.fBase[i];
     const float detail = pJob.fLogY[i] - base;
@@ -392,6 +396,7 @@ std::vector<std::uint16_t> FinalRendering(const sJob& pJob, int pOutputBits, int
   const tList<float> toneCurve = ToneCurve(ContrastPosition(pJob.fValues));
   const tList<sHexcone> hues = HueTable();
   std::vector<std::uint16_t> bgr;
+  bgr.reserve(3 * pJob.fPixels.size());
   for (const sPixel& pixel : pJob.fPixels) {
     const float luminance = Stretched(pixel.fY, pJob.fStatistics);
     const float lo = pixel.fMin * luminance;

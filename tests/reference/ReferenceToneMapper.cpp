@@ -71,11 +71,16 @@ tList<float> GammaTable(int pMax, double pGamma) {
   return table;
 }
 
+std::size_t SampleCount(const tm_quorvane_image& pImage) {
+  return std::size_t{3} * static_cast<std::size_t>(pImage.width) * static_cast<std::size_t>(pImage.height);
+}
+
 template <class tSample>
 std::vector<float> ImportCoded(const tm_quorvane_image& pImage, int pColorSpace, const tSample* pInput) {
   const tList<float> table =
       GammaTable(sizeof(tSample) == 1 ? 255 : 65535, pColorSpace == kProPhoto ? 1.8 : 2.2);
   std::vector<float> rgb;
+  rgb.reserve(SampleCount(pImage));
   for (std::int64_t i = 0; i < std::int64_t{pImage.width} * pImage.height; ++i) {
     const tSample* pixel = pInput + i * pImage.samples_per_pixel;
     for (const int offset : Offsets(pImage)) rgb.push_back(table[pixel[offset]]);
@@ -86,6 +91,7 @@ std::vector<float> ImportCoded(const tm_quorvane_image& pImage, int pColorSpace,
 std::vector<float> ImportRgbe(const tm_quorvane_image& pImage, const std::uint8_t* pInput) {
   const std::int64_t width = pImage.width;
   std::vector<float> rgb;
+  rgb.reserve(SampleCount(pImage));
   for (std::int64_t y = 0; y < pImage.height; ++y) {
     const std::uint8_t* row = pInput + y * 4 * width;
     for (std::int64_t x = 0; x < width; ++x) {
