@@ -3,14 +3,45 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "engine/Elementary.h"
 #include "engine/TmCheck.h"
+#include "engine/kernels/Kernels.h"
 
 namespace TmEngine {
 
 static constexpr char kSourceFile[] = ".\\cTransfer.cpp";
 
+namespace {
+
+constexpr float kDecodingKnee = 0.04045f;
+constexpr float kEncodingKnee = 0.0031308f;
+
+/// Writes pFinish(x, pBase(x) to the power pExponent) for each x.
+template <class tBase, class tFinish>
+void PowerRow(const float* pX, float* pTo, int pCount, double pExponent, const tBase& pBase,
+              const tFinish& pFinish) {
+  constexpr int kRun = 256;
+  double powers[kRun];
+  for (int start = 0; start < pCount; start += kRun) {
+    const int count = std::min(kRun, pCount - start);
+    for (int i = 0; i < count; ++i) powers[i] = pBase(pX[start + i]);
+    Kernels().fPowRow(powers, pExponent, powers, count);
+    for (int i = 0; i < count; ++i) pTo[start + i] = pFinish(pX[start + i], powers[i]);
+  }
+}
+
+/// One value, as a row has it.
+float EvaluateOne(const cTransfer& pTransfer, float pX) {
+  pTransfer.EvaluateRow(&pX, &pX, 1);
+  return pX;
+}
+
+}  // namespace
+
 cTransfer::~cTransfer() = default;
+
+void cTransfer::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+  for (int i = 0; i < pCount; ++i) pTo[i] = Evaluate(pX[i]);
+}
 
 cTransferGamma::cTransferGamma(float pGamma) : fGamma(pGamma) {}
 
@@ -21,7 +52,13 @@ cTransfer* cTransferGamma::Clone() const {
 }
 
 float cTransferGamma::Evaluate(float pX) const {
-  return static_cast<float>(Pow(static_cast<double>(pX), 1.0 / static_cast<double>(fGamma)));
+  return EvaluateOne(*this, pX);
+}
+
+void cTransferGamma::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+  PowerRow(
+      pX, pTo, pCount, 1.0 / static_cast<double>(fGamma), [](float pValue) { return double{pValue}; },
+      [](float, double pPower) { return static_cast<float>(pPower); });
 }
 
 cTransfer_sRGBToLinear::cTransfer_sRGBToLinear() = default;
@@ -32,10 +69,17 @@ cTransfer* cTransfer_sRGBToLinear::Clone() const {
   return new cTransfer_sRGBToLinear;
 }
 
-// Both sRGB curves continue their straight part below 0 and send NaN through the power.
 float cTransfer_sRGBToLinear::Evaluate(float pX) const {
-  if (pX <= 0.04045f) return pX / 12.92f;
-  return static_cast<float>(Pow((static_cast<double>(pX) + 0.055) / 1.055, 2.4));
+  return EvaluateOne(*this, pX);
+}
+
+// Both sRGB curves continue their straight part below 0 and send NaN through the power.
+void cTransfer_sRGBToLinear::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+  PowerRow(
+      pX, pTo, pCount, 2.4, [](float pValue) { return (double{pValue} + 0.055) / 1.055; },
+      [](float pValue, double pPower) {
+        return pValue <= kDecodingKnee ? pValue / 12.92f : static_cast<float>(pPower);
+      });
 }
 
 cTransferLinearTo_sRGB::cTransferLinearTo_sRGB() = default;
@@ -47,9 +91,16 @@ cTransfer* cTransferLinearTo_sRGB::Clone() const {
 }
 
 float cTransferLinearTo_sRGB::Evaluate(float pX) const {
-  if (pX <= 0.0031308f) return pX * 12.92f;
+  return EvaluateOne(*this, pX);
+}
+
+void cTransferLinearTo_sRGB::EvaluateRow(const float* pX, float* pTo, int pCount) const {
   constexpr double kExponent = 0.4166666666666667;  // 1 / 2.4
-  return static_cast<float>(Pow(static_cast<double>(pX), kExponent) * 1.055 - 0.055);
+  PowerRow(
+      pX, pTo, pCount, kExponent, [](float pValue) { return double{pValue}; },
+      [](float pValue, double pPower) {
+        return pValue <= kEncodingKnee ? pValue * 12.92f : static_cast<float>(pPower * 1.055 - 0.055);
+      });
 }
 
 cTransfer_Table::cTransfer_Table(unsigned short* pTable, int pTableSize)

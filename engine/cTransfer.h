@@ -11,6 +11,8 @@ class cTransfer {
   virtual ~cTransfer();
   virtual cTransfer* Clone() const = 0;  ///< A new copy, owned by the caller.
   virtual float Evaluate(float pX) const = 0;
+  /// Evaluate of each of pCount values. pTo may be pX.
+  virtual void EvaluateRow(const float* pX, float* pTo, int pCount) const;
 };
 
 /// x to the power 1 / gamma: a field of 2.2 encodes, a field of 1/2.2 decodes.
@@ -20,6 +22,7 @@ class cTransferGamma : public cTransfer {
   ~cTransferGamma() override;
   cTransfer* Clone() const override;
   float Evaluate(float pX) const override;
+  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
 
  private:
   float fGamma;
@@ -32,6 +35,7 @@ class cTransfer_sRGBToLinear : public cTransfer {
   ~cTransfer_sRGBToLinear() override;
   cTransfer* Clone() const override;
   float Evaluate(float pX) const override;
+  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
 };
 
 /// sRGB encoding (IEC 61966-2-1): linear light to encoded value.
@@ -41,6 +45,7 @@ class cTransferLinearTo_sRGB : public cTransfer {
   ~cTransferLinearTo_sRGB() override;
   cTransfer* Clone() const override;
   float Evaluate(float pX) const override;
+  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
 };
 
 /// Linear interpolation in a table of equally spaced samples over [0, 1].

@@ -20,16 +20,22 @@ float SamplePosition(std::size_t pIndex, std::size_t pEntries) {
 
 template <std::size_t kEntries>
 void FillDecoding(const cTransfer& pTransfer, float (&pTable)[kEntries]) {
-  for (std::size_t i = 0; i < kEntries; ++i) pTable[i] = pTransfer.Evaluate(SamplePosition(i, kEntries));
+  for (std::size_t i = 0; i < kEntries; ++i) pTable[i] = SamplePosition(i, kEntries);
+  pTransfer.EvaluateRow(pTable, pTable, static_cast<int>(kEntries));
 }
 
 // Truncates, and keeps the low bits of values outside the sample's range.
 template <class tSample, std::size_t kEntries>
 void FillEncoding(const cTransfer& pTransfer, tSample (&pTable)[kEntries]) {
   constexpr float kWhite = std::numeric_limits<tSample>::max();
-  for (std::size_t i = 0; i < kEntries; ++i) {
-    const float scaled = pTransfer.Evaluate(SamplePosition(i, kEntries)) * kWhite;
-    pTable[i] = static_cast<tSample>(TruncateToInt64(scaled));
+  constexpr std::size_t kRun = 256;
+  static_assert(kEntries % kRun == 0);
+  for (std::size_t start = 0; start < kEntries; start += kRun) {
+    float values[kRun];
+    for (std::size_t i = 0; i < kRun; ++i) values[i] = SamplePosition(start + i, kEntries);
+    pTransfer.EvaluateRow(values, values, static_cast<int>(kRun));
+    for (std::size_t i = 0; i < kRun; ++i)
+      pTable[start + i] = static_cast<tSample>(TruncateToInt64(values[i] * kWhite));
   }
 }
 
