@@ -48,6 +48,12 @@ bool IsOfIntegers(eFormat pFormat) {
   return pFormat == kTiff || pFormat == kPng || pFormat == kJpeg;
 }
 
+/// The ending of a result of the format, which is a PNG where it holds 16 bits.
+const char* EndingOf(eFormat pFormat, int pDepth) {
+  if (pFormat == kTiff) return ".tif";
+  return pFormat == kJpeg && pDepth == 8 ? ".jpg" : ".png";
+}
+
 /// A file in memory, with a name under which it can be opened.
 class cMemoryFile {
  public:
@@ -74,12 +80,11 @@ void CheckIsFinite(const Cli::sPicture& pPicture) {
   }
 }
 
-/// Writes it as 'equalize' does, in the format that it was read from: what the file tells beside its pixels
-/// must not keep anybody from that.
+/// Writes it as 'equalize' does, in the format that it was read from if that holds it: what the file tells
+/// beside its pixels must not keep anybody from that.
 void WriteBack(Cli::sLdrPicture& pPicture) {
-  const char* const ending = FUZZ_FORMAT == kPng ? "png" : FUZZ_FORMAT == kTiff ? "tif" : "jpg";
-  const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + "." + ending;
-  const int depth = FUZZ_FORMAT == kJpeg ? 8 : pPicture.fBitmap->GetBitDepth();
+  const int depth = pPicture.fBitmap->GetBitDepth();
+  const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + EndingOf(FUZZ_FORMAT, depth);
   Cli::cTempFile file(target);
   Cli::WritePicture(*pPicture.fBitmap, pPicture.fProfile, pPicture.fMetadata,
                     Cli::ChooseOutputFormat(target, depth), file);
