@@ -16,10 +16,11 @@ std::unique_ptr<cHermiteSpline> NeutralHueCurve() {
   return curve;
 }
 
-void ReplaceIfOther(std::unique_ptr<cHermiteSpline>& pHeld, const cHermiteSpline& pFrom, bool& pDirty) {
-  if (*pHeld == pFrom) return;
+/// Whether it was replaced.
+bool ReplaceIfOther(std::unique_ptr<cHermiteSpline>& pHeld, const cHermiteSpline& pFrom) {
+  if (*pHeld == pFrom) return false;
   pHeld = std::make_unique<cHermiteSpline>(pFrom);
-  pDirty = true;
+  return true;
 }
 
 }  // namespace
@@ -34,13 +35,15 @@ void cHueCurves::Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* p
   TM_CHECK_AT(pPlace, pHHCurve != nullptr, cArgumentNullException, "Argument pHHCurve is null.");
   TM_CHECK_AT(pPlace, pHSCurve != nullptr, cArgumentNullException, "Argument pHSCurve is null.");
   TM_CHECK_AT(pPlace, pHLCurve != nullptr, cArgumentNullException, "Argument pHLCurve is null.");
-  ReplaceIfOther(fHHCurve, *pHHCurve, pDirty);
-  ReplaceIfOther(fHSCurve, *pHSCurve, pDirty);
-  ReplaceIfOther(fHLCurve, *pHLCurve, pDirty);
+  if (ReplaceIfOther(fHHCurve, *pHHCurve)) fIsTableStale = pDirty = true;
+  if (ReplaceIfOther(fHSCurve, *pHSCurve)) fIsTableStale = pDirty = true;
+  if (ReplaceIfOther(fHLCurve, *pHLCurve)) pDirty = true;
 }
 
-void cHueCurves::BuildHueTable(cHueTable& pTable) const {
+void cHueCurves::BuildHueTable(cHueTable& pTable) {
+  if (!fIsTableStale) return;
   pTable.Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
+  fIsTableStale = false;
 }
 
 const float* cHueCurves::Lightness() const {

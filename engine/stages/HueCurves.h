@@ -20,8 +20,9 @@ class cHueCurves {
   void Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve, const cHermiteSpline* pHLCurve,
                bool& pDirty, const sThrowPlace& pPlace);
 
-  /// Builds pTable by hue shift and saturation.
-  void BuildHueTable(cHueTable& pTable) const;
+  /// Builds pTable, which is always the same one, by hue shift and saturation; a table that has what neutral
+  /// curves give, as a new one does, stays until other curves came.
+  void BuildHueTable(cHueTable& pTable);
   /// The lightness curve's 65,536 samples, 0.5 is neutral. They hold until the next Replace.
   const float* Lightness() const;
 
@@ -29,6 +30,7 @@ class cHueCurves {
   std::unique_ptr<cHermiteSpline> fHHCurve;
   std::unique_ptr<cHermiteSpline> fHSCurve;
   std::unique_ptr<cHermiteSpline> fHLCurve;
+  bool fIsTableStale = false;
 };
 
 }  // namespace TmEngine
