@@ -95,7 +95,7 @@ void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   for (int y = 0; y < sink.GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;
     EncodeRow(sink, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
-      Kernels().fEqualise(equaliser, ColorRun(*fHueRecords, y, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
+      Kernels().fEqualise(equaliser, HueRun(*fHueRecords, y, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
     });
   }
 }

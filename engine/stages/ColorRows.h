@@ -18,14 +18,20 @@ namespace TmEngine {
 inline constexpr int kHueChannels = 5;
 inline constexpr int kColorChannels = 7;  ///< With luminance.
 
-/// Row pY of pRecords, from column pX on.
-inline sColorRun ColorRun(cBitmapU16T& pRecords, int pY, int pX) {
+/// Row pY of pRecords, from column pX on, without luminance.
+inline sColorRun HueRun(cBitmapU16T& pRecords, int pY, int pX) {
   const std::ptrdiff_t width = pRecords.GetStride() / (2 * pRecords.GetPlaneCount());  // a multiple of 4
   unsigned short* const row = pRecords.GetRow(pY);
   float* const floats = reinterpret_cast<float*>(row);
-  const bool hasLuminance = pRecords.GetPlaneCount() == kColorChannels;
-  return {floats + pX, floats + width + pX, row + 4 * width + pX,
-          hasLuminance ? reinterpret_cast<float*>(row + 5 * width) + pX : nullptr};
+  return {floats + pX, floats + width + pX, row + 4 * width + pX, nullptr};
+}
+
+/// The same of an image with luminance.
+inline sColorRun ColorRun(cBitmapU16T& pRecords, int pY, int pX) {
+  const std::ptrdiff_t width = pRecords.GetStride() / (2 * kColorChannels);
+  sColorRun run = HueRun(pRecords, pY, pX);
+  run.fLuminance = reinterpret_cast<float*>(pRecords.GetRow(pY) + 5 * width) + pX;
+  return run;
 }
 
 }  // namespace TmEngine

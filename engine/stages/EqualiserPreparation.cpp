@@ -34,7 +34,7 @@ void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, con
     const auto* const row = reinterpret_cast<const tSample*>(PixelRow(pInput, y));
     for (int start = 0; start < pInput.GetWidth(); start += kRunLength) {
       FillRun(row + std::ptrdiff_t{3} * start, std::min(kRunLength, pInput.GetWidth() - start),
-              toLinear->GetTable(), pMatrix, ColorRun(pRecords, y, start));
+              toLinear->GetTable(), pMatrix, HueRun(pRecords, y, start));
     }
   }
 }
