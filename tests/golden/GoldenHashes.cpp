@@ -83,7 +83,10 @@ void HashShapes(tTable& pTable) {
 
 void FillWithNoise(float* pSamples, int pCount) {
   cRandom random(11);
-  for (int i = 0; i < pCount; ++i) pSamples[i] = random.Unit() * static_cast<float>(1 << random.Below(12));
+  for (int i = 0; i < pCount; ++i) {
+    const auto scale = static_cast<float>(1 << random.Below(12));
+    pSamples[i] = scale * random.Unit();
+  }
 }
 
 /// What a host cannot choose: smoothing of the base layer, contrast, exposure, hue curves.
