@@ -207,11 +207,8 @@ void RegisterTables() {
       curve.Get16BitTable();
     });
   });
-  Register("table/hue", 0.0, [](sStages&) {
-    static const auto table = std::make_unique<cHueTable>();
-    const cHueCurves curves;
-    return Seconds([&] { curves.BuildHueTable(*table); });
-  });
+  Register("table/hue", 0.0,
+           [](sStages&) { return Seconds([&] { const auto table = std::make_unique<cHueTable>(); }); });
   Register("table/encoding", 0.0, [](sStages& s) {
     static const auto encoding = std::make_unique<cOutputEncoding>();
     encoding->Invalidate();
