@@ -42,8 +42,8 @@ void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
     case 2:
       (pData.ConsumeBool() ? pImage.width : pImage.height) = pData.ConsumeIntegralInRange(INT32_MIN, 0);
       break;
-    case 3:  // beyond all memory (see Memory.cpp)
-      pImage.width = pData.ConsumeIntegralInRange(1 << 12, INT32_MAX);
+    case 3:  // one row of records is more than can be had (see Memory.cpp)
+      pImage.width = pData.ConsumeIntegralInRange(1 << 22, INT32_MAX);
       pImage.height = pData.ConsumeIntegralInRange(1 << 12, INT32_MAX);
       break;
     default:
