@@ -10,7 +10,6 @@ namespace {
 
 // What a caller cannot choose.
 constexpr bool kStrengthInContrast = true;
-constexpr float kContrast = 20.0f;
 constexpr bool kExposureScale = true;
 constexpr float kExposure = 0.0f;
 constexpr float kLocalContrast = 0.0f;
@@ -18,16 +17,20 @@ constexpr bool kTest2 = false;
 
 }  // namespace
 
+void SetParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters) {
+  pRenderer.SetToneParameters(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
+                              pParameters.fContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
+                              pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap,
+                              pParameters.fTest1, kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
+}
+
 void ToneMapRows(const cRowSource& pInput, cRowSink* pOutput, const sToneParameters& pParameters,
                  bool pVerbose) {
   const auto renderer = std::make_unique<cTmRenderer>();
   renderer->SetVerbose(pVerbose);
   renderer->SetInputRows(pInput);
   if (pOutput != nullptr) renderer->SetOutputRows(*pOutput);
-  renderer->SetToneParameters(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
-                              kContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
-                              pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap,
-                              pParameters.fTest1, kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
+  SetParameters(*renderer, pParameters);
   renderer->Render();
 }
 

@@ -6,6 +6,7 @@ class cBitmapLDR;
 class cBitmapXYZ32;
 class cRowSink;
 class cRowSource;
+class cTmRenderer;
 
 /// What a caller chooses about one picture, in the engine's own units (see cTmRenderer::SetToneParameters).
 struct sToneParameters {
@@ -13,11 +14,15 @@ struct sToneParameters {
   float fToneCompression = 0.0f;  ///< Pull of far values toward the mean: 0 (none) or more.
   float fMicrocontrast = 100.0f;  ///< Spatial scale of the base layer: 10 to 200.
   float fLighting = 60.0f;        ///< Tonal scale of the base layer: 0 to 200.
+  float fContrast = 20.0f;        ///< Of the tone curve: -100 to 100.
   bool fHorizontalWrap = false;   ///< Left and right edges meet (full panoramas).
   bool fTest1 = false;            ///< Stored, without effect.
   float fWhiteClip = 0.0f;        ///< Per cent of the pixels above the white point.
   float fBlackClip = 0.0f;        ///< Per cent of the pixels below the black point.
 };
+
+/// Sets what pParameters say, and what no caller chooses.
+void SetParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters);
 
 /// Tone-maps pInput (D50-relative XYZ, linear) into pOutput, which has the same size and tells depth and
 /// colour space by itself. pInput is only read. pVerbose: write the stages' lines to standard error. Throws

@@ -1,6 +1,7 @@
 #include "engine/cTmRenderer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -164,14 +165,19 @@ void cTmRenderer::Render(bool* pCancel, bool* pAborted) {
   struct sStage {
     bool cTmRenderer::*fDirty;
     void (cTmRenderer::*fRun)(bool*, bool*);
+    double sStageSeconds::*fSeconds;
   };
-  static constexpr sStage kStages[] = {{&cTmRenderer::fPrepareDirty, &cTmRenderer::Prepare},
-                                       {&cTmRenderer::fPhase1Dirty, &cTmRenderer::ToneMapPhase1},
-                                       {&cTmRenderer::fPhase2Dirty, &cTmRenderer::ToneMapPhase2},
-                                       {&cTmRenderer::fFinalDirty, &cTmRenderer::FinalRendering}};
+  static constexpr sStage kStages[] = {
+      {&cTmRenderer::fPrepareDirty, &cTmRenderer::Prepare, &sStageSeconds::fPreparation},
+      {&cTmRenderer::fPhase1Dirty, &cTmRenderer::ToneMapPhase1, &sStageSeconds::fPhase1},
+      {&cTmRenderer::fPhase2Dirty, &cTmRenderer::ToneMapPhase2, &sStageSeconds::fPhase2},
+      {&cTmRenderer::fFinalDirty, &cTmRenderer::FinalRendering, &sStageSeconds::fFinalRendering}};
   for (const sStage& stage : kStages) {
     if (!(this->*stage.fDirty)) continue;
+    const auto start = std::chrono::steady_clock::now();
     (this->*stage.fRun)(pCancel, pAborted);
+    fSeconds.*stage.fSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (IsSet(pAborted)) return;
     this->*stage.fDirty = false;
   }

@@ -21,6 +21,14 @@ class cContrastCurve;
 class cHermiteSpline;
 class cHueTable;
 
+/// How long each stage took when it last ran.
+struct sStageSeconds {
+  double fPreparation = 0.0;
+  double fPhase1 = 0.0;
+  double fPhase2 = 0.0;
+  double fFinalRendering = 0.0;
+};
+
 /// Tone-maps one picture. Four stages run in order, and only those whose inputs changed since they last ran:
 /// preparation (luminance and colour of each pixel), phase 1 (base and detail layers), phase 2 (compression,
 /// black and white points), final rendering (colour, tone curve, encoding).
@@ -81,6 +89,14 @@ class cTmRenderer {
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 
+  // What the stages found, as of their last run.
+  const sLuminanceRange& GetLuminanceRange() const { return fLuminance; }
+  const sLayerStatistics& GetLayerStatistics() const { return fLayers; }
+  const sToneTables& GetToneTables() const { return fToneTables; }
+  const sBlackWhite& GetBlackWhite() const { return fPoints; }
+  const float* GetToneCurve() const { return fToneCurve; }  ///< kTableSize values, 0 to 1.
+  const sStageSeconds& GetStageSeconds() const { return fSeconds; }
+
  private:
   void Prepare(bool* pCancel, bool* pAborted);
   void ToneMapPhase1(bool* pCancel, bool* pAborted);
@@ -131,6 +147,8 @@ class cTmRenderer {
   bool fPhase2Dirty = true;
   bool fFinalDirty = true;
   float fCachedContrast = -1000.0f;  // no contrast value: the first rendering sets the curve
+
+  sStageSeconds fSeconds;
 
   // ProPhoto RGB is the working space.
   cMatrix33 fXYZToWorking;
