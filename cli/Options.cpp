@@ -1,41 +1,10 @@
 #include "cli/Options.h"
 
-#include <cstdio>
 #include <map>
 #include <string>
 
 namespace Cli {
 namespace {
-
-struct sSlider {
-  const char* fName;
-  float tm_quorvane_settings::*fField;
-  float fDefault;
-  float fLowest;
-  float fHighest;
-  const char* fMeaning;
-};
-
-/// The ranges end where the engine stops telling values apart, or where pictures stop being pictures.
-constexpr sSlider kSliders[] = {
-    {"strength", &tm_quorvane_settings::strength, 70.0f, -200.0f, 150.0f,
-     "Compression of large contrasts; usual from -100 to 100, higher shows more of lights and shadows"},
-    {"lighting", &tm_quorvane_settings::lighting, 0.0f, -14.0f, 10.0f,
-     "Reach of the local adaptation over tones; higher is more local"},
-    {"tone-compression", &tm_quorvane_settings::tone_compression, 0.0f, 0.0f, 100.0f,
-     "Extra pull of far tones toward the mean; 0 is none"},
-    {"white-clip", &tm_quorvane_settings::white_clip, 5.0f, 0.0f, 200.0f,
-     "Pixels above white, in twentieths of a per cent: 20 is 1 % of the picture"},
-    {"black-clip", &tm_quorvane_settings::black_clip, 0.1f, 0.0f, 50.0f,
-     "Pixels below black, in per cent of the picture"},
-    {"microcontrast", &tm_quorvane_settings::microcontrast, 0.0f, -11.0f, 10.0f,
-     "Reach of the local adaptation over the picture; higher is finer"}};
-
-std::string ToText(float pNumber) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g", static_cast<double>(pNumber));
-  return text;
-}
 
 /// Refuses what is not a number in the range; NaN fails both comparisons.
 CLI::Validator InRange(float pLowest, float pHighest) {
@@ -51,22 +20,22 @@ CLI::Validator InRange(float pLowest, float pHighest) {
 
 }  // namespace
 
-sToneOptions::sToneOptions() {
-  for (const sSlider& slider : kSliders) fSettings.*slider.fField = slider.fDefault;
-}
-
-void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions) {
-  for (const sSlider& slider : kSliders) {
-    pVerb.add_option(std::string("--") + slider.fName, pOptions.fSettings.*slider.fField, slider.fMeaning)
+void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings) {
+  for (const sSlider& slider : GetSliders()) {
+    pVerb.add_option(std::string("--") + slider.fName, pSettings.*slider.fField, slider.fMeaning)
         ->check(InRange(slider.fLowest, slider.fHighest))
         ->option_text(ToText(slider.fLowest) + ".." + ToText(slider.fHighest) + " [" +
-                      ToText(slider.fDefault) + "]")
+                      ToText(sSettings().*slider.fField) + "]")
         ->group("Sliders");
   }
+  const std::map<std::string, eWrap> names = {
+      {"none", eWrap::kNone}, {"horizontal", eWrap::kHorizontal}, {"auto", eWrap::kAuto}};
   pVerb
-      .add_flag_callback(
-          "--wrap", [&pOptions] { pOptions.fSettings.horizontal_wrap = 1.0f; },
-          "The left and right edges meet (full panoramas)")
+      .add_option_function<std::string>(
+          "--wrap", [names, &pSettings](const std::string& pName) { pSettings.fWrap = names.at(pName); },
+          "Whether the left and right edges meet, as in full panoramas; auto looks at the picture")
+      ->check(CLI::IsMember({"none", "horizontal", "auto"}))
+      ->option_text("none|horizontal|auto [auto]")
       ->group("Sliders");
 }
 

@@ -4,19 +4,12 @@
 
 #include <string>
 
+#include "cli/Settings.h"
 #include "engine/cColorSpace.h"
-#include "export/quorvane.h"
 
 namespace Cli {
 
-/// How a picture is tone-mapped: the sliders and the wrap flag, in the host's record.
-struct sToneOptions {
-  sToneOptions();  ///< The defaults of the tool.
-
-  tm_quorvane_settings fSettings{};
-};
-
-/// What the result is.
+/// What the result is, besides its look.
 struct sOutputOptions {
   int fDepth = 8;
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;
@@ -24,7 +17,7 @@ struct sOutputOptions {
 
 /// The options that verbs share, each with its range, unit and default in the help. The records must outlive
 /// the parsing. pDefault: what the help says of the depth where none is asked for.
-void AddToneOptions(CLI::App& pVerb, sToneOptions& pOptions);
+void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings);
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);
 

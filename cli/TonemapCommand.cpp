@@ -1,63 +1,24 @@
 #include "cli/TonemapCommand.h"
 
-#include <exception>
 #include <memory>
-#include <new>
-#include <string>
 
-#include "cli/Failure.h"
 #include "cli/Options.h"
-#include "cli/OutputBitmap.h"
-#include "cli/PictureReader.h"
-#include "cli/PictureWriter.h"
+#include "cli/TonemapPicture.h"
 #include "cli/VipsLibrary.h"
-#include "engine/ToneMapImage.h"
-#include "engine/cBitmapXYZ32.h"
-#include "export/HostSettings.h"
 
 namespace Cli {
 namespace {
 
-struct sTonemapOptions {
-  std::string fInput;
-  std::string fOutput;
-  sToneOptions fTone;
-  sOutputOptions fResult;
-  bool fVerbose = false;
-};
-
-std::unique_ptr<TmEngine::cBitmapLDR> ToneMap(sPicture& pPicture, const sTonemapOptions& pOptions) {
-  try {
-    tm_quorvane_settings settings = pOptions.fTone.fSettings;  // a copy: the mapping changes it
-    const TmEngine::sToneParameters parameters = MapSettings(settings);
-    auto output = MakeOutputBitmap(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight(),
-                                   pOptions.fResult.fDepth, pOptions.fResult.fColorSpace);
-    TmEngine::ToneMapImage(*pPicture.fBitmap, output.get(), parameters, pOptions.fVerbose);
-    return output;
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, "not enough memory to tone-map it");
-  } catch (const std::exception& exception) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
-  }
-}
-
-void Run(const sTonemapOptions& pOptions) {
-  const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, pOptions.fResult.fDepth);
-  CheckIsAnother(pOptions.fInput, pOptions.fOutput);
+void Run(const sTonemapJob& pJob) {
   const cVipsLibrary library;
-  sPicture picture = ReadPicture(pOptions.fInput);
-  PrintWarnings(pOptions.fInput, picture.fWarnings);
-  cTempFile file(
-      pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
-  const auto output = ToneMap(picture, pOptions);
-  picture.fBitmap.reset();
-  WritePicture(*output, GetIccProfile(pOptions.fResult.fColorSpace), cMetadata(), format, file);
+  const sPictureReport report = TonemapPicture(pJob);
+  PrintWarnings(pJob.fInput, report.fWarnings);
 }
 
 }  // namespace
 
 void AddTonemapCommand(CLI::App& pProgram) {
-  const auto options = std::make_shared<sTonemapOptions>();
+  const auto options = std::make_shared<sTonemapJob>();
   CLI::App* const verb = pProgram.add_subcommand(
       "tonemap",
       "Turns a high-dynamic-range photograph into a finished picture: contrasts too large for a\n"
@@ -70,7 +31,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
                    "The result: .png, .tif or .jpg; a file of that name is replaced")
       ->required()
       ->option_text("OUT");
-  AddToneOptions(*verb, options->fTone);
+  AddSettingsOptions(*verb, options->fSettings);
   AddOutputOptions(*verb, options->fResult);
   verb->add_flag("--verbose", options->fVerbose, "Show what the engine measures and decides");
   verb->footer(
@@ -79,7 +40,8 @@ void AddTonemapCommand(CLI::App& pProgram) {
       "by their embedded profile, else as sRGB.\n\n"
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
-      "  quorvane tonemap panorama.exr -o panorama.tif --wrap --strength 80 --depth 16 --colorspace "
+      "  quorvane tonemap panorama.exr -o panorama.tif --wrap horizontal --strength 80 --depth 16 "
+      "--colorspace "
       "prophoto");
   verb->callback([options] { Run(*options); });
 }

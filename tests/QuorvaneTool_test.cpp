@@ -64,7 +64,7 @@ TEST_F(QuorvaneTool, HandsSlidersAndFlagsToTheEngine) {
   settings = {-30.0f, 4.0f, 12.0f, 60.0f, 2.0f, -3.0f, {}, 0.0f, {}, 1.0f};
   EXPECT_EQ(ToneMap("scene.pfm",
                     "--strength -30 --lighting=4 --tone-compression 12 --white-clip 60 --black-clip 2 "
-                    "--microcontrast -3 --wrap --depth 16 --colorspace prophoto")
+                    "--microcontrast -3 --wrap horizontal --depth 16 --colorspace prophoto")
                 .fSamples,
             RenderDirectly(scene, settings, TmEngine::eColorSpaceID_ProPhotoRGB));
 }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "cli/Options.h"
+#include "cli/Picture.h"
+#include "cli/Settings.h"
+#include "engine/cBitmapLDR.h"
+#include "engine/cTmRenderer.h"
+
+namespace Cli {
+
+/// What the engine found and did. Logarithms are decimal, of linear luminance with 1 for the file's white.
+struct sRenderingReport {
+  double fLogMin = 0.0;  ///< Of the picture's luminance.
+  double fLogMax = 0.0;
+  double fBlack = 0.0;  ///< Tone-mapped luminances that become black and white.
+  double fWhite = 0.0;
+  double fBlackShare = 0.0;  ///< Of the pixels, 0 to 1: all samples of the result are 0.
+  double fWhiteShare = 0.0;  ///< Of the pixels, 0 to 1: a sample of the result is the largest there is.
+  bool fWrap = false;        ///< Whether left and right edges were taken to meet.
+  TmEngine::sStageSeconds fSeconds;
+};
+
+/// Sets up pRenderer for these settings; its images are the caller's to set. pWrap: the edges meet.
+void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose);
+
+/// Tone-maps pPicture. Throws cFailure in the name of pFile.
+std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sPicture& pPicture,
+                                                    const sSettings& pSettings, const sOutputOptions& pOutput,
+                                                    bool pVerbose, sRenderingReport& pReport);
+
+}  // namespace Cli

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "engine/ToneMapImage.h"
+
+namespace Cli {
+
+/// Whether the left and right edges of a picture meet.
+enum class eWrap { kNone, kHorizontal, kAuto };
+
+/// How a picture is made to look: the sliders, in the units that people see, and what is done at the edges.
+struct sSettings {
+  float fStrength = 70.0f;
+  float fLighting = 0.0f;
+  float fToneCompression = 0.0f;
+  float fWhiteClip = 5.0f;
+  float fBlackClip = 0.1f;
+  float fMicrocontrast = 0.0f;
+  float fContrast = 20.0f;
+  float fSaturation = 0.0f;
+  eWrap fWrap = eWrap::kAuto;
+
+  bool operator==(const sSettings&) const = default;
+};
+
+/// One slider: what options, presets, reports and the help say of it. Its default is that of sSettings.
+struct sSlider {
+  const char* fName;
+  float sSettings::*fField;
+  float fLowest;   ///< The ranges end where the engine stops telling values apart,
+  float fHighest;  ///< or where pictures stop being pictures.
+  const char* fMeaning;
+};
+std::span<const sSlider> GetSliders();
+
+/// The name of a way to treat the edges: "none", "horizontal" or "auto".
+const char* GetWrapName(eWrap pWrap);
+
+/// The shortest text that reads back as the same float: "0.1", "70".
+std::string ToText(float pNumber);
+
+/// The engine's parameters. pWrap: whether the edges of this picture meet. Saturation is none of them: it is
+/// a curve over hue.
+TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap);
+
+}  // namespace Cli
