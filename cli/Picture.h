@@ -5,13 +5,28 @@
 #include <string>
 #include <vector>
 
+#include "cli/Metadata.h"
 #include "engine/cBitmapXYZ32.h"
 
 namespace Cli {
 
-/// A picture as the engine takes it, and what its reader had to put right on the way.
+/// Pixels whose samples had to be put right before the engine may see them.
+struct sRepairs {
+  std::int64_t fNaN = 0;
+  std::int64_t fInfinite = 0;
+  std::int64_t fNegative = 0;
+};
+
+/// A picture as the engine takes it, and what its reader knows of it.
 struct sPicture {
   std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;  ///< D50-relative XYZ, linear, every sample finite.
+  std::vector<std::uint16_t> fAlpha;                ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fFormat;                              ///< In words: "OpenEXR", "TIFF".
+  std::string fColorSpace;                          ///< In words: "Display P3 (ICC)".
+  int fFileDepth = 32;                              ///< Bits a sample.
+  bool fIsPanorama = false;                         ///< Its metadata say that left and right edges meet.
+  sRepairs fRepairs;
+  cMetadata fMetadata;
   std::vector<std::string> fWarnings;
 };
 

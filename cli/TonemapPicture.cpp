@@ -27,12 +27,16 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   report.fWarnings = picture.fWarnings;
   report.fWidth = picture.fBitmap->GetWidth();
   report.fHeight = picture.fBitmap->GetHeight();
+  report.fFormat = picture.fFormat;
+  report.fColorSpace = picture.fColorSpace;
+  report.fFileDepth = picture.fFileDepth;
+  report.fRepairs = picture.fRepairs;
   cTempFile file(pJob.fOutput);  // before the work, so that a place that cannot be written to is told early
   const auto result =
       RenderPicture(pJob.fInput, picture, pJob.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
   const auto rendered = tClock::now();
-  WritePicture(*result, GetIccProfile(pJob.fResult.fColorSpace), cMetadata(), format, file);
+  WritePicture(*result, GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata, format, file);
   report.fWriteSeconds = SecondsSince(rendered);
   return report;
 }

@@ -23,6 +23,10 @@ struct sTonemapJob {
 struct sPictureReport {
   int fWidth = 0;
   int fHeight = 0;
+  std::string fFormat;  ///< As in sPicture.
+  std::string fColorSpace;
+  int fFileDepth = 0;
+  sRepairs fRepairs;
   sSettings fSettings;  ///< As used.
   sRenderingReport fRendering;
   double fReadSeconds = 0.0;
