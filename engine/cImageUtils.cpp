@@ -1,9 +1,13 @@
 #include "engine/cImageUtils.h"
 
+#include <algorithm>
+#include <array>
 #include <cfloat>
 
 #include "engine/BitmapChecks.h"
 #include "engine/BitmapRows.h"
+#include "engine/PixelRows.h"
+#include "engine/kernels/Kernels.h"
 
 namespace TmEngine {
 namespace {
@@ -43,22 +47,73 @@ void Transform(const cBitmapXYZ32& pFrom, cBitmapXYZ32& pTo, const cMatrix33& pM
   });
 }
 
-/// Smallest and largest of the values seen. Comparisons are strict: NaN never replaces a value.
-struct sRange {
-  float fMin;
-  float fMax;
-
-  void Add(float pValue) {
-    if (pValue < fMin) fMin = pValue;
-    if (pValue > fMax) fMax = pValue;
+/// Calls pBody(first sample, pixels) for every run of pixels.
+template <class tBody>
+void ForEachRun(const cBitmapXYZ32& pImage, const tBody& pBody) {
+  const auto rows = RowsOf(pImage);
+  for (int y = 0; y < rows.fHeight; ++y) {
+    for (int start = 0; start < rows.fWidth; start += kRunLength) {
+      pBody(rows.Row(y) + std::ptrdiff_t{3} * start, std::min(kRunLength, rows.fWidth - start));
+    }
   }
-};
+}
+
+/// Widens pSeen to hold one channel of a run. A value counts only if it is smaller or larger than all before
+/// it: NaN never does.
+void Widen(const float* pRun, int pPixels, int pChannel, sRange& pSeen) {
+  float values[kRunLength];
+  for (int i = 0; i < pPixels; ++i) values[i] = pRun[3 * i + pChannel];
+  Kernels().fWiden(values, pPixels, pSeen);
+}
+
+/// pLimit, but the first zero of channels pFirst to pLast for any zero: it counts, and its sign may differ
+/// from that of the zero that the kernel came upon.
+float WithFirstZero(const cBitmapXYZ32& pImage, int pFirst, int pLast, float pLimit) {
+  if (pLimit != 0.0f) return pLimit;
+  const auto rows = RowsOf(pImage);
+  for (int y = 0; y < rows.fHeight; ++y) {
+    const float* pixel = rows.Row(y);
+    for (int x = 0; x < rows.fWidth; ++x, pixel += 3) {
+      const float* const end = pixel + pLast + 1;
+      const float* const zero = std::find(pixel + pFirst, end, 0.0f);
+      if (zero != end) return *zero;
+    }
+  }
+  return pLimit;
+}
+
+sRange WithFirstZeros(const cBitmapXYZ32& pImage, int pFirst, int pLast, const sRange& pRange) {
+  return {WithFirstZero(pImage, pFirst, pLast, pRange.fMin),
+          WithFirstZero(pImage, pFirst, pLast, pRange.fMax)};
+}
 
 sRange FindRange(const cBitmapXYZ32& pImage, int pChannel) {
   const float first = pImage.GetBitmapData()[pChannel];
   sRange range = {first, first};
-  ForEachPixel(RowsOf(pImage), [&range, pChannel](const float* pPixel) { range.Add(pPixel[pChannel]); });
-  return range;
+  ForEachRun(pImage,
+             [&range, pChannel](const float* pRun, int pPixels) { Widen(pRun, pPixels, pChannel, range); });
+  return WithFirstZeros(pImage, pChannel, pChannel, range);
+}
+
+constexpr sRange kEmpty = {FLT_MAX, -FLT_MAX};
+
+sRange RangeOfAll(const cBitmapXYZ32& pImage) {
+  sRange range = kEmpty;
+  ForEachRun(pImage,
+             [&range](const float* pRun, int pPixels) { Kernels().fWiden(pRun, 3 * pPixels, range); });
+  return WithFirstZeros(pImage, 0, 2, range);
+}
+
+std::array<sRange, 3> RangesOfChannels(const cBitmapXYZ32& pImage) {
+  std::array<sRange, 3> ranges = {kEmpty, kEmpty, kEmpty};
+  ForEachRun(pImage, [&ranges](const float* pRun, int pPixels) {
+    for (int c = 0; c < 3; ++c) Widen(pRun, pPixels, c, ranges[static_cast<std::size_t>(c)]);
+  });
+  for (int c = 0; c < 3; ++c) {
+    sRange& range = ranges[static_cast<std::size_t>(c)];
+    range = WithFirstZeros(pImage, c, c, range);
+  }
+  return ranges;
 }
 
 /// Maps a range to [0, 1]; a single value goes to 0.5.
@@ -71,8 +126,28 @@ struct sStretch {
     fMin -= 0.5f;
     fRange = 1.0f;
   }
-  float operator()(float pValue) const { return (pValue - fMin) / fRange; }
 };
+
+/// Every channel by its own stretch. Constants stand side by side as samples do, so that whole vectors of
+/// samples are worked on.
+void StretchPixels(cBitmapXYZ32& pImage, const std::array<sRange, 3>& pRanges) {
+  constexpr int kLanes = 48;
+  float mins[kLanes], ranges[kLanes];
+  for (int lane = 0; lane < kLanes; ++lane) {
+    const sStretch stretch(pRanges[static_cast<std::size_t>(lane % 3)]);
+    mins[lane] = stretch.fMin;
+    ranges[lane] = stretch.fRange;
+  }
+  const auto rows = RowsOf(pImage);
+  const std::ptrdiff_t samples = std::ptrdiff_t{3} * rows.fWidth;
+  for (int y = 0; y < rows.fHeight; ++y) {
+    float* const row = rows.Row(y);
+    for (std::ptrdiff_t start = 0; start < samples; start += kLanes) {
+      const int count = static_cast<int>(std::min<std::ptrdiff_t>(kLanes, samples - start));
+      for (int i = 0; i < count; ++i) row[start + i] = (row[start + i] - mins[i]) / ranges[i];
+    }
+  }
+}
 
 }  // namespace
 
@@ -157,17 +232,12 @@ void cImageUtils::Normalize(cBitmapXYZ32* pXYZ32, bool pPerChannel) {
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cImageUtils::Normalize(class TmEngine::cBitmapXYZ32 *,bool)";
   CheckNotNull(pXYZ32, "pXYZ32", TM_HERE);
-  const sRange empty = {FLT_MAX, -FLT_MAX};
-  sRange ranges[3] = {empty, empty, empty};
-  const int group[3] = {0, pPerChannel ? 1 : 0, pPerChannel ? 2 : 0};  // channel to range
-  ForEachPixel(RowsOf(*pXYZ32), [&ranges, &group](const float* pPixel) {
-    for (int c = 0; c < 3; ++c) ranges[group[c]].Add(pPixel[c]);
-  });
-  const sStretch stretches[3] = {sStretch(ranges[group[0]]), sStretch(ranges[group[1]]),
-                                 sStretch(ranges[group[2]])};
-  ForEachPixel(RowsOf(*pXYZ32), [&stretches](float* pPixel) {
-    for (int c = 0; c < 3; ++c) pPixel[c] = stretches[c](pPixel[c]);
-  });
+  if (pPerChannel) {
+    StretchPixels(*pXYZ32, RangesOfChannels(*pXYZ32));
+  } else {
+    const sRange range = RangeOfAll(*pXYZ32);
+    StretchPixels(*pXYZ32, {range, range, range});
+  }
 }
 
 void cImageUtils::Mean(const cBitmapXYZ32* pSrc, float& pMean0, float& pMean1, float& pMean2) {
@@ -175,14 +245,23 @@ void cImageUtils::Mean(const cBitmapXYZ32* pSrc, float& pMean0, float& pMean1, f
       "void __cdecl TmEngine::cImageUtils::Mean(const class TmEngine::cBitmapXYZ32 *,float &,float &,float "
       "&)";
   CheckNotNull(pSrc, "pSrc", TM_HERE);
-  double sums[3] = {0.0, 0.0, 0.0};
-  ForEachPixel(RowsOf(*pSrc), [&sums](const float* pPixel) {
-    for (int c = 0; c < 3; ++c) sums[c] += static_cast<double>(pPixel[c]);
+  double sum0 = 0.0, sum1 = 0.0, sum2 = 0.0;  // three variables: an array would be kept in memory
+  ForEachRun(*pSrc, [&](const float* pRun, int pPixels) {
+    double run0 = sum0, run1 = sum1, run2 = sum2;
+    for (int i = 0; i < pPixels; ++i, pRun += 3) {
+      PrefetchAhead(pRun);
+      run0 += static_cast<double>(pRun[0]);
+      run1 += static_cast<double>(pRun[1]);
+      run2 += static_cast<double>(pRun[2]);
+    }
+    sum0 = run0;
+    sum1 = run1;
+    sum2 = run2;
   });
   const double pixels = static_cast<double>(std::int64_t{pSrc->GetWidth()} * pSrc->GetHeight());
-  pMean0 = static_cast<float>(sums[0] / pixels);
-  pMean1 = static_cast<float>(sums[1] / pixels);
-  pMean2 = static_cast<float>(sums[2] / pixels);
+  pMean0 = static_cast<float>(sum0 / pixels);
+  pMean1 = static_cast<float>(sum1 / pixels);
+  pMean2 = static_cast<float>(sum2 / pixels);
 }
 
 }  // namespace TmEngine

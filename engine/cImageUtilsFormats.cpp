@@ -1,10 +1,12 @@
+#include <algorithm>
 #include <memory>
 
 #include "engine/BitmapChecks.h"
 #include "engine/BitmapRows.h"
-#include "engine/Quantise.h"
+#include "engine/PixelRows.h"
 #include "engine/cImageUtils.h"
 #include "engine/cTransferLUT.h"
+#include "engine/kernels/Kernels.h"
 
 /// The operations of cImageUtils that move pixels between sample formats.
 
@@ -32,12 +34,49 @@ void MapSamples(const tFrom& pFrom, tTo& pTo, const tRule& pRule) {
 
 template <class tFrom>
 void DecodeSamples(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable) {
-  MapSamples(pFrom, pTo, [pTable](auto pSample) { return pTable[pSample]; });
+  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [pTable](const auto* pCodes, float* pValues, int pWidth) {
+    for (int x = 0; x < pWidth; ++x, pCodes += 3, pValues += 3) {
+      PrefetchAhead(pValues);
+      for (int c = 0; c < 3; ++c) pValues[c] = pTable[pCodes[c]];
+    }
+  });
+}
+
+/// The samples of one run of pixels.
+constexpr int kRunSamples = 3 * kRunLength;
+
+/// Calls pBody(source, destination, samples) for every run of two images of one size.
+template <class tFrom, class tTo, class tBody>
+void ForEachRun(const tFrom& pFrom, tTo& pTo, const tBody& pBody) {
+  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [&pBody](const auto* pFromRow, auto* pToRow, int pWidth) {
+    const std::ptrdiff_t samples = std::ptrdiff_t{3} * pWidth;
+    for (std::ptrdiff_t start = 0; start < samples; start += kRunSamples) {
+      const std::ptrdiff_t count = std::min<std::ptrdiff_t>(kRunSamples, samples - start);
+      pBody(pFromRow + start, pToRow + start, static_cast<int>(count));
+    }
+  });
+}
+
+/// Every value as pRule(truncate(v * pScale) held in [0, 65535]), order kept; NaN counts as 0.
+template <class tTo, class tRule>
+void QuantiseSamples(const cBitmapXYZ32& pFrom, tTo& pTo, float pScale, const tRule& pRule) {
+  ForEachRun(pFrom, pTo, [&pRule, pScale](const float* pValues, auto* pCodes, int pCount) {
+    int indices[kRunSamples];
+    Kernels().fBins(pValues, 0.0f, pScale, indices, pCount);
+    for (int i = 0; i < pCount; ++i) pCodes[i] = pRule(indices[i]);
+  });
 }
 
 template <class tTo, class tCode>
 void EncodeSamples(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable) {
-  MapSamples(pFrom, pTo, [pTable](float pValue) { return pTable[UnitToIndex(pValue)]; });
+  ForEachRun(pFrom, pTo, [pTable](const float* pValues, tCode* pCodes, int pCount) {
+    int indices[kRunSamples];
+    Kernels().fBins(pValues, 0.0f, 65535.0f, indices, pCount);
+    for (int i = 0; i < pCount; i += 3) {
+      PrefetchAhead(pValues + i, kRunSamples);
+      for (int c = 0; c < 3; ++c) pCodes[i + c] = pTable[indices[i + c]];
+    }
+  });
 }
 
 /// A new image of the source's size, filled by pFill.
@@ -48,6 +87,11 @@ tTo* Create(const tFrom* pFrom, void (*pFill)(const tFrom*, tTo*), tSpace... pSp
   return image.release();
 }
 
+/// A run of pixels, a plane a channel.
+struct sPlanes {
+  float f0[kRunLength], f1[kRunLength], f2[kRunLength];
+};
+
 /// One row of the product, left to right.
 float Product(float p0, float p1, float p2, const cMatrix33& pMatrix, int pRow) {
   return p0 * pMatrix[3 * pRow] + p1 * pMatrix[3 * pRow + 1] + p2 * pMatrix[3 * pRow + 2];
@@ -57,6 +101,7 @@ template <class tFrom>
 void DecodeFloat3(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable, const cMatrix33& pMatrix) {
   ForEachRow(RowsOf(pFrom), RowsOf(pTo), [pTable, pMatrix](const auto* pBGR, float* pTriple, int pWidth) {
     for (int x = 0; x < pWidth; ++x, pBGR += 3, pTriple += 3) {
+      PrefetchAhead(pTriple);
       const float blue = pTable[pBGR[0]];
       const float green = pTable[pBGR[1]];
       const float red = pTable[pBGR[2]];
@@ -65,14 +110,27 @@ void DecodeFloat3(const tFrom& pFrom, cBitmapXYZ32& pTo, const float* pTable, co
   });
 }
 
+/// Row-major pMatrix times each triple, then through pTable, blue first.
 template <class tTo, class tCode>
 void EncodeFloat3(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable, const cMatrix33& pMatrix) {
-  ForEachRow(RowsOf(pFrom), RowsOf(pTo), [pTable, pMatrix](const float* pTriple, tCode* pBGR, int pWidth) {
-    for (int x = 0; x < pWidth; ++x, pTriple += 3, pBGR += 3) {
-      for (int row = 0; row < 3; ++row) {  // red, green, blue
-        const float linear = Product(pTriple[0], pTriple[1], pTriple[2], pMatrix, row);
-        pBGR[2 - row] = pTable[UnitToIndex(linear)];
-      }
+  ForEachRun(pFrom, pTo, [pTable, &pMatrix](const float* pTriples, tCode* pBGR, int pCount) {
+    sPlanes planes;
+    const int pixels = pCount / 3;
+    for (int i = 0; i < pixels; ++i) {
+      planes.f0[i] = pTriples[3 * i];
+      planes.f1[i] = pTriples[3 * i + 1];
+      planes.f2[i] = pTriples[3 * i + 2];
+    }
+    Kernels().fTransform(pMatrix.Elements(), planes.f0, planes.f1, planes.f2, pixels);
+    int red[kRunLength], green[kRunLength], blue[kRunLength];
+    Kernels().fBins(planes.f0, 0.0f, 65535.0f, red, pixels);
+    Kernels().fBins(planes.f1, 0.0f, 65535.0f, green, pixels);
+    Kernels().fBins(planes.f2, 0.0f, 65535.0f, blue, pixels);
+    for (int i = 0; i < pixels; ++i) {
+      PrefetchAhead(pTriples + 3 * i, kRunSamples);
+      pBGR[3 * i] = pTable[blue[i]];
+      pBGR[3 * i + 1] = pTable[green[i]];
+      pBGR[3 * i + 2] = pTable[red[i]];
     }
   });
 }
@@ -103,8 +161,8 @@ void cImageUtils::BGR32ToBGR8(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR8* pDstBG
       "void __cdecl TmEngine::cImageUtils::BGR32ToBGR8(const class TmEngine::cBitmapXYZ32 *,class "
       "TmEngine::cBitmapBGR8 *)";
   CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR8, "pDstBGR8", TM_HERE);
-  MapSamples(*pSrcBGR32, *pDstBGR8,
-             [](float pValue) { return static_cast<unsigned char>(ClampToIndex(pValue * 255.0f, 255)); });
+  QuantiseSamples(*pSrcBGR32, *pDstBGR8, 255.0f,
+                  [](int pIndex) { return static_cast<unsigned char>(std::min(pIndex, 255)); });
 }
 
 void cImageUtils::BGR32ToBGR16(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR16* pDstBGR16) {
@@ -112,8 +170,8 @@ void cImageUtils::BGR32ToBGR16(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR16* pDst
       "void __cdecl TmEngine::cImageUtils::BGR32ToBGR16(const class TmEngine::cBitmapXYZ32 *,class "
       "TmEngine::cBitmapBGR16 *)";
   CheckPair(pSrcBGR32, "pSrcBGR32", pDstBGR16, "pDstBGR16", TM_HERE);
-  MapSamples(*pSrcBGR32, *pDstBGR16,
-             [](float pValue) { return static_cast<unsigned short>(UnitToIndex(pValue)); });
+  QuantiseSamples(*pSrcBGR32, *pDstBGR16, 65535.0f,
+                  [](int pIndex) { return static_cast<unsigned short>(pIndex); });
 }
 
 void cImageUtils::BGR8ToBGR32Linear(const cBitmapBGR8* pSrcBGR8, cBitmapXYZ32* pDstBGR32) {
@@ -261,9 +319,9 @@ void cImageUtils::Convert(cBitmapBGR16* pFromBGR16, cBitmapBGR8* pToBGR8) {
       "void __cdecl TmEngine::cImageUtils::Convert(class TmEngine::cBitmapBGR16 *,"
       "class TmEngine::cBitmapBGR8 *)";
   CheckPair(pFromBGR16, "pFromBGR16", pToBGR8, "pToBGR8", TM_HERE);
-  // floor(s / 257) without a division
+  // floor(s / 257): the high byte h, or one less where the low byte l is below it, as s = 257 * h + (l - h)
   MapSamples(*pFromBGR16, *pToBGR8, [](unsigned short pSample) {
-    return static_cast<unsigned char>((std::uint64_t{pSample} * 2139127681u) >> 39);
+    return static_cast<unsigned char>((pSample - (pSample >> 8)) >> 8);
   });
 }
 

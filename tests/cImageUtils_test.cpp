@@ -260,6 +260,90 @@ TEST(cImageUtils, DecodesAndEncodesThroughTablesAndMatrices) {
       65535.0f, cImageUtils::BGR16ToFloat3, cImageUtils::Float3ToBGR16);
 }
 
+/// Everything that conversions and measures of pWidth * pHeight pixels give, as numbers.
+std::vector<double> Results(int pWidth, int pHeight, const std::vector<float>& pSamples) {
+  const auto image = MakeImage(pWidth, pHeight, pSamples);
+  std::vector<double> results;
+  const auto add = [&](const cBitmapXYZ32& pImage) {
+    for (int y = 0; y < pHeight; ++y) {
+      const float* const row = pImage.GetBitmapData() + pImage.GetStride() / 4 * y;
+      results.insert(results.end(), row, row + 3 * pWidth);
+    }
+  };
+  const auto convert = [&](auto& pCodes, auto& pOther, const auto& pEncode, const auto& pEncodeLinear,
+                           const auto& pDecode, const auto& pDecodeLinear) {
+    cBitmapXYZ32 back(pWidth, pHeight);
+    pEncode(image.get(), &pCodes);
+    pDecode(&pCodes, &back);
+    add(back);
+    pEncodeLinear(image.get(), &pOther);
+    pDecodeLinear(&pOther, &back);
+    add(back);
+    double d[3];
+    cImageUtils::Diff(&pCodes, &pOther, d[0], d[1], d[2]);
+    results.insert(results.end(), d, d + 3);
+    results.push_back(cImageUtils::MaxDiff(&pCodes, &pOther));
+    cImageUtils::Diff(image.get(), &back, d[0], d[1], d[2]);
+    results.insert(results.end(), d, d + 3);
+  };
+  using tU = cImageUtils;
+  cBitmapBGR8 codes8(pWidth, pHeight, eColorSpaceID_sRGB), other8(pWidth, pHeight, eColorSpaceID_sRGB);
+  cBitmapBGR16 codes16(pWidth, pHeight, eColorSpaceID_sRGB), other16(pWidth, pHeight, eColorSpaceID_sRGB);
+  convert(
+      codes8, other8, [](const auto* a, auto* b) { tU::BGR32ToBGR8(a, b); },
+      [](const auto* a, auto* b) { tU::BGR32LinearToBGR8(a, b); },
+      [](const auto* a, auto* b) { tU::BGR8ToBGR32(a, b); },
+      [](const auto* a, auto* b) { tU::BGR8ToBGR32Linear(a, b); });
+  convert(
+      codes16, other16, [](const auto* a, auto* b) { tU::BGR32ToBGR16(a, b); },
+      [](const auto* a, auto* b) { tU::BGR32LinearToBGR16(a, b); },
+      [](const auto* a, auto* b) { tU::BGR16ToBGR32(a, b); },
+      [](const auto* a, auto* b) { tU::BGR16ToBGR32Linear(a, b); });
+  for (int channel = 0; channel < 3; ++channel) {
+    float low = 0, high = 0;
+    tU::GetMinMax(image.get(), channel, low, high);
+    results.insert(results.end(), {double{low}, double{high}});
+  }
+  for (const bool perChannel : {true, false}) {
+    tU::Normalize(image.get(), perChannel);
+    add(*image);
+  }
+  return results;
+}
+
+// Rows longer than a run of pixels, and than a block of sums, beside the same pixels one below the other.
+TEST(cImageUtils, LongRowsGiveWhatSinglePixelsGive) {
+  constexpr int kPixels = 5003;
+  std::vector<float> samples;
+  for (int i = 0; i < 3 * kPixels; ++i) {
+    samples.push_back(i % 3 == 1 ? 0.3f : static_cast<float>(i * 7919 % 10007) / 8000.0f);
+  }
+  const std::vector<double> row = Results(kPixels, 1, samples), column = Results(1, kPixels, samples);
+  ASSERT_EQ(row.size(), column.size());
+  for (std::size_t i = 0; i < row.size(); ++i) ASSERT_EQ(row[i], column[i]) << i;
+}
+
+TEST(cImageUtils, OfZerosTheFirstOneCounts) {
+  std::vector<float> samples(3 * 70, 1.0f);
+  samples[3 * 47] = samples[3 * 48 + 1] = -0.0f;  // the last lane, and the first one of the next vector
+  samples[3 * 48] = samples[3 * 47 + 1] = 0.0f;
+  const auto image = MakeImage(70, 1, samples);
+  EXPECT_TRUE(std::signbit(cImageUtils::GetMin(image.get(), 0)));
+  EXPECT_FALSE(std::signbit(cImageUtils::GetMin(image.get(), 1)));
+}
+
+// A sum of 16 bits would overflow.
+TEST(cImageUtils, SumsTheLargestDistancesOfALongRow) {
+  cBitmapBGR8 black(9001, 1, eColorSpaceID_sRGB), white(9001, 1, eColorSpaceID_sRGB);
+  cImageUtils::Fill(&black, 0, 0, 0);
+  cImageUtils::Fill(&white, 255, 255, 255);
+  EXPECT_EQ(cImageUtils::Diff(&black, &white), 3 * 9001 * 255.0);
+  cBitmapBGR16 black16(9001, 1, eColorSpaceID_sRGB), white16(9001, 1, eColorSpaceID_sRGB);
+  cImageUtils::Fill(&black16, 0, 0, 0);
+  cImageUtils::Fill(&white16, 65535, 65535, 65535);
+  EXPECT_EQ(cImageUtils::Diff(&black16, &white16), 3 * 9001 * 65535.0);
+}
+
 /// An image, one that is narrower and lower, and one that is only lower.
 template <class tBitmap, class... tMore>
 struct sSizes {
