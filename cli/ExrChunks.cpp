@@ -2,8 +2,8 @@
 
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfHeader.h>
+#include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfTileDescription.h>
-#include <OpenEXR/ImfVersion.h>
 
 #include <algorithm>
 
@@ -12,7 +12,10 @@
 namespace Cli {
 namespace {
 
-/// The lines of a chunk.
+bool IsTiled(const Imf::Header& pHeader) {
+  return pHeader.hasType() && Imf::isTiled(pHeader.type());
+}
+
 int CountLines(Imf::Compression pCompression) {
   switch (pCompression) {
     case Imf::ZIP_COMPRESSION:
@@ -43,7 +46,7 @@ double CountBytes(const Imf::ChannelList& pChannels) {
 
 class cChunkCheck {
  public:
-  cChunkCheck(const std::string& pFile, Imf::InputFile& pFrom)
+  cChunkCheck(const std::string& pFile, Imf::InputPart& pFrom)
       : fName(pFile),
         fFrom(pFrom),
         fWindow(pFrom.header().dataWindow()),
@@ -51,7 +54,7 @@ class cChunkCheck {
         fPixelBytes(CountBytes(pFrom.header().channels())) {}
 
   void CheckLines() {
-    const int lines = CountLines(fFrom.header().compression());
+    const int lines = CountChunkLines(fFrom.header());
     for (int y = 0; y < fExtent.y; y += lines) {
       fFrom.rawPixelData(fWindow.min.y + y, fData, fSize);
       Check(fExtent.x, std::min(lines, fExtent.y - y));
@@ -80,7 +83,7 @@ class cChunkCheck {
   }
 
   const std::string& fName;
-  Imf::InputFile& fFrom;
+  Imf::InputPart& fFrom;
   Imath::Box2i fWindow;
   Imath::V2i fExtent;
   double fPixelBytes;
@@ -90,9 +93,16 @@ class cChunkCheck {
 
 }  // namespace
 
-void CheckExrChunks(const std::string& pFile, Imf::InputFile& pFrom) {
+int CountChunkLines(const Imf::Header& pHeader) {
+  if (!IsTiled(pHeader)) return CountLines(pHeader.compression());
+  const unsigned lines = pHeader.tileDescription().ySize;
+  const int height = pHeader.dataWindow().max.y - pHeader.dataWindow().min.y + 1;
+  return lines < static_cast<unsigned>(height) ? static_cast<int>(lines) : height;
+}
+
+void CheckExrChunks(const std::string& pFile, Imf::InputPart& pFrom) {
   cChunkCheck check(pFile, pFrom);
-  if (Imf::isTiled(pFrom.version())) return check.CheckTiles();
+  if (IsTiled(pFrom.header())) return check.CheckTiles();
   check.CheckLines();
 }
 

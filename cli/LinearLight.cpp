@@ -2,49 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <string>
+#include <iterator>
 
 #include "engine/cColorSpace.h"
-#include "engine/cImageUtils.h"
 
 namespace Cli {
 namespace {
 
 using TmEngine::cVector2;
-
-/// Far above any light, and far enough below the largest float for the sums of a colour matrix.
-constexpr float kLargestSample = 1e30f;
-
-/// Calls pBody with the three samples of every pixel.
-template <class tBody>
-void ForEachPixel(const sPicture& pPicture, const tBody& pBody) {
-  for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
-    float* pixel = GetRow(pPicture, y);
-    for (int x = 0; x < pPicture.fBitmap->GetWidth(); ++x, pixel += 3) pBody(pixel);
-  }
-}
-
-bool IsSound(const float* pPixel) {
-  return std::all_of(pPixel, pPixel + 3, [](float pV) { return std::fabs(pV) <= kLargestSample; });
-}
-
-/// The largest sample in range; 1 where none is above 0.
-float FindLargest(const sPicture& pPicture) {
-  float largest = 0.0f;
-  ForEachPixel(pPicture, [&](const float* pPixel) {
-    for (int i = 0; i < 3; ++i) {
-      if (pPixel[i] > largest && pPixel[i] <= kLargestSample) largest = pPixel[i];
-    }
-  });
-  return largest > 0.0f ? largest : 1.0f;
-}
-
-float Repair(float pSample, float pLargest) {
-  if (std::isnan(pSample)) return 0.0f;
-  if (std::isinf(pSample)) return pSample > 0.0f ? pLargest : 0.0f;
-  return std::clamp(pSample, -kLargestSample, kLargestSample);
-}
 
 /// Twice the area of the triangle, positive when its corners run counter-clockwise. NaN for a NaN corner.
 double TwiceArea(const cVector2& pA, const cVector2& pB, const cVector2& pC) {
@@ -77,51 +42,50 @@ TmEngine::cMatrix33 Build(tMatrixBuilder pBuilder, const sPrimaries& pP) {
                   pP.fWhite.fY);
 }
 
-/// Dark noise has parts below 0 that cancel the others' luminance, and would be rendered as bright specks of
-/// pure colour. So what is below 0 in RGB of Rec. 2020, which holds the colours of real surfaces, becomes 0
-/// there. All other pixels stay bit for bit.
-void FitGamut(const sPicture& pPicture) {
-  const sPrimaries real{{0.708f, 0.292f}, {0.17f, 0.797f}, {0.131f, 0.046f}, {0.3127f, 0.329f}};
-  const TmEngine::cMatrix33 toRGB = Build(&TmEngine::cColorSpace::BuildXYZToRGB, real);
-  const TmEngine::cMatrix33 toXYZ = Build(&TmEngine::cColorSpace::BuildRGBToXYZ, real);
-  ForEachPixel(pPicture, [&](float* pPixel) {
-    TmEngine::cVector3 rgb = toRGB * TmEngine::cVector3(pPixel[0], pPixel[1], pPixel[2]);
-    if (rgb[0] >= 0.0f && rgb[1] >= 0.0f && rgb[2] >= 0.0f) return;
-    for (int i = 0; i < 3; ++i) rgb[i] = std::max(rgb[i], 0.0f);
-    const TmEngine::cVector3 xyz = toXYZ * rgb;
-    for (int i = 0; i < 3; ++i) pPixel[i] = xyz[i];
+struct sNamedPrimaries {
+  const char* fName;
+  sPrimaries fPrimaries;
+};
+const sNamedPrimaries kNamed[] = {
+    {"sRGB primaries", {}},
+    {"Display P3 primaries", {{0.68f, 0.32f}, {0.265f, 0.69f}, {0.15f, 0.06f}, {0.3127f, 0.329f}}},
+    {"Rec. 2020 primaries", {{0.708f, 0.292f}, {0.17f, 0.797f}, {0.131f, 0.046f}, {0.3127f, 0.329f}}},
+    {"ACES primaries", {{0.7347f, 0.2653f}, {0.0f, 1.0f}, {0.0001f, -0.077f}, {0.32168f, 0.33767f}}},
+    {"ACEScg primaries", {{0.713f, 0.293f}, {0.165f, 0.83f}, {0.128f, 0.044f}, {0.32168f, 0.33767f}}},
+    {"CIE XYZ", {{1.0f, 0.0f}, {0.0f, 1.0f}, {0.0f, 0.0f}, {1.0f / 3.0f, 1.0f / 3.0f}}}};
+constexpr int kRec2020 = 2;
+
+bool AreAlike(const cVector2& pA, const cVector2& pB) {
+  constexpr float kTolerance = 0.002f;
+  return std::fabs(pA.fX - pB.fX) <= kTolerance && std::fabs(pA.fY - pB.fY) <= kTolerance;
+}
+
+std::string NamePrimaries(const sPrimaries& pP) {
+  const auto* const named = std::find_if(std::begin(kNamed), std::end(kNamed), [&](const auto& pNamed) {
+    const sPrimaries& other = pNamed.fPrimaries;
+    return AreAlike(pP.fRed, other.fRed) && AreAlike(pP.fGreen, other.fGreen) &&
+           AreAlike(pP.fBlue, other.fBlue) && AreAlike(pP.fWhite, other.fWhite);
   });
+  return named == std::end(kNamed) ? "primaries of the file's own" : named->fName;
 }
 
 }  // namespace
 
-void RepairSamples(sPicture& pPicture) {
-  std::int64_t count = 0;
-  ForEachPixel(pPicture, [&](const float* pPixel) { count += IsSound(pPixel) ? 0 : 1; });
-  if (count == 0) return;
-  const float largest = FindLargest(pPicture);
-  ForEachPixel(pPicture, [&](float* pPixel) {
-    for (int i = 0; i < 3; ++i) pPixel[i] = Repair(pPixel[i], largest);
-  });
-  pPicture.fWarnings.push_back("repaired " + std::to_string(count) + (count == 1 ? " pixel" : " pixels") +
-                               " with values that are not finite");
-}
-
-void SpreadGrey(const sPicture& pPicture) {
-  ForEachPixel(pPicture, [](float* pPixel) { pPixel[1] = pPixel[2] = pPixel[0]; });
-}
-
-void LinearToXYZ(sPicture& pPicture, const std::optional<sPrimaries>& pStated) {
-  RepairSamples(pPicture);
+sLight LightOf(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings) {
   sPrimaries primaries;
   if (pStated && SpanColorSpace(*pStated)) {
     primaries = *pStated;
   } else if (pStated && !AreAllZero(*pStated)) {  // some programs write zeros for "not known"
-    pPicture.fWarnings.emplace_back("its header states primaries that span no colour space; sRGB is taken");
+    pWarnings.emplace_back("its header states primaries that span no colour space; sRGB is taken");
   }
-  TmEngine::cImageUtils::ColorTransform(pPicture.fBitmap.get(),
-                                        Build(&TmEngine::cColorSpace::BuildRGBToXYZ, primaries));
-  FitGamut(pPicture);
+  return {Build(&TmEngine::cColorSpace::BuildRGBToXYZ, primaries), true,
+          "linear light, " + NamePrimaries(primaries)};
+}
+
+sSurfaceColors GetSurfaceColors() {
+  const sPrimaries& primaries = kNamed[kRec2020].fPrimaries;
+  return {Build(&TmEngine::cColorSpace::BuildXYZToRGB, primaries),
+          Build(&TmEngine::cColorSpace::BuildRGBToXYZ, primaries)};
 }
 
 }  // namespace Cli

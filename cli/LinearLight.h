@@ -1,8 +1,10 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "cli/Picture.h"
+#include "engine/cMatrix33.h"
 #include "engine/cVector.h"
 
 namespace Cli {
@@ -15,16 +17,22 @@ struct sPrimaries {
   TmEngine::cVector2 fWhite{0.31271f, 0.32902f};
 };
 
-/// Makes every sample finite: NaN and -infinity become 0, +infinity the largest finite sample (1 where none
-/// is above 0), and magnitudes beyond any light are cut. Leaves a warning with the count of such pixels.
-void RepairSamples(sPicture& pPicture);
+/// What linear samples mean.
+struct sLight {
+  std::optional<TmEngine::cMatrix33> fToXYZ;  ///< From RGB to D50-relative XYZ; none for samples in XYZ.
+  bool fFitsGamut = false;  ///< Whether colours beyond those of real surfaces are brought to their border.
+  std::string fColorSpace;  ///< In words.
+};
 
-/// Repairs the linear RGB samples of pPicture and turns them into XYZ. pStated: the primaries that the file
-/// states; where there are none, or where they span no colour space (which leaves a warning), sRGB is taken.
-/// Colours beyond those of real surfaces are brought to the border of that range.
-void LinearToXYZ(sPicture& pPicture, const std::optional<sPrimaries>& pStated);
+/// Linear RGB with the primaries that a file states; where there are none, or where they span no colour space
+/// (which leaves a warning), sRGB's are taken.
+sLight LightOf(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings);
 
-/// Copies each pixel's first sample to the other two.
-void SpreadGrey(const sPicture& pPicture);
+/// RGB of Rec. 2020, which holds the colours of real surfaces.
+struct sSurfaceColors {
+  TmEngine::cMatrix33 fToRGB;  ///< From and to D50-relative XYZ.
+  TmEngine::cMatrix33 fToXYZ;
+};
+sSurfaceColors GetSurfaceColors();
 
 }  // namespace Cli

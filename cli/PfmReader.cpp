@@ -2,13 +2,12 @@
 
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <vector>
 
 #include "cli/Failure.h"
-#include "cli/LinearLight.h"
+#include "cli/LightRows.h"
 
 namespace Cli {
 namespace {
@@ -51,6 +50,14 @@ void SwapBytes(std::vector<float>& pSamples) {
   }
 }
 
+void ReadRow(const std::string& pFile, std::istream& pStream, const sPfmHeader& pHeader,
+             std::vector<float>& pRow) {
+  pStream.read(reinterpret_cast<char*>(pRow.data()),
+               static_cast<std::streamsize>(pRow.size() * sizeof(float)));
+  if (!pStream) throw cFailure(eExitCode_CannotRead, pFile, "cut short, or unreadable");
+  if (pHeader.fSwap) SwapBytes(pRow);
+}
+
 }  // namespace
 
 sPicture ReadPfm(const std::string& pFile) {
@@ -58,19 +65,18 @@ sPicture ReadPfm(const std::string& pFile) {
   const sPfmHeader header = ReadHeader(pFile, stream);
   if (header.fWidth > 0 && header.fHeight > 0) CheckSize(pFile, header, stream);
   sPicture picture = MakePicture(pFile, header.fWidth, header.fHeight);
+  picture.fFormat = "PFM";
+  cLightRows light(picture, LightOf(std::nullopt, picture.fWarnings));
   std::vector<float> row(static_cast<std::size_t>(header.fWidth * header.fSamples));
   for (int y = picture.fBitmap->GetHeight() - 1; y >= 0; --y) {
-    stream.read(reinterpret_cast<char*>(row.data()),
-                static_cast<std::streamsize>(row.size() * sizeof(float)));
-    if (!stream) throw cFailure(eExitCode_CannotRead, pFile, "cut short, or unreadable");
-    if (header.fSwap) SwapBytes(row);
+    ReadRow(pFile, stream, header, row);
     float* pixel = GetRow(picture, y);
     for (std::size_t i = 0; i < row.size(); i += static_cast<std::size_t>(header.fSamples), pixel += 3) {
-      std::memcpy(pixel, &row[i], static_cast<std::size_t>(header.fSamples) * sizeof(float));
+      for (std::size_t k = 0; k < 3; ++k) pixel[k] = row[header.fSamples == 3 ? i + k : i];
     }
+    light.Take(y);
   }
-  if (header.fSamples == 1) SpreadGrey(picture);
-  LinearToXYZ(picture, std::nullopt);
+  light.Finish();
   return picture;
 }
 

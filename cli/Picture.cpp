@@ -3,17 +3,29 @@
 #include <cstddef>
 #include <cstdio>
 #include <limits>
+#include <new>
 
 #include "cli/Failure.h"
 #include "engine/BitmapRows.h"
 #include "engine/cException.h"
 
 namespace Cli {
+namespace {
+
+std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
+  return std::to_string(pWidth) + " x " + std::to_string(pHeight);
+}
+
+[[noreturn]] void RefuseSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
+  throw cFailure(eExitCode_CannotRead, pFile, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
+}
+
+}  // namespace
 
 sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
-  const std::string size = std::to_string(pWidth) + " x " + std::to_string(pHeight);
-  if (pWidth < 1 || pHeight < 1)
-    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + size + ")");
+  if (pWidth < 1 || pHeight < 1) {
+    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
+  }
   constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
   sPicture picture;
   try {
@@ -21,11 +33,21 @@ sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t
     picture.fBitmap =
         std::make_unique<TmEngine::cBitmapXYZ32>(static_cast<int>(pWidth), static_cast<int>(pHeight));
   } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_CannotRead, pFile, size + " pixels do not fit into memory");
+    RefuseSize(pFile, pWidth, pHeight);
   } catch (const TmEngine::cOutOfMemoryException&) {
-    throw cFailure(eExitCode_CannotRead, pFile, size + " pixels do not fit into memory");
+    RefuseSize(pFile, pWidth, pHeight);
   }
   return picture;
+}
+
+void AddAlpha(const std::string& pFile, sPicture& pPicture) {
+  const auto width = static_cast<std::size_t>(pPicture.fBitmap->GetWidth());
+  const auto height = static_cast<std::size_t>(pPicture.fBitmap->GetHeight());
+  try {
+    pPicture.fAlpha.resize(width * height);
+  } catch (const std::bad_alloc&) {
+    RefuseSize(pFile, pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight());
+  }
 }
 
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
@@ -36,6 +58,14 @@ void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWa
 
 float* GetRow(const sPicture& pPicture, int pY) {
   return TmEngine::RowsOf(*pPicture.fBitmap).Row(pY);
+}
+
+std::uint16_t* GetAlphaRow(sPicture& pPicture, int pY) {
+  return pPicture.fAlpha.data() + std::ptrdiff_t{pY} * pPicture.fBitmap->GetWidth();
+}
+
+void SpreadGrey(float* pRow, int pWidth) {
+  for (int x = 0; x < pWidth; ++x, pRow += 3) pRow[1] = pRow[2] = pRow[0];
 }
 
 }  // namespace Cli

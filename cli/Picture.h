@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -12,9 +13,9 @@ namespace Cli {
 
 /// Pixels whose samples had to be put right before the engine may see them.
 struct sRepairs {
-  std::int64_t fNaN = 0;
-  std::int64_t fInfinite = 0;
-  std::int64_t fNegative = 0;
+  std::int64_t fNaN = 0;       ///< With a sample that is not a number.
+  std::int64_t fInfinite = 0;  ///< Others with an infinite sample, or one beyond any light.
+  std::int64_t fNegative = 0;  ///< Of colours that no surface has, as dark noise makes them.
 };
 
 /// A picture as the engine takes it, and what its reader knows of it.
@@ -23,7 +24,7 @@ struct sPicture {
   std::vector<std::uint16_t> fAlpha;                ///< A value a pixel, 65535 opaque; empty for none.
   std::string fFormat;                              ///< In words: "OpenEXR", "TIFF".
   std::string fColorSpace;                          ///< In words: "Display P3 (ICC)".
-  int fFileDepth = 32;                              ///< Bits a sample.
+  int fFileDepth = 32;                              ///< Bits a sample; 32 for Radiance.
   bool fIsPanorama = false;                         ///< Its metadata say that left and right edges meet.
   sRepairs fRepairs;
   cMetadata fMetadata;
@@ -34,10 +35,17 @@ struct sPicture {
 /// memory holds.
 sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
 
+/// Gives pPicture an alpha for each pixel, not set. Throws cFailure, in the name of pFile.
+void AddAlpha(const std::string& pFile, sPicture& pPicture);
+
 /// Tells on standard error what the reader of pFile had to put right.
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings);
 
 /// First sample of row pY.
 float* GetRow(const sPicture& pPicture, int pY);
+/// First alpha of row pY of a picture that has alpha.
+std::uint16_t* GetAlphaRow(sPicture& pPicture, int pY);
+/// Copies each pixel's first sample to the other two.
+void SpreadGrey(float* pRow, int pWidth);
 
 }  // namespace Cli

@@ -4,9 +4,11 @@
 #include <exception>
 #include <new>
 
+#include "cli/Alpha.h"
 #include "cli/CurvePoints.h"
 #include "cli/Failure.h"
 #include "cli/OutputBitmap.h"
+#include "cli/Panorama.h"
 #include "engine/BitmapRows.h"
 #include "engine/cHermiteSpline.h"
 
@@ -61,13 +63,18 @@ std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sP
   try {
     auto result = MakeOutputBitmap(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight(),
                                    pOutput.fDepth, pOutput.fColorSpace);
+    pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
+    HideTransparent(pPicture);
+    const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
+    const cRolledSource source(*pPicture.fBitmap, start);
+    cRolledSink sink(*result, start);
     const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-    pReport.fWrap = pSettings.fWrap == eWrap::kHorizontal;
     SetUpRenderer(*renderer, pSettings, pReport.fWrap, pVerbose);
-    renderer->SetInput(pPicture.fBitmap.get());
-    renderer->SetOutput(result.get());
+    renderer->SetInputRows(source);
+    renderer->SetOutputRows(sink);
     renderer->Render();
     FillReport(*renderer, *result, pReport);
+    BlackenTransparent(*result, pPicture.fAlpha);
     return result;
   } catch (const std::bad_alloc&) {
     throw cFailure(eExitCode_Processing, pFile, "not enough memory to tone-map it");

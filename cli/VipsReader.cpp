@@ -1,10 +1,13 @@
 #include "cli/VipsReader.h"
 
 #include <algorithm>
+#include <array>
 #include <vips/vips8>
 
+#include "cli/Alpha.h"
 #include "cli/IccDecoder.h"
-#include "cli/LinearLight.h"
+#include "cli/LightRows.h"
+#include "cli/Panorama.h"
 #include "cli/RadianceHeader.h"
 #include "cli/VipsSource.h"
 #include "engine/cTransfer.h"
@@ -19,20 +22,27 @@ struct sLayout {
   int fSamples = 3;  ///< A pixel, alpha included.
   int fColours = 3;  ///< Of them colours: 1 grey, 3 RGB, 4 CMYK; they come first.
   VipsBandFormat fFormat = VIPS_FORMAT_UCHAR;
-  std::vector<float> fTable;  ///< The float for each integer sample.
-  std::unique_ptr<cIccDecoder>
-      fDecoder;  ///< From these floats to XYZ; null when they are linear RGB or grey.
+  float fFull = 255.0f;                       ///< The integer sample for full colour.
+  std::array<std::vector<float>, 4> fTables;  ///< The float for each integer sample of each colour.
+  std::unique_ptr<cIccDecoder> fDecoder;      ///< Null without a profile.
+  double fScale[3] = {1.0, 1.0, 1.0};         ///< What linear samples were multiplied by.
+
+  bool IsOfFloats() const { return fFormat == VIPS_FORMAT_FLOAT; }
+  /// Whether a row goes through the profile's own transform, instead of curves and a matrix.
+  bool IsTransformed() const { return fDecoder != nullptr && !fDecoder->GetMatrix(); }
 };
 
-/// The float of each integer sample: encoded for a profile, else linear light of sRGB.
-std::vector<float> MakeTable(VipsBandFormat pFormat, float pFull, bool pDecode) {
-  if (pFormat == VIPS_FORMAT_FLOAT) return {};
+/// The floats of the integer samples of a colour: linear light, or what the profile's transform takes.
+std::vector<float> MakeTable(const sLayout& pLayout, int pColour) {
   const TmEngine::cTransfer_sRGBToLinear transfer;
-  std::vector<float> table(pFormat == VIPS_FORMAT_UCHAR ? 256 : 65536);
-  const auto last = static_cast<float>(table.size() - 1);
+  std::vector<float> table(pLayout.fFormat == VIPS_FORMAT_UCHAR ? 256 : 65536);
   for (std::size_t i = 0; i < table.size(); ++i) {
-    const float sample = static_cast<float>(i) / last;
-    table[i] = pDecode ? transfer.Evaluate(sample) : sample * pFull;
+    const float sample = std::min(static_cast<float>(i) / pLayout.fFull, 1.0f);
+    if (pLayout.IsTransformed()) {
+      table[i] = sample * cIccDecoder::GetFullSample(pLayout.fColours);
+    } else {
+      table[i] = pLayout.fDecoder ? pLayout.fDecoder->Linearise(pColour, sample) : transfer.Evaluate(sample);
+    }
   }
   return table;
 }
@@ -43,85 +53,151 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   layout.fColours = CountColours(pFile, pImage);
   layout.fFormat = pImage.format();
   const bool isInteger = layout.fFormat == VIPS_FORMAT_UCHAR || layout.fFormat == VIPS_FORMAT_USHORT;
-  if (!isInteger && (layout.fFormat != VIPS_FORMAT_FLOAT || layout.fColours == 4)) {
+  if (!isInteger && (!layout.IsOfFloats() || layout.fColours == 4)) {
     RefuseLayout(pFile, "its kind of samples is not supported");
   }
-  if (isInteger) layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture.fWarnings);
+  layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture.fWarnings);
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
-  layout.fTable =
-      MakeTable(layout.fFormat, cIccDecoder::GetFullSample(layout.fColours), layout.fDecoder == nullptr);
+  if (!isInteger) return layout;
+  const int bits = GetSampleBits(pImage);
+  layout.fFull = static_cast<float>(bits == 8 ? 255 : 65536 - (1 << (16 - bits)));
+  for (int i = 0; i < layout.fColours; ++i)
+    layout.fTables[static_cast<std::size_t>(i)] = MakeTable(layout, i);
   return layout;
+}
+
+sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPicture& pPicture) {
+  if (pLayout.fDecoder != nullptr) {
+    return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(), pLayout.fDecoder->GetName() + " (ICC)"};
+  }
+  sLight light = LightOf(pHeader.fPrimaries, pPicture.fWarnings);
+  if (!pLayout.IsOfFloats()) light.fColorSpace = "sRGB";
+  return light;
 }
 
 /// Takes the colours of each pixel, pStep floats from one to the next.
 template <class tSample, class tToFloat>
 void TakeColours(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, int pStep, float* pTo,
                  const tToFloat& pToFloat) {
-  const auto* from = reinterpret_cast<const tSample*>(pFrom);
-  for (int x = 0; x < pWidth; ++x, from += pLayout.fSamples, pTo += pStep) {
-    for (int i = 0; i < pLayout.fColours; ++i) pTo[i] = pToFloat(from[i]);
+  for (int i = 0; i < pLayout.fColours; ++i) {
+    const auto* from = reinterpret_cast<const tSample*>(pFrom) + i;
+    float* to = pTo + i;
+    for (int x = 0; x < pWidth; ++x, from += pLayout.fSamples, to += pStep) *to = pToFloat(*from, i);
   }
 }
 
 void ToFloats(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, int pStep, float* pTo) {
-  const auto look = [&](auto pSample) { return pLayout.fTable[pSample]; };
+  const auto look = [&](auto pSample, int pColour) {
+    return pLayout.fTables[static_cast<std::size_t>(pColour)][pSample];
+  };
+  const auto take = [](float pSample, int) { return pSample; };
+  const auto linearise = [&](float pSample, int pColour) {
+    return pLayout.fDecoder->Linearise(pColour, pSample);
+  };
   switch (pLayout.fFormat) {
     case VIPS_FORMAT_UCHAR:
       return TakeColours<unsigned char>(pFrom, pLayout, pWidth, pStep, pTo, look);
     case VIPS_FORMAT_USHORT:
       return TakeColours<unsigned short>(pFrom, pLayout, pWidth, pStep, pTo, look);
     default:
-      return TakeColours<float>(pFrom, pLayout, pWidth, pStep, pTo, [](float pSample) { return pSample; });
-  }
-}
-
-/// Streams the rows: no more of the file's own pixels than a strip is in memory.
-void ReadRows(const VImage& pImage, const sLayout& pLayout, const sPicture& pPicture) {
-  constexpr int kStrip = 16;
-  const int width = pImage.width();
-  std::vector<float> row(static_cast<std::size_t>(width) * static_cast<std::size_t>(pLayout.fColours));
-  const vips::VRegion region = vips::VRegion::new_from_image(pImage);
-  for (int y = 0; y < pImage.height(); ++y) {
-    if (y % kStrip == 0) region.prepare(0, y, width, std::min(kStrip, pImage.height() - y));
-    float* const to = GetRow(pPicture, y);
-    if (pLayout.fDecoder == nullptr) {
-      ToFloats(region.addr(0, y), pLayout, width, 3, to);
-    } else {
-      ToFloats(region.addr(0, y), pLayout, width, pLayout.fColours, row.data());
-      pLayout.fDecoder->ToXYZ(row.data(), to, width);
-    }
+      if (pLayout.fDecoder == nullptr || pLayout.IsTransformed()) {
+        return TakeColours<float>(pFrom, pLayout, pWidth, pStep, pTo, take);
+      }
+      return TakeColours<float>(pFrom, pLayout, pWidth, pStep, pTo, linearise);
   }
 }
 
 /// Takes back what the file's exposure lines say was multiplied in.
-void UndoScale(const sPicture& pPicture, const double (&pScale)[3]) {
+void UndoScale(float* pRow, int pWidth, const double (&pScale)[3]) {
   if (std::all_of(pScale, pScale + 3, [](double pV) { return pV == 1.0; })) return;
-  for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
-    float* const row = GetRow(pPicture, y);
-    for (int i = 0; i < 3 * pPicture.fBitmap->GetWidth(); ++i) {
-      row[i] = static_cast<float>(row[i] / pScale[i % 3]);
-    }
+  for (int i = 0; i < 3 * pWidth; ++i) pRow[i] = static_cast<float>(pRow[i] / pScale[i % 3]);
+}
+
+template <class tSample, class tToAlpha>
+void TakeAlpha(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::uint16_t* pTo,
+               const tToAlpha& pToAlpha) {
+  const auto* from = reinterpret_cast<const tSample*>(pFrom) + pLayout.fColours;
+  for (int x = 0; x < pWidth; ++x, from += pLayout.fSamples) *pTo++ = pToAlpha(*from);
+}
+
+void ToAlpha(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::uint16_t* pTo) {
+  switch (pLayout.fFormat) {
+    case VIPS_FORMAT_UCHAR:
+      return TakeAlpha<unsigned char>(pFrom, pLayout, pWidth, pTo, AlphaOf8Bits);
+    case VIPS_FORMAT_USHORT:
+      return TakeAlpha<unsigned short>(pFrom, pLayout, pWidth, pTo, [&](unsigned short pSample) {
+        return AlphaOfFloat(static_cast<float>(pSample) / pLayout.fFull);
+      });
+    default:
+      return TakeAlpha<float>(pFrom, pLayout, pWidth, pTo, AlphaOfFloat);
   }
+}
+
+/// From the file's row to a row as the picture's light says.
+void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vector<float>& pRoom,
+             float* pTo) {
+  if (pLayout.IsTransformed()) {
+    pRoom.resize(static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pLayout.fColours));
+    ToFloats(pFrom, pLayout, pWidth, pLayout.fColours, pRoom.data());
+    return pLayout.fDecoder->ToXYZ(pRoom.data(), pTo, pWidth);
+  }
+  ToFloats(pFrom, pLayout, pWidth, 3, pTo);
+  if (pLayout.fColours == 1) SpreadGrey(pTo, pWidth);
+  UndoScale(pTo, pWidth, pLayout.fScale);
+}
+
+/// Streams the rows: no more of the file's own pixels than a strip is in memory.
+void ReadRows(const VImage& pImage, const sLayout& pLayout, const sLight& pLight, sPicture& pPicture) {
+  constexpr int kStrip = 16;
+  const int width = pImage.width();
+  std::vector<float> room;
+  cLightRows light(pPicture, pLight);
+  const vips::VRegion region = vips::VRegion::new_from_image(pImage);
+  for (int y = 0; y < pImage.height(); ++y) {
+    if (y % kStrip == 0) region.prepare(0, y, width, std::min(kStrip, pImage.height() - y));
+    TakeRow(region.addr(0, y), pLayout, width, room, GetRow(pPicture, y));
+    if (!pPicture.fAlpha.empty()) ToAlpha(region.addr(0, y), pLayout, width, GetAlphaRow(pPicture, y));
+    light.Take(y);
+  }
+  light.Finish();
+}
+
+std::string GetXmp(const VImage& pImage) {
+  if (pImage.get_typeof(VIPS_META_XMP_NAME) == 0) return "";
+  std::size_t size = 0;
+  const void* const data = pImage.get_blob(VIPS_META_XMP_NAME, &size);
+  return {static_cast<const char*>(data), size};
+}
+
+cMetadata ReadMetadata(const std::string&, const VImage& pImage) {
+  return cMetadata(pImage);
+}
+
+void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
+  pPicture.fFormat = GetFormatName(pImage);
+  pPicture.fFileDepth = GetSampleBits(pImage);
+  pPicture.fMetadata = ReadMetadata(pFile, pImage);
+  pPicture.fIsPanorama = StatesPanorama(GetXmp(pImage));
+}
+
+sPicture ReadChecked(const std::string& pFile) {
+  const sRadianceHeader header = ReadRadianceHeader(pFile);
+  VImage image = OpenUpright(pFile, header.fOrientation);
+  sPicture picture = MakePicture(pFile, image.width(), image.height());
+  TellOfFile(pFile, image, picture);
+  if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
+  sLayout layout = ChooseLayout(pFile, image, picture);
+  std::copy_n(header.fScale, 3, layout.fScale);
+  if (layout.fSamples > layout.fColours) AddAlpha(pFile, picture);
+  ReadRows(image, layout, ChooseLight(layout, header, picture), picture);
+  return picture;
 }
 
 }  // namespace
 
 sPicture ReadWithVips(const std::string& pFile) {
   try {
-    const sRadianceHeader header = ReadRadianceHeader(pFile);
-    VImage image = OpenUpright(pFile, header.fOrientation);
-    sPicture picture = MakePicture(pFile, image.width(), image.height());
-    if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
-    const sLayout layout = ChooseLayout(pFile, image, picture);
-    ReadRows(image, layout, picture);
-    if (layout.fDecoder != nullptr) {
-      RepairSamples(picture);
-      return picture;
-    }
-    UndoScale(picture, header.fScale);
-    if (layout.fColours == 1) SpreadGrey(picture);
-    LinearToXYZ(picture, header.fPrimaries);
-    return picture;
+    return ReadChecked(pFile);
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   }

@@ -6,9 +6,9 @@
 
 namespace Cli {
 
-/// Reads Radiance, PNG, TIFF and JPEG pictures; libvips knows them by their content. Pictures of integers are
-/// decoded through their embedded ICC profile, or as sRGB; pictures of floats are linear light. Orientation
-/// is applied, alpha is left out. Throws cFailure.
+/// Reads Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF and JPEG XL pictures; libvips knows them by their
+/// content. Samples are decoded through the embedded ICC profile; without one integers are sRGB, and floats
+/// are linear light. Orientation is applied. Throws cFailure.
 sPicture ReadWithVips(const std::string& pFile);
 
 }  // namespace Cli

@@ -12,8 +12,18 @@ namespace {
 
 using vips::VImage;
 
-constexpr std::string_view kLoaders[] = {"VipsForeignLoadRad", "VipsForeignLoadPng", "VipsForeignLoadTiff",
-                                         "VipsForeignLoadJpeg"};
+/// What libvips reads for us.
+struct sFormat {
+  std::string_view fClass;     ///< The start of its loader's class,
+  std::string_view fNickname;  ///< and of the name that it leaves in the picture.
+  const char* fName;
+  bool fIsTurned;  ///< Its decoder turns pictures upright, whatever their EXIF block says.
+};
+constexpr sFormat kFormats[] = {
+    {"VipsForeignLoadRad", "rad", "Radiance", false}, {"VipsForeignLoadPng", "png", "PNG", false},
+    {"VipsForeignLoadTiff", "tiff", "TIFF", false},   {"VipsForeignLoadJpeg", "jpeg", "JPEG", false},
+    {"VipsForeignLoadWebp", "webp", "WebP", false},   {"VipsForeignLoadHeif", "heif", "HEIF", true},
+    {"VipsForeignLoadJxl", "jxl", "JPEG XL", true}};
 
 /// Where samples are missing, JPEG decoders make up grey ones: some bytes with a large size in their header
 /// could take all memory and a day.
@@ -27,20 +37,30 @@ void CheckSize(const std::string& pFile, const VImage& pImage) {
   throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short: it is too small for the size it states");
 }
 
+const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource) {
+  const char* const loader = vips_foreign_find_load_source(pSource.get_source());
+  const std::string_view name = loader == nullptr ? "" : loader;
+  const auto* const format =
+      std::find_if(std::begin(kFormats), std::end(kFormats),
+                   [&](const sFormat& pKnown) { return name.starts_with(pKnown.fClass); });
+  if (format != std::end(kFormats)) return *format;
+  vips_error_clear();
+  throw cFailure(
+      eExitCode_CannotRead, pFile,
+      "not a picture of a known format, or damaged (known: .exr .hdr .pfm .tif .png .jpg .webp .heic "
+      ".avif .jxl)");
+}
+
 /// From a source, not a name: libvips takes a "[" in a name for the start of options.
 VImage Open(const std::string& pFile, VipsAccess pAccess) {
   const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
-  const char* const loader = vips_foreign_find_load_source(source.get_source());
-  const std::string_view name = loader == nullptr ? "" : loader;
-  if (std::none_of(std::begin(kLoaders), std::end(kLoaders),
-                   [&](std::string_view pKnown) { return name.starts_with(pKnown); })) {
-    vips_error_clear();
-    throw cFailure(eExitCode_CannotRead, pFile,
-                   "not a picture of a known format, or damaged (known: .exr .hdr .pfm .png .tif .jpg)");
-  }
+  const sFormat& format = FindFormat(pFile, source);
   VImage image = VImage::new_from_source(
       source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
   CheckSize(pFile, image);
+  if (!format.fIsTurned || vips_image_get_orientation(image.get_image()) == 1) return image;
+  image = image.copy();
+  image.set(VIPS_META_ORIENTATION, 1);
   return image;
 }
 
@@ -72,6 +92,30 @@ VImage OpenUpright(const std::string& pFile, int pOrientation) {
   image = image.copy();
   image.set(VIPS_META_ORIENTATION, orientation);
   return image.autorot();
+}
+
+std::string GetFormatName(const VImage& pImage) {
+  const auto text = [&](const char* pName) {
+    return std::string_view(pImage.get_typeof(pName) == 0 ? "" : pImage.get_string(pName));
+  };
+  if (text("heif-compression") == "av1") return "AVIF";
+  const std::string_view loader = text("vips-loader");
+  const auto* const format =
+      std::find_if(std::begin(kFormats), std::end(kFormats),
+                   [&](const sFormat& pKnown) { return loader.starts_with(pKnown.fNickname); });
+  return format == std::end(kFormats) ? "unknown" : format->fName;
+}
+
+int GetSampleBits(const VImage& pImage) {
+  constexpr char kHeifBits[] = "heif-bitdepth";
+  switch (pImage.format()) {
+    case VIPS_FORMAT_UCHAR:
+      return 8;
+    case VIPS_FORMAT_USHORT:
+      return pImage.get_typeof(kHeifBits) == 0 ? 16 : std::clamp(pImage.get_int(kHeifBits), 9, 16);
+    default:
+      return pImage.format() == VIPS_FORMAT_DOUBLE ? 64 : 32;
+  }
 }
 
 void RefuseDamaged(const std::string& pFile) {

@@ -9,15 +9,20 @@
 
 namespace Cli {
 
-/// Opens a Radiance, PNG, TIFF or JPEG file and turns the picture upright; rows are streamed unless they must
-/// be turned. pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. Throws
-/// cFailure and vips::VError.
+/// Opens a Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF or JPEG XL file and turns the picture upright; rows
+/// are streamed unless they must be turned. pOrientation, as EXIF counts it, replaces what the file's
+/// metadata say unless it is 1. Throws cFailure and vips::VError.
 vips::VImage OpenUpright(const std::string& pFile, int pOrientation);
 
 /// Ends the work on a picture that libvips failed to read.
 [[noreturn]] void RefuseDamaged(const std::string& pFile);
 /// Ends the work on a picture whose samples are of a kind that nobody reads here.
 [[noreturn]] void RefuseLayout(const std::string& pFile, const std::string& pWhat);
+
+/// The format of the file that the picture was opened from: "TIFF", "JPEG XL".
+std::string GetFormatName(const vips::VImage& pImage);
+/// Bits of a sample in the file. Samples of 10 and 12 bits, which HEIF holds, stand at the upper end of 16.
+int GetSampleBits(const vips::VImage& pImage);
 
 /// The number of a pixel's samples that are colours: 1 grey, 3 RGB, 4 CMYK; one more, alpha, may follow.
 /// Throws cFailure for other layouts.

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "cli/Picture.h"
+#include "engine/cBitmapLDR.h"
+
+namespace Cli {
+
+/// Alpha as sPicture holds it. 8 bits come back exactly; floats are clamped to [0, 1] and rounded, NaN is 0.
+inline std::uint16_t AlphaOf8Bits(unsigned pAlpha) {
+  return static_cast<std::uint16_t>(pAlpha * 257);
+}
+inline std::uint16_t AlphaOfFloat(float pAlpha) {
+  return static_cast<std::uint16_t>(pAlpha > 0.0f ? (pAlpha < 1.0f ? pAlpha : 1.0f) * 65535.0f + 0.5f : 0.0f);
+}
+
+/// Nobody sees the colour of a fully transparent pixel, so it must not count in what the engine measures. Of
+/// t such pixels, the k-th in the order of rows takes the colour of visible pixel k * n / t of n: visible
+/// pixels evenly picked from all over the picture, so that shares, quantiles and means stay those of the
+/// visible ones. A picture without visible pixels stays as it is.
+void HideTransparent(sPicture& pPicture);
+
+/// Makes the fully transparent pixels of the result black. pAlpha: as sPicture::fAlpha.
+void BlackenTransparent(TmEngine::cBitmapLDR& pResult, const std::vector<std::uint16_t>& pAlpha);
+
+}  // namespace Cli
