@@ -5,12 +5,12 @@
 #include <vips/vips8>
 
 #include "cli/Alpha.h"
+#include "cli/CodedColors.h"
 #include "cli/IccDecoder.h"
 #include "cli/LightRows.h"
 #include "cli/Panorama.h"
 #include "cli/RadianceHeader.h"
 #include "cli/VipsSource.h"
-#include "engine/cTransfer.h"
 
 namespace Cli {
 namespace {
@@ -25,6 +25,7 @@ struct sLayout {
   float fFull = 255.0f;                       ///< The integer sample for full colour.
   std::array<std::vector<float>, 4> fTables;  ///< The float for each integer sample of each colour.
   std::unique_ptr<cIccDecoder> fDecoder;      ///< Null without a profile.
+  sCodedColors fCoded;                        ///< Of integers without one.
   double fScale[3] = {1.0, 1.0, 1.0};         ///< What linear samples were multiplied by.
 
   bool IsOfFloats() const { return fFormat == VIPS_FORMAT_FLOAT; }
@@ -32,17 +33,17 @@ struct sLayout {
   bool IsTransformed() const { return fDecoder != nullptr && !fDecoder->GetMatrix(); }
 };
 
-/// The floats of the integer samples of a colour: linear light, or what the profile's transform takes.
+/// The float for an integer sample in [0, 1]: linear light, or what the profile's transform takes.
+float DecodeInteger(const sLayout& pLayout, int pColour, float pSample) {
+  if (pLayout.fDecoder == nullptr) return DecodeSample(pLayout.fCoded, pSample);
+  if (pLayout.fDecoder->GetMatrix()) return pLayout.fDecoder->Linearise(pColour, pSample);
+  return pSample * cIccDecoder::GetFullSample(pLayout.fColours);
+}
+
 std::vector<float> MakeTable(const sLayout& pLayout, int pColour) {
-  const TmEngine::cTransfer_sRGBToLinear transfer;
   std::vector<float> table(pLayout.fFormat == VIPS_FORMAT_UCHAR ? 256 : 65536);
   for (std::size_t i = 0; i < table.size(); ++i) {
-    const float sample = std::min(static_cast<float>(i) / pLayout.fFull, 1.0f);
-    if (pLayout.IsTransformed()) {
-      table[i] = sample * cIccDecoder::GetFullSample(pLayout.fColours);
-    } else {
-      table[i] = pLayout.fDecoder ? pLayout.fDecoder->Linearise(pColour, sample) : transfer.Evaluate(sample);
-    }
+    table[i] = DecodeInteger(pLayout, pColour, std::min(static_cast<float>(i) / pLayout.fFull, 1.0f));
   }
   return table;
 }
@@ -59,6 +60,10 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture.fWarnings);
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
   if (!isInteger) return layout;
+  const bool isHeif = pPicture.fFormat == "HEIF" || pPicture.fFormat == "AVIF";
+  if (isHeif && layout.fDecoder == nullptr) {
+    layout.fCoded = ReadCodedColors(pFile, pPicture.fWarnings).value_or(sCodedColors{});
+  }
   const int bits = GetSampleBits(pImage);
   layout.fFull = static_cast<float>(bits == 8 ? 255 : 65536 - (1 << (16 - bits)));
   for (int i = 0; i < layout.fColours; ++i)
@@ -70,8 +75,9 @@ sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPict
   if (pLayout.fDecoder != nullptr) {
     return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(), pLayout.fDecoder->GetName() + " (ICC)"};
   }
-  sLight light = LightOf(pHeader.fPrimaries, pPicture.fWarnings);
-  if (!pLayout.IsOfFloats()) light.fColorSpace = "sRGB";
+  if (pLayout.IsOfFloats()) return LightOf(pHeader.fPrimaries, pPicture.fWarnings);
+  sLight light = LightOf(PrimariesOf(pLayout.fCoded), pPicture.fWarnings);
+  light.fColorSpace = NameColors(pLayout.fCoded);
   return light;
 }
 
