@@ -13,7 +13,8 @@ inline std::uint16_t AlphaOf8Bits(unsigned pAlpha) {
   return static_cast<std::uint16_t>(pAlpha * 257);
 }
 inline std::uint16_t AlphaOfFloat(float pAlpha) {
-  return static_cast<std::uint16_t>(pAlpha > 0.0f ? (pAlpha < 1.0f ? pAlpha : 1.0f) * 65535.0f + 0.5f : 0.0f);
+  if (!(pAlpha > 0.0f)) return 0;
+  return pAlpha < 1.0f ? static_cast<std::uint16_t>(static_cast<double>(pAlpha) * 65535.0 + 0.5) : 65535;
 }
 
 /// Nobody sees the colour of a fully transparent pixel, so it must not count in what the engine measures. Of

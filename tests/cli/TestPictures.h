@@ -42,6 +42,19 @@ inline sTestPicture MakeScene(int pWidth = 48, int pHeight = 32, float pDecades 
   return scene;
 }
 
+/// As it looks when every column moves pBy columns to the right, around the edge.
+template <class tSample>
+std::vector<tSample> RollRows(std::vector<tSample> pSamples, int pWidth, int pBy) {
+  const std::ptrdiff_t row = 3 * std::ptrdiff_t{pWidth};
+  for (auto at = pSamples.begin(); at != pSamples.end(); at += row) {
+    std::rotate(at, at + row - 3 * std::ptrdiff_t{pBy}, at + row);
+  }
+  return pSamples;
+}
+inline sTestPicture Roll(const sTestPicture& pPicture, int pBy) {
+  return {pPicture.fWidth, pPicture.fHeight, RollRows(pPicture.fSamples, pPicture.fWidth, pBy)};
+}
+
 inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
   std::ofstream stream(pFile, std::ios::binary);
   stream << "PF\n" << pPicture.fWidth << ' ' << pPicture.fHeight << "\n-1.0\n";
