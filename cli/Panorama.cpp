@@ -19,13 +19,17 @@ std::string_view FindProperty(std::string_view pXmp, std::string_view pName) {
 /// Rows enough for a median, evenly picked.
 constexpr int kRows = 512;
 
-int RowAt(int pIndex, int pCount, int pHeight) {
+int PickAt(int pIndex, int pCount, int pHeight) {
   return static_cast<int>((2 * std::int64_t{pIndex} + 1) * pHeight / (2 * std::int64_t{pCount}));
 }
 
-double LogLuminance(const sPicture& pPicture, int pX, int pY) {
-  constexpr float kDarkest = 1e-6f;
-  return std::log(static_cast<double>(std::max(GetRow(pPicture, pY)[3 * pX + 1], kDarkest)));
+/// Of pCount pixels of row pY from column pX on.
+double LogLuminance(const sPicture& pPicture, int pX, int pY, int pCount) {
+  constexpr double kDarkest = 1e-6;
+  const float* pixel = GetRow(pPicture, pY) + std::ptrdiff_t{3} * pX;
+  double sum = 0.0;
+  for (int i = 0; i < pCount; ++i, pixel += 3) sum += static_cast<double>(pixel[1]);
+  return std::log(std::max(sum / pCount, kDarkest));
 }
 
 double TakeMedian(std::vector<double>& pValues) {
@@ -34,13 +38,13 @@ double TakeMedian(std::vector<double>& pValues) {
   return *middle;
 }
 
-/// How much two columns differ.
-double CompareColumns(const sPicture& pPicture, int pA, int pB) {
+/// How much the pCount columns from pA on differ from those from pB on.
+double CompareColumns(const sPicture& pPicture, int pA, int pB, int pCount) {
   const int height = pPicture.fBitmap->GetHeight();
   std::vector<double> differences(static_cast<std::size_t>(std::min(height, kRows)));
   for (std::size_t i = 0; i < differences.size(); ++i) {
-    const int y = RowAt(static_cast<int>(i), static_cast<int>(differences.size()), height);
-    differences[i] = std::fabs(LogLuminance(pPicture, pA, y) - LogLuminance(pPicture, pB, y));
+    const int y = PickAt(static_cast<int>(i), static_cast<int>(differences.size()), height);
+    differences[i] = std::fabs(LogLuminance(pPicture, pA, y, pCount) - LogLuminance(pPicture, pB, y, pCount));
   }
   return TakeMedian(differences);
 }
@@ -51,7 +55,7 @@ std::vector<double> SumColumns(const sPicture& pPicture) {
   const int rows = std::min(height, kRows);
   std::vector<double> sums(static_cast<std::size_t>(pPicture.fBitmap->GetWidth()));
   for (int i = 0; i < rows; ++i) {
-    const float* pixel = GetRow(pPicture, RowAt(i, rows, height));
+    const float* pixel = GetRow(pPicture, PickAt(i, rows, height));
     for (double& sum : sums) {
       sum += static_cast<double>(pixel[1]);
       pixel += 3;
@@ -75,12 +79,13 @@ bool EdgesMeet(const sPicture& pPicture) {
   const int width = pPicture.fBitmap->GetWidth();
   const std::int64_t tooWide = std::int64_t{width} - 2 * std::int64_t{pPicture.fBitmap->GetHeight()};
   if (width < kFewestColumns || std::abs(tooWide) * 100 > width) return false;
+  const int count = std::max(width / 1024, 1);
   std::vector<double> inside;
   for (int i = 0; i < kPairs; ++i) {
-    const int x = RowAt(i, kPairs, width - 1);
-    inside.push_back(CompareColumns(pPicture, x, x + 1));
+    const int x = PickAt(i, kPairs, width - 2 * count + 1);
+    inside.push_back(CompareColumns(pPicture, x, x + count, count));
   }
-  return CompareColumns(pPicture, width - 1, 0) <= kMostDifference * TakeMedian(inside);
+  return CompareColumns(pPicture, width - count, 0, count) <= kMostDifference * TakeMedian(inside);
 }
 
 bool ChooseWrap(eWrap pWrap, const sPicture& pPicture) {

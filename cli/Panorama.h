@@ -17,7 +17,8 @@ bool StatesPanorama(const std::string& pXmp);
 /// Whether left and right edges of a picture look as if they met: it is twice as wide as high, within a per
 /// cent, and its last and first column differ hardly more than neighbours inside do: the median over the rows
 /// of |difference of the logarithms of luminance| is at most 1.25 times what it is for the median pair of
-/// neighbours.
+/// neighbours. In pictures wider than 1024 pixels, as many columns as make a 1024th of the width count as
+/// one.
 bool EdgesMeet(const sPicture& pPicture);
 
 /// What pWrap means for this picture: "auto" goes by its metadata, or else by its edges.
