@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -14,7 +16,7 @@ inline std::uint16_t AlphaOf8Bits(unsigned pAlpha) {
 }
 inline std::uint16_t AlphaOfFloat(float pAlpha) {
   if (!(pAlpha > 0.0f)) return 0;
-  return pAlpha < 1.0f ? static_cast<std::uint16_t>(static_cast<double>(pAlpha) * 65535.0 + 0.5) : 65535;
+  return static_cast<std::uint16_t>(std::lround(std::min(static_cast<double>(pAlpha), 1.0) * 65535.0));
 }
 
 /// Nobody sees the colour of a fully transparent pixel, so it must not count in what the engine measures. Of

@@ -27,6 +27,8 @@ void MakeExr(const std::string& pFolder) {
   WriteExr(pFolder + "tiled.exr", Scene(),
            {{"A", "B", "G", "R"}, true, {0.7f, 0.3f, 0.2f, 0.8f, 0.1f, 0.1f, 0.3f, 0.3f}});
   const sTestPicture small = MakeScene(6, 5);
+  WriteExrParts(pFolder + "parts.exr", small, false);
+  WriteExrParts(pFolder + "tiled-parts.exr", small, true);
   for (const auto kind : {Imf::NO_COMPRESSION, Imf::RLE_COMPRESSION, Imf::PIZ_COMPRESSION,
                           Imf::PXR24_COMPRESSION, Imf::B44_COMPRESSION, Imf::DWAA_COMPRESSION}) {
     WriteExr(pFolder + "kind" + std::to_string(kind) + ".exr", small, {{"R", "G", "B"}, false, {}, kind});

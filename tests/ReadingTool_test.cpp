@@ -1,8 +1,4 @@
 #include <OpenEXR/ImfEnvmap.h>
-#include <OpenEXR/ImfMultiPartOutputFile.h>
-#include <OpenEXR/ImfOutputPart.h>
-#include <OpenEXR/ImfPartType.h>
-#include <OpenEXR/ImfTiledOutputPart.h>
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -66,43 +62,6 @@ VImage ToVipsFloat(const sTestPicture& pPicture) {
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB));
 }
 
-/// A part of depth, then one of half floats, then one that nobody wants.
-void WriteParts(const std::string& pFile, const sTestPicture& pPicture, bool pTiled) {
-  const Imf::Header header(pPicture.fWidth, pPicture.fHeight);
-  Imf::Header headers[3] = {header, header, header};
-  const char* const names[] = {"depth", "colour", "small"};
-  for (int i = 0; i < 3; ++i) {
-    headers[i].setName(names[i]);
-    if (i != 1) headers[i].dataWindow().max = Imath::V2i(7, 3);
-    headers[i].setType(pTiled && i == 1 ? Imf::TILEDIMAGE : Imf::SCANLINEIMAGE);
-    for (const char* channel : {"R", "G", "B"}) {
-      if (i > 0) headers[i].channels().insert(channel, Imf::Channel(Imf::HALF));
-    }
-  }
-  headers[0].channels().insert("Z", Imf::Channel(Imf::FLOAT));
-  headers[1].channels().insert("A", Imf::Channel(Imf::HALF));
-  if (pTiled) headers[1].setTileDescription(Imf::TileDescription(16, 16));
-  std::vector<Imath::half> samples(pPicture.fSamples.begin(), pPicture.fSamples.end());
-  std::vector<Imath::half> opaque(samples.size() / 3, Imath::half(1.0f));
-  Imf::FrameBuffer frame;
-  auto* const base = reinterpret_cast<char*>(samples.data());
-  const auto stride = static_cast<std::size_t>(6 * pPicture.fWidth);
-  frame.insert("R", Imf::Slice(Imf::HALF, base, 6, stride));
-  frame.insert("G", Imf::Slice(Imf::HALF, base + 2, 6, stride));
-  frame.insert("B", Imf::Slice(Imf::HALF, base + 4, 6, stride));
-  frame.insert("A", Imf::Slice(Imf::HALF, reinterpret_cast<char*>(opaque.data()), 2, stride / 3));
-  Imf::MultiPartOutputFile file(pFile.c_str(), headers, 3);
-  if (pTiled) {
-    Imf::TiledOutputPart part(file, 1);
-    part.setFrameBuffer(frame);
-    part.writeTiles(0, part.numXTiles() - 1, 0, part.numYTiles() - 1);
-  } else {
-    Imf::OutputPart part(file, 1);
-    part.setFrameBuffer(frame);
-    part.writePixels(pPicture.fHeight);
-  }
-}
-
 TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
   const sTestPicture scene = MakeScene(48, 32, 2.0f);
   const VImage of8 = ToVips8(scene);
@@ -111,8 +70,8 @@ TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
   WritePfm("a.pfm", scene);
   WriteRadiance("a.hdr", scene);
   WriteExr("a.exr", scene);
-  WriteParts("parts.exr", scene, false);
-  WriteParts("tiles.exr", scene, true);
+  WriteExrParts("parts.exr", scene, false);
+  WriteExrParts("tiles.exr", scene, true);
   ofFloats.tiffsave("float.tif");
   ofFloats.jxlsave("float.jxl", VImage::option()->set("lossless", true));
   of16.jxlsave("16.jxl", VImage::option()->set("lossless", true));
@@ -325,7 +284,7 @@ TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
 
 TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
   const VImage of8 = ToVips8(MakeScene(200, 150));
-  WriteParts("a.exr", MakeScene(200, 150), true);
+  WriteExrParts("a.exr", MakeScene(200, 150), true);
   of8.webpsave("a.webp");
   of8.heifsave("a.avif", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1));
   of8.heifsave("a.heic", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_HEVC));

@@ -4,9 +4,13 @@
 #include <OpenEXR/ImfChromaticitiesAttribute.h>
 #include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfHeader.h>
+#include <OpenEXR/ImfMultiPartOutputFile.h>
 #include <OpenEXR/ImfOutputFile.h>
+#include <OpenEXR/ImfOutputPart.h>
+#include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfTiledOutputFile.h>
+#include <OpenEXR/ImfTiledOutputPart.h>
 
 #include <algorithm>
 #include <cmath>
@@ -112,6 +116,43 @@ inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, con
     Imf::OutputFile file(pFile.c_str(), header);
     file.setFrameBuffer(frame);
     file.writePixels(pPicture.fHeight);
+  }
+}
+
+/// A part of depth, then one of half floats, then one that nobody wants.
+inline void WriteExrParts(const std::string& pFile, const sTestPicture& pPicture, bool pTiled) {
+  const Imf::Header header(pPicture.fWidth, pPicture.fHeight);
+  Imf::Header headers[3] = {header, header, header};
+  const char* const names[] = {"depth", "colour", "small"};
+  for (int i = 0; i < 3; ++i) {
+    headers[i].setName(names[i]);
+    if (i != 1) headers[i].dataWindow().max = Imath::V2i(7, 3);
+    headers[i].setType(pTiled && i == 1 ? Imf::TILEDIMAGE : Imf::SCANLINEIMAGE);
+    for (const char* channel : {"R", "G", "B"}) {
+      if (i > 0) headers[i].channels().insert(channel, Imf::Channel(Imf::HALF));
+    }
+  }
+  headers[0].channels().insert("Z", Imf::Channel(Imf::FLOAT));
+  headers[1].channels().insert("A", Imf::Channel(Imf::HALF));
+  if (pTiled) headers[1].setTileDescription(Imf::TileDescription(16, 16));
+  std::vector<Imath::half> samples(pPicture.fSamples.begin(), pPicture.fSamples.end());
+  std::vector<Imath::half> opaque(samples.size() / 3, Imath::half(1.0f));
+  Imf::FrameBuffer frame;
+  auto* const base = reinterpret_cast<char*>(samples.data());
+  const auto stride = static_cast<std::size_t>(6 * pPicture.fWidth);
+  frame.insert("R", Imf::Slice(Imf::HALF, base, 6, stride));
+  frame.insert("G", Imf::Slice(Imf::HALF, base + 2, 6, stride));
+  frame.insert("B", Imf::Slice(Imf::HALF, base + 4, 6, stride));
+  frame.insert("A", Imf::Slice(Imf::HALF, reinterpret_cast<char*>(opaque.data()), 2, stride / 3));
+  Imf::MultiPartOutputFile file(pFile.c_str(), headers, 3);
+  if (pTiled) {
+    Imf::TiledOutputPart part(file, 1);
+    part.setFrameBuffer(frame);
+    part.writeTiles(0, part.numXTiles() - 1, 0, part.numYTiles() - 1);
+  } else {
+    Imf::OutputPart part(file, 1);
+    part.setFrameBuffer(frame);
+    part.writePixels(pPicture.fHeight);
   }
 }
 
