@@ -132,7 +132,8 @@ void ToAlpha(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::uint
       return TakeAlpha<unsigned char>(pFrom, pLayout, pWidth, pTo, AlphaOf8Bits);
     case VIPS_FORMAT_USHORT:
       return TakeAlpha<unsigned short>(pFrom, pLayout, pWidth, pTo, [&](unsigned short pSample) {
-        return AlphaOfFloat(static_cast<float>(pSample) / pLayout.fFull);
+        return pLayout.fFull == 65535.0f ? pSample
+                                         : AlphaOfFloat(static_cast<float>(pSample) / pLayout.fFull);
       });
     default:
       return TakeAlpha<float>(pFrom, pLayout, pWidth, pTo, AlphaOfFloat);
