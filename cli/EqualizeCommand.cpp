@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "cli/CurvePlot.h"
 #include "cli/CurvePoints.h"
@@ -30,13 +31,14 @@ struct sEqualizeOptions {
   std::string fPlot;
   sHueCurveOptions fCurves;
   int fDepth = 0;  ///< 0 for the input's.
+  sFileOptions fFile;
 };
 
 /// Renders into pPicture's own pixels where the depth stays, else into new ones that replace them.
 void Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
   TmEngine::cBitmapLDR& input = *pPicture.fBitmap;
   std::unique_ptr<TmEngine::cBitmapLDR> output;
-  if (pDepth != input.GetBitDepth()) {
+  if ((pDepth > 8 ? 16 : 8) != input.GetBitDepth()) {
     output = MakeOutputBitmap(input.GetWidth(), input.GetHeight(), pDepth, TmEngine::eColorSpaceID_sRGB);
     output->SetColorSpace(input.GetColorSpace());
   }
@@ -51,10 +53,12 @@ void Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves
 }
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {
-  const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, pOptions.fDepth == 16 ? 16 : 8);
+  const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
+  const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, leastDepth, pOptions.fFile);
   sLdrPicture picture = ReadLdrPicture(pOptions.fInput, kVerb);
   PrintWarnings(pOptions.fInput, picture.fWarnings);
-  const int ownDepth = format == eOutputFormat::kJpeg ? 8 : picture.fFileDepth;
+  CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
+  const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   cTempFile file(
       pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
   try {
@@ -64,7 +68,9 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   } catch (const std::exception& exception) {
     throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
   }
-  WritePicture(*picture.fBitmap, picture.fProfile, picture.fMetadata, format, file);
+  sFinishedPicture finished{picture.fBitmap.get(), std::move(picture.fAlpha), picture.fProfile,
+                            picture.fMetadata};
+  PrintWarnings(pOptions.fInput, WritePicture(finished, format, pOptions.fFile, file));
 }
 
 /// Whether two names lead to one file, which need not exist.
@@ -145,11 +151,12 @@ constexpr char kFooter[] =
     "Hues are those of linear ProPhoto RGB, in which colours are changed: the red of sRGB lies at 10 "
     "degrees,\n"
     "yellow at 68, green at 103, cyan at 190, blue at 248, magenta at 283. --plot shows them.\n\n"
-    "The result keeps the input's colour profile, EXIF, XMP, IPTC and resolution as far as its format has a\n"
-    "place for them (.tif has none for EXIF); the picture is stored upright, without alpha. Where the "
-    "engine\n"
-    "cannot work in the profile (tables, grey, CMYK), the result is in sRGB, Adobe RGB or ProPhoto RGB, the\n"
-    "first that holds the profile's colours. A picture without a profile is taken as sRGB.\n\n"
+    "The result keeps the input's colour profile, alpha, EXIF, XMP, IPTC and resolution as far as its "
+    "format\n"
+    "has a place for them; the picture is stored upright. Where the engine cannot work in the profile "
+    "(tables,\n"
+    "grey, CMYK), the result is in sRGB, Adobe RGB or ProPhoto RGB, the first that holds the profile's\n"
+    "colours. A picture without a profile is taken as sRGB.\n\n"
     "Examples:\n"
     "  quorvane equalize photo.jpg -o calm.jpg --saturation 0:0.4\n"
     "  quorvane equalize photo.tif -o leaves.tif --hue-shift 40:0.5,80:0.6,130:0.5 --plot leaves.svg\n"
@@ -162,13 +169,14 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   CLI::App* const verb = pProgram.add_subcommand(
       kVerb, "Changes hue, saturation and lightness of a finished picture, each by a curve over hue.");
   verb->add_option("IN", options->fInput,
-                   "The picture, 8 or 16 bits: .png, .tif or .jpg; told by its content")
+                   "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content")
       ->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
-                   "The result: .png, .tif or .jpg; a file of that name is replaced")
+                   "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
       ->option_text("OUT");
   AddCurveOptions(*verb, options->fCurves);
-  AddDepthOption(*verb, options->fDepth, "the input's; 8 for .jpg");
+  AddDepthOption(*verb, options->fDepth, "the input's, or the most that the format holds");
+  AddFileOptions(*verb, options->fFile);
   verb->add_option(
           "--plot", options->fPlot,
           "Draws the curves over the hue circle into an .svg or .png; IN and OUT may then be left out")

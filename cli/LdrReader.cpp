@@ -42,7 +42,7 @@ VImage OpenIntegers(const std::string& pFile, const std::string& pVerb) {
   }
 }
 
-/// Red, green, blue - or grey - become blue, green, red; alpha stays behind.
+/// Red, green, blue - or grey - become blue, green, red.
 template <class tSample>
 void TakeRow(const VipsPel* pFrom, int pBands, int pColours, int pWidth, unsigned char* pTo) {
   const auto* from = reinterpret_cast<const tSample*>(pFrom);
@@ -55,15 +55,31 @@ void TakeRow(const VipsPel* pFrom, int pBands, int pColours, int pWidth, unsigne
   }
 }
 
+/// Alpha follows the colours of each pixel; 8 bits are widened, so that 255 becomes 65535.
+template <class tSample>
+void TakeAlphaRow(const VipsPel* pFrom, int pBands, int pColours, int pWidth, std::uint16_t* pTo) {
+  const auto* from = reinterpret_cast<const tSample*>(pFrom) + pColours;
+  const unsigned factor = sizeof(tSample) == 1 ? 257 : 1;
+  for (int x = 0; x < pWidth; ++x, from += pBands) pTo[x] = static_cast<std::uint16_t>(*from * factor);
+}
+
 /// Streams the rows: no more of the file's own pixels than a strip is in memory.
-void TakeRows(const VImage& pImage, int pColours, TmEngine::cBitmapLDR& pTo) {
+void TakeRows(const VImage& pImage, int pColours, sLdrPicture& pPicture) {
   constexpr int kStrip = 16;
-  const auto takeRow = pTo.GetBitDepth() == 16 ? &TakeRow<unsigned short> : &TakeRow<unsigned char>;
+  TmEngine::cBitmapLDR& to = *pPicture.fBitmap;
+  const bool isDeep = to.GetBitDepth() == 16;
+  const auto takeRow = isDeep ? &TakeRow<unsigned short> : &TakeRow<unsigned char>;
+  const auto takeAlpha = isDeep ? &TakeAlphaRow<unsigned short> : &TakeAlphaRow<unsigned char>;
+  const auto width = static_cast<std::size_t>(pImage.width());
+  if (pImage.bands() > pColours) pPicture.fAlpha.resize(width * static_cast<std::size_t>(pImage.height()));
   const vips::VRegion region = vips::VRegion::new_from_image(pImage);
   for (int y = 0; y < pImage.height(); ++y) {
     if (y % kStrip == 0) region.prepare(0, y, pImage.width(), std::min(kStrip, pImage.height() - y));
     takeRow(region.addr(0, y), pImage.bands(), pColours, pImage.width(),
-            pTo.GetBitmapData() + std::ptrdiff_t{pTo.GetStride()} * y);
+            to.GetBitmapData() + std::ptrdiff_t{to.GetStride()} * y);
+    if (pPicture.fAlpha.empty()) continue;
+    takeAlpha(region.addr(0, y), pImage.bands(), pColours, pImage.width(),
+              &pPicture.fAlpha[width * static_cast<std::size_t>(y)]);
   }
 }
 
@@ -72,20 +88,20 @@ void TakeSamples(const VImage& pImage, int pColours, TmEngine::cColorSpace* pSpa
   pPicture.fBitmap =
       MakeOutputBitmap(pImage.width(), pImage.height(), pPicture.fFileDepth, TmEngine::eColorSpaceID_sRGB);
   pPicture.fBitmap->SetColorSpace(pSpace);
-  TakeRows(pImage, pColours, *pPicture.fBitmap);
+  TakeRows(pImage, pColours, pPicture);
 }
 
 /// Reads the file once more, as light, and encodes that in 16 bits, whatever the file has: a wider space
 /// needs finer steps.
 void Convert(const std::string& pFile, eColorSpaceID pSpace, sLdrPicture& pPicture) {
-  const sPicture light = ReadWithVips(pFile);
+  sPicture light = ReadWithVips(pFile);
   auto bitmap =
       std::make_unique<TmEngine::cBitmapBGR16>(light.fBitmap->GetWidth(), light.fBitmap->GetHeight(), pSpace);
   bitmap->FromXYZ32(light.fBitmap.get());
   pPicture.fBitmap = std::move(bitmap);
   pPicture.fProfile = GetIccProfile(pSpace);
+  pPicture.fAlpha = std::move(light.fAlpha);
   pPicture.fWarnings = light.fWarnings;
-  pPicture.fMetadata.ForgetColorSpace();
 }
 
 /// The engine's colour space for the samples as they are, and their profile. Null where there is none.
@@ -105,7 +121,7 @@ sLdrPicture Read(const std::string& pFile, const std::string& pVerb) {
   const VImage image = OpenIntegers(pFile, pVerb);
   const int colours = CountColours(pFile, image);
   picture.fFileDepth = image.format() == VIPS_FORMAT_USHORT ? 16 : 8;
-  picture.fMetadata = cMetadata(image);
+  picture.fMetadata = ReadMetadata(pFile, image);
   const auto decoder = MakeDecoder(image, colours, picture.fWarnings);
   if (const auto space = FindSpace(image, colours, decoder.get(), picture.fProfile)) {
     TakeSamples(image, colours, space.get(), picture);

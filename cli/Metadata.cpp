@@ -1,64 +1,87 @@
 #include "cli/Metadata.h"
 
 #include <algorithm>
-#include <string>
+#include <fstream>
+#include <iterator>
 #include <string_view>
+
+#include "cli/MetadataBlocks.h"
+#include "cli/XmpText.h"
 
 namespace Cli {
 namespace {
 
 using vips::VImage;
 
-constexpr std::string_view kKept[] = {"exif-",        "xmp-data",        "iptc-data",        "photoshop-data",
-                                      "png-comment-", "resolution-unit", "image-description"};
 constexpr char kExifOrientation[] = "exif-ifd0-Orientation";
 constexpr char kExifColorSpace[] = "exif-ifd2-ColorSpace";
-
 constexpr char kThumbnail[] = "jpeg-thumbnail-data";
+constexpr char kComment[] = "png-comment-";
 
-bool IsKept(std::string_view pName) {
-  return pName != kExifOrientation &&
-         std::any_of(std::begin(kKept), std::end(kKept),
-                     [&](std::string_view pKnown) { return pName.starts_with(pKnown); });
+/// The fields of libvips that are kept, and what they belong to.
+struct sField {
+  std::string_view fStart;
+  bool sMetadataKinds::*fKind;  ///< Null for what only all metadata include.
+};
+constexpr sField kFields[] = {{"exif-", &sMetadataKinds::fExif},
+                              {VIPS_META_XMP_NAME, &sMetadataKinds::fXmp},
+                              {VIPS_META_IPTC_NAME, &sMetadataKinds::fIptc},
+                              {"photoshop-data", &sMetadataKinds::fIptc},
+                              {kComment, nullptr},
+                              {"resolution-unit", nullptr},
+                              {"image-description", nullptr}};
+
+/// Blocks that programs hide in the text of a PNG are no comments.
+bool IsHiddenBlock(std::string_view pName) {
+  return pName.starts_with(kComment) && (pName.find("-Raw profile type") != std::string_view::npos ||
+                                         pName.find("-XML:com.adobe.xmp") != std::string_view::npos);
 }
 
-void CopyFields(VipsImage* pFrom, VipsImage* pTo) {
+bool IsKept(std::string_view pName, const sMetadataKinds& pKinds) {
+  if (pName == kExifOrientation || IsHiddenBlock(pName)) return false;
+  return std::any_of(std::begin(kFields), std::end(kFields), [&](const sField& pField) {
+    return pName.starts_with(pField.fStart) &&
+           (pField.fKind == nullptr ? pKinds.AreAll() : pKinds.*pField.fKind);
+  });
+}
+
+template <class tIsKept>
+void CopyFields(VipsImage* pFrom, VipsImage* pTo, const tIsKept& pIsKept) {
   gchar** const names = vips_image_get_fields(pFrom);
   for (gchar** name = names; *name != nullptr; ++name) {
     GValue value = {};
-    if (!IsKept(*name) || vips_image_get(pFrom, *name, &value) != 0) continue;
+    if (!pIsKept(*name) || vips_image_get(pFrom, *name, &value) != 0) continue;
     vips_image_set(pTo, *name, &value);
     g_value_unset(&value);
   }
   g_strfreev(names);
 }
 
-/// Writes 1, for upright, over the digit that follows the name, as an attribute's or an element's value.
-void TurnXmpUpright(VipsImage* pImage) {
-  constexpr std::string_view kName = "tiff:Orientation";
+std::string GetXmp(VipsImage* pImage) {
   const void* data = nullptr;
   std::size_t size = 0;
   if (vips_image_get_typeof(pImage, VIPS_META_XMP_NAME) == 0 ||
       vips_image_get_blob(pImage, VIPS_META_XMP_NAME, &data, &size) != 0) {
-    return;
+    return "";
   }
-  std::string text(static_cast<const char*>(data), size);
-  for (std::size_t at = text.find(kName); at != std::string::npos; at = text.find(kName, at + 1)) {
-    const std::size_t value = text.find_first_not_of(" =\"'>", at + kName.size());
-    if (value != std::string::npos && text[value] >= '1' && text[value] <= '8') text[value] = '1';
-  }
-  vips_image_set_blob_copy(pImage, VIPS_META_XMP_NAME, text.data(), text.size());
+  return {static_cast<const char*>(data), size};
 }
 
-/// A small picture of the result in place of the one that shows the input.
-void RenewThumbnail(const VImage& pImage) {
+void SetXmp(VipsImage* pImage, const std::string& pPacket) {
+  vips_image_set_blob_copy(pImage, VIPS_META_XMP_NAME, pPacket.data(), pPacket.size());
+}
+
+/// A small picture of the result in place of the one that shows the input, as a JPEG file.
+std::string MakeThumbnail(const VImage& pImage) {
   constexpr int kSide = 160;
-  const VImage small = pImage.thumbnail_image(kSide, VImage::option()->set("height", kSide));
+  VImage small = pImage.thumbnail_image(kSide, VImage::option()->set("height", kSide));
+  if (small.has_alpha()) small = small.extract_band(0, VImage::option()->set("n", small.bands() - 1));
   VipsBlob* const blob = small.jpegsave_buffer(VImage::option()->set("strip", true));
   std::size_t size = 0;
   const void* const data = vips_blob_get(blob, &size);
-  vips_image_set_blob_copy(pImage.get_image(), kThumbnail, data, size);
+  std::string thumbnail(static_cast<const char*>(data), size);
   vips_area_unref(VIPS_AREA(blob));
+  return thumbnail;
 }
 
 }  // namespace
@@ -67,23 +90,71 @@ cMetadata::cMetadata(const VImage& pFrom)
     : fFields(
           VImage::black(1, 1).copy(VImage::option()->set("xres", pFrom.xres())->set("yres", pFrom.yres()))),
       fHasThumbnail(pFrom.get_typeof(kThumbnail) != 0) {
-  CopyFields(pFrom.get_image(), fFields.get_image());
-  TurnXmpUpright(fFields.get_image());
-}
-
-void cMetadata::PutInto(const VImage& pTo) const {
-  if (fFields.is_null()) return;
-  CopyFields(fFields.get_image(), pTo.get_image());
-  vips_image_set_int(pTo.get_image(), VIPS_META_ORIENTATION, 1);  // over what the EXIF block says
-  if (const double unknown = 1.0; fFields.xres() != unknown || fFields.yres() != unknown) {
-    pTo.get_image()->Xres = fFields.xres();
-    pTo.get_image()->Yres = fFields.yres();
+  CopyFields(pFrom.get_image(), fFields.get_image(),
+             [](std::string_view pName) { return IsKept(pName, {}); });
+  if (const std::string xmp = GetXmp(fFields.get_image()); !xmp.empty()) {
+    SetXmp(fFields.get_image(), TurnXmpUpright(xmp));
   }
-  if (fHasThumbnail) RenewThumbnail(pTo);
 }
 
-void cMetadata::ForgetColorSpace() {
-  if (!fFields.is_null()) fFields.remove(kExifColorSpace);
+std::shared_ptr<sMetadataBlocks> cMetadata::Correct(const VImage& pPicture,
+                                                    const sPictureFacts& pFacts) const {
+  const bool hasThumbnail = HasThumbnail(fBlocks.get()) && fKinds.fExif;
+  return CorrectBlocks(fBlocks.get(),
+                       {pFacts, fKinds, hasThumbnail ? MakeThumbnail(pPicture) : std::string(), fSettings});
+}
+
+void cMetadata::PutInto(const VImage& pTo, const sPictureFacts& pFacts, bool pIsCompleted,
+                        std::vector<std::string>& pWarnings) const {
+  pWarnings.insert(pWarnings.end(), fWarnings.begin(), fWarnings.end());
+  VipsImage* const to = pTo.get_image();
+  if (!fFields.is_null()) {
+    CopyFields(fFields.get_image(), to, [&](std::string_view pName) {
+      return IsKept(pName, fKinds) &&
+             (!HasExiv2() || pName.starts_with(kComment) || pName.starts_with("resolution-"));
+    });
+    const double unknown = 1.0;
+    if (fKinds.AreAll() && (fFields.xres() != unknown || fFields.yres() != unknown)) {
+      to->Xres = fFields.xres();
+      to->Yres = fFields.yres();
+    }
+  }
+  if (HasExiv2()) {
+    if (!pIsCompleted) HandToVips(*Correct(pTo, pFacts), pTo, pWarnings);
+    return;
+  }
+  if (!fFields.is_null()) vips_image_set_int(to, VIPS_META_ORIENTATION, 1);  // over what the EXIF block says
+  if (pFacts.fExifColorSpace > 1) vips_image_remove(to, kExifColorSpace);
+  if (!fSettings.empty() && fKinds.fXmp) SetXmp(to, PutSettingsIntoXmp(GetXmp(to), fSettings));
+  if (!fHasThumbnail || !fKinds.fExif) return;
+  const std::string thumbnail = MakeThumbnail(pTo);
+  vips_image_set_blob_copy(to, kThumbnail, thumbnail.data(), thumbnail.size());
+}
+
+void cMetadata::Complete(const std::string& pPath, const VImage& pPicture, const sPictureFacts& pFacts,
+                         std::vector<std::string>& pWarnings) const {
+  if (HasExiv2()) WriteBlocks(pPath, *Correct(pPicture, pFacts), pWarnings);
+}
+
+cMetadata ReadMetadata(const std::string& pFile, const VImage& pImage) {
+  cMetadata metadata(pImage);
+  metadata.fBlocks = ReadBlocks(pFile, pImage, metadata.fWarnings);
+  return metadata;
+}
+
+std::string ReadStoredSettings(const std::string& pFile) {
+  try {
+    const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
+    const VImage image = VImage::new_from_source(source, "");
+    std::string settings = FindSettingsInXmp(GetXmp(image.get_image()));
+    if (!settings.empty() || image.get_string("vips-loader") != std::string("heifload_source"))
+      return settings;
+    std::ifstream stream(pFile, std::ios::binary);  // libvips reads no XMP of AVIF, where it stands as it is
+    return FindSettingsInXmp({std::istreambuf_iterator<char>(stream), {}});
+  } catch (const vips::VError&) {
+    vips_error_clear();
+    return "";
+  }
 }
 
 }  // namespace Cli

@@ -1,25 +1,68 @@
 #pragma once
 
+#include <memory>
+#include <string>
+#include <vector>
 #include <vips/vips8>
 
 namespace Cli {
 
+struct sMetadataBlocks;  // see MetadataBlocks.h
+
+/// Which of a picture's metadata its result gets. Comments and resolution come with all of them only.
+struct sMetadataKinds {
+  bool fExif = true;  ///< GPS included.
+  bool fXmp = true;
+  bool fIptc = true;
+
+  bool AreAll() const { return fExif && fXmp && fIptc; }
+};
+
+/// What metadata have to say of the picture that they are written with.
+struct sPictureFacts {
+  int fWidth = 0;
+  int fHeight = 0;
+  int fExifColorSpace = 0;  ///< 1 sRGB, 65535 another, 0 whatever the input's metadata say.
+};
+
 /// What a file tells of its picture besides the pixels: EXIF, XMP, IPTC, comments and resolution. Not the
-/// colour profile, which belongs to the samples.
+/// colour profile, which belongs to the samples. What is damaged is left out, with a warning.
 class cMetadata {
  public:
   cMetadata() = default;  ///< Nothing.
   /// From a picture that was turned upright: whatever speaks of its orientation says "upright" from now on.
   explicit cMetadata(const vips::VImage& pFrom);
 
-  /// Where nothing is held, pTo stays as it is. A thumbnail is made anew, of pTo. Throws vips::VError.
-  void PutInto(const vips::VImage& pTo) const;
-  /// Takes back what says that the samples are sRGB; for pictures that were converted.
-  void ForgetColorSpace();
+  /// Leaves only these to be written; without XMP the settings are left out as well.
+  void Keep(const sMetadataKinds& pKinds) { fKinds = pKinds; }
+  /// Adds the tool's own settings, which a picture's XMP carries. They replace those of the input.
+  void PutSettings(const std::string& pJson) { fSettings = pJson; }
+
+  /// What libvips writes with pTo: everything, or only what Exiv2 does not put into the file later
+  /// (pIsCompleted). A thumbnail is made anew, of pTo. Throws vips::VError.
+  void PutInto(const vips::VImage& pTo, const sPictureFacts& pFacts, bool pIsCompleted,
+               std::vector<std::string>& pWarnings) const;
+  /// Puts in by Exiv2 what libvips leaves out of JPEG, PNG, TIFF and WebP files. Throws std::runtime_error
+  /// when the file cannot be written.
+  void Complete(const std::string& pPath, const vips::VImage& pPicture, const sPictureFacts& pFacts,
+                std::vector<std::string>& pWarnings) const;
 
  private:
-  vips::VImage fFields;  ///< A picture of one pixel that carries them; null for nothing.
+  friend cMetadata ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
+  std::shared_ptr<sMetadataBlocks> Correct(const vips::VImage& pPicture, const sPictureFacts& pFacts) const;
+
+  vips::VImage fFields;  ///< A picture of one pixel that carries what libvips knows; null for nothing.
   bool fHasThumbnail = false;
+  std::shared_ptr<const sMetadataBlocks> fBlocks;  ///< What Exiv2 knows; null for nothing.
+  sMetadataKinds fKinds;
+  std::string fSettings;
+  std::vector<std::string> fWarnings;  ///< Of reading.
 };
+
+/// The metadata of pFile, which pImage was opened from and turned upright.
+cMetadata ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
+
+/// The settings that the tool wrote into a result; "" for none, or for a file that is no picture.
+std::string ReadStoredSettings(const std::string& pFile);
 
 }  // namespace Cli

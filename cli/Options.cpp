@@ -18,6 +18,36 @@ CLI::Validator InRange(float pLowest, float pHighest) {
   return CLI::Validator(check, range);
 }
 
+/// Whole numbers alone: 2.5 is none.
+CLI::Validator IntegerIn(int pLowest, int pHighest) {
+  const std::string range = std::to_string(pLowest) + " to " + std::to_string(pHighest);
+  const auto check = [=](std::string& pText) -> std::string {
+    int number = 0;
+    const bool isNumber = CLI::detail::lexical_cast(pText, number);
+    if (isNumber && number >= pLowest && number <= pHighest) return "";
+    return pText + " is not a whole number from " + range;
+  };
+  return CLI::Validator(check, range);
+}
+
+/// "all", "none", or names with commas between them. Throws CLI::ValidationError.
+sMetadataKinds ParseKinds(const std::string& pText) {
+  if (pText == "all") return {};
+  sMetadataKinds kinds{false, false, false};
+  if (pText == "none") return kinds;
+  const std::map<std::string, bool sMetadataKinds::*> names = {
+      {"exif", &sMetadataKinds::fExif}, {"xmp", &sMetadataKinds::fXmp}, {"iptc", &sMetadataKinds::fIptc}};
+  for (const std::string& name : CLI::detail::split(pText, ',')) {
+    const auto found = names.find(name);
+    if (found == names.end()) {
+      throw CLI::ValidationError("--metadata",
+                                 "'" + name + "' is neither all nor none, nor one of exif, xmp and iptc");
+    }
+    kinds.*found->second = true;
+  }
+  return kinds;
+}
+
 }  // namespace
 
 void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings) {
@@ -40,14 +70,42 @@ void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings) {
 }
 
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
-  pVerb.add_option("--depth", pDepth, "Bits a sample of the result; 16 for .png and .tif only")
-      ->check(CLI::IsMember({8, 16}))
-      ->option_text("8|16 [" + pDefault + "]")
+  pVerb
+      .add_option("--depth", pDepth,
+                  "Bits a sample of the result: 16 for .png, .tif and .jxl, 12 for .avif, 8 for all")
+      ->check(CLI::IsMember({8, 12, 16}))
+      ->option_text("8|12|16 [" + pDefault + "]")
+      ->group("Result");
+}
+
+void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
+  pVerb
+      .add_option("--quality", pOptions.fQuality,
+                  "How true .jpg, .webp, .avif and .jxl stay: 100 is best and largest\n"
+                  "(defaults: 90 for .avif, 95 for the others); .jxl of 100, and of other colours\n"
+                  "than sRGB, loses nothing")
+      ->check(IntegerIn(1, 100))
+      ->option_text("1..100 [95]")
+      ->group("Result");
+  pVerb
+      .add_option("--compression", pOptions.fCompression,
+                  "Size of .png and .tif against time: 0 is fastest, 9 smallest; the picture stays the same")
+      ->check(IntegerIn(0, 9))
+      ->option_text("0..9 [3]")
+      ->group("Result");
+  pVerb
+      .add_option_function<std::string>(
+          "--metadata", [&pOptions](const std::string& pText) { pOptions.fMetadata = ParseKinds(pText); },
+          "What the result keeps of the input's metadata: all, none, or some of exif (with GPS),\n"
+          "xmp and iptc, with commas between them; the profile is always embedded. Without xmp,\n"
+          "the settings used are not noted in the result either")
+      ->option_text("all|none|exif,xmp,iptc [all]")
       ->group("Result");
 }
 
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
   AddDepthOption(pVerb, pOptions.fDepth, "8");
+  AddFileOptions(pVerb, pOptions.fFile);
   const std::map<std::string, TmEngine::eColorSpaceID> names = {
       {"srgb", TmEngine::eColorSpaceID_sRGB},
       {"adobergb", TmEngine::eColorSpaceID_AdobeRGB98},

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "cli/OutputFormat.h"
 #include "cli/Settings.h"
 #include "engine/cColorSpace.h"
 
@@ -13,12 +14,14 @@ namespace Cli {
 struct sOutputOptions {
   int fDepth = 8;
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;
+  sFileOptions fFile;
 };
 
 /// The options that verbs share, each with its range, unit and default in the help. The records must outlive
 /// the parsing. pDefault: what the help says of the depth where none is asked for.
 void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings);
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
+void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);
 
 }  // namespace Cli

@@ -21,6 +21,7 @@ std::unique_ptr<cBitmapLDR> MakeOutputBitmap(int pWidth, int pHeight, int pBitDe
   switch (pBitDepth) {
     case 8:
       return std::make_unique<cSilentBitmapBGR8>(pWidth, pHeight, pID);
+    case 12:
     case 16:
       return std::make_unique<cBitmapBGR16>(pWidth, pHeight, pID);
     default:

@@ -1,21 +1,23 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "cli/Metadata.h"
+#include "cli/OutputFormat.h"
 #include "cli/TempFile.h"
 #include "engine/cBitmapLDR.h"
 
 namespace Cli {
 
-/// What a finished picture is written as.
-enum class eOutputFormat { kPng, kTiff, kJpeg };
-
-/// The ending of a file's name, with its point, in small letters.
-std::string GetEnding(const std::string& pFile);
-
-/// The format that the ending of the name asks for, checked against the depth (8 or 16). Throws cFailure.
-eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth);
+/// A finished picture and all that its file says of it.
+struct sFinishedPicture {
+  TmEngine::cBitmapLDR* fBitmap = nullptr;  ///< 8 or 16 bits a sample.
+  std::vector<std::uint16_t> fAlpha;        ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fProfile;                     ///< ICC, of fBitmap's samples.
+  cMetadata fMetadata;
+};
 
 /// Throws cFailure when the result would replace the input.
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
@@ -23,10 +25,11 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
 /// The profile that describes a named colour space.
 std::string GetIccProfile(TmEngine::eColorSpaceID pColorSpace);
 
-/// Writes pBitmap with its ICC profile, and what pMetadata holds as far as the format has a place for it, to
-/// pFile and lets it take its target's place. libvips must be running. Throws cFailure.
-void WritePicture(TmEngine::cBitmapLDR& pBitmap, const std::string& pProfile, const cMetadata& pMetadata,
-                  eOutputFormat pFormat, cTempFile& pFile);
+/// Writes the picture with its profile, and with its alpha and metadata as far as the format has a place for
+/// them, to pFile and lets it take its target's place. Returns what had to be left out, in words. The same
+/// picture gives the same bytes. libvips must be running. Throws cFailure.
+std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
+                                      const sFileOptions& pOptions, cTempFile& pFile);
 
 /// Throws the cFailure for what libvips could not write.
 [[noreturn]] void RefuseToWrite(const cTempFile& pFile);

@@ -28,7 +28,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->required()
       ->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
-                   "The result: .png, .tif or .jpg; a file of that name is replaced")
+                   "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
       ->required()
       ->option_text("OUT");
   AddSettingsOptions(*verb, options->fSettings);

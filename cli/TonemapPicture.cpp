@@ -1,6 +1,7 @@
 #include "cli/TonemapPicture.h"
 
 #include <chrono>
+#include <utility>
 
 #include "cli/PictureReader.h"
 #include "cli/PictureWriter.h"
@@ -17,7 +18,7 @@ double SecondsSince(tClock::time_point pStart) {
 }  // namespace
 
 sPictureReport TonemapPicture(const sTonemapJob& pJob) {
-  const eOutputFormat format = ChooseOutputFormat(pJob.fOutput, pJob.fResult.fDepth);
+  const eOutputFormat format = ChooseOutputFormat(pJob.fOutput, pJob.fResult.fDepth, pJob.fResult.fFile);
   CheckIsAnother(pJob.fInput, pJob.fOutput);
   sPictureReport report;
   report.fSettings = pJob.fSettings;
@@ -31,12 +32,16 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   report.fColorSpace = picture.fColorSpace;
   report.fFileDepth = picture.fFileDepth;
   report.fRepairs = picture.fRepairs;
+  CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
   cTempFile file(pJob.fOutput);  // before the work, so that a place that cannot be written to is told early
   const auto result =
       RenderPicture(pJob.fInput, picture, pJob.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
   const auto rendered = tClock::now();
-  WritePicture(*result, GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata, format, file);
+  sFinishedPicture finished{result.get(), std::move(picture.fAlpha), GetIccProfile(pJob.fResult.fColorSpace),
+                            picture.fMetadata};
+  const std::vector<std::string> leftOut = WritePicture(finished, format, pJob.fResult.fFile, file);
+  report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
   report.fWriteSeconds = SecondsSince(rendered);
   return report;
 }

@@ -176,10 +176,6 @@ std::string GetXmp(const VImage& pImage) {
   return {static_cast<const char*>(data), size};
 }
 
-cMetadata ReadMetadata(const std::string&, const VImage& pImage) {
-  return cMetadata(pImage);
-}
-
 void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
   pPicture.fFormat = GetFormatName(pImage);
   pPicture.fFileDepth = GetSampleBits(pImage);

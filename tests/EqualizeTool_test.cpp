@@ -72,8 +72,7 @@ TEST_F(EqualizeTool, KeepsSamplesDepthAndProfileUnderNeutralCurves) {
         Equalize(std::string(row.fInput) + " --saturation 0:0.5 " + row.fOptions, row.fOutput);
     EXPECT_EQ(result.fShape[3], row.fBits) << row.fInput;
     EXPECT_EQ(result.fProfile, row.fProfile.empty() ? srgb : row.fProfile) << row.fInput;
-    sStored input = Load(row.fInput);
-    if (input.fShape[2] == 4) input = Load("plain.png");
+    const sStored input = Load(row.fInput);
     if (row.fTolerance >= 0.0) {
       EXPECT_LE(LargestDifference(result, input), row.fTolerance) << row.fInput;
     }
@@ -124,27 +123,18 @@ TEST_F(EqualizeTool, MovesColoursAsTheCurvesSay) {
   EXPECT_NE(color(slope + "linear"), color(slope + "flat"));
 }
 
-TEST_F(EqualizeTool, KeepsMetadataUpright) {
-  VImage image = ToVips8(MakeScene(48, 32, 1.5f)).copy();
-  image.set("exif-ifd0-Copyright", "Somebody (Somebody, ASCII, 9 components, 9 bytes)");
-  image.set(VIPS_META_ORIENTATION, 6);
-  const std::string xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/' tiff:Orientation=\"6\">kept</x:xmpmeta>";
-  vips_image_set_blob_copy(image.get_image(), VIPS_META_XMP_NAME, xmp.data(), xmp.size());
-  image = image.copy(VImage::option()->set("xres", 11.0)->set("yres", 11.0));
-  image.jpegsave("in.jpg", VImage::option()->set("Q", 100));
+TEST_F(EqualizeTool, KeepsResolutionAndComments) {
+  VImage image =
+      ToVips8(MakeScene(48, 32, 1.5f)).copy(VImage::option()->set("xres", 11.0)->set("yres", 11.0));
+  image.set("png-comment-0-Title", "a comment");
+  image.pngsave("in.png");
   for (const std::string output : {"out.jpg", "out.png", "out.tif"}) {
-    const sStored result = Equalize("in.jpg --saturation 0:0.5", output);
-    EXPECT_EQ(result.fShape[0], 32) << output;
-    const VImage stored = VImage::new_from_file(output.c_str());
-    EXPECT_LE(vips_image_get_orientation(stored.get_image()), 1) << output;
-    EXPECT_NEAR(stored.xres(), 11.0, 0.1) << output;
-    std::size_t size = 0;
-    const auto* const data = static_cast<const char*>(stored.get_blob(VIPS_META_XMP_NAME, &size));
-    const std::string kept(data, size);
-    EXPECT_NE(kept.find("Orientation=\"1\">kept"), std::string::npos) << output << ' ' << kept;
-    if (output == "out.tif") continue;  // TIFF has no place for EXIF here
-    EXPECT_NE(std::string(stored.get_string("exif-ifd0-Copyright")).find("Somebody"), std::string::npos);
+    Equalize("in.png --saturation 0:0.5", output);
+    EXPECT_NEAR(VImage::new_from_file(output.c_str()).xres(), 11.0, 0.1) << output;
   }
+  EXPECT_NE(VImage::new_from_file("out.png").get_typeof("png-comment-0-Title"), 0u);
+  Equalize("in.png --saturation 0:0.5 --metadata exif", "out.png");
+  EXPECT_EQ(VImage::new_from_file("out.png").get_typeof("png-comment-0-Title"), 0u);
 }
 
 TEST_F(EqualizeTool, DrawsTheCurves) {
