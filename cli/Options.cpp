@@ -3,20 +3,10 @@
 #include <map>
 #include <string>
 
+#include "cli/ColorSpaceName.h"
+
 namespace Cli {
 namespace {
-
-/// Refuses what is not a number in the range; NaN fails both comparisons.
-CLI::Validator InRange(float pLowest, float pHighest) {
-  const std::string range = ToText(pLowest) + " to " + ToText(pHighest);
-  const auto check = [=](std::string& pText) -> std::string {
-    float number = 0.0f;
-    const bool isNumber = CLI::detail::lexical_cast(pText, number);
-    if (isNumber && number >= pLowest && number <= pHighest) return "";
-    return pText + " is not a number from " + range;
-  };
-  return CLI::Validator(check, range);
-}
 
 /// Whole numbers alone: 2.5 is none.
 CLI::Validator IntegerIn(int pLowest, int pHighest) {
@@ -49,25 +39,6 @@ sMetadataKinds ParseKinds(const std::string& pText) {
 }
 
 }  // namespace
-
-void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings) {
-  for (const sSlider& slider : GetSliders()) {
-    pVerb.add_option(std::string("--") + slider.fName, pSettings.*slider.fField, slider.fMeaning)
-        ->check(InRange(slider.fLowest, slider.fHighest))
-        ->option_text(ToText(slider.fLowest) + ".." + ToText(slider.fHighest) + " [" +
-                      ToText(sSettings().*slider.fField) + "]")
-        ->group("Sliders");
-  }
-  const std::map<std::string, eWrap> names = {
-      {"none", eWrap::kNone}, {"horizontal", eWrap::kHorizontal}, {"auto", eWrap::kAuto}};
-  pVerb
-      .add_option_function<std::string>(
-          "--wrap", [names, &pSettings](const std::string& pName) { pSettings.fWrap = names.at(pName); },
-          "Whether the left and right edges meet, as in full panoramas; auto looks at the picture")
-      ->check(CLI::IsMember({"none", "horizontal", "auto"}))
-      ->option_text("none|horizontal|auto [auto]")
-      ->group("Sliders");
-}
 
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
   pVerb
@@ -106,10 +77,8 @@ void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
   AddDepthOption(pVerb, pOptions.fDepth, "8");
   AddFileOptions(pVerb, pOptions.fFile);
-  const std::map<std::string, TmEngine::eColorSpaceID> names = {
-      {"srgb", TmEngine::eColorSpaceID_sRGB},
-      {"adobergb", TmEngine::eColorSpaceID_AdobeRGB98},
-      {"prophoto", TmEngine::eColorSpaceID_ProPhotoRGB}};
+  std::map<std::string, TmEngine::eColorSpaceID> names;
+  for (const sColorSpaceName& name : kColorSpaceNames) names[name.fName] = name.fColorSpace;
   pVerb
       .add_option_function<std::string>(
           "--colorspace",

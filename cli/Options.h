@@ -5,7 +5,6 @@
 #include <string>
 
 #include "cli/OutputFormat.h"
-#include "cli/Settings.h"
 #include "engine/cColorSpace.h"
 
 namespace Cli {
@@ -19,7 +18,6 @@ struct sOutputOptions {
 
 /// The options that verbs share, each with its range, unit and default in the help. The records must outlive
 /// the parsing. pDefault: what the help says of the depth where none is asked for.
-void AddSettingsOptions(CLI::App& pVerb, sSettings& pSettings);
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
 void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);

@@ -24,10 +24,33 @@ constexpr sSlider kSliders[] = {
     {"saturation", &sSettings::fSaturation, -100.0f, 100.0f,
      "Purity of all colours: -100 is grey, 0 as photographed, 100 doubled"}};
 
+static_assert(std::size(kSliders) == sSettingsChange::kSliders);
+
 }  // namespace
 
 std::span<const sSlider> GetSliders() {
   return kSliders;
+}
+
+sSettingsChange ChangeTo(const sSettings& pSettings) {
+  sSettingsChange change;
+  for (std::size_t i = 0; i < change.fSliders.size(); ++i) change.fSliders[i] = pSettings.*kSliders[i].fField;
+  change.fWrap = pSettings.fWrap;
+  return change;
+}
+
+void Apply(const sSettingsChange& pChange, sSettings& pSettings) {
+  for (std::size_t i = 0; i < pChange.fSliders.size(); ++i) {
+    if (pChange.fSliders[i].has_value()) pSettings.*kSliders[i].fField = *pChange.fSliders[i];
+  }
+  if (pChange.fWrap.has_value()) pSettings.fWrap = *pChange.fWrap;
+}
+
+void Apply(const sSettingsChange& pLater, sSettingsChange& pChange) {
+  for (std::size_t i = 0; i < pLater.fSliders.size(); ++i) {
+    if (pLater.fSliders[i].has_value()) pChange.fSliders[i] = pLater.fSliders[i];
+  }
+  if (pLater.fWrap.has_value()) pChange.fWrap = pLater.fWrap;
 }
 
 const char* GetWrapName(eWrap pWrap) {
@@ -39,6 +62,13 @@ const char* GetWrapName(eWrap pWrap) {
     default:
       return "auto";
   }
+}
+
+std::optional<eWrap> FindWrap(const std::string& pName) {
+  for (const eWrap wrap : {eWrap::kNone, eWrap::kHorizontal, eWrap::kAuto}) {
+    if (pName == GetWrapName(wrap)) return wrap;
+  }
+  return std::nullopt;
 }
 
 std::string ToText(float pNumber) {

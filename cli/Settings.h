@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -35,8 +37,25 @@ struct sSlider {
 };
 std::span<const sSlider> GetSliders();
 
+/// Some of the settings, as a preset or a command line asks for them; what is not given stays as it was.
+struct sSettingsChange {
+  static constexpr std::size_t kSliders = 8;
+  std::array<std::optional<float>, kSliders> fSliders;  ///< In the order of GetSliders().
+  std::optional<eWrap> fWrap;
+
+  bool operator==(const sSettingsChange&) const = default;
+};
+
+/// All of pSettings.
+sSettingsChange ChangeTo(const sSettings& pSettings);
+void Apply(const sSettingsChange& pChange, sSettings& pSettings);
+/// pLater wins where both say something.
+void Apply(const sSettingsChange& pLater, sSettingsChange& pChange);
+
 /// The name of a way to treat the edges: "none", "horizontal" or "auto".
 const char* GetWrapName(eWrap pWrap);
+/// None for a name that is unknown.
+std::optional<eWrap> FindWrap(const std::string& pName);
 
 /// The shortest text that reads back as the same float: "0.1", "70".
 std::string ToText(float pNumber);

@@ -3,37 +3,48 @@
 #include <memory>
 
 #include "cli/Options.h"
+#include "cli/SettingsOptions.h"
 #include "cli/TonemapPicture.h"
 #include "cli/VipsLibrary.h"
 
 namespace Cli {
 namespace {
 
-void Run(const sTonemapJob& pJob) {
+struct sTonemapOptions {
+  sTonemapJob fJob;
+  sSettingsOptions fLook;
+};
+
+void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
+  sTonemapJob job = pOptions.fJob;
+  const bool hasPicture = !job.fInput.empty() || !job.fOutput.empty();
+  if (ListAndSavePresets(pOptions.fLook) && !hasPicture) return;
+  if (job.fInput.empty()) throw CLI::RequiredError("IN");
+  if (job.fOutput.empty()) throw CLI::RequiredError("--output");
+  job.fChange = GetChange(pOptions.fLook);
   const cVipsLibrary library;
-  const sPictureReport report = TonemapPicture(pJob);
-  PrintWarnings(pJob.fInput, report.fWarnings);
+  TakeFromResult(pVerb, pOptions.fLook, job.fSettings, job.fResult);
+  const sPictureReport report = TonemapPicture(job);
+  PrintWarnings(job.fInput, report.fWarnings);
 }
 
 }  // namespace
 
 void AddTonemapCommand(CLI::App& pProgram) {
-  const auto options = std::make_shared<sTonemapJob>();
+  const auto options = std::make_shared<sTonemapOptions>();
   CLI::App* const verb = pProgram.add_subcommand(
       "tonemap",
       "Turns a high-dynamic-range photograph into a finished picture: contrasts too large for a\n"
       "screen or paper are compressed, details keep their own.");
-  verb->add_option("IN", options->fInput,
+  verb->add_option("IN", options->fJob.fInput,
                    "The photograph: .hdr, .exr, .pfm, .png, .tif or .jpg; told by its content")
-      ->required()
       ->option_text(" ");
-  verb->add_option("-o,--output", options->fOutput,
+  verb->add_option("-o,--output", options->fJob.fOutput,
                    "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
-      ->required()
       ->option_text("OUT");
-  AddSettingsOptions(*verb, options->fSettings);
-  AddOutputOptions(*verb, options->fResult);
-  verb->add_flag("--verbose", options->fVerbose, "Show what the engine measures and decides");
+  AddSettingsOptions(*verb, options->fLook);
+  AddOutputOptions(*verb, options->fJob.fResult);
+  verb->add_flag("--verbose", options->fJob.fVerbose, "Show what the engine measures and decides");
   verb->footer(
       "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "
       "others\n"
@@ -43,7 +54,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
       "  quorvane tonemap panorama.exr -o panorama.tif --wrap horizontal --strength 80 --depth 16 "
       "--colorspace "
       "prophoto");
-  verb->callback([options] { Run(*options); });
+  verb->callback([verb, options] { Run(*verb, *options); });
 }
 
 }  // namespace Cli

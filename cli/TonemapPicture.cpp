@@ -5,6 +5,7 @@
 
 #include "cli/PictureReader.h"
 #include "cli/PictureWriter.h"
+#include "cli/SettingsJson.h"
 
 namespace Cli {
 namespace {
@@ -22,6 +23,7 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   CheckIsAnother(pJob.fInput, pJob.fOutput);
   sPictureReport report;
   report.fSettings = pJob.fSettings;
+  Apply(pJob.fChange, report.fSettings);
   const auto start = tClock::now();
   sPicture picture = ReadPicture(pJob.fInput);
   report.fReadSeconds = SecondsSince(start);
@@ -35,8 +37,11 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
   cTempFile file(pJob.fOutput);  // before the work, so that a place that cannot be written to is told early
   const auto result =
-      RenderPicture(pJob.fInput, picture, pJob.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
+      RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
+  // What was decided for this picture is kept, so that it can be repeated.
+  report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
+  picture.fMetadata.PutSettings(ToJson(report.fSettings, pJob.fResult));
   const auto rendered = tClock::now();
   sFinishedPicture finished{result.get(), std::move(picture.fAlpha), GetIccProfile(pJob.fResult.fColorSpace),
                             picture.fMetadata};

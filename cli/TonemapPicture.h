@@ -14,7 +14,8 @@ namespace Cli {
 struct sTonemapJob {
   std::string fInput;
   std::string fOutput;
-  sSettings fSettings;
+  sSettings fSettings;      ///< The ground,
+  sSettingsChange fChange;  ///< and what is laid over it.
   sOutputOptions fResult;
   bool fVerbose = false;
 };

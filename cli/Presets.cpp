@@ -1,0 +1,160 @@
+#include "cli/Presets.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "cli/Failure.h"
+
+namespace Cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kEnding[] = ".json";
+
+/// Empty where the environment names no home.
+fs::path GetUserFolder() {
+  const char* const config = std::getenv("XDG_CONFIG_HOME");
+  if (config != nullptr && config[0] == '/') return fs::path(config) / "quorvane/presets";
+  const char* const home = std::getenv("HOME");
+  return home != nullptr && home[0] != '\0' ? fs::path(home) / ".config/quorvane/presets" : fs::path();
+}
+
+/// Where the running program's presets lie: installed, or in the folder in which it was built.
+fs::path GetOwnFolder() {
+  std::error_code error;
+  const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path installed = (here / QUORVANE_DATA_FROM_BIN / "quorvane/presets").lexically_normal();
+  return fs::is_directory(installed, error) ? installed : here / "share/quorvane/presets";
+}
+
+bool IsFileName(const std::string& pNameOrFile) {
+  return pNameOrFile.find('/') != std::string::npos || pNameOrFile.ends_with(kEnding);
+}
+
+bool IsFile(const fs::path& pFile) {
+  std::error_code error;
+  return fs::is_regular_file(pFile, error);
+}
+
+fs::path FindPreset(const std::string& pNameOrFile) {
+  if (IsFile(pNameOrFile)) return pNameOrFile;
+  if (IsFileName(pNameOrFile)) {
+    throw cFailure(eExitCode_Usage, pNameOrFile, "there is no preset file of that name");
+  }
+  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
+    if (folder.empty()) continue;
+    const fs::path file = folder / (pNameOrFile + kEnding);
+    if (IsFile(file)) return file;
+  }
+  throw cFailure(eExitCode_Usage, "",
+                 "--preset: there is neither a file nor a preset '" + pNameOrFile +
+                     "'; --list-presets shows those there are");
+}
+
+sPreset ReadPreset(const fs::path& pFile) {
+  constexpr std::uintmax_t kLargest = 1 << 20;  // a photograph that was named by mistake is not read
+  std::error_code error;
+  if (fs::file_size(pFile, error) > kLargest) {
+    throw cFailure(eExitCode_Usage, pFile.string(), "is no preset: it is too large for one");
+  }
+  std::ifstream stream(pFile, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  if (!stream) throw cFailure(eExitCode_CannotRead, pFile.string(), std::strerror(errno));
+  return ParsePreset(pFile.string(), text);
+}
+
+/// One line of the list: the name, what it is for, and where it lies.
+std::string Describe(const fs::path& pFile, const std::string& pPlace) {
+  std::string text;
+  try {
+    text = ReadPreset(pFile).fDescription;
+  } catch (const cFailure& failure) {
+    text = std::string("cannot be used: ") + failure.what();
+  }
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  std::ostringstream line;
+  line.width(16);
+  line << std::left << pFile.stem().string() << ' ';
+  line << text << (text.empty() ? "(" : " (") << pPlace << ")\n";
+  return line.str();
+}
+
+/// What a preset without a description of its own is about: "strength 90, contrast 40".
+std::string DescribeChange(const sSettingsChange& pChange) {
+  std::string text;
+  const auto add = [&](const std::string& pPart) { text += (text.empty() ? "" : ", ") + pPart; };
+  for (std::size_t i = 0; i < pChange.fSliders.size(); ++i) {
+    if (pChange.fSliders[i].has_value()) {
+      add(GetSliders()[i].fName + std::string(" ") + ToText(*pChange.fSliders[i]));
+    }
+  }
+  if (pChange.fWrap.has_value()) add(std::string("wrap ") + GetWrapName(*pChange.fWrap));
+  return text;
+}
+
+fs::path ChooseTarget(const std::string& pNameOrFile) {
+  if (IsFileName(pNameOrFile)) return pNameOrFile;
+  const fs::path folder = GetUserFolder();
+  if (folder.empty()) {
+    throw cFailure(eExitCode_CannotWrite, pNameOrFile,
+                   "neither XDG_CONFIG_HOME nor HOME says where presets are kept; name a file");
+  }
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) throw cFailure(eExitCode_CannotWrite, folder.string(), error.message());
+  return folder / (pNameOrFile + kEnding);
+}
+
+}  // namespace
+
+sPreset LoadPreset(const std::string& pNameOrFile) {
+  return ReadPreset(FindPreset(pNameOrFile));
+}
+
+std::string ListPresets() {
+  std::string list;
+  std::set<fs::path> shown;
+  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
+    std::error_code error;
+    std::set<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+      if (entry.path().extension() == kEnding && IsFile(entry.path())) files.insert(entry.path());
+    }
+    for (const fs::path& file : files) {
+      const bool isHidden = !shown.insert(file.stem()).second;
+      const std::string place = folder == GetOwnFolder() ? "built in" : file.string();
+      list += Describe(file, isHidden ? place + ", hidden by yours" : place);
+    }
+  }
+  return list;
+}
+
+void SavePreset(const std::string& pNameOrFile, const sSettingsChange& pChange) {
+  if (pChange == sSettingsChange()) {
+    throw cFailure(eExitCode_Usage, "", "--save-preset: neither a preset nor a slider is given to be saved");
+  }
+  const fs::path target = ChooseTarget(pNameOrFile);
+  const std::string text = ToJson(sPreset{target.stem().string(), DescribeChange(pChange), pChange});
+  std::FILE* const file = std::fopen(target.c_str(), "wbx");
+  if (file == nullptr && errno == EEXIST) {
+    throw cFailure(eExitCode_Usage, target.string(), "exists already; choose another name, or remove it");
+  }
+  const bool isWritten = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  const bool isClosed = file != nullptr && std::fclose(file) == 0;
+  if (isWritten && isClosed) return;
+  const std::string reason = std::strerror(errno);
+  if (file != nullptr) std::remove(target.c_str());
+  throw cFailure(eExitCode_CannotWrite, target.string(), reason);
+}
+
+}  // namespace Cli

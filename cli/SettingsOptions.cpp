@@ -1,0 +1,101 @@
+#include "cli/SettingsOptions.h"
+
+#include <cstdio>
+
+#include "cli/Failure.h"
+#include "cli/Metadata.h"
+#include "cli/Presets.h"
+#include "cli/SettingsJson.h"
+
+namespace Cli {
+namespace {
+
+constexpr char kPresetGroup[] = "Presets";
+constexpr char kSliderGroup[] = "Sliders";
+
+/// Refuses what is not a number in the range; NaN fails both comparisons.
+CLI::Validator InRange(float pLowest, float pHighest) {
+  const std::string range = ToText(pLowest) + " to " + ToText(pHighest);
+  const auto check = [=](std::string& pText) -> std::string {
+    float number = 0.0f;
+    const bool isNumber = CLI::detail::lexical_cast(pText, number);
+    if (isNumber && number >= pLowest && number <= pHighest) return "";
+    return pText + " is not a number from " + range;
+  };
+  return CLI::Validator(check, range);
+}
+
+void AddSliders(CLI::App& pVerb, sSettingsChange& pGiven) {
+  std::optional<float>* field = pGiven.fSliders.data();
+  for (const sSlider& slider : GetSliders()) {
+    pVerb
+        .add_option_function<float>(
+            std::string("--") + slider.fName, [field](float pValue) { *field = pValue; }, slider.fMeaning)
+        ->check(InRange(slider.fLowest, slider.fHighest))
+        ->option_text(ToText(slider.fLowest) + ".." + ToText(slider.fHighest) + " [" +
+                      ToText(sSettings().*slider.fField) + "]")
+        ->group(kSliderGroup);
+    ++field;
+  }
+  pVerb
+      .add_option_function<std::string>(
+          "--wrap", [&pGiven](const std::string& pName) { pGiven.fWrap = FindWrap(pName); },
+          "Whether the left and right edges meet, as in full panoramas; auto looks at the picture")
+      ->check(CLI::IsMember({"none", "horizontal", "auto"}))
+      ->option_text("none|horizontal|auto [auto]")
+      ->group(kSliderGroup);
+}
+
+}  // namespace
+
+void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
+  pVerb
+      .add_option("--preset", pOptions.fPresets,
+                  "Settings of that name or file; of several, later ones win, and sliders that are given win "
+                  "over all")
+      ->allow_extra_args(false)
+      ->option_text("PRESET")
+      ->group(kPresetGroup);
+  pVerb
+      .add_option("--settings-from", pOptions.fFromResult,
+                  "Start from the settings that an earlier result carries, depth and colour space too, "
+                  "instead of from the defaults")
+      ->option_text("RESULT")
+      ->group(kPresetGroup);
+  pVerb
+      .add_option("--save-preset", pOptions.fSaveAs,
+                  "Write what presets and sliders of this command line say into a new preset: a name keeps "
+                  "it in your own folder, a file (with a / or .json) anywhere; no picture is needed")
+      ->option_text("PRESET")
+      ->group(kPresetGroup);
+  pVerb.add_flag("--list-presets", pOptions.fList, "Show the presets there are; no picture is needed")
+      ->group(kPresetGroup);
+  AddSliders(pVerb, pOptions.fGiven);
+}
+
+sSettingsChange GetChange(const sSettingsOptions& pOptions) {
+  sSettingsChange change;
+  for (const std::string& preset : pOptions.fPresets) Apply(LoadPreset(preset).fChange, change);
+  Apply(pOptions.fGiven, change);
+  return change;
+}
+
+bool ListAndSavePresets(const sSettingsOptions& pOptions) {
+  if (!pOptions.fSaveAs.empty()) SavePreset(pOptions.fSaveAs, GetChange(pOptions));
+  if (pOptions.fList) std::fputs(ListPresets().c_str(), stdout);
+  return pOptions.fList || !pOptions.fSaveAs.empty();
+}
+
+void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, sSettings& pSettings,
+                    sOutputOptions& pResult) {
+  const std::string& file = pOptions.fFromResult;
+  if (file.empty()) return;
+  const std::string text = ReadStoredSettings(file);
+  if (text.empty()) {
+    throw cFailure(eExitCode_Usage, file, "carries no settings; name a result of 'quorvane tonemap'");
+  }
+  const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };
+  ParseResultSettings(file, text, isGiven, pSettings, pResult);
+}
+
+}  // namespace Cli

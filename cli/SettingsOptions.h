@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+#include "cli/Options.h"
+#include "cli/Settings.h"
+
+namespace Cli {
+
+/// What a command line says of the look.
+struct sSettingsOptions {
+  std::string fFromResult;            ///< A picture whose settings are the ground; empty for the defaults.
+  std::vector<std::string> fPresets;  ///< Names or files, in the order in which they are laid over it.
+  sSettingsChange fGiven;             ///< The options, which win over all.
+  std::string fSaveAs;                ///< A preset to write, name or file; empty for none.
+  bool fList = false;
+};
+
+/// Adds the sliders, --wrap, and all that has to do with presets. pOptions must outlive the parsing.
+void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions);
+
+/// What is laid over the ground: the presets in their order, then the options. Throws cFailure.
+sSettingsChange GetChange(const sSettingsOptions& pOptions);
+
+/// Lists the presets and saves one, as far as that is asked for. Returns whether it was, so that no picture
+/// need be given. Throws cFailure.
+bool ListAndSavePresets(const sSettingsOptions& pOptions);
+
+/// Takes settings and output options from the result that is named, if one is; those that pVerb was given on
+/// its command line stay. libvips must be running. Throws cFailure.
+void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, sSettings& pSettings,
+                    sOutputOptions& pResult);
+
+}  // namespace Cli
