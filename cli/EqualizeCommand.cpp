@@ -173,7 +173,8 @@ void AddEqualizeCommand(CLI::App& pProgram) {
       ->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
                    "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
-      ->option_text("OUT");
+      ->option_text("OUT")
+      ->group("Result");
   AddCurveOptions(*verb, options->fCurves);
   AddDepthOption(*verb, options->fDepth, "the input's, or the most that the format holds");
   AddFileOptions(*verb, options->fFile);

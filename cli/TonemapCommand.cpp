@@ -41,19 +41,22 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->option_text(" ");
   verb->add_option("-o,--output", options->fJob.fOutput,
                    "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
-      ->option_text("OUT");
+      ->option_text("OUT")
+      ->group("Result");
   AddSettingsOptions(*verb, options->fLook);
   AddOutputOptions(*verb, options->fJob.fResult);
   verb->add_flag("--verbose", options->fJob.fVerbose, "Show what the engine measures and decides");
   verb->footer(
       "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "
-      "others\n"
-      "by their embedded profile, else as sRGB.\n\n"
+      "others by their embedded profile, else as sRGB.\n\n"
+      "A result keeps the settings it was made with, so that --settings-from can repeat them. Presets are "
+      "JSON files: your own lie in $XDG_CONFIG_HOME/quorvane/presets (~/.config/quorvane/presets) and win "
+      "over those that are built in.\n\n"
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
-      "  quorvane tonemap panorama.exr -o panorama.tif --wrap horizontal --strength 80 --depth 16 "
-      "--colorspace "
-      "prophoto");
+      "  quorvane tonemap photo.hdr -o photo.jpg --preset vivid --strength 60\n"
+      "  quorvane tonemap other.hdr -o other.jpg --settings-from photo.jpg\n"
+      "  quorvane tonemap panorama.exr -o print.tif --wrap horizontal --depth 16 --colorspace prophoto");
   verb->callback([verb, options] { Run(*verb, *options); });
 }
 

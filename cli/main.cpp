@@ -7,6 +7,7 @@
 
 #include "cli/EqualizeCommand.h"
 #include "cli/Failure.h"
+#include "cli/HelpOptions.h"
 #include "cli/TonemapCommand.h"
 
 namespace {
@@ -22,11 +23,13 @@ int RunProgram(int pCount, char** pArguments) {
   program.require_subcommand(1);
   program.set_version_flag("--version", QUORVANE_VERSION);
   program.footer(
-      "Exit codes: 0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing.\n\n"
+      "Exit codes:\n"
+      "  0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing\n\n"
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
       "  quorvane equalize photo.png -o greener.png --hue-shift 60:0.6,20:0.5,100:0.5\n"
       "  quorvane tonemap --help");
+  Cli::AddHelpOptions(program);
   Cli::AddTonemapCommand(program);
   Cli::AddEqualizeCommand(program);
   try {
