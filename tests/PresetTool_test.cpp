@@ -1,0 +1,245 @@
+#include <gtest/gtest.h>
+
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// Presets and kept settings of the built tool, end to end.
+
+namespace {
+
+class PresetTool : public cToolTest {
+ protected:
+  void SetUp() override {
+    cToolTest::SetUp();
+    fs::create_directories("config/quorvane/presets");
+    setenv("XDG_CONFIG_HOME", (fFolder / "config").c_str(), 1);
+    WritePfm("scene.pfm", MakeScene());
+  }
+
+  static void WriteText(const std::string& pFile, const std::string& pText) {
+    std::ofstream(pFile, std::ios::binary) << pText;
+  }
+  static std::string Preset(const std::string& pSettings) {
+    return R"({"quorvane-preset": 1, "name": "x", "description": "y", "settings": {)" + pSettings + "}}";
+  }
+  static std::string UserFile(const std::string& pName) { return "config/quorvane/presets/" + pName; }
+
+  /// The result's bytes; expects success without a word.
+  static std::string Make(const std::string& pArguments, const std::string& pOutput = "result.png") {
+    const sRun run = Run("tonemap scene.pfm -o " + pOutput + " " + pArguments);
+    EXPECT_EQ(run.fExitCode, 0) << pArguments;
+    EXPECT_EQ(run.fErrors + run.fOutput, "") << pArguments;
+    std::string bytes = ReadText(pOutput);
+    fs::remove(pOutput);
+    return bytes;
+  }
+};
+
+TEST_F(PresetTool, LaysPresetsAndOptionsOverOneAnother) {
+  WriteText(UserFile("mine.json"), Preset(R"("strength": 10, "contrast": -5.5)"));
+  WriteText(UserFile("other.json"), Preset(R"("contrast": 60, "wrap": "horizontal")"));
+  WriteText(UserFile("vivid.json"), Preset(R"("saturation": -100)"));
+  WriteText(UserFile("here.json"), Preset(R"("strength": 1)"));
+  WriteText("here", Preset(R"("strength": 2)"));
+  WriteText("file.json", Preset(R"("white-clip": 0.30000001, "black-clip": 1e-1)"));
+  const struct {
+    const char* fArguments;
+    const char* fSame;
+  } cases[] = {
+      {"--preset mine", "--strength 10 --contrast -5.5"},
+      {"--preset mine --preset other", "--strength 10 --contrast 60 --wrap horizontal"},
+      {"--preset other --preset mine", "--strength 10 --contrast -5.5 --wrap horizontal"},
+      {"--preset=mine --contrast 7", "--strength 10 --contrast 7"},
+      {"--contrast 7 --wrap none --preset other --preset mine", "--strength 10 --contrast 7 --wrap none"},
+      {"--contrast 20 --preset mine", "--strength 10"},
+      {"--preset vivid", "--saturation -100"},
+      {"--preset here", "--strength 2"},
+      {"--preset ./file.json", "--white-clip 0.3 --black-clip 0.1"},
+  };
+  for (const auto& row : cases) EXPECT_TRUE(Make(row.fArguments) == Make(row.fSame)) << row.fArguments;
+}
+
+TEST_F(PresetTool, ShipsPresetsThatLookDifferent) {
+  const std::string names[] = {"natural", "vivid", "dramatic", "night", "panorama"};
+  std::vector<sStored> results;
+  for (const std::string& name : names) {
+    ASSERT_EQ(Run("tonemap scene.pfm -o " + name + ".png --preset " + name).fExitCode, 0);
+    for (const sStored& other : results) EXPECT_GT(MeanDifference(Load(name + ".png"), other), 4.0) << name;
+    results.push_back(Load(name + ".png"));
+  }
+  WriteText(UserFile("night.json"), Preset(R"("strength": 1)"));
+  WriteText(UserFile("broken.json"), "{");
+  const sRun list = Run("tonemap --list-presets");
+  EXPECT_EQ(list.fExitCode, 0) << list.fErrors;
+  for (const std::string& name : names) EXPECT_NE(list.fOutput.find("\n" + name), std::string::npos) << name;
+  for (const std::string text :
+       {"(built in)", "(built in, hidden by yours)", "broken           cannot be used"}) {
+    EXPECT_NE(list.fOutput.find(text), std::string::npos) << text << '\n' << list.fOutput;
+  }
+}
+
+TEST_F(PresetTool, FindsItsPresetsWhereverItIsInstalled) {
+  fs::create_directories("prefix/bin");
+  fs::create_directories("prefix/share/quorvane/presets");
+  fs::copy(QUORVANE_TOOL, "prefix/bin/quorvane");
+  WriteText("prefix/share/quorvane/presets/installed.json", Preset(""));
+  EXPECT_EQ(std::system("ln -s prefix/bin/quorvane linked && ./linked tonemap --list-presets >list"), 0);
+  EXPECT_EQ(ReadText("list"), "installed        y (built in)\n");
+}
+
+TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
+  const std::string start = R"({"quorvane-preset": 1, )";
+  const struct {
+    std::string fText;
+    const char* fReason;
+  } presets[] = {
+      {"", "cannot be used: parse error at line 1"},
+      {"[1]", "is no preset: it lacks \"quorvane-preset\": 1"},
+      {R"({"settings": {}})", "is no preset: it lacks \"quorvane-preset\": 1"},
+      {R"({"quorvane-preset": 2, "settings": {}})",
+       "\"quorvane-preset\": 2 is not a version that this program"},
+      {R"({"quorvane-preset": "1", "settings": {}})", "\"quorvane-preset\": \"1\" is not a version"},
+      {start + R"("settings": {}, "author": "me"})",
+       "unknown key \"author\" in the preset; it knows quorvane-pre"},
+      {start + R"("name": 5, "settings": {}})", "\"name\": 5 is not a text in quotes"},
+      {start + R"("name": "x"})", "lacks \"settings\": { }"},
+      {start + R"("settings": [1]})", "\"settings\" must be an object in braces"},
+      {Preset(R"("strenght": 5)"), "unknown key \"strenght\" in \"settings\"; it knows strength, lighting, "},
+      {Preset(R"("strength": 150.5)"), "\"strength\": 150.5 is not a number from -200 to 150"},
+      {Preset(R"("strength": "70")"), "\"strength\": \"70\" is not a number from -200 to 150"},
+      {Preset(R"("black-clip": 1e99)"), "\"black-clip\": 1e+99 is not a number from 0 to 50"},
+      {Preset(R"("contrast": null)"), "\"contrast\": null is not a number from -100 to 100"},
+      {Preset(R"("wrap": "vertical")"), "\"wrap\": \"vertical\" is not none, horizontal or auto"},
+      {Preset(R"("wrap": 1)"), "\"wrap\": 1 is not none, horizontal or auto"},
+      {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" stands there twice"},
+      {std::string(2 << 20, ' '), "is no preset: it is too large for one"},
+  };
+  WriteText("plain.png", "no picture");
+  ToVips8(MakeScene()).pngsave("camera.png");
+  ASSERT_EQ(Run("tonemap scene.pfm -o kept.tif").fExitCode, 0);
+  const std::set<std::string> before = ListFolder();
+  const auto expect = [&](const std::string& pArguments, int pExitCode, const std::string& pStart) {
+    const sRun run = Run("tonemap scene.pfm -o b.png " + pArguments);
+    EXPECT_EQ(run.fExitCode, pExitCode) << pArguments << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind("quorvane: " + pStart, 0), 0u)
+        << "expected " << pStart << "\nfound " << run.fErrors;
+  };
+  for (const auto& row : presets) {
+    WriteText(UserFile("bad.json"), row.fText);
+    expect("--preset natural --preset bad", 2, (fFolder / UserFile("bad.json: ")).string() + row.fReason);
+  }
+  expect("--preset nothing", 2, "--preset: there is neither a file nor a preset 'nothing'; --list-presets");
+  expect("--preset no/thing", 2, "no/thing: there is no preset file of that name");
+  expect("--preset config", 2, "--preset: there is neither a file nor a preset 'config'");
+  expect("--sharpness=3", 2, "The following argument was not expected: --sharpness=3");
+  expect("--settings-from missing.png", 3, "missing.png: No such file or directory");
+  expect("--settings-from plain.png", 3, "plain.png: ");
+  expect("--settings-from camera.png", 2, "camera.png: carries no settings");
+  expect("--settings-from camera.png --settings-from kept.tif", 2, "--settings-from: ");
+  EXPECT_EQ(ListFolder(), before);
+}
+
+TEST_F(PresetTool, SavesWhatTheCommandLineSays) {
+  const std::string settings = "--strength 33.3 --black-clip 0.123456789 --wrap none --contrast -7";
+  EXPECT_EQ(Run("tonemap --save-preset mine " + settings).fExitCode, 0);
+  EXPECT_TRUE(Make("--preset mine") == Make(settings));
+  EXPECT_EQ(ReadText(UserFile("mine.json")),
+            "{\n  \"quorvane-preset\": 1,\n  \"name\": \"mine\",\n"
+            "  \"description\": \"strength 33.3, black-clip 0.12345679, contrast -7, wrap none\",\n"
+            "  \"settings\": {\n    \"strength\": 33.3,\n    \"black-clip\": 0.12345679,\n"
+            "    \"contrast\": -7,\n    \"wrap\": \"none\"\n  }\n}\n");
+  // with a picture both are done; presets are part of what is said
+  Make("--preset mine --contrast 8 --save-preset ./new.json");
+  EXPECT_TRUE(Make("--preset new.json") ==
+              Make("--strength 33.3 --black-clip 0.123456789 --wrap none --contrast 8"));
+  const struct {
+    const char* fArguments;
+    int fExitCode;
+    const char* fText;
+  } refused[] = {{"--save-preset mine --strength 1", 2, "mine.json: exists already; choose another name"},
+                 {"--save-preset new.json --strength 1", 2, "new.json: exists already"},
+                 {"--save-preset empty", 2, "--save-preset: neither a preset nor a slider is given"},
+                 {"--save-preset none/x.json --strength 1", 4, "none/x.json: No such file or directory"}};
+  for (const auto& row : refused) {
+    const sRun run = Run(std::string("tonemap ") + row.fArguments);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << run.fErrors;
+    EXPECT_NE(run.fErrors.find(row.fText), std::string::npos) << run.fErrors;
+  }
+}
+
+TEST_F(PresetTool, RepeatsAResultToTheByte) {
+  const struct {
+    const char* fArguments;
+    const char* fFile;
+  } cases[] = {
+      {"", "a.png"},
+      {"--preset dramatic --strength 12.345678 --wrap horizontal", "a.jpg"},
+      {"--depth 16 --colorspace prophoto --black-clip 0.1 --white-clip 0.7", "a.tif"},
+      {"--colorspace adobergb --lighting -3.3333333 --microcontrast 1e-7 --saturation -1.5", "a.png"},
+  };
+  for (const auto& row : cases) {
+    const std::string file = row.fFile;
+    const std::string first = Make(row.fArguments, file);
+    WriteText("kept-" + file, first);
+    EXPECT_TRUE(Make("--settings-from kept-" + file, file) == first) << row.fArguments;
+  }
+  // other settings are the ground, what is said beside them wins
+  WriteText("kept.tif", Make("--strength 5 --contrast 6 --depth 16 --colorspace prophoto", "a.tif"));
+  EXPECT_TRUE(Make("--settings-from kept.tif --contrast 7 --depth 8", "b.tif") ==
+              Make("--strength 5 --contrast 7 --colorspace prophoto", "b.tif"));
+}
+
+/// The long names of the options that a help text lists.
+std::set<std::string> GetOptions(const std::string& pHelp) {
+  std::set<std::string> names;
+  std::istringstream lines(pHelp);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("  -", 0) != 0) continue;
+    const std::size_t start = line.find("--");
+    names.insert(line.substr(start, line.find_first_of(" ", start) - start));
+  }
+  return names;
+}
+
+TEST_F(PresetTool, TellsTheSameInHelpManualAndCompletions) {
+  ASSERT_EQ(Run("--write-help made").fExitCode, 0);
+  const std::string bash = ReadText("made/bash-completion/completions/quorvane");
+  const std::string zsh = ReadText("made/zsh/site-functions/_quorvane");
+  const std::string fish = ReadText("made/fish/vendor_completions.d/quorvane.fish");
+  const std::string program = Run("--help").fOutput;
+  std::istringstream lines(
+      program.substr(program.find("Verbs:"), program.find("\nOptions:") - program.find("Verbs:")));
+  std::vector<std::string> verbs = {""};
+  for (std::string line; std::getline(lines, line);) {
+    if (line.size() > 2 && line[2] != ' ' && line[0] == ' ')
+      verbs.push_back(line.substr(2, line.find(' ', 2) - 2));
+  }
+  ASSERT_GE(verbs.size(), 3u) << program;
+  for (const std::string& verb : verbs) {
+    const std::string help = Run(verb + " --help").fOutput;
+    std::string page = ReadText("made/man/man1/quorvane" + (verb.empty() ? "" : "-" + verb) + ".1");
+    for (std::size_t at = 0; (at = page.find("\\-")) != std::string::npos;) page.erase(at, 1);
+    ASSERT_GE(GetOptions(help).size(), 3u) << help;
+    for (const std::string& option : GetOptions(help)) {
+      EXPECT_NE(page.find("\\fB" + option + "\\fR"), std::string::npos) << verb << option;
+      if (option == "--help" && verb.empty()) continue;
+      EXPECT_NE(bash.find(option), std::string::npos) << verb << option;
+      EXPECT_NE(zsh.find(option), std::string::npos) << verb << option;
+      EXPECT_NE(fish.find(" -l " + option.substr(2)), std::string::npos) << verb << option;
+    }
+    std::istringstream text(help.substr(0, help.find("\nExamples:")));
+    for (std::string line; std::getline(text, line);) EXPECT_LE(line.size(), 96u) << line;
+    EXPECT_NE(help.find("\nExamples:\n"), std::string::npos) << verb;
+  }
+  EXPECT_EQ(Run("--completion bash").fOutput, bash);
+  WriteText("check.bash",
+            "source made/bash-completion/completions/quorvane\n"
+            "t() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _quorvane '" QUORVANE_TOOL
+            "'; echo \"${COMPREPLY[*]}\"; }\n"
+            "t quorvane ton; t quorvane tonemap --depth ''; t quorvane tonemap --wrap = h\n"
+            "t quorvane tonemap --preset dram; t quorvane tonemap -o scene; t quorvane equalize --mo\n");
+  EXPECT_EQ(std::system("bash check.bash >said 2>&1"), 0);
+  EXPECT_EQ(ReadText("said"), "tonemap\n8 16\nhorizontal\ndramatic\nscene.pfm\n--mode\n");
+}
+
+}  // namespace
