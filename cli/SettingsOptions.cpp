@@ -25,6 +25,11 @@ CLI::Validator InRange(float pLowest, float pHighest) {
   return CLI::Validator(check, range);
 }
 
+/// An empty name would mean "not given", and be passed over in silence.
+CLI::Validator HasName() {
+  return {[](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, ""};
+}
+
 void AddSliders(CLI::App& pVerb, sSettingsChange& pGiven) {
   std::optional<float>* field = pGiven.fSliders.data();
   for (const sSlider& slider : GetSliders()) {
@@ -54,18 +59,21 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
                   "Settings of that name or file; of several, later ones win, and sliders that are given win "
                   "over all")
       ->allow_extra_args(false)
+      ->check(HasName())
       ->option_text("PRESET")
       ->group(kPresetGroup);
   pVerb
       .add_option("--settings-from", pOptions.fFromResult,
                   "Start from the settings that an earlier result carries, depth and colour space too, "
                   "instead of from the defaults")
+      ->check(HasName())
       ->option_text("RESULT")
       ->group(kPresetGroup);
   pVerb
       .add_option("--save-preset", pOptions.fSaveAs,
-                  "Write what presets and sliders of this command line say into a new preset: a name keeps "
+                  "Write the settings of this command line into a new preset: a name keeps "
                   "it in your own folder, a file (with a / or .json) anywhere; no picture is needed")
+      ->check(HasName())
       ->option_text("PRESET")
       ->group(kPresetGroup);
   pVerb.add_flag("--list-presets", pOptions.fList, "Show the presets there are; no picture is needed")
@@ -80,10 +88,13 @@ sSettingsChange GetChange(const sSettingsOptions& pOptions) {
   return change;
 }
 
-bool ListAndSavePresets(const sSettingsOptions& pOptions) {
-  if (!pOptions.fSaveAs.empty()) SavePreset(pOptions.fSaveAs, GetChange(pOptions));
+void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGround) {
+  if (!pOptions.fSaveAs.empty()) {
+    sSettingsChange change = pOptions.fFromResult.empty() ? sSettingsChange() : ChangeTo(pGround);
+    Apply(GetChange(pOptions), change);
+    SavePreset(pOptions.fSaveAs, change);
+  }
   if (pOptions.fList) std::fputs(ListPresets().c_str(), stdout);
-  return pOptions.fList || !pOptions.fSaveAs.empty();
 }
 
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, sSettings& pSettings,

@@ -17,6 +17,9 @@ struct sSettingsOptions {
   sSettingsChange fGiven;             ///< The options, which win over all.
   std::string fSaveAs;                ///< A preset to write, name or file; empty for none.
   bool fList = false;
+
+  /// Whether there is something to do without a picture.
+  bool AsksForPresets() const { return fList || !fSaveAs.empty(); }
 };
 
 /// Adds the sliders, --wrap, and all that has to do with presets. pOptions must outlive the parsing.
@@ -25,9 +28,9 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions);
 /// What is laid over the ground: the presets in their order, then the options. Throws cFailure.
 sSettingsChange GetChange(const sSettingsOptions& pOptions);
 
-/// Lists the presets and saves one, as far as that is asked for. Returns whether it was, so that no picture
-/// need be given. Throws cFailure.
-bool ListAndSavePresets(const sSettingsOptions& pOptions);
+/// Lists the presets and saves one, as far as that is asked for. pGround: what TakeFromResult found. Throws
+/// cFailure.
+void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGround);
 
 /// Takes settings and output options from the result that is named, if one is; those that pVerb was given on
 /// its command line stay. libvips must be running. Throws cFailure.

@@ -18,12 +18,14 @@ struct sTonemapOptions {
 void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   sTonemapJob job = pOptions.fJob;
   const bool hasPicture = !job.fInput.empty() || !job.fOutput.empty();
-  if (ListAndSavePresets(pOptions.fLook) && !hasPicture) return;
-  if (job.fInput.empty()) throw CLI::RequiredError("IN");
-  if (job.fOutput.empty()) throw CLI::RequiredError("--output");
+  const bool needsPicture = hasPicture || !pOptions.fLook.AsksForPresets();
+  if (needsPicture && job.fInput.empty()) throw CLI::RequiredError("IN");
+  if (needsPicture && job.fOutput.empty()) throw CLI::RequiredError("--output");
   job.fChange = GetChange(pOptions.fLook);
   const cVipsLibrary library;
   TakeFromResult(pVerb, pOptions.fLook, job.fSettings, job.fResult);
+  ListAndSavePresets(pOptions.fLook, job.fSettings);
+  if (!needsPicture) return;
   const sPictureReport report = TonemapPicture(job);
   PrintWarnings(job.fInput, report.fWarnings);
 }

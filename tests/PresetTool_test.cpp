@@ -152,12 +152,17 @@ TEST_F(PresetTool, SavesWhatTheCommandLineSays) {
   Make("--preset mine --contrast 8 --save-preset ./new.json");
   EXPECT_TRUE(Make("--preset new.json") ==
               Make("--strength 33.3 --black-clip 0.123456789 --wrap none --contrast 8"));
+  ASSERT_EQ(Run("tonemap scene.pfm -o kept.png " + settings).fExitCode, 0);
+  EXPECT_EQ(Run("tonemap --settings-from kept.png --lighting 3 --save-preset from.json").fExitCode, 0);
+  EXPECT_TRUE(Make("--preset from.json") == Make(settings + " --lighting 3"));
   const struct {
     const char* fArguments;
     int fExitCode;
     const char* fText;
   } refused[] = {{"--save-preset mine --strength 1", 2, "mine.json: exists already; choose another name"},
                  {"--save-preset new.json --strength 1", 2, "new.json: exists already"},
+                 {"--save-preset early --strength 1 -o b.png", 2, "IN is required"},
+                 {"--save-preset '' --strength 1", 2, "--save-preset: an empty name"},
                  {"--save-preset empty", 2, "--save-preset: neither a preset nor a slider is given"},
                  {"--save-preset none/x.json --strength 1", 4, "none/x.json: No such file or directory"}};
   for (const auto& row : refused) {
