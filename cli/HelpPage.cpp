@@ -22,7 +22,7 @@ sHelpOption MakeHelpOption(const CLI::Option& pOption) {
   sHelpOption option;
   for (const std::string& name : pOption.get_snames()) option.fNames.push_back("-" + name);
   for (const std::string& name : pOption.get_lnames()) option.fNames.push_back("--" + name);
-  const std::string text = pOption.get_option_text();
+  const std::string& text = pOption.get_option_text();
   const std::size_t bracket = text.find(" [");
   if (bracket != std::string::npos) option.fDefault = text.substr(bracket + 2, text.size() - bracket - 3);
   option.fArgument = text.substr(0, bracket);

@@ -53,7 +53,7 @@ fs::path FindPreset(const std::string& pNameOrFile) {
   }
   for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
     if (folder.empty()) continue;
-    const fs::path file = folder / (pNameOrFile + kEnding);
+    fs::path file = folder / (pNameOrFile + kEnding);
     if (IsFile(file)) return file;
   }
   throw cFailure(eExitCode_Usage, "",

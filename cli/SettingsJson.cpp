@@ -73,9 +73,9 @@ class cReader {
     if (!pObject.is_object()) Refuse(pWhere + " must be an object in braces, { }");
     for (const auto& [key, value] : pObject.items()) {
       if (std::find(pKnown.begin(), pKnown.end(), key) != pKnown.end()) continue;
-      std::string known;
-      for (const std::string& name : pKnown) known += (known.empty() ? "" : ", ") + name;
-      Refuse("unknown key " + Quote(key) + " in " + pWhere + "; it knows " + known);
+      std::string reason = "unknown key " + Quote(key) + " in " + pWhere + "; it knows " + pKnown.front();
+      for (std::size_t i = 1; i < pKnown.size(); ++i) reason += ", " + pKnown[i];
+      Refuse(reason);
     }
   }
 

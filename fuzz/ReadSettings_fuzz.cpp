@@ -1,0 +1,59 @@
+// Presets, and the settings that results carry. What cannot be used is refused with a cFailure (usage); what
+// can is in its range, and is the same when it is written and read again.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "cli/Failure.h"
+#include "cli/SettingsJson.h"
+
+namespace {
+
+void Expect(bool pHolds) {
+  if (!pHolds) std::abort();
+}
+
+void CheckRanges(const Cli::sSettingsChange& pChange) {
+  for (std::size_t i = 0; i < pChange.fSliders.size(); ++i) {
+    const Cli::sSlider& slider = Cli::GetSliders()[i];
+    const float value = pChange.fSliders[i].value_or(slider.fLowest);
+    Expect(value >= slider.fLowest && value <= slider.fHighest);
+  }
+}
+
+void ReadPreset(const std::string& pText) {
+  const Cli::sPreset preset = Cli::ParsePreset("preset", pText);
+  CheckRanges(preset.fChange);
+  const Cli::sPreset again = Cli::ParsePreset("again", Cli::ToJson(preset));
+  Expect(again.fChange == preset.fChange && again.fName == preset.fName);
+  Expect(again.fDescription == preset.fDescription);
+}
+
+void ReadResult(const std::string& pText) {
+  const auto isGiven = [](const std::string&) { return false; };
+  Cli::sSettings settings;
+  Cli::sOutputOptions result;
+  Cli::ParseResultSettings("result", pText, isGiven, settings, result);
+  CheckRanges(Cli::ChangeTo(settings));
+  Cli::sSettings again;
+  Cli::sOutputOptions resultAgain;
+  Cli::ParseResultSettings("again", Cli::ToJson(settings, result), isGiven, again, resultAgain);
+  Expect(again == settings && resultAgain.fDepth == result.fDepth);
+  Expect(resultAgain.fColorSpace == result.fColorSpace);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSize) {
+  const std::string text(reinterpret_cast<const char*>(pData), pSize);
+  for (const auto read : {ReadPreset, ReadResult}) {
+    try {
+      read(text);
+    } catch (const Cli::cFailure& failure) {
+      Expect(failure.GetExitCode() == Cli::eExitCode_Usage);
+    }
+  }
+  return 0;
+}
