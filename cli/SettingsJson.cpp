@@ -131,10 +131,31 @@ class cReader {
   const std::string& fFile;
 };
 
+std::string WriteUnless(int pDefault, int pValue) {
+  return pValue == pDefault ? "" : std::to_string(pValue);
+}
+
+bool ReadInteger(const tJson& pValue, int pLowest, int pHighest, int& pTo) {
+  if (!pValue.is_number_integer() || pValue < pLowest || pValue > pHighest) return false;
+  pTo = pValue.get<int>();
+  return true;
+}
+
+// What a result may keep besides all. Without XMP it would keep no settings either.
+constexpr sMetadataKinds kKindsWithXmp[] = {{false, true, false}, {true, true, false}, {false, true, true}};
+
+std::string NameKinds(const sMetadataKinds& pKinds) {
+  return std::string(pKinds.fExif ? "exif," : "") + "xmp" + (pKinds.fIptc ? ",iptc" : "");
+}
+
+std::string WriteKinds(const sMetadataKinds& pKinds) {
+  return pKinds.fExif && pKinds.fIptc ? "" : Quote(NameKinds(pKinds));
+}
+
 /// One output option that a result remembers, under the name of its option.
 struct sResultField {
   const char* fName;
-  std::string (*fWrite)(const sOutputOptions& pResult);  ///< As JSON.
+  std::string (*fWrite)(const sOutputOptions& pResult);  ///< As JSON; "" where the default holds.
   bool (*fRead)(const tJson& pValue, sOutputOptions& pResult);
   const char* fWanted;
 };
@@ -142,11 +163,11 @@ struct sResultField {
 constexpr sResultField kResultFields[] = {
     {"depth", [](const sOutputOptions& pResult) { return std::to_string(pResult.fDepth); },
      [](const tJson& pValue, sOutputOptions& pResult) {
-       if (pValue != 8 && pValue != 16) return false;
+       if (pValue != 8 && pValue != 12 && pValue != 16) return false;
        pResult.fDepth = pValue.get<int>();
        return true;
      },
-     "8 or 16"},
+     "8, 12 or 16"},
     {"colorspace",
      [](const sOutputOptions& pResult) {
        for (const sColorSpaceName& name : kColorSpaceNames) {
@@ -162,7 +183,27 @@ constexpr sResultField kResultFields[] = {
        }
        return false;
      },
-     "srgb, adobergb or prophoto"}};
+     "srgb, adobergb or prophoto"},
+    {"quality", [](const sOutputOptions& pResult) { return WriteUnless(0, pResult.fFile.fQuality); },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       return ReadInteger(pValue, 1, 100, pResult.fFile.fQuality);
+     },
+     "a whole number from 1 to 100"},
+    {"compression", [](const sOutputOptions& pResult) { return WriteUnless(-1, pResult.fFile.fCompression); },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       return ReadInteger(pValue, 0, 9, pResult.fFile.fCompression);
+     },
+     "a whole number from 0 to 9"},
+    {"metadata", [](const sOutputOptions& pResult) { return WriteKinds(pResult.fFile.fMetadata); },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       for (const sMetadataKinds kinds : kKindsWithXmp) {
+         if (pValue != NameKinds(kinds)) continue;
+         pResult.fFile.fMetadata = kinds;
+         return true;
+       }
+       return false;
+     },
+     "xmp, exif,xmp or xmp,iptc"}};
 
 /// The settings' members, each after pSeparator but the first.
 std::string WriteSettings(const sSettingsChange& pChange, const std::string& pSeparator) {
@@ -197,7 +238,9 @@ sPreset ParsePreset(const std::string& pFile, const std::string& pText) {
 std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult) {
   std::string fields;
   for (const sResultField& field : kResultFields) {
-    fields += (fields.empty() ? "\"" : ", \"") + std::string(field.fName) + "\": " + field.fWrite(pResult);
+    const std::string value = field.fWrite(pResult);
+    if (!value.empty())
+      fields += (fields.empty() ? "\"" : ", \"") + std::string(field.fName) + "\": " + value;
   }
   return "{\"" + std::string(kResultKey) + "\": " + std::to_string(kVersion) + ", \"settings\": {" +
          WriteSettings(ChangeTo(pSettings), ", ") + "}, \"result\": {" + fields + "}}";

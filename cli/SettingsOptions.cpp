@@ -1,9 +1,11 @@
 #include "cli/SettingsOptions.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "cli/Failure.h"
 #include "cli/Metadata.h"
+#include "cli/OutputFormat.h"
 #include "cli/Presets.h"
 #include "cli/SettingsJson.h"
 
@@ -64,7 +66,7 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
       ->group(kPresetGroup);
   pVerb
       .add_option("--settings-from", pOptions.fFromResult,
-                  "Start from the settings that an earlier result carries, depth and colour space too, "
+                  "Start from the settings that an earlier result carries, and how its file was written, "
                   "instead of from the defaults")
       ->check(HasName())
       ->option_text("RESULT")
@@ -97,16 +99,24 @@ void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGrou
   if (pOptions.fList) std::fputs(ListPresets().c_str(), stdout);
 }
 
-void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, sSettings& pSettings,
-                    sOutputOptions& pResult) {
+void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
+                    sSettings& pSettings, sOutputOptions& pResult) {
   const std::string& file = pOptions.fFromResult;
   if (file.empty()) return;
+  if (!std::filesystem::exists(file)) {
+    throw cFailure(eExitCode_CannotRead, file, "No such file or directory");
+  }
   const std::string text = ReadStoredSettings(file);
   if (text.empty()) {
     throw cFailure(eExitCode_Usage, file, "carries no settings; name a result of 'quorvane tonemap'");
   }
+  const sFileOptions given = pResult.fFile;
   const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };
   ParseResultSettings(file, text, isGiven, pSettings, pResult);
+  if (pOutput.empty()) return;
+  const sFormatTraits& format = GetTraits(ChooseOutputFormat(pOutput, 8));
+  if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;
+  if (format.fCompression < 0) pResult.fFile.fCompression = given.fCompression;
 }
 
 }  // namespace Cli

@@ -23,7 +23,7 @@ void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   if (needsPicture && job.fOutput.empty()) throw CLI::RequiredError("--output");
   job.fChange = GetChange(pOptions.fLook);
   const cVipsLibrary library;
-  TakeFromResult(pVerb, pOptions.fLook, job.fSettings, job.fResult);
+  TakeFromResult(pVerb, pOptions.fLook, job.fOutput, job.fSettings, job.fResult);
   ListAndSavePresets(pOptions.fLook, job.fSettings);
   if (!needsPicture) return;
   const sPictureReport report = TonemapPicture(job);
