@@ -119,6 +119,11 @@ void cTmRenderer::SetToneParameters(float pStrength, float pToneCompression, boo
   }
 }
 
+void cTmRenderer::SetBlackWhite(const std::optional<sBlackWhite>& pPoints) {
+  fGivenPoints = pPoints;
+  InvalidatePhase2();
+}
+
 void cTmRenderer::SetVerbose(bool pVerbose) {
   fVerbose = pVerbose;
 }
@@ -279,7 +284,7 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
     SetAborted(pAborted);
     return;
   }
-  fPoints = histogram.Points(fBlackClip, fWhiteClip);
+  fPoints = fGivenPoints ? *fGivenPoints : histogram.Points(fBlackClip, fWhiteClip);
   if (!fVerbose || histogram.IsEmpty()) return;
   histogram.LogPercentiles();
   std::fprintf(

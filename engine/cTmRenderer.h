@@ -70,6 +70,9 @@ class cTmRenderer {
                          bool pExposureScale, float pExposure, float pMicrocontrast, float pLighting,
                          float pLocalContrast, bool pHorizontalWrap, bool pTest1, bool pTest2,
                          float pWhiteClip, float pBlackClip);
+  /// Black and white points that apply instead of those that the clip shares find: for a picture that stands
+  /// for another, as a reduced one does. None takes them back.
+  void SetBlackWhite(const std::optional<sBlackWhite>& pPoints);
   /// Whether the stages write their lines to standard error (they do at first).
   void SetVerbose(bool pVerbose);
 
@@ -123,6 +126,7 @@ class cTmRenderer {
   sToneTables fToneTables;
   sExposureScales fExposureScales;
   sBlackWhite fPoints;
+  std::optional<sBlackWhite> fGivenPoints;
   cOutputEncoding fOutputEncoding;
   float fToneCurve[kTableSize];
 
