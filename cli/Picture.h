@@ -21,11 +21,13 @@ struct sRepairs {
 /// A picture as the engine takes it, and what its reader knows of it.
 struct sPicture {
   std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;  ///< D50-relative XYZ, linear, every sample finite.
-  std::vector<std::uint16_t> fAlpha;                ///< A value a pixel, 65535 opaque; empty for none.
-  std::string fFormat;                              ///< In words: "OpenEXR", "TIFF".
-  std::string fColorSpace;                          ///< In words: "Display P3 (ICC)".
-  int fFileDepth = 32;                              ///< Bits a sample; 32 for Radiance.
-  bool fIsPanorama = false;                         ///< Its metadata say that left and right edges meet.
+  /// For a reduced picture: pixels of the whole one, which tell where black and white lie. Null for others.
+  std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
+  std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fFormat;                ///< In words: "OpenEXR", "TIFF".
+  std::string fColorSpace;            ///< In words: "Display P3 (ICC)".
+  int fFileDepth = 32;                ///< Bits a sample; 32 for Radiance.
+  bool fIsPanorama = false;           ///< Its metadata say that left and right edges meet.
   sRepairs fRepairs;
   cMetadata fMetadata;
   std::vector<std::string> fWarnings;

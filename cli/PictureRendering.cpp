@@ -44,6 +44,18 @@ void FillReport(const TmEngine::cTmRenderer& pRenderer, TmEngine::cBitmapLDR& pR
   }
 }
 
+/// The black and white points of another picture with the same settings.
+TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettings& pSettings, bool pWrap) {
+  const auto ignored =
+      MakeOutputBitmap(pPicture.GetWidth(), pPicture.GetHeight(), 8, TmEngine::eColorSpaceID_sRGB);
+  const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
+  SetUpRenderer(*renderer, pSettings, pWrap, false);
+  renderer->SetInput(&pPicture);
+  renderer->SetOutput(ignored.get());
+  renderer->Render();
+  return renderer->GetBlackWhite();
+}
+
 }  // namespace
 
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose) {
@@ -70,6 +82,7 @@ std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sP
     cRolledSink sink(*result, start);
     const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
     SetUpRenderer(*renderer, pSettings, pReport.fWrap, pVerbose);
+    if (pPicture.fSample) renderer->SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
     renderer->SetInputRows(source);
     renderer->SetOutputRows(sink);
     renderer->Render();

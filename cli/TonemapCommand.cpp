@@ -46,7 +46,15 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->option_text("OUT")
       ->group("Result");
   AddSettingsOptions(*verb, options->fLook);
+  verb->add_flag("--auto", options->fJob.fAuto,
+                 "Choose the sliders that are not given from the picture's light")
+      ->group("Sliders");
   AddOutputOptions(*verb, options->fJob.fResult);
+  verb->add_option("--preview", options->fJob.fPreview,
+                   "Reduce the picture to N pixels on its longer side first; its look stays")
+      ->check(CLI::Range(1, 65535))
+      ->option_text("N")
+      ->group("Result");
   verb->add_flag("--verbose", options->fJob.fVerbose, "Show what the engine measures and decides");
   verb->footer(
       "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "

@@ -3,8 +3,10 @@
 #include <chrono>
 #include <utility>
 
+#include "cli/AutoSettings.h"
 #include "cli/PictureReader.h"
 #include "cli/PictureWriter.h"
+#include "cli/Preview.h"
 #include "cli/SettingsJson.h"
 
 namespace Cli {
@@ -22,11 +24,12 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseOutputFormat(pJob.fOutput, pJob.fResult.fDepth, pJob.fResult.fFile);
   CheckIsAnother(pJob.fInput, pJob.fOutput);
   sPictureReport report;
-  report.fSettings = pJob.fSettings;
-  Apply(pJob.fChange, report.fSettings);
   const auto start = tClock::now();
   sPicture picture = ReadPicture(pJob.fInput);
   report.fReadSeconds = SecondsSince(start);
+  report.fSettings = pJob.fAuto ? SuggestSettings(picture) : pJob.fSettings;
+  Apply(pJob.fChange, report.fSettings);
+  if (pJob.fPreview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), pJob.fPreview);
   report.fWarnings = picture.fWarnings;
   report.fWidth = picture.fBitmap->GetWidth();
   report.fHeight = picture.fBitmap->GetHeight();

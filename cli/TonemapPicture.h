@@ -17,6 +17,8 @@ struct sTonemapJob {
   sSettings fSettings;      ///< The ground,
   sSettingsChange fChange;  ///< and what is laid over it.
   sOutputOptions fResult;
+  bool fAuto = false;  ///< The ground is chosen from the picture.
+  int fPreview = 0;    ///< Pixels on the longer side of the result; 0 for as many as the picture has.
   bool fVerbose = false;
 };
 

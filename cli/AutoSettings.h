@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/PictureStatistics.h"
+#include "cli/Settings.h"
+
+namespace Cli {
+
+/// Sliders for a picture of such light; docs/auto.md tells the rule. What the rule says nothing of keeps its
+/// default, as does all of it for a picture of one luminance.
+sSettings SuggestSettings(const sPictureStatistics& pStatistics);
+
+/// SuggestSettings for a picture, of a sample of its pixels that takes no time to speak of.
+sSettings SuggestSettings(const sPicture& pPicture);
+
+}  // namespace Cli

@@ -1,0 +1,87 @@
+#include "cli/PictureStatistics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace Cli {
+namespace {
+
+constexpr auto kBins =
+    static_cast<std::size_t>(-2.0 * sPictureStatistics::kLowest * sPictureStatistics::kBinsPerDecade);
+
+double LogOfBin(double pBin) {
+  return sPictureStatistics::kLowest + pBin / sPictureStatistics::kBinsPerDecade;
+}
+
+double BinOfLog(double pLog) {
+  return (pLog - sPictureStatistics::kLowest) * sPictureStatistics::kBinsPerDecade;
+}
+
+/// Adds a pixel; the mean is a sum until the end.
+void AddLuminance(sPictureStatistics& pTo, float pLuminance) {
+  ++pTo.fPixels;
+  if (!(pLuminance > 0.0f)) {
+    ++pTo.fDark;
+    return;
+  }
+  const double log = static_cast<double>(std::log10(pLuminance));
+  const bool isFirst = pTo.CountPositive() == 1;
+  pTo.fLogMin = isFirst ? log : std::min(pTo.fLogMin, log);
+  pTo.fLogMax = isFirst ? log : std::max(pTo.fLogMax, log);
+  pTo.fLogMean += log;
+  const double bin = std::clamp(BinOfLog(log), 0.0, static_cast<double>(kBins - 1));
+  ++pTo.fBins[static_cast<std::size_t>(bin)];
+}
+
+sPictureStatistics Measure(const sPicture& pPicture, int pStepX, int pStepY) {
+  sPictureStatistics statistics;
+  statistics.fBins.assign(kBins, 0);
+  const int width = pPicture.fBitmap->GetWidth();
+  for (int y = pStepY / 2; y < pPicture.fBitmap->GetHeight(); y += pStepY) {
+    const float* const row = GetRow(pPicture, y);
+    const auto first = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+    for (int x = pStepX / 2; x < width; x += pStepX) {
+      const bool isSeen = pPicture.fAlpha.empty() || pPicture.fAlpha[first + static_cast<std::size_t>(x)] > 0;
+      if (isSeen) AddLuminance(statistics, row[3 * x + 1]);
+    }
+  }
+  if (statistics.CountPositive() > 0) statistics.fLogMean /= static_cast<double>(statistics.CountPositive());
+  return statistics;
+}
+
+}  // namespace
+
+double sPictureStatistics::GetQuantile(double pShare) const {
+  const double wanted = pShare * static_cast<double>(CountPositive());
+  double below = 0.0;
+  for (std::size_t bin = 0; bin < fBins.size(); ++bin) {
+    const auto count = static_cast<double>(fBins[bin]);
+    if (count > 0.0 && below + count >= wanted) {
+      const double log = LogOfBin(static_cast<double>(bin) + (wanted - below) / count);
+      return std::clamp(log, fLogMin, fLogMax);
+    }
+    below += count;
+  }
+  return fLogMax;
+}
+
+double sPictureStatistics::GetShareAbove(double pLog) const {
+  if (CountPositive() == 0) return 0.0;
+  const double edge = std::clamp(BinOfLog(pLog), 0.0, static_cast<double>(kBins - 1));
+  const auto split = static_cast<std::size_t>(edge);
+  double above = static_cast<double>(fBins[split]) * (1.0 - (edge - std::floor(edge)));
+  for (std::size_t bin = split + 1; bin < fBins.size(); ++bin) above += static_cast<double>(fBins[bin]);
+  return above / static_cast<double>(CountPositive());
+}
+
+sPictureStatistics MeasurePicture(const sPicture& pPicture) {
+  return Measure(pPicture, 1, 1);
+}
+
+sPictureStatistics SamplePicture(const sPicture& pPicture, int pSide) {
+  return Measure(pPicture, std::max(pPicture.fBitmap->GetWidth() / pSide, 1),
+                 std::max(pPicture.fBitmap->GetHeight() / pSide, 1));
+}
+
+}  // namespace Cli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "cli/Picture.h"
+
+namespace Cli {
+
+/// How the luminance of a picture is distributed. Logarithms are decimal, of linear luminance with 1 for the
+/// file's white. Fully transparent pixels do not count.
+struct sPictureStatistics {
+  static constexpr double kLowest = -40.0;  ///< Floats end there; the bins reach as far the other way.
+  static constexpr int kBinsPerDecade = 100;
+
+  std::int64_t fPixels = 0;  ///< That were looked at.
+  std::int64_t fDark = 0;    ///< Of them without positive luminance; no quantile counts them.
+  double fLogMin = 0.0;      ///< Of the positive ones; 0 where there is none.
+  double fLogMax = 0.0;
+  double fLogMean = 0.0;
+  std::vector<std::int64_t> fBins;  ///< Pixels a hundredth of a decade, from kLowest on; empty for none.
+
+  std::int64_t CountPositive() const { return fPixels - fDark; }
+  /// The logarithm below which pShare (0 to 1) of the positive luminances lie, to a hundredth of a decade.
+  double GetQuantile(double pShare) const;
+  /// The share of the positive luminances above pLog.
+  double GetShareAbove(double pLog) const;
+  /// Decades from the 1 % to the 99.9 % quantile: what a picture holds without its outliers.
+  double GetDynamicRange() const { return GetQuantile(0.999) - GetQuantile(0.01); }
+};
+
+/// Looks at every pixel in one pass.
+sPictureStatistics MeasurePicture(const sPicture& pPicture);
+/// The same on a regular sample: each side is walked in steps that leave about pSide pixels on it.
+sPictureStatistics SamplePicture(const sPicture& pPicture, int pSide);
+
+}  // namespace Cli
