@@ -17,6 +17,7 @@
 #include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
 #include "cli/PictureWriter.h"
+#include "cli/SvgDrawing.h"
 #include "cli/VipsLibrary.h"
 #include "engine/cColorEqRenderer.h"
 
