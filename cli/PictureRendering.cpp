@@ -69,9 +69,10 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
                          level(0.5f).get());
 }
 
-std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sPicture& pPicture,
-                                                    const sSettings& pSettings, const sOutputOptions& pOutput,
-                                                    bool pVerbose, sRenderingReport& pReport) {
+std::unique_ptr<TmEngine::cBitmapLDR> RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile,
+                                                 sPicture& pPicture, const sSettings& pSettings,
+                                                 const sOutputOptions& pOutput, bool pVerbose,
+                                                 sRenderingReport& pReport) {
   try {
     auto result = MakeOutputBitmap(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight(),
                                    pOutput.fDepth, pOutput.fColorSpace);
@@ -80,13 +81,12 @@ std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sP
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);
     cRolledSink sink(*result, start);
-    const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-    SetUpRenderer(*renderer, pSettings, pReport.fWrap, pVerbose);
-    if (pPicture.fSample) renderer->SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
-    renderer->SetInputRows(source);
-    renderer->SetOutputRows(sink);
-    renderer->Render();
-    FillReport(*renderer, *result, pReport);
+    SetUpRenderer(pRenderer, pSettings, pReport.fWrap, pVerbose);
+    if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
+    pRenderer.SetInputRows(source);
+    pRenderer.SetOutputRows(sink);
+    pRenderer.Render();
+    FillReport(pRenderer, *result, pReport);
     BlackenTransparent(*result, pPicture.fAlpha);
     return result;
   } catch (const std::bad_alloc&) {
@@ -94,6 +94,13 @@ std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sP
   } catch (const std::exception& exception) {
     throw cFailure(eExitCode_Processing, pFile, exception.what());
   }
+}
+
+std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sPicture& pPicture,
+                                                    const sSettings& pSettings, const sOutputOptions& pOutput,
+                                                    bool pVerbose, sRenderingReport& pReport) {
+  const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
+  return RenderWith(*renderer, pFile, pPicture, pSettings, pOutput, pVerbose, pReport);
 }
 
 }  // namespace Cli

@@ -25,7 +25,14 @@ struct sRenderingReport {
 /// Sets up pRenderer for these settings; its images are the caller's to set. pWrap: the edges meet.
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose);
 
-/// Tone-maps pPicture. Throws cFailure in the name of pFile.
+/// Tone-maps pPicture with a renderer that knows afterwards what its stages found. Throws cFailure in the
+/// name of pFile.
+std::unique_ptr<TmEngine::cBitmapLDR> RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile,
+                                                 sPicture& pPicture, const sSettings& pSettings,
+                                                 const sOutputOptions& pOutput, bool pVerbose,
+                                                 sRenderingReport& pReport);
+
+/// The same with a renderer of its own.
 std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sPicture& pPicture,
                                                     const sSettings& pSettings, const sOutputOptions& pOutput,
                                                     bool pVerbose, sRenderingReport& pReport);

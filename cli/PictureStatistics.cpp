@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 
 namespace Cli {
 namespace {
@@ -73,6 +74,18 @@ double sPictureStatistics::GetShareAbove(double pLog) const {
   double above = static_cast<double>(fBins[split]) * (1.0 - (edge - std::floor(edge)));
   for (std::size_t bin = split + 1; bin < fBins.size(); ++bin) above += static_cast<double>(fBins[bin]);
   return above / static_cast<double>(CountPositive());
+}
+
+std::vector<std::int64_t> sPictureStatistics::CountTenths(double pFrom) const {
+  constexpr std::size_t kTenth = kBinsPerDecade / 10;
+  std::vector<std::int64_t> counts;
+  for (auto bin = static_cast<std::size_t>(std::lround(BinOfLog(pFrom)));
+       bin < fBins.size() && LogOfBin(static_cast<double>(bin)) <= fLogMax; bin += kTenth) {
+    const auto first = fBins.begin() + static_cast<std::ptrdiff_t>(bin);
+    const auto last = fBins.begin() + static_cast<std::ptrdiff_t>(std::min(bin + kTenth, fBins.size()));
+    counts.push_back(std::accumulate(first, last, std::int64_t{0}));
+  }
+  return counts;
 }
 
 sPictureStatistics MeasurePicture(const sPicture& pPicture) {

@@ -25,6 +25,8 @@ struct sPictureStatistics {
   double GetQuantile(double pShare) const;
   /// The share of the positive luminances above pLog.
   double GetShareAbove(double pLog) const;
+  /// Pixels in each tenth of a decade from pFrom, a multiple of it, to the brightest.
+  std::vector<std::int64_t> CountTenths(double pFrom) const;
   /// Decades from the 1 % to the 99.9 % quantile: what a picture holds without its outliers.
   double GetDynamicRange() const { return GetQuantile(0.999) - GetQuantile(0.01); }
 };

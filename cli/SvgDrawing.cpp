@@ -18,6 +18,7 @@ constexpr double kPixelsPerUnit = 2.0;  // of a PNG
 constexpr char kStyle[] = R"(<style>
 text { font-family: 'DejaVu Sans', 'Liberation Sans', Arial, sans-serif; fill: #333; font-size: 13px; }
 .title { font-size: 20px; font-weight: bold; fill: #222; }
+.heading { font-size: 15px; font-weight: bold; fill: #222; }
 .tick, .label { text-anchor: middle; }
 .label, .name { font-size: 14px; fill: #222; }
 .note { font-size: 11.5px; fill: #666; text-anchor: middle; }

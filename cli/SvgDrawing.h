@@ -26,7 +26,8 @@ struct sAxis {
 };
 
 /// An SVG drawing on white, element by element. Lines and texts get their look from the classes of its style:
-/// grid, faint, neutral, curve for lines; title, label, name, tick, note for texts (start and left align).
+/// grid, faint, neutral, curve for lines; title, heading, label, name, tick, note for texts, which start and
+/// left align.
 class cSvgDrawing {
  public:
   cSvgDrawing(int pWidth, int pHeight, const std::string& pTitle);

@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "cli/CompareCommand.h"
 #include "cli/EqualizeCommand.h"
 #include "cli/Failure.h"
 #include "cli/HelpOptions.h"
+#include "cli/InspectCommand.h"
 #include "cli/TonemapCommand.h"
 
 namespace {
@@ -32,6 +34,8 @@ int RunProgram(int pCount, char** pArguments) {
   Cli::AddHelpOptions(program);
   Cli::AddTonemapCommand(program);
   Cli::AddEqualizeCommand(program);
+  Cli::AddInspectCommand(program);
+  Cli::AddCompareCommand(program);
   try {
     program.parse(pCount, pArguments);
   } catch (const CLI::ParseError& error) {

@@ -1,0 +1,133 @@
+#include "cli/CompareCommand.h"
+
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "cli/Failure.h"
+#include "cli/LdrReader.h"
+#include "cli/Picture.h"
+#include "cli/PictureDifference.h"
+#include "cli/PictureWriter.h"
+#include "cli/Printf.h"
+#include "cli/SideBySide.h"
+#include "cli/VipsLibrary.h"
+
+namespace Cli {
+namespace {
+
+constexpr char kVerb[] = "compare";
+constexpr const char* kChannels[] = {"red", "green", "blue"};
+
+struct sCompareOptions {
+  std::string fA;
+  std::string fB;
+  std::string fOutput;
+  std::optional<double> fFailAbove;
+  bool fJson = false;
+};
+
+sLdrPicture Read(const std::string& pFile) {
+  sLdrPicture picture = ReadLdrPicture(pFile, kVerb);
+  PrintWarnings(pFile, picture.fWarnings);
+  return picture;
+}
+
+void CheckSizes(const sCompareOptions& pOptions, const sLdrPicture& pA, const sLdrPicture& pB) {
+  const TmEngine::cBitmapLDR& a = *pA.fBitmap;
+  const TmEngine::cBitmapLDR& b = *pB.fBitmap;
+  if (a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight()) return;
+  throw cFailure(
+      eExitCode_Processing, pOptions.fB,
+      Printf("its size is %d x %d, that of ", b.GetWidth(), b.GetHeight()) + pOptions.fA +
+          Printf(" %d x %d; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
+}
+
+std::string Describe(const sPictureDifference& pDifference) {
+  if (pDifference.fAll.fLargest == 0.0) return "The pictures are equal.\n";
+  std::string text = "8-bit codes    largest      mean\n";
+  const auto add = [&](const char* pName, const sPictureDifference::sExtent& pExtent) {
+    text += Printf("%-12s %9.2f %9.4f\n", pName, pExtent.fLargest, pExtent.fMean);
+  };
+  for (int i = 0; i < 3; ++i) add(kChannels[i], pDifference.fChannels[i]);
+  add("all", pDifference.fAll);
+  text += Printf("99 %% of the samples differ by %.2f or less; %.4g %% of the pixels differ.\n",
+                 pDifference.fQuantile99, 100.0 * pDifference.fDifferentShare);
+  return text + Printf("The largest difference is at column %d, row %d, counted from 0.\n",
+                       pDifference.fLargestX, pDifference.fLargestY);
+}
+
+nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
+  const auto extent = [](const sPictureDifference::sExtent& pExtent) {
+    return nlohmann::ordered_json{{"largest", pExtent.fLargest}, {"mean", pExtent.fMean}};
+  };
+  nlohmann::ordered_json json;
+  for (int i = 0; i < 3; ++i) json[kChannels[i]] = extent(pDifference.fChannels[i]);
+  json["all"] = extent(pDifference.fAll);
+  json["quantile99"] = pDifference.fQuantile99;
+  json["differentShare"] = pDifference.fDifferentShare;
+  json["largestAt"] = {pDifference.fLargestX, pDifference.fLargestY};
+  return json;
+}
+
+void CheckArguments(const sCompareOptions& pOptions) {
+  if (pOptions.fOutput.empty()) return;
+  if (GetEnding(pOptions.fOutput) != ".png") {
+    throw cFailure(eExitCode_Usage, pOptions.fOutput, "the picture of the comparison is a .png");
+  }
+  CheckIsAnother(pOptions.fA, pOptions.fOutput);
+  CheckIsAnother(pOptions.fB, pOptions.fOutput);
+}
+
+void Run(const sCompareOptions& pOptions) {
+  CheckArguments(pOptions);
+  const cVipsLibrary library;
+  const sLdrPicture a = Read(pOptions.fA);
+  const sLdrPicture b = Read(pOptions.fB);
+  CheckSizes(pOptions, a, b);
+  if (a.fProfile != b.fProfile) {
+    PrintWarnings(pOptions.fB, {"its colour profile is not that of " + pOptions.fA + "; codes are compared"});
+  }
+  const sPictureDifference difference = ComparePictures(*a.fBitmap, *b.fBitmap);
+  if (!pOptions.fOutput.empty()) {
+    cTempFile file(pOptions.fOutput);
+    WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
+  }
+  std::fputs((pOptions.fJson ? ToJson(difference).dump() + "\n" : Describe(difference)).c_str(), stdout);
+  if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {
+    throw cFailure(
+        eExitCode_PictureFailed, "",
+        Printf("the largest difference, %.2f, is above %g", difference.fAll.fLargest, *pOptions.fFailAbove));
+  }
+}
+
+}  // namespace
+
+void AddCompareCommand(CLI::App& pProgram) {
+  const auto options = std::make_shared<sCompareOptions>();
+  CLI::App* const verb =
+      pProgram.add_subcommand(kVerb, "Tells how far two finished pictures of one size are apart.");
+  verb->add_option("A", options->fA, "A picture of 8 or 16 bits")->required()->option_text(" ");
+  verb->add_option("B", options->fB, "Another")->required()->option_text(" ");
+  verb->add_option("-o,--output", options->fOutput,
+                   "Draws A, B and their amplified difference side by side; a .png")
+      ->option_text("SIDE.png");
+  verb->add_option("--fail-above", options->fFailAbove,
+                   "Exit with 1 when the largest difference is above N 8-bit codes")
+      ->check(CLI::Range(0.0, 255.0))
+      ->option_text("N");
+  verb->add_flag("--json", options->fJson, "One JSON object instead of words");
+  verb->footer(
+      "Differences are counted in 8-bit codes; a 16-bit code is 1/257 of one. Samples are compared as they "
+      "are,\n"
+      "whatever the colour profiles say. The exit code is 0 when the pictures were compared, equal or "
+      "not.\n\n"
+      "Examples:\n"
+      "  quorvane compare before.png after.png -o side.png\n"
+      "  quorvane compare --fail-above 1 expected.png result.png");
+  verb->callback([options] { Run(*options); });
+}
+
+}  // namespace Cli

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace Cli {
+
+/// Adds the verb `compare` to the program; the parser runs it. It throws cFailure.
+void AddCompareCommand(CLI::App& pProgram);
+
+}  // namespace Cli

@@ -1,0 +1,126 @@
+#include "cli/InspectCommand.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/AutoSettings.h"
+#include "cli/Failure.h"
+#include "cli/Inspection.h"
+#include "cli/Options.h"
+#include "cli/PictureRendering.h"
+#include "cli/PictureWriter.h"
+#include "cli/SvgDrawing.h"
+#include "cli/TonePlot.h"
+#include "cli/VipsLibrary.h"
+
+namespace Cli {
+namespace {
+
+struct sInspectOptions {
+  std::vector<std::string> fFiles;
+  sSettings fSettings;              ///< Of the plot,
+  std::vector<std::string> fGiven;  ///< of which these were given,
+  bool fAuto = false;               ///< and the others are the suggested ones.
+  std::string fPlot;
+  bool fJson = false;
+};
+
+std::string DescribeSettings(const sSettings& pSettings) {
+  std::string text;
+  for (const sSlider& slider : GetSliders()) {
+    text += (text.empty() ? "" : ", ") + std::string(slider.fName) + " " + ToText(pSettings.*slider.fField);
+  }
+  return text;
+}
+
+void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
+  const ePlotFormat format = ChoosePlotFormat(pOptions.fPlot);
+  const sSettings settings = pOptions.fAuto
+                                 ? Override(pInspection.fSuggested, pOptions.fSettings, pOptions.fGiven)
+                                 : pOptions.fSettings;
+  cTempFile file(pOptions.fPlot);
+  const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
+  sRenderingReport report;
+  RenderWith(*renderer, pInspection.fFile, pInspection.fPicture, settings, {}, false, report);
+  WritePlot(DrawToneFigure(std::filesystem::path(pInspection.fFile).filename(), DescribeSettings(settings),
+                           pInspection.fStatistics, *renderer),
+            format, file);
+}
+
+void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
+  sInspection inspection = InspectPicture(pFile);
+  PrintWarnings(pFile, inspection.fPicture.fWarnings);
+  // names need not be UTF-8
+  const std::string text =
+      pOptions.fJson
+          ? ToJson(inspection).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n"
+          : DescribeInspection(inspection, GetTerminal());
+  std::fputs(text.c_str(), stdout);
+  if (!pOptions.fPlot.empty()) WriteFigure(inspection, pOptions);
+}
+
+void CheckArguments(const sInspectOptions& pOptions) {
+  if (pOptions.fPlot.empty()) return;
+  if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
+  ChoosePlotFormat(pOptions.fPlot);
+  CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
+}
+
+/// A picture that cannot be read does not keep the others from being looked at.
+void Run(const sInspectOptions& pOptions) {
+  CheckArguments(pOptions);
+  const cVipsLibrary library;
+  if (pOptions.fFiles.size() == 1) return Inspect(pOptions.fFiles.front(), pOptions);
+  std::size_t failed = 0;
+  for (const std::string& file : pOptions.fFiles) {
+    try {
+      Inspect(file, pOptions);
+    } catch (const cFailure& failure) {
+      ++failed;
+      std::fflush(stdout);
+      std::fprintf(stderr, "quorvane: %s\n", failure.what());
+    }
+  }
+  if (failed == 0) return;
+  throw cFailure(
+      eExitCode_PictureFailed, "",
+      std::to_string(failed) + " of " + std::to_string(pOptions.fFiles.size()) + " pictures failed");
+}
+
+}  // namespace
+
+void AddInspectCommand(CLI::App& pProgram) {
+  const auto options = std::make_shared<sInspectOptions>();
+  CLI::App* const verb = pProgram.add_subcommand(
+      "inspect",
+      "Tells what a photograph holds: size, format, light, bad pixels, metadata, sliders that suit it.");
+  verb->add_option("FILE", options->fFiles, "The photographs, of any format that tonemap reads")
+      ->required()
+      ->option_text(" ");
+  verb->add_flag("--json", options->fJson, "One JSON object a photograph, a line each");
+  verb->add_option("--plot", options->fPlot,
+                   "Draws the distribution of luminance, the curves of base and detail layer and the\n"
+                   "tone curve into an .svg or .png; the sliders below apply to it")
+      ->option_text("FILE");
+  verb->add_flag("--auto", options->fAuto, "Take the suggested sliders for the plot where none are given")
+      ->group("Sliders");
+  AddSettingsOptions(*verb, options->fSettings);
+  verb->footer(
+      "Dynamic range is the logarithm of the 99.9 % over the 1 % quantile of the luminances above 0; full "
+      "range\n"
+      "that of the largest over the smallest. A decade is a factor of 10, a stop one of 2. The suggested\n"
+      "sliders are those of 'quorvane tonemap --auto'.\n\n"
+      "Examples:\n"
+      "  quorvane inspect photo.hdr\n"
+      "  quorvane inspect photo.exr --plot photo.svg --strength 90\n"
+      "  quorvane inspect --json *.hdr");
+  verb->callback([options, verb] {
+    options->fGiven = ListGivenSliders(*verb);
+    Run(*options);
+  });
+}
+
+}  // namespace Cli

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace Cli {
+
+/// Adds the verb `inspect` to the program; the parser runs it. It throws cFailure.
+void AddInspectCommand(CLI::App& pProgram);
+
+}  // namespace Cli

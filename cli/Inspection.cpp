@@ -1,0 +1,153 @@
+#include "cli/Inspection.h"
+
+#include <cmath>
+
+#include "cli/AutoSettings.h"
+#include "cli/PictureReader.h"
+#include "cli/Printf.h"
+#include "cli/TextHistogram.h"
+
+namespace Cli {
+namespace {
+
+constexpr double kStopsPerDecade = 3.321928094887362;
+
+void AddLine(std::string& pTo, const char* pName, const std::string& pText) {
+  if (!pText.empty()) pTo += Printf("  %-15s", pName) + pText + "\n";
+}
+
+std::string DescribeSize(const sPicture& pPicture) {
+  const int width = pPicture.fBitmap->GetWidth();
+  const int height = pPicture.fBitmap->GetHeight();
+  return Printf("%d x %d pixels (%.2g megapixels)", width, height, width * 1e-6 * height);
+}
+
+std::string DescribeFormat(const sPicture& pPicture) {
+  return Printf("%s, %d bits a sample%s", pPicture.fFormat.empty() ? "picture" : pPicture.fFormat.c_str(),
+                pPicture.fFileDepth, pPicture.fAlpha.empty() ? "" : ", alpha");
+}
+
+std::string DescribeRange(double pDecades) {
+  return Printf("%.2f decades (%.1f stops)", pDecades, pDecades * kStopsPerDecade);
+}
+
+std::string DescribeRepairs(const sRepairs& pRepairs) {
+  if (pRepairs.fNaN + pRepairs.fInfinite + pRepairs.fNegative == 0) return "none";
+  return Printf("%lld not a number, %lld infinite, %lld negative", static_cast<long long>(pRepairs.fNaN),
+                static_cast<long long>(pRepairs.fInfinite), static_cast<long long>(pRepairs.fNegative));
+}
+
+void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
+  if (pStatistics.CountPositive() == 0) return AddLine(pTo, "Dynamic range", "none: no pixel has light");
+  AddLine(
+      pTo, "Dynamic range",
+      DescribeRange(pStatistics.GetDynamicRange()) + ", from the 1 % to the 99.9 % quantile of luminance");
+  AddLine(pTo, "Full range",
+          DescribeRange(pStatistics.fLogMax - pStatistics.fLogMin) +
+              Printf(", 10^%.2f to 10^%.2f of the file's white", pStatistics.fLogMin, pStatistics.fLogMax));
+  if (pStatistics.fDark > 0) AddLine(pTo, "Without light", std::to_string(pStatistics.fDark) + " pixels");
+}
+
+void AddMetadata(std::string& pTo, const sInspection& pInspection) {
+  const sMetadataSummary& metadata = pInspection.fMetadata;
+  AddLine(pTo, "Camera", metadata.fCamera);
+  AddLine(pTo, "Lens", metadata.fLens);
+  AddLine(pTo, "Exposure", metadata.fExposure);
+  AddLine(pTo, "Date", metadata.fDate);
+  AddLine(pTo, "GPS position", metadata.fHasGps ? "yes" : "no");
+  AddLine(pTo, "Panorama", metadata.fIsPanorama || pInspection.fPicture.fIsPanorama ? "yes" : "not stated");
+}
+
+nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
+  if (pStatistics.CountPositive() == 0) return nullptr;
+  nlohmann::ordered_json quantiles;
+  for (const auto& [name, share] : {std::pair{"0.01", 0.01}, {"0.5", 0.5}, {"0.999", 0.999}}) {
+    quantiles[name] = pStatistics.GetQuantile(share);
+  }
+  const double from = std::floor(pStatistics.fLogMin * 10.0) / 10.0;
+  return {{"dynamicRange", pStatistics.GetDynamicRange()},
+          {"min", pStatistics.fLogMin},
+          {"max", pStatistics.fLogMax},
+          {"mean", pStatistics.fLogMean},
+          {"quantiles", quantiles},
+          {"histogram", {{"from", from}, {"step", 0.1}, {"counts", pStatistics.CountTenths(from)}}}};
+}
+
+nlohmann::ordered_json MetadataToJson(const sInspection& pInspection) {
+  const sMetadataSummary& metadata = pInspection.fMetadata;
+  return {{"camera", metadata.fCamera},
+          {"lens", metadata.fLens},
+          {"exposure", metadata.fExposure},
+          {"date", metadata.fDate},
+          {"gps", metadata.fHasGps},
+          {"panorama", metadata.fIsPanorama || pInspection.fPicture.fIsPanorama}};
+}
+
+nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {
+  nlohmann::ordered_json sliders;
+  for (const sSlider& slider : GetSliders())
+    sliders[slider.fName] = nlohmann::json::parse(ToText(pSettings.*slider.fField));
+  return sliders;
+}
+
+}  // namespace
+
+sInspection InspectPicture(const std::string& pFile) {
+  sInspection inspection;
+  inspection.fFile = pFile;
+  inspection.fPicture = ReadPicture(pFile);
+  inspection.fStatistics = MeasurePicture(inspection.fPicture);
+  inspection.fMetadata = SummariseMetadata(pFile);
+  inspection.fSuggested = SuggestSettings(inspection.fPicture);
+  return inspection;
+}
+
+std::string ToOptions(const sSettings& pSettings) {
+  std::string options;
+  for (const sSlider& slider : GetSliders()) {
+    const float value = pSettings.*slider.fField;
+    if (value == sSettings().*slider.fField) continue;
+    options += Printf("%s--%s %s", options.empty() ? "" : " ", slider.fName, ToText(value).c_str());
+  }
+  return options;
+}
+
+std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal) {
+  const sPicture& picture = pInspection.fPicture;
+  std::string text = pInspection.fFile + "\n";
+  AddLine(text, "Size", DescribeSize(picture));
+  AddLine(text, "Format", DescribeFormat(picture));
+  AddLine(text, "Colour space", picture.fColorSpace);
+  AddLight(text, pInspection.fStatistics);
+  AddLine(text, "Bad pixels", DescribeRepairs(picture.fRepairs));
+  AddMetadata(text, pInspection);
+  const std::string options = ToOptions(pInspection.fSuggested);
+  AddLine(text, "Suggested", options.empty() ? "the defaults" : options);
+  const std::string histogram = DrawTextHistogram(pInspection.fStatistics, pTerminal);
+  if (!histogram.empty()) text += "  Luminance, log10 of the file's white:\n" + histogram;
+  return text;
+}
+
+nlohmann::ordered_json ToJson(const sInspection& pInspection) {
+  const sPicture& picture = pInspection.fPicture;
+  return {{"file", pInspection.fFile},
+          {"width", picture.fBitmap->GetWidth()},
+          {"height", picture.fBitmap->GetHeight()},
+          {"format", picture.fFormat},
+          {"bits", picture.fFileDepth},
+          {"alpha", !picture.fAlpha.empty()},
+          {"colorSpace", picture.fColorSpace},
+          {"pixels", pInspection.fStatistics.fPixels},
+          {"dark", pInspection.fStatistics.fDark},
+          {"repaired",
+           {{"nan", picture.fRepairs.fNaN},
+            {"infinite", picture.fRepairs.fInfinite},
+            {"negative", picture.fRepairs.fNegative}}},
+          {"logLuminance", LightToJson(pInspection.fStatistics)},
+          {"metadata", MetadataToJson(pInspection)},
+          {"suggested", SlidersToJson(pInspection.fSuggested)},
+          {"options", ToOptions(pInspection.fSuggested)},
+          {"warnings", picture.fWarnings}};
+}
+
+}  // namespace Cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "cli/MetadataSummary.h"
+#include "cli/Picture.h"
+#include "cli/PictureStatistics.h"
+#include "cli/Settings.h"
+#include "cli/Terminal.h"
+
+namespace Cli {
+
+/// What is told of a picture that nobody has rendered yet.
+struct sInspection {
+  std::string fFile;
+  sPicture fPicture;
+  sPictureStatistics fStatistics;
+  sMetadataSummary fMetadata;
+  sSettings fSuggested;
+};
+
+/// Reads the whole picture. libvips must be running. Throws cFailure.
+sInspection InspectPicture(const std::string& pFile);
+
+/// The sliders that differ from their defaults, as options to type: "--strength 86 --contrast 10"; "" for
+/// none.
+std::string ToOptions(const sSettings& pSettings);
+
+/// For people, with a histogram.
+std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal);
+/// For programs: numbers without words; the logarithms are decimal.
+nlohmann::ordered_json ToJson(const sInspection& pInspection);
+
+}  // namespace Cli
