@@ -74,6 +74,18 @@ struct sJob {
   std::unique_ptr<cTmRenderer> fRenderer;
 };
 
+TEST(cTmRenderer, TakesTheBlackAndWhiteThatAreGiven) {
+  sJob found;
+  const tPixels pixels = found.Pixels();
+  sJob given;
+  const sBlackWhite points = found.fRenderer->GetBlackWhite();
+  given.fRenderer->SetBlackWhite(sBlackWhite{points.fBlack, 2.0f * points.fWhite});
+  EXPECT_NE(given.Pixels(), pixels);
+  EXPECT_EQ(given.fRenderer->GetBlackWhite().fWhite, 2.0f * points.fWhite);
+  given.fRenderer->SetBlackWhite(std::nullopt);
+  EXPECT_EQ(given.Pixels(), pixels);
+}
+
 /// A call that throws, with the member that it names and the line that hosts know (0: any).
 struct sThrow {
   const char *fMember, *fText;

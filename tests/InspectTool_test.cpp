@@ -1,0 +1,218 @@
+#include <unistd.h>
+#include <nlohmann/json.hpp>
+#include <numeric>
+
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// The verbs that look at pictures, and what tonemap chooses by looking, end to end.
+
+namespace {
+
+class InspectTool : public cToolTest {
+ protected:
+  static std::string Expect(int pExitCode, const std::string& pArguments, const std::string& pBefore = "") {
+    const sRun run = Run(pArguments, pBefore);
+    EXPECT_EQ(run.fExitCode, pExitCode) << pArguments << run.fErrors;
+    return pExitCode == 0 ? run.fOutput : run.fErrors;
+  }
+  static nlohmann::json Inspect(const std::string& pArguments) {
+    return nlohmann::json::parse(Expect(0, "inspect --json " + pArguments));
+  }
+};
+
+/// 100 pixels a column, each column ten times as bright as the one before; the last is 10^0.
+sTestPicture MakeDecades(int pColumns) {
+  sTestPicture picture{pColumns, 100, std::vector<float>(static_cast<std::size_t>(300 * pColumns))};
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < pColumns; ++x) {
+      std::fill_n(picture.GetPixel(x, y), 3, std::pow(10.0f, static_cast<float>(x - pColumns + 1) + 0.005f));
+    }
+  }
+  return picture;
+}
+
+TEST_F(InspectTool, MeasuresLight) {
+  sTestPicture picture = MakeDecades(5);
+  for (int y = 0; y < 40; ++y) std::fill_n(picture.GetPixel(0, y), 3, 0.0f);
+  WritePfm("decades.pfm", picture);
+  const nlohmann::json json = Inspect("decades.pfm");
+  EXPECT_EQ(json["width"], 5);
+  EXPECT_EQ(json["height"], 100);
+  EXPECT_EQ(json["dark"], 40);
+  const nlohmann::json& light = json["logLuminance"];
+  const double mean = 0.005 - (60 * 4 + 100 * (3 + 2 + 1)) / 460.0;
+  for (const auto& [name, expected] :
+       {std::pair{"min", -3.995}, {"max", 0.005}, {"dynamicRange", 4.0}, {"mean", mean}}) {
+    EXPECT_NEAR(light[name].get<double>(), expected, 0.011) << name;
+  }
+  EXPECT_NEAR(light["quantiles"]["0.5"].get<double>(), -1.995, 0.011);
+  const auto counts = light["histogram"]["counts"].get<std::vector<int>>();
+  EXPECT_EQ(counts.size(), 41u);
+  EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), 0), 460);
+  EXPECT_EQ((std::vector<int>{counts[0], counts[10], counts[40]}), (std::vector<int>{60, 100, 100}));
+
+  sTestPicture black{7, 3, std::vector<float>(63, 0.0f)};
+  WritePfm("black.pfm", black);
+  EXPECT_TRUE(Inspect("black.pfm")["logLuminance"].is_null());
+  EXPECT_EQ(Inspect("black.pfm --plot black.svg")["options"], "");
+  EXPECT_NE(Expect(0, "inspect black.pfm").find("no pixel has light"), std::string::npos);
+}
+
+TEST_F(InspectTool, DrawsTheHistogramForEveryTerminal) {
+  WritePfm("decades.pfm", MakeDecades(5));
+  const struct {
+    const char* fEnvironment;
+    const char* fBar;
+    std::size_t fWidth;
+  } cases[] = {{"LC_ALL=C COLUMNS=60", "|#", 60}, {"LC_ALL=C.UTF-8 COLUMNS=100", "│█", 100}};
+  for (const auto& row : cases) {
+    const std::string text = Expect(0, "inspect decades.pfm", row.fEnvironment);
+    EXPECT_NE(text.find(row.fBar), std::string::npos) << text;
+    EXPECT_EQ(text.find('\033'), std::string::npos);
+    std::istringstream lines(text.substr(text.find("Luminance")));
+    std::size_t widest = 0, percent = 0;
+    for (std::string line; std::getline(lines, line);) {
+      widest = std::max(widest, static_cast<std::size_t>(g_utf8_strlen(line.c_str(), -1)));
+      if (line.find("20.0 %") != std::string::npos) ++percent;
+    }
+    EXPECT_EQ(percent, 5u) << text;
+    EXPECT_LE(widest, row.fWidth);
+    EXPECT_GE(widest, row.fWidth - 10);
+  }
+}
+
+TEST_F(InspectTool, TellsMetadataAndGoesOnAfterAFailure) {
+  VImage image = ToVips8(MakeScene());
+  image.set("exif-ifd0-Make", "Maker");
+  image.set("exif-ifd0-Model", "Box 7");
+  image.set("exif-ifd2-ExposureTime", "1/250");
+  image.set("exif-ifd2-FNumber", "56/10");
+  image.jpegsave("photo.jpg");
+  const nlohmann::json metadata = Inspect("photo.jpg")["metadata"];
+  EXPECT_EQ(metadata["camera"], "Maker Box 7");
+  EXPECT_EQ(metadata["exposure"], "1/250 s, f/5.6");
+  EXPECT_EQ(metadata["gps"], false);
+  const sRun run = Run("inspect --json photo.jpg missing.jpg photo.jpg");
+  EXPECT_EQ(run.fExitCode, 1);
+  EXPECT_EQ(std::count(run.fOutput.begin(), run.fOutput.end(), '\n'), 2);
+  EXPECT_NE(run.fErrors.find("missing.jpg: No such file"), std::string::npos);
+  EXPECT_NE(run.fErrors.find("1 of 3 pictures failed"), std::string::npos);
+}
+
+TEST_F(InspectTool, PlotsWhatTheEngineDoes) {
+  WriteExr("a & b.exr", MakeScene());
+  Expect(0, "inspect 'a & b.exr' --plot a.svg");
+  Expect(0, "inspect 'a & b.exr' --plot b.svg --tone-compression 50 --contrast -50");
+  const std::string svg = ReadText("a.svg");
+  for (const char* text : {">a &amp; b.exr<", ">Luminance of the picture<", ">Pixels (% per 0.1 decade)<",
+                           ">Base layer: large contrasts<", ">Detail layer: fine contrasts<", ">Tone curve<",
+                           ">Light of the result (%)<", "strength 70, "}) {
+    EXPECT_NE(svg.find(text), std::string::npos) << text;
+  }
+  for (const char* text : {",nan", "nan,", "\"nan", "inf"})
+    EXPECT_EQ(svg.find(text), std::string::npos) << text;
+  EXPECT_EQ(VImage::svgload("a.svg").width(), 1240);  // well-formed, or it would not load
+  EXPECT_FALSE(svg == ReadText("b.svg"));
+  Expect(0, "inspect 'a & b.exr' --plot a.png");
+  EXPECT_EQ(Load("a.png").fShape, (std::vector<int>{2480, 1840, 3, 8}));
+}
+
+TEST_F(InspectTool, ComparesPictures) {
+  const VImage a = VImage::black(20, 10, VImage::option()->set("bands", 3)) + 100;
+  VImage b = a.copy_memory();
+  const double dot[] = {100, 104, 90};
+  b.draw_rect({dot[0], dot[1], dot[2]}, 7, 3, 1, 1);
+  a.cast(VIPS_FORMAT_UCHAR).pngsave("a.png");
+  b.cast(VIPS_FORMAT_UCHAR).pngsave("b.png");
+  (b * 257)
+      .cast(VIPS_FORMAT_USHORT)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16))
+      .tiffsave("b.tif");
+  a.cast(VIPS_FORMAT_UCHAR).crop(0, 0, 20, 9).pngsave("small.png");
+  for (const char* other : {"b.png", "b.tif"}) {
+    const auto json = nlohmann::json::parse(Expect(0, std::string("compare --json a.png ") + other));
+    EXPECT_EQ(json["all"]["largest"], 10.0);
+    EXPECT_EQ(json["green"]["largest"], 4.0);
+    EXPECT_EQ(json["red"]["mean"], 0.0);
+    EXPECT_DOUBLE_EQ(json["all"]["mean"].get<double>(), 14.0 / 600.0);
+    EXPECT_DOUBLE_EQ(json["differentShare"].get<double>(), 1.0 / 200.0);
+    EXPECT_EQ(json["quantile99"], 0.0);
+    EXPECT_EQ(json["largestAt"], (std::vector<int>{7, 3}));
+  }
+  Expect(0, "compare a.png b.png -o side.png --fail-above 10");
+  const sStored side = Load("side.png");
+  EXPECT_EQ(side.fShape, (std::vector<int>{3 * 180 + 16, 28 + 10, 3, 8}));
+  const auto at = [&](int pX, int pY) {
+    const auto first = side.fSamples.begin() + 3 * ((28 + pY) * side.fShape[0] + pX);
+    return std::vector<double>(first, first + 3);
+  };
+  EXPECT_EQ(at(188 + 7, 3), std::vector<double>(dot, dot + 3));
+  EXPECT_EQ(at(2 * 188 + 7, 3), (std::vector<double>{0, 80, 200}));  // twenty times
+  const struct {
+    const char* fArguments;
+    int fExitCode;
+    const char* fText;
+  } cases[] = {{"a.png b.png --fail-above 9", 1, "the largest difference, 10.00, is above 9"},
+               {"a.png small.png", 5, "small.png: its size is 20 x 9, that of a.png 20 x 10"},
+               {"a.png b.png -o side.gif", 2, "side.gif: "},
+               {"a.png b.png -o b.png", 2, "b.png: is the input itself"},
+               {"a.png b.png --fail-above -1", 2, "--fail-above"},
+               {"a.png", 2, "B is required"}};
+  for (const auto& row : cases) {
+    const std::string errors = Expect(row.fExitCode, std::string("compare ") + row.fArguments);
+    EXPECT_NE(errors.find(row.fText), std::string::npos) << errors;
+  }
+  EXPECT_EQ(Expect(0, "compare a.png a.png --fail-above 0"), "The pictures are equal.\n");
+}
+
+TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
+  sTestPicture scene = MakeScene(512, 340);
+  for (int i = 0; i < 60; ++i) std::fill_n(scene.GetPixel(37 * i % 512, 53 * i % 340), 3, 40.0f);  // sparks
+  WritePfm("scene.pfm", scene);
+  Expect(0, "tonemap scene.pfm -o full.png");
+  const VImage full = VImage::new_from_file("full.png").colourspace(VIPS_INTERPRETATION_scRGB);
+  for (const int factor : {2, 4}) {
+    full.shrink(factor, factor).colourspace(VIPS_INTERPRETATION_sRGB).pngsave("reduced.png");
+    Expect(0, "tonemap scene.pfm -o small.png --preview " + std::to_string(512 / factor));
+    EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{512 / factor, 340 / factor, 3, 8}));
+    const auto json = nlohmann::json::parse(Expect(0, "compare --json small.png reduced.png"));
+    EXPECT_LT(json["all"]["mean"].get<double>(), 3.0) << factor;
+  }
+  Expect(0, "tonemap scene.pfm -o small.png --preview 512");  // not enlarged, not changed
+  EXPECT_TRUE(ReadText("small.png") == ReadText("full.png"));
+  Expect(0, "tonemap scene.pfm -o small.png --preview 1");
+  EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{1, 1, 3, 8}));
+  Expect(2, "tonemap scene.pfm -o small.png --preview 0");
+}
+
+TEST_F(InspectTool, ChoosesSlidersFromTheLight) {
+  sTestPicture dark = MakeScene(96, 64);
+  for (float& sample : dark.fSamples) sample = std::pow(sample, 1.4f);
+  WritePfm("dark.pfm", dark);
+  for (float& sample : dark.fSamples) sample *= 1e-3f;
+  WritePfm("dim.pfm", dark);
+  const nlohmann::json json = Inspect("dark.pfm");
+  EXPECT_GT(json["suggested"]["strength"], 70);
+  EXPECT_LT(json["suggested"]["contrast"], 20);
+  EXPECT_EQ(Inspect("dim.pfm")["suggested"], json["suggested"]);  // whatever the exposure
+  const std::string options = json["options"];
+  const struct {
+    std::string fAuto;
+    std::string fPlain;
+  } cases[] = {{"--auto", options},
+               {"--auto --strength 20", "--strength 20 --contrast " + json["suggested"]["contrast"].dump()},
+               {"--preview 50 --auto", "--preview 50 " + options}};
+  for (const auto& row : cases) {
+    Expect(0, "tonemap dark.pfm -o auto.png " + row.fAuto);
+    Expect(0, "tonemap dark.pfm -o plain.png " + row.fPlain);
+    EXPECT_TRUE(ReadText("auto.png") == ReadText("plain.png")) << row.fAuto;
+  }
+  Expect(0, "tonemap dark.pfm -o default.png");
+  EXPECT_FALSE(ReadText("auto.png") == ReadText("default.png"));
+  const double defaults = VImage::new_from_file("default.png").avg();
+  Expect(0, "tonemap dark.pfm -o auto.png --auto");
+  EXPECT_GT(VImage::new_from_file("auto.png").avg(), defaults + 5.0);
+}
+
+}  // namespace
