@@ -19,7 +19,9 @@ void AddLine(std::string& pTo, const char* pName, const std::string& pText) {
 std::string DescribeSize(const sPicture& pPicture) {
   const int width = pPicture.fBitmap->GetWidth();
   const int height = pPicture.fBitmap->GetHeight();
-  return Printf("%d x %d pixels (%.2g megapixels)", width, height, width * 1e-6 * height);
+  const std::string size = Printf("%d x %d pixels", width, height);
+  const double millions = width * 1e-6 * height;
+  return millions < 0.1 ? size : size + Printf(" (%.1f megapixels)", millions);
 }
 
 std::string DescribeFormat(const sPicture& pPicture) {

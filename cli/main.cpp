@@ -30,6 +30,8 @@ int RunProgram(int pCount, char** pArguments) {
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
       "  quorvane equalize photo.png -o greener.png --hue-shift 60:0.6,20:0.5,100:0.5\n"
+      "  quorvane inspect photo.hdr\n"
+      "  quorvane compare before.png after.png -o side.png\n"
       "  quorvane tonemap --help");
   Cli::AddHelpOptions(program);
   Cli::AddTonemapCommand(program);
