@@ -57,7 +57,7 @@ void AddMetadata(std::string& pTo, const sInspection& pInspection) {
   AddLine(pTo, "Exposure", metadata.fExposure);
   AddLine(pTo, "Date", metadata.fDate);
   AddLine(pTo, "GPS position", metadata.fHasGps ? "yes" : "no");
-  AddLine(pTo, "Panorama", metadata.fIsPanorama || pInspection.fPicture.fIsPanorama ? "yes" : "not stated");
+  AddLine(pTo, "Panorama", pInspection.fPicture.fIsPanorama ? "yes" : "not stated");
 }
 
 nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
@@ -77,12 +77,9 @@ nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
 
 nlohmann::ordered_json MetadataToJson(const sInspection& pInspection) {
   const sMetadataSummary& metadata = pInspection.fMetadata;
-  return {{"camera", metadata.fCamera},
-          {"lens", metadata.fLens},
-          {"exposure", metadata.fExposure},
-          {"date", metadata.fDate},
-          {"gps", metadata.fHasGps},
-          {"panorama", metadata.fIsPanorama || pInspection.fPicture.fIsPanorama}};
+  return {{"camera", metadata.fCamera},     {"lens", metadata.fLens},
+          {"exposure", metadata.fExposure}, {"date", metadata.fDate},
+          {"gps", metadata.fHasGps},        {"panorama", pInspection.fPicture.fIsPanorama}};
 }
 
 nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {

@@ -60,13 +60,6 @@ std::string DescribeExposure(const VImage& pImage) {
   return text;
 }
 
-bool StatesPanorama(const VImage& pImage) {
-  if (pImage.get_typeof(VIPS_META_XMP_NAME) == 0) return false;
-  std::size_t size = 0;
-  const void* const data = pImage.get_blob(VIPS_META_XMP_NAME, &size);
-  return std::string(static_cast<const char*>(data), size).find("equirectangular") != std::string::npos;
-}
-
 /// The first of these that is set.
 std::string GetFirst(const VImage& pImage, std::initializer_list<const char*> pNames) {
   for (const char* name : pNames) {
@@ -90,7 +83,6 @@ sMetadataSummary SummariseMetadata(const std::string& pFile) {
     summary.fExposure = DescribeExposure(image);
     summary.fDate = GetFirst(image, {"ifd2-DateTimeOriginal", "ifd2-DateTimeDigitized", "ifd0-DateTime"});
     summary.fHasGps = !GetFirst(image, {"ifd3-GPSLatitude", "ifd3-GPSLongitude"}).empty();
-    summary.fIsPanorama = StatesPanorama(image);
   } catch (const vips::VError&) {
     TakeVipsError();
   }

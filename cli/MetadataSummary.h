@@ -11,7 +11,6 @@ struct sMetadataSummary {
   std::string fExposure;  ///< "1/250 s, f/8, ISO 100, 35 mm".
   std::string fDate;      ///< As EXIF has it.
   bool fHasGps = false;
-  bool fIsPanorama = false;  ///< By its GPano XMP.
 };
 
 /// Looks at the header of a file that libvips knows; for others, and for damaged ones, all is empty. libvips

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "cli/Alpha.h"
+
 namespace Cli {
 namespace {
 
@@ -129,6 +131,7 @@ sPicture ReducePicture(const std::string& pFile, sPicture pPicture, int pLongSid
   const auto shorten = [&](int pSide) {
     return std::max(std::lround(static_cast<double>(pSide) * pLongSide / longSide), 1L);
   };
+  HideTransparent(pPicture);  // the sample is of what is seen
   sPicture reduced = MakePicture(pFile, shorten(width), shorten(height));
   reduced.fAlpha.resize(pPicture.fAlpha.empty() ? 0
                                                 : static_cast<std::size_t>(shorten(width) * shorten(height)));

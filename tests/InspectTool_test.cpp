@@ -1,4 +1,5 @@
 #include <unistd.h>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <numeric>
 
@@ -51,6 +52,12 @@ TEST_F(InspectTool, MeasuresLight) {
   EXPECT_EQ(counts.size(), 41u);
   EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), 0), 460);
   EXPECT_EQ((std::vector<int>{counts[0], counts[10], counts[40]}), (std::vector<int>{60, 100, 100}));
+
+  picture.GetPixel(1, 7)[2] = std::numeric_limits<float>::quiet_NaN();
+  picture.GetPixel(2, 8)[0] = std::numeric_limits<float>::infinity();
+  picture.GetPixel(2, 9)[1] = -1.0f;
+  WritePfm("bad.pfm", picture);
+  EXPECT_EQ(Inspect("bad.pfm")["repaired"], nlohmann::json({{"nan", 1}, {"infinite", 1}, {"negative", 1}}));
 
   sTestPicture black{7, 3, std::vector<float>(63, 0.0f)};
   WritePfm("black.pfm", black);
