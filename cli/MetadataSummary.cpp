@@ -22,7 +22,7 @@ std::string GetField(const VImage& pImage, const std::string& pName) {
 
 /// The field as people read it: the first part of what is in the brackets.
 std::string GetText(const VImage& pImage, const std::string& pName) {
-  const std::string field = GetField(pImage, pName);
+  std::string field = GetField(pImage, pName);
   const std::size_t end = field.rfind(" (");
   if (end == std::string::npos) return field;
   std::string text = field.substr(0, end);

@@ -65,15 +65,23 @@ std::string TickText(double pValue, double pStep) {
   return Printf("%s%g", value < 0.0 ? "−" : "", std::fabs(std::round(value / pStep) * pStep));
 }
 
+/// The multiples of pStep on the axis.
+std::vector<double> TicksOf(const sAxis& pAxis, double pStep) {
+  std::vector<double> ticks;
+  const auto last = static_cast<int>(std::floor(pAxis.fTo / pStep + 1e-6));
+  for (auto i = static_cast<int>(std::ceil(pAxis.fFrom / pStep)); i <= last; ++i) ticks.push_back(i * pStep);
+  return ticks;
+}
+
 void AddAxes(cSvgDrawing& pSvg, const sPanel& pPanel, const sPanelTexts& pTexts) {
   const auto [x, y] = pPanel;
   const double stepX = ChooseStep(x.fTo - x.fFrom, 9);
-  for (double value = std::ceil(x.fFrom / stepX) * stepX; value <= x.fTo + stepX * 1e-6; value += stepX) {
+  for (const double value : TicksOf(x, stepX)) {
     pSvg.AddLine(x.At(value), y.fStart, x.At(value), y.fEnd, "class=\"grid\"");
     pSvg.AddText(x.At(value), y.fStart + 19.0, "class=\"tick\"", TickText(value, stepX));
   }
   const double stepY = ChooseStep(y.fTo - y.fFrom, 7);
-  for (double value = std::ceil(y.fFrom / stepY) * stepY; value <= y.fTo + stepY * 1e-6; value += stepY) {
+  for (const double value : TicksOf(y, stepY)) {
     pSvg.AddLine(x.fStart, y.At(value), x.fEnd, y.At(value), "class=\"grid\"");
     pSvg.AddText(x.fStart - 8.0, y.At(value) + 4.5, "class=\"tick left\"", TickText(value, stepY));
   }
@@ -127,7 +135,9 @@ constexpr double kDecadesPerBar = 0.1;
 /// Per cent of the pixels in each bar.
 std::vector<double> MakeBars(const sPictureStatistics& pStatistics, sSpan pSpan) {
   std::vector<double> bars;
-  for (double log = pSpan.fFrom; log < pSpan.fTo - kDecadesPerBar / 2.0; log += kDecadesPerBar) {
+  const long count = std::lround((pSpan.fTo - pSpan.fFrom) / kDecadesPerBar);
+  for (long i = 0; i < count; ++i) {
+    const double log = pSpan.fFrom + kDecadesPerBar * static_cast<double>(i);
     const double share = pStatistics.GetShareAbove(log) - pStatistics.GetShareAbove(log + kDecadesPerBar);
     bars.push_back(100.0 * share);
   }
