@@ -8,6 +8,7 @@
 
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
+#include "cli/OutputFormat.h"
 #include "cli/Picture.h"
 #include "cli/PictureDifference.h"
 #include "cli/PictureWriter.h"
@@ -122,7 +123,8 @@ void AddCompareCommand(CLI::App& pProgram) {
   verb->footer(
       "Differences are counted in 8-bit codes; a 16-bit code is 1/257 of one. Samples are compared as they "
       "are,\n"
-      "whatever the colour profiles say. The exit code is 0 when the pictures were compared, equal or "
+      "whatever the profiles say, and without alpha. The exit code is 0 when the pictures were compared, "
+      "equal or "
       "not.\n\n"
       "Examples:\n"
       "  quorvane compare before.png after.png -o side.png\n"

@@ -8,6 +8,7 @@
 #include <vips/vips8>
 
 #include "cli/Failure.h"
+#include "cli/OutputFormat.h"
 #include "cli/PictureWriter.h"
 
 namespace Cli {
