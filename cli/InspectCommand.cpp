@@ -9,9 +9,9 @@
 #include "cli/AutoSettings.h"
 #include "cli/Failure.h"
 #include "cli/Inspection.h"
-#include "cli/Options.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
+#include "cli/SettingsOptions.h"
 #include "cli/SvgDrawing.h"
 #include "cli/TonePlot.h"
 #include "cli/VipsLibrary.h"
@@ -21,9 +21,8 @@ namespace {
 
 struct sInspectOptions {
   std::vector<std::string> fFiles;
-  sSettings fSettings;              ///< Of the plot,
-  std::vector<std::string> fGiven;  ///< of which these were given,
-  bool fAuto = false;               ///< and the others are the suggested ones.
+  sSettingsChange fGiven;  ///< Sliders of the plot;
+  bool fAuto = false;      ///< the others are the suggested ones.
   std::string fPlot;
   bool fJson = false;
 };
@@ -38,9 +37,8 @@ std::string DescribeSettings(const sSettings& pSettings) {
 
 void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
   const ePlotFormat format = ChoosePlotFormat(pOptions.fPlot);
-  const sSettings settings = pOptions.fAuto
-                                 ? Override(pInspection.fSuggested, pOptions.fSettings, pOptions.fGiven)
-                                 : pOptions.fSettings;
+  sSettings settings = pOptions.fAuto ? pInspection.fSuggested : sSettings();
+  Apply(pOptions.fGiven, settings);
   cTempFile file(pOptions.fPlot);
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
   sRenderingReport report;
@@ -107,7 +105,7 @@ void AddInspectCommand(CLI::App& pProgram) {
       ->option_text("FILE");
   verb->add_flag("--auto", options->fAuto, "Take the suggested sliders for the plot where none are given")
       ->group("Sliders");
-  AddSettingsOptions(*verb, options->fSettings);
+  AddSliderOptions(*verb, options->fGiven);
   verb->footer(
       "Dynamic range is the logarithm of the 99.9 % over the 1 % quantile of the luminances above 0; full "
       "range\n"
@@ -117,10 +115,7 @@ void AddInspectCommand(CLI::App& pProgram) {
       "  quorvane inspect photo.hdr\n"
       "  quorvane inspect photo.exr --plot photo.svg --strength 90\n"
       "  quorvane inspect --json *.hdr");
-  verb->callback([options, verb] {
-    options->fGiven = ListGivenSliders(*verb);
-    Run(*options);
-  });
+  verb->callback([options] { Run(*options); });
 }
 
 }  // namespace Cli

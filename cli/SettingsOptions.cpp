@@ -32,7 +32,9 @@ CLI::Validator HasName() {
   return {[](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, ""};
 }
 
-void AddSliders(CLI::App& pVerb, sSettingsChange& pGiven) {
+}  // namespace
+
+void AddSliderOptions(CLI::App& pVerb, sSettingsChange& pGiven) {
   std::optional<float>* field = pGiven.fSliders.data();
   for (const sSlider& slider : GetSliders()) {
     pVerb
@@ -52,8 +54,6 @@ void AddSliders(CLI::App& pVerb, sSettingsChange& pGiven) {
       ->option_text("none|horizontal|auto [auto]")
       ->group(kSliderGroup);
 }
-
-}  // namespace
 
 void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
   pVerb
@@ -80,7 +80,7 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
       ->group(kPresetGroup);
   pVerb.add_flag("--list-presets", pOptions.fList, "Show the presets there are; no picture is needed")
       ->group(kPresetGroup);
-  AddSliders(pVerb, pOptions.fGiven);
+  AddSliderOptions(pVerb, pOptions.fGiven);
 }
 
 sSettingsChange GetChange(const sSettingsOptions& pOptions) {

@@ -22,6 +22,9 @@ struct sSettingsOptions {
   bool AsksForPresets() const { return fList || !fSaveAs.empty(); }
 };
 
+/// Adds the sliders and --wrap. pGiven must outlive the parsing.
+void AddSliderOptions(CLI::App& pVerb, sSettingsChange& pGiven);
+
 /// Adds the sliders, --wrap, and all that has to do with presets. pOptions must outlive the parsing.
 void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions);
 

@@ -47,7 +47,8 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->group("Result");
   AddSettingsOptions(*verb, options->fLook);
   verb->add_flag("--auto", options->fJob.fAuto,
-                 "Choose the sliders that are not given from the picture's light")
+                 "Choose the sliders that neither a preset nor an option gives from the picture's light")
+      ->excludes(verb->get_option("--settings-from"))
       ->group("Sliders");
   AddOutputOptions(*verb, options->fJob.fResult);
   verb->add_option("--preview", options->fJob.fPreview,

@@ -15,10 +15,10 @@ struct sTonemapJob {
   std::string fInput;
   std::string fOutput;
   sSettings fSettings;      ///< The ground,
+  bool fAuto = false;       ///< or chosen from the picture instead,
   sSettingsChange fChange;  ///< and what is laid over it.
   sOutputOptions fResult;
-  bool fAuto = false;  ///< The ground is chosen from the picture.
-  int fPreview = 0;    ///< Pixels on the longer side of the result; 0 for as many as the picture has.
+  int fPreview = 0;  ///< Pixels on the longer side of the result; 0 for as many as the picture has.
   bool fVerbose = false;
 };
 
