@@ -91,9 +91,14 @@ int ShowPlan(const tJobs& pJobs) {
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
 
+std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
+  return EstimateMemory(pPixels, ChooseJobFormat(pJob), pJob.fResult.fDepth);
+}
+
 void DoHere(const sTonemapJob& pJob, std::int64_t pMemory, cReport& pReport) {
-  SetMemoryGate(
-      [pMemory](const std::string& pFile, std::int64_t pBytes) { CheckMemoryLimit(pFile, pBytes, pMemory); });
+  SetMemoryGate([&pJob, pMemory](const std::string& pFile, std::int64_t pPixels) {
+    CheckMemoryLimit(pFile, EstimateFor(pJob, pPixels), pMemory);
+  });
   const cVipsLibrary library;
   pReport.Tell(pJob, DoPicture(pJob));
 }
@@ -105,11 +110,14 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
     if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
       vips_concurrency_set(std::max(1, CountCores() / pWorkers));  // the workers share the cores
     }
-    SetMemoryGate([pMemory, pAsk](const std::string& pFile, std::int64_t pBytes) {
-      CheckMemoryLimit(pFile, pBytes, pMemory);
-      pAsk(pBytes);
-    });
-    return [&pJobs](std::size_t pTask) { return ToLine(DoPicture(pJobs[pTask])); };
+    return [&pJobs, pMemory, pAsk](std::size_t pTask) {
+      const sTonemapJob& job = pJobs[pTask];
+      SetMemoryGate([&job, pMemory, pAsk](const std::string& pFile, std::int64_t pPixels) {
+        CheckMemoryLimit(pFile, EstimateFor(job, pPixels), pMemory);
+        pAsk(EstimateFor(job, pPixels));
+      });
+      return ToLine(DoPicture(job));
+    };
   };
 }
 

@@ -110,10 +110,11 @@ std::int64_t GetAvailableMemory() {
   return std::max<std::int64_t>(std::min(machine, RoomInGroups()), 1);
 }
 
-std::int64_t EstimateMemory(std::int64_t pPixels) {
+std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth) {
   constexpr std::int64_t kProcess = std::int64_t{64} << 20;
-  constexpr std::int64_t kBytesAPixel = 44;
-  return pPixels > (kUnlimited - kProcess) / kBytesAPixel ? kUnlimited : kProcess + pPixels * kBytesAPixel;
+  const bool isDeepAvif = pFormat == eOutputFormat::kAvif && pDepth > 8;
+  const std::int64_t bytes = pFormat == eOutputFormat::kJxl ? 110 : isDeepAvif ? 66 : 44;  // a pixel
+  return pPixels > (kUnlimited - kProcess) / bytes ? kUnlimited : kProcess + pPixels * bytes;
 }
 
 void SetMemoryGate(tMemoryGate pGate) {
@@ -123,7 +124,7 @@ void SetMemoryGate(tMemoryGate pGate) {
 void PassMemoryGate(const std::string& pFile, std::int64_t pPixels) {
   if (Gate() == nullptr) return;
   const auto start = std::chrono::steady_clock::now();
-  Gate()(pFile, EstimateMemory(pPixels));
+  Gate()(pFile, pPixels);
   gGateSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

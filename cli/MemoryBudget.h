@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "cli/OutputFormat.h"
+
 namespace Cli {
 
 /// Shares out memory to workers, in the order in which they ask.
@@ -38,12 +40,13 @@ std::string MemoryToText(std::int64_t pBytes);
 /// where a control group sets a limit.
 std::int64_t GetAvailableMemory();
 
-/// The most that a process holds while it reads, renders and writes a picture, in bytes; measured.
-std::int64_t EstimateMemory(std::int64_t pPixels);
+/// The most that a process holds while it reads, renders and writes a picture, in bytes; measured. Encoders
+/// of some formats need more than the engine does.
+std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
 
-/// Called with the estimate for a picture whose size has just become known, before its pixels are; it may
-/// wait, or throw the cFailure for a picture that is too large.
-using tMemoryGate = std::function<void(const std::string& pFile, std::int64_t pBytes)>;
+/// Called for a picture whose size has just become known, before its pixels are; it may wait, or throw the
+/// cFailure for a picture that is too large.
+using tMemoryGate = std::function<void(const std::string& pFile, std::int64_t pPixels)>;
 void SetMemoryGate(tMemoryGate pGate);
 void PassMemoryGate(const std::string& pFile, std::int64_t pPixels);
 /// How long pictures have waited at the gate since this was last asked.
