@@ -93,7 +93,7 @@ run_luminance() {
 }
 
 run_quorvane() {
-  ! cost "build/release/quorvane tonemap $picture -o $work/out.jpg" || record program "quorvane tonemap" "$ns"
+  ! cost "build/release/quorvane tonemap $picture --overwrite -o $work/out.jpg" || record program "quorvane tonemap" "$ns"
 }
 
 mkdir -p $work

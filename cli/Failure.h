@@ -13,6 +13,7 @@ enum eExitCode : int {
   eExitCode_CannotRead = 3,
   eExitCode_CannotWrite = 4,
   eExitCode_Processing = 5,
+  eExitCode_Interrupted = 130,
 };
 
 /// The end of the work on one picture: which file, why, and the code that the program returns for it.

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "cli/Failure.h"
+#include "cli/MemoryBudget.h"
 #include "engine/BitmapRows.h"
 #include "engine/cException.h"
 
@@ -27,6 +28,7 @@ sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t
     throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
   }
   constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
+  if (pWidth <= kLongest && pHeight <= kLongest) PassMemoryGate(pFile, pWidth * pHeight);
   sPicture picture;
   try {
     if (pWidth > kLongest || pHeight > kLongest) throw std::bad_alloc();

@@ -4,10 +4,10 @@
 #include <filesystem>
 
 #include "cli/Failure.h"
-#include "cli/Metadata.h"
 #include "cli/OutputFormat.h"
 #include "cli/Presets.h"
 #include "cli/SettingsJson.h"
+#include "cli/StoredSettings.h"
 
 namespace Cli {
 namespace {
@@ -106,7 +106,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   if (!std::filesystem::exists(file)) {
     throw cFailure(eExitCode_CannotRead, file, "No such file or directory");
   }
-  const std::string text = ReadStoredSettings(file);
+  const std::string text = ReadStoredSettingsApart(file);
   if (text.empty()) {
     throw cFailure(eExitCode_Usage, file, "carries no settings; name a result of 'quorvane tonemap'");
   }

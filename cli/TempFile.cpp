@@ -1,59 +1,28 @@
 #include "cli/TempFile.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
-#include <csignal>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
 #include "cli/Failure.h"
+#include "cli/Interrupt.h"
+#include "cli/StandardStreams.h"
 
 namespace Cli {
 namespace {
 
-constexpr int kEndSignals[] = {SIGINT, SIGTERM, SIGHUP};
-
-/// What the signal handler removes; empty for nothing. Changed only while the signals are held back.
-char gPathToRemove[PATH_MAX];
-
-extern "C" void RemoveAndEnd(int pSignal) {
-  if (gPathToRemove[0] != '\0') unlink(gPathToRemove);
-  raise(pSignal);  // the default action stands again (SA_RESETHAND) and follows as this handler returns
-}
-
-void CatchEndSignals() {
-  struct sigaction action = {};
-  action.sa_handler = RemoveAndEnd;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int signal : kEndSignals) {
-    struct sigaction present = {};
-    sigaction(signal, nullptr, &present);
-    if (present.sa_handler == SIG_DFL) sigaction(signal, &action, nullptr);  // an ignored one stays ignored
-  }
-  std::signal(SIGXFSZ, SIG_IGN);  // a file size limit becomes a failed write, which is reported
-}
-
-/// Holds the signals back, so that the file and the note of its name change together.
-class cSignalHold {
- public:
-  cSignalHold() {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const int signal : kEndSignals) sigaddset(&set, signal);
-    pthread_sigmask(SIG_BLOCK, &set, &fFormer);
-  }
-  cSignalHold(const cSignalHold&) = delete;
-  cSignalHold& operator=(const cSignalHold&) = delete;
-  ~cSignalHold() { pthread_sigmask(SIG_SETMASK, &fFormer, nullptr); }
-
- private:
-  sigset_t fFormer;
-};
+/// How many may write one target at the same time and still be cleaned up after.
+constexpr int kSlots = 4;
 
 /// The rights that the target has, or that a new file gets.
 mode_t GetTargetMode(const std::string& pPlace) {
@@ -90,40 +59,130 @@ void CheckTarget(const std::string& pTarget, const std::string& pPlace, const st
   }
 }
 
+std::string FolderOf(const std::string& pPlace) {
+  const std::string parent = std::filesystem::path(pPlace).parent_path().string();
+  return parent.empty() ? "." : parent;
+}
+
+/// The name depends on the target's alone (FNV-1a), and is never too long.
+std::string NameSlot(const std::string& pPlace, int pSlot) {
+  std::uint64_t hash = 0xcbf29ce484222325u;
+  for (const char letter : std::filesystem::path(pPlace).filename().string()) {
+    hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001b3u;
+  }
+  char name[48];
+  std::snprintf(name, sizeof name, "/.quorvane-%016llx-%d", static_cast<unsigned long long>(hash), pSlot);
+  return FolderOf(pPlace) + name;
+}
+
+/// Whether the open file is what the name leads to, and no one else's.
+bool IsOwnFile(int pHandle, const std::string& pPath) {
+  struct stat open = {};
+  struct stat named = {};
+  return fstat(pHandle, &open) == 0 && lstat(pPath.c_str(), &named) == 0 && S_ISREG(named.st_mode) &&
+         open.st_ino == named.st_ino && open.st_dev == named.st_dev && open.st_uid == geteuid() &&
+         open.st_nlink == 1;
+}
+
+/// Opens and locks the file. Returns -1 where a living process has it, or it cannot be opened.
+int Claim(const std::string& pPath, int pFlags) {
+  const int handle = open(pPath.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | pFlags, 0600);
+  if (handle < 0) return -1;
+  const bool isLocked = flock(handle, LOCK_EX | LOCK_NB) == 0;
+  if (isLocked && IsOwnFile(handle, pPath)) return handle;
+  if (!isLocked && errno != EWOULDBLOCK && pFlags != 0) unlink(pPath.c_str());  // nothing can be locked there
+  close(handle);
+  return -1;
+}
+
 }  // namespace
 
-cTempFile::cTempFile(const std::string& pTarget) : fTarget(pTarget), fPlace(FollowLink(pTarget)) {
-  const std::string parent = std::filesystem::path(fPlace).parent_path().string();
-  const std::string folder = parent.empty() ? "." : parent;
-  CheckTarget(fTarget, fPlace, folder);
-  CatchEndSignals();
-  std::string path = folder + "/.quorvane-XXXXXX";
-  const cSignalHold hold;
-  const int file = path.size() < PATH_MAX ? mkostemp(path.data(), O_CLOEXEC) : (errno = ENAMETOOLONG, -1);
-  if (file < 0) {
-    throw cFailure(eExitCode_CannotWrite, pTarget,
-                   "cannot write into the folder " + folder + " (" + std::strerror(errno) + ")");
+void RefuseExisting(const std::string& pTarget) {
+  throw cFailure(eExitCode_CannotWrite, pTarget,
+                 "exists already; --overwrite replaces it, --skip-existing leaves it as it is");
+}
+
+cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
+    : fTarget(pTarget), fMayReplace(pMayReplace) {
+  if (pTarget == kStandardStream) {
+    OpenInMemory();
+  } else {
+    fPlace = FollowLink(pTarget);
+    CheckTarget(fTarget, fPlace, FolderOf(fPlace));
+    OpenBesideTarget();
+    RemoveLeftovers(fTarget);
   }
-  fchmod(file, GetTargetMode(fPlace));
-  close(file);
-  std::memcpy(gPathToRemove, path.c_str(), path.size() + 1);
-  fPath = path;
+}
+
+void cTempFile::OpenInMemory() {
+  fHandle = memfd_create("result", MFD_CLOEXEC);
+  if (fHandle < 0) throw cFailure(eExitCode_CannotWrite, "standard output", std::strerror(errno));
+  fPath = "/proc/self/fd/" + std::to_string(fHandle);
+}
+
+void cTempFile::OpenBesideTarget() {
+  const cInterruptHold hold;
+  for (int slot = 0; slot < kSlots && fHandle < 0; ++slot) {
+    fPath = NameSlot(fPlace, slot);
+    fHandle = fPath.size() < PATH_MAX ? Claim(fPath, O_CREAT) : -1;
+  }
+  if (fHandle < 0) {  // all in use, or of no use there
+    fPath = FolderOf(fPlace) + "/.quorvane-XXXXXX";
+    fHandle = fPath.size() < PATH_MAX ? mkostemp(fPath.data(), O_CLOEXEC) : (errno = ENAMETOOLONG, -1);
+  }
+  if (fHandle < 0) {
+    throw cFailure(eExitCode_CannotWrite, fTarget,
+                   "cannot write into the folder " + FolderOf(fPlace) + " (" + std::strerror(errno) + ")");
+  }
+  [[maybe_unused]] const bool isEmptied = ftruncate(fHandle, 0) == 0;
+  fchmod(fHandle, GetTargetMode(fPlace));
+  NoteFileToRemove(fPath);
 }
 
 cTempFile::~cTempFile() {
-  if (fPath.empty()) return;
-  const cSignalHold hold;
-  unlink(fPath.c_str());
-  gPathToRemove[0] = '\0';
+  const cInterruptHold hold;
+  if (!fPath.empty() && !fPlace.empty()) unlink(fPath.c_str());
+  NoteFileToRemove("");
+  close(fHandle);
 }
 
 void cTempFile::Commit() {
-  const cSignalHold hold;
-  if (std::rename(fPath.c_str(), fPlace.c_str()) != 0) {
-    throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(errno));
-  }
-  gPathToRemove[0] = '\0';
+  if (fPlace.empty()) return CopyToOutput();
+  const cInterruptHold hold;
+  TakePlace();
+  NoteFileToRemove("");
   fPath.clear();
+}
+
+void cTempFile::CopyToOutput() {
+  const int file = open(fPath.c_str(), O_RDONLY | O_CLOEXEC);
+  const bool isCopied = file >= 0 && CopyStream(file, STDOUT_FILENO);
+  const int error = errno;
+  close(file);
+  if (!isCopied) throw cFailure(eExitCode_CannotWrite, "standard output", std::strerror(error));
+}
+
+void cTempFile::TakePlace() {
+  const char* const from = fPath.c_str();
+  const char* const to = fPlace.c_str();
+  if (!fMayReplace) {
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return;
+    const bool isUnknown = errno == EINVAL || errno == ENOSYS;  // to this kind of file system
+    if (errno == EEXIST || (isUnknown && access(to, F_OK) == 0)) RefuseExisting(fTarget);
+  }
+  if (std::rename(from, to) != 0) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(errno));
+}
+
+void cTempFile::RemoveLeftovers(const std::string& pTarget) {
+  if (pTarget == kStandardStream) return;
+  const std::string place = FollowLink(pTarget);
+  for (int slot = 0; slot < kSlots; ++slot) {
+    const std::string path = NameSlot(place, slot);
+    const int handle = Claim(path, 0);
+    if (handle < 0) continue;
+    unlink(path.c_str());
+    close(handle);
+  }
 }
 
 }  // namespace Cli

@@ -7,10 +7,17 @@ namespace Cli {
 /// An empty file beside a target, which takes the target's place in one step. Until then the target stays as
 /// it is, and whatever ends the program - an exception, Ctrl-C, a request to terminate - removes the file.
 /// One lives at a time.
+///
+/// Its name follows from the target's (".quorvane-" and a hash), and it is locked as long as its process
+/// lives. So a file that a killed process left behind is taken over by the next one that writes the same
+/// target.
+///
+/// The target "-" is the standard output: the file lies in memory, and is copied there in one go.
 class cTempFile {
  public:
-  /// Throws cFailure, in the name of the target, when the place cannot be written to.
-  explicit cTempFile(const std::string& pTarget);
+  /// pMayReplace: whether a target that stands there by then is replaced. Throws cFailure, in the name of the
+  /// target, when the place cannot be written to.
+  explicit cTempFile(const std::string& pTarget, bool pMayReplace = true);
   cTempFile(const cTempFile&) = delete;
   cTempFile& operator=(const cTempFile&) = delete;
   ~cTempFile();
@@ -19,10 +26,23 @@ class cTempFile {
   const std::string& GetPath() const { return fPath; }
   void Commit();  ///< The file becomes the target. Throws cFailure.
 
+  /// Removes what ended processes left behind for the target.
+  static void RemoveLeftovers(const std::string& pTarget);
+
  private:
+  void OpenBesideTarget();
+  void OpenInMemory();
+  void CopyToOutput();
+  void TakePlace();
+
   std::string fTarget;  ///< As the user names it.
-  std::string fPlace;   ///< Where that leads: a symbolic link is followed, not replaced.
-  std::string fPath;    ///< Empty once there is nothing to remove.
+  bool fMayReplace;
+  std::string fPlace;  ///< Where that leads: a symbolic link is followed, not replaced. Empty for the output.
+  std::string fPath;   ///< Empty once there is nothing to remove.
+  int fHandle = -1;    ///< Holds the lock.
 };
+
+/// Throws the cFailure for a target that stands there already.
+[[noreturn]] void RefuseExisting(const std::string& pTarget);
 
 }  // namespace Cli

@@ -1,13 +1,16 @@
 #include "cli/TonemapPicture.h"
 
 #include <chrono>
+#include <filesystem>
 #include <utility>
 
 #include "cli/AutoSettings.h"
+#include "cli/Failure.h"
+#include "cli/MemoryBudget.h"
 #include "cli/PictureReader.h"
-#include "cli/PictureWriter.h"
 #include "cli/Preview.h"
 #include "cli/SettingsJson.h"
+#include "cli/StandardStreams.h"
 
 namespace Cli {
 namespace {
@@ -18,15 +21,26 @@ double SecondsSince(tClock::time_point pStart) {
   return std::chrono::duration<double>(tClock::now() - pStart).count();
 }
 
-}  // namespace
+/// The folder of a target, and those above it.
+void MakeFolder(const std::string& pTarget) {
+  const std::filesystem::path folder = std::filesystem::path(pTarget).parent_path();
+  std::error_code error;
+  if (!folder.empty()) std::filesystem::create_directories(folder, error);
+  if (error) {
+    throw cFailure(eExitCode_CannotWrite, pTarget,
+                   "its folder cannot be made (" + error.message() + "); give another --out-dir");
+  }
+}
 
-sPictureReport TonemapPicture(const sTonemapJob& pJob) {
-  const eOutputFormat format = ChooseOutputFormat(pJob.fOutput, pJob.fResult.fDepth, pJob.fResult.fFile);
-  CheckIsAnother(pJob.fInput, pJob.fOutput);
+sPictureReport Tonemap(const sTonemapJob& pJob) {
+  const eOutputFormat format = ChooseJobFormat(pJob);
+  if (pJob.fOutput != kStandardStream) CheckIsAnother(pJob.fInput, pJob.fOutput);
+  if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
   sPictureReport report;
+  TakeGateSeconds();
   const auto start = tClock::now();
   sPicture picture = ReadPicture(pJob.fInput);
-  report.fReadSeconds = SecondsSince(start);
+  report.fReadSeconds = SecondsSince(start) - TakeGateSeconds();
   report.fSettings = pJob.fAuto ? SuggestSettings(picture) : pJob.fSettings;
   Apply(pJob.fChange, report.fSettings);
   if (pJob.fPreview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), pJob.fPreview);
@@ -38,7 +52,9 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   report.fFileDepth = picture.fFileDepth;
   report.fRepairs = picture.fRepairs;
   CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
-  cTempFile file(pJob.fOutput);  // before the work, so that a place that cannot be written to is told early
+  if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
+  // before the work, so that a place that cannot be written to is told early
+  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
   const auto result =
       RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
@@ -52,6 +68,37 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
   report.fWriteSeconds = SecondsSince(rendered);
   return report;
+}
+
+/// Failures name the stream, not the place where its bytes were kept.
+sPictureReport TonemapStandardInput(const sTonemapJob& pJob) {
+  const cStandardInput input;
+  sTonemapJob job = pJob;
+  job.fInput = input.GetPath();
+  try {
+    return Tonemap(job);
+  } catch (const cFailure& failure) {
+    const std::string text = failure.what();
+    if (!text.starts_with(job.fInput + ": ")) throw;
+    throw cFailure(failure.GetExitCode(), "standard input", text.substr(job.fInput.size() + 2));
+  }
+}
+
+}  // namespace
+
+eOutputFormat ChooseJobFormat(const sTonemapJob& pJob) {
+  const bool isStream = pJob.fOutput == kStandardStream;
+  return ChooseOutputFormat(isStream ? "result." + pJob.fStreamFormat : pJob.fOutput, pJob.fResult.fDepth,
+                            pJob.fResult.fFile);
+}
+
+bool HasTarget(const sTonemapJob& pJob) {
+  std::error_code error;
+  return pJob.fOutput != kStandardStream && std::filesystem::is_regular_file(pJob.fOutput, error);
+}
+
+sPictureReport TonemapPicture(const sTonemapJob& pJob) {
+  return pJob.fInput == kStandardStream ? TonemapStandardInput(pJob) : Tonemap(pJob);
 }
 
 }  // namespace Cli

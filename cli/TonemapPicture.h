@@ -6,17 +6,24 @@
 
 #include "cli/Options.h"
 #include "cli/PictureRendering.h"
+#include "cli/PictureWriter.h"
 #include "cli/Settings.h"
 
 namespace Cli {
 
-/// One picture to tone-map, from file to file.
+/// What is done where the target exists.
+enum class eExisting { kRefuse, kReplace, kSkip };
+
+/// One picture to tone-map, from file to file; "-" is standard input or output.
 struct sTonemapJob {
   std::string fInput;
   std::string fOutput;
-  sSettings fSettings;      ///< The ground,
-  bool fAuto = false;       ///< or chosen from the picture instead,
-  sSettingsChange fChange;  ///< and what is laid over it.
+  std::string fStreamFormat = "png";  ///< What goes to standard output, as an ending without its point.
+  eExisting fExisting = eExisting::kRefuse;
+  bool fMakesFolder = false;  ///< Whether the target's folder is made where it is missing.
+  sSettings fSettings;        ///< The ground,
+  bool fAuto = false;         ///< or chosen from the picture instead,
+  sSettingsChange fChange;    ///< and what is laid over it.
   sOutputOptions fResult;
   int fPreview = 0;  ///< Pixels on the longer side of the result; 0 for as many as the picture has.
   bool fVerbose = false;
@@ -37,8 +44,15 @@ struct sPictureReport {
   std::vector<std::string> fWarnings;
 };
 
-/// Reads, renders and writes one picture; the target is replaced in one step, or stays as it is. libvips must
-/// be running. Throws cFailure.
+/// The format that a job's target, or standard output, asks for, checked against its depth. Throws cFailure.
+eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
+
+/// Whether the target stands there already, as a file.
+bool HasTarget(const sTonemapJob& pJob);
+
+/// Reads, renders and writes one picture; the target is set in one step, or stays as it is. libvips must be
+/// running. What stands there is refused unless it is to be replaced: leaving pictures out is the caller's
+/// business. Throws cFailure.
 sPictureReport TonemapPicture(const sTonemapJob& pJob);
 
 }  // namespace Cli

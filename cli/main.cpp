@@ -10,6 +10,7 @@
 #include "cli/Failure.h"
 #include "cli/HelpOptions.h"
 #include "cli/InspectCommand.h"
+#include "cli/Interrupt.h"
 #include "cli/TonemapCommand.h"
 
 namespace {
@@ -26,7 +27,8 @@ int RunProgram(int pCount, char** pArguments) {
   program.set_version_flag("--version", QUORVANE_VERSION);
   program.footer(
       "Exit codes:\n"
-      "  0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing\n\n"
+      "  0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing,\n"
+      "  130 interrupted\n\n"
       "Examples:\n"
       "  quorvane tonemap photo.hdr -o photo.png\n"
       "  quorvane equalize photo.png -o greener.png --hue-shift 60:0.6,20:0.5,100:0.5\n"
@@ -40,6 +42,8 @@ int RunProgram(int pCount, char** pArguments) {
   Cli::AddCompareCommand(program);
   try {
     program.parse(pCount, pArguments);
+  } catch (const CLI::RuntimeError& end) {
+    return end.get_exit_code();  // everything was told
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return program.exit(error);  // help or version, on standard output
     const std::vector<CLI::App*> verbs = program.get_subcommands();
@@ -53,6 +57,7 @@ int RunProgram(int pCount, char** pArguments) {
 }  // namespace
 
 int main(int pCount, char** pArguments) {
+  Cli::CatchInterrupts();
   try {
     return RunProgram(pCount, pArguments);
   } catch (const Cli::cFailure& failure) {

@@ -63,7 +63,7 @@ TEST_F(PresetTool, ShipsPresetsThatLookDifferent) {
   const std::string names[] = {"natural", "vivid", "dramatic", "night", "panorama"};
   std::vector<sStored> results;
   for (const std::string& name : names) {
-    ASSERT_EQ(Run("tonemap scene.pfm -o " + name + ".png --preset " + name).fExitCode, 0);
+    ASSERT_EQ(Run("tonemap scene.pfm --overwrite -o " + name + ".png --preset " + name).fExitCode, 0);
     for (const sStored& other : results) EXPECT_GT(MeanDifference(Load(name + ".png"), other), 4.0) << name;
     results.push_back(Load(name + ".png"));
   }
@@ -152,7 +152,7 @@ TEST_F(PresetTool, SavesWhatTheCommandLineSays) {
   Make("--preset mine --contrast 8 --save-preset ./new.json");
   EXPECT_TRUE(Make("--preset new.json") ==
               Make("--strength 33.3 --black-clip 0.123456789 --wrap none --contrast 8"));
-  ASSERT_EQ(Run("tonemap scene.pfm -o kept.png " + settings).fExitCode, 0);
+  ASSERT_EQ(Run("tonemap scene.pfm --overwrite -o kept.png " + settings).fExitCode, 0);
   EXPECT_EQ(Run("tonemap --settings-from kept.png --lighting 3 --save-preset from.json").fExitCode, 0);
   EXPECT_TRUE(Make("--preset from.json") == Make(settings + " --lighting 3"));
   const struct {
@@ -161,7 +161,7 @@ TEST_F(PresetTool, SavesWhatTheCommandLineSays) {
     const char* fText;
   } refused[] = {{"--save-preset mine --strength 1", 2, "mine.json: exists already; choose another name"},
                  {"--save-preset new.json --strength 1", 2, "new.json: exists already"},
-                 {"--save-preset early --strength 1 -o b.png", 2, "IN is required"},
+                 {"--save-preset early --strength 1 -o b.png", 2, "INPUT is required"},
                  {"--save-preset '' --strength 1", 2, "--save-preset: an empty name"},
                  {"--save-preset empty", 2, "--save-preset: neither a preset nor a slider is given"},
                  {"--save-preset none/x.json --strength 1", 4, "none/x.json: No such file or directory"}};

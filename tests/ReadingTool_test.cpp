@@ -229,7 +229,7 @@ TEST_F(ReadingTool, TransparentPixelsDoNotCount) {
     sTestPicture other = scene;
     for (std::size_t i = 0; i < alpha.size(); i += 3) std::fill_n(&other.fSamples[3 * i], 3, hidden);
     ToVips16(other).bandjoin(mask).pngsave("a.png");
-    ASSERT_EQ(Run("tonemap a.png -o out.png").fExitCode, 0);
+    ASSERT_EQ(Run("tonemap a.png --overwrite -o out.png").fExitCode, 0);
     results.push_back(Load("out.png"));
   }
   EXPECT_EQ(results[0].fSamples, results[1].fSamples);
@@ -273,12 +273,12 @@ TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
       sTestPicture flat = MakeScene(2 * size, size);
       std::fill(flat.fSamples.begin(), flat.fSamples.end(), light);
       WriteExr("flat.exr", flat);
-      ASSERT_EQ(Run("tonemap flat.exr -o flat.png").fExitCode, 0) << light << ' ' << size;
+      ASSERT_EQ(Run("tonemap flat.exr --overwrite -o flat.png").fExitCode, 0) << light << ' ' << size;
       EXPECT_EQ(Load("flat.png").fShape[0], 2 * size);
     }
   }
   ToVips8(MakeScene()).bandjoin_const({0.0}).pngsave("clear.png");
-  ASSERT_EQ(Run("tonemap clear.png -o out.png").fExitCode, 0);
+  ASSERT_EQ(Run("tonemap clear.png --overwrite -o out.png").fExitCode, 0);
   EXPECT_EQ(VImage::new_from_file("out.png").extract_band(0, VImage::option()->set("n", 3)).max(), 0.0);
 }
 
@@ -291,16 +291,16 @@ TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
   of8.jxlsave("a.jxl");
   for (const char* ending : {"exr", "webp", "avif", "heic", "jxl"}) {
     const std::string whole = ReadText(std::string("a.") + ending);
-    ASSERT_EQ(Run(std::string("tonemap a.") + ending + " -o out.png").fExitCode, 0) << ending;
+    ASSERT_EQ(Run(std::string("tonemap a.") + ending + " --overwrite -o out.png").fExitCode, 0) << ending;
     for (const std::size_t size : {whole.size() / 20, whole.size() / 2}) {
       std::ofstream("cut", std::ios::binary) << whole.substr(0, size);
-      const sRun run = Run("tonemap cut -o out.png");
+      const sRun run = Run("tonemap cut --overwrite -o out.png");
       EXPECT_EQ(run.fExitCode, 3) << ending << ' ' << size;
       EXPECT_EQ(run.fErrors.rfind("quorvane: cut: ", 0), 0u) << run.fErrors;
     }
   }
   std::ofstream("a.svg") << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>";
-  EXPECT_NE(Run("tonemap a.svg -o out.png").fErrors.find("not a picture of a known format"),
+  EXPECT_NE(Run("tonemap a.svg --overwrite -o out.png").fErrors.find("not a picture of a known format"),
             std::string::npos);
 }
 
@@ -327,11 +327,14 @@ TEST_F(ReadingTool, RolledPanoramasGiveTheRolledResult) {
   for (const int width : {160, 230}) {  // the grid's cells are 4 and 5.75 pixels wide
     const sTestPicture scene = MakePanorama(width);
     WritePfm("a.pfm", scene);
-    ASSERT_EQ(Run("tonemap a.pfm -o a.tif --wrap horizontal --depth 16 --tone-compression 20").fExitCode, 0);
+    ASSERT_EQ(Run("tonemap a.pfm --overwrite -o a.tif --wrap horizontal --depth 16 --tone-compression 20")
+                  .fExitCode,
+              0);
     const VImage expected = VImage::new_from_file("a.tif");
     for (const int by : {1, 23, 80}) {
       WritePfm("b.pfm", Roll(scene, by));
-      ASSERT_EQ(Run("tonemap b.pfm -o b.tif --wrap horizontal --depth 16 --tone-compression 20").fExitCode,
+      ASSERT_EQ(Run("tonemap b.pfm --overwrite -o b.tif --wrap horizontal --depth 16 --tone-compression 20")
+                    .fExitCode,
                 0);
       const VImage back =
           VImage::new_from_file("b.tif").wrap(VImage::option()->set("x", width - by)->set("y", 0));

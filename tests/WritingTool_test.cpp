@@ -128,7 +128,8 @@ TEST_F(WritingTool, WritesTheSameBytesAgain) {
   MakeFullJpeg("in.jpg");
   WriteRadiance("in.hdr", MakeScene(700, 500));
   for (const std::string file : kFiles) {
-    for (const std::string verb : {"tonemap in.hdr -o ", "equalize in.jpg --saturation 0:0.6 -o "}) {
+    for (const std::string verb :
+         {"tonemap in.hdr --overwrite -o ", "equalize in.jpg --saturation 0:0.6 -o "}) {
       std::set<std::string> results;
       for (const char* threads : {"1", "2", "5"}) {
         ASSERT_EQ(Run(verb + file, std::string("VIPS_CONCURRENCY=") + threads).fExitCode, 0) << verb << file;
@@ -179,7 +180,7 @@ TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
     EXPECT_EQ(ReadTags("b.jpg", tags), start + "word," + end) << input;
   }
   // A tone-mapped picture states its own colours.
-  EXPECT_EQ(Run("tonemap in.jpg -o a.jpg --colorspace adobergb").fExitCode, 0);
+  EXPECT_EQ(Run("tonemap in.jpg --overwrite -o a.jpg --colorspace adobergb").fExitCode, 0);
   EXPECT_EQ(ReadTags("a.jpg", "-IFD0:Make -ExifIFD:ColorSpace"), "Maker,65535,");
 }
 
@@ -230,10 +231,10 @@ TEST_F(WritingTool, KeepsWideColours) {
     VImage::new_from_file(pFile.c_str()).icc_transform("srgb").pngsave("shown.png");
     return Load("shown.png");
   };
-  Run("tonemap in.png -o a.png --colorspace prophoto");
+  Run("tonemap in.png --overwrite -o a.png --colorspace prophoto");
   const sStored expected = show("a.png");
   for (const char* file : {"a.tif", "a.jpg", "a.webp", "a.avif", "a.jxl"}) {
-    EXPECT_EQ(Run(std::string("tonemap in.png --colorspace prophoto -o ") + file).fExitCode, 0);
+    EXPECT_EQ(Run(std::string("tonemap in.png --colorspace prophoto --overwrite -o ") + file).fExitCode, 0);
     EXPECT_LT(MeanDifference(show(file), expected), 8.0) << file;
   }
 }
@@ -289,7 +290,7 @@ TEST_F(WritingTool, RefusesOptionsThatDoNotFit) {
       {"a.png --metadata exif,all", 2, "--metadata: 'all' is neither all nor none, nor one of exif, xmp"},
       {"a.bmp", 2, "a.bmp: unknown ending of an output name; use .png, .tif, .jpg, .webp, .avif or .jxl"}};
   for (const auto& row : cases) {
-    const sRun run = Run(std::string("tonemap in.pfm -o ") + row.fArguments);
+    const sRun run = Run(std::string("tonemap in.pfm --overwrite -o ") + row.fArguments);
     EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments;
     EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + row.fText, 0), 0u)
         << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;

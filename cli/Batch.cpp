@@ -1,0 +1,180 @@
+#include "cli/Batch.h"
+
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <thread>
+#include <utility>
+
+#include "cli/BatchPlan.h"
+#include "cli/Failure.h"
+#include "cli/FileKind.h"
+#include "cli/Interrupt.h"
+#include "cli/MemoryBudget.h"
+#include "cli/PictureRecord.h"
+#include "cli/Progress.h"
+#include "cli/StandardStreams.h"
+#include "cli/TempFile.h"
+#include "cli/VipsLibrary.h"
+#include "cli/WorkerPool.h"
+
+namespace Cli {
+namespace {
+
+constexpr double kShareOfMemory = 0.8;
+
+using tJobs = std::vector<sTonemapJob>;
+
+std::int64_t ChooseMemoryLimit(const sBatchOptions& pOptions) {
+  if (pOptions.fMemoryLimit > 0) return pOptions.fMemoryLimit;
+  return static_cast<std::int64_t>(kShareOfMemory * static_cast<double>(GetAvailableMemory()));
+}
+
+int CountCores() {
+  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+/// Takes what is told of each picture, and knows the exit code in the end.
+class cReport {
+ public:
+  cReport(const sBatchOptions& pOptions, std::size_t pPictures)
+      : fJson(pOptions.fJson),
+        fPictures(pPictures),
+        fProgress(ChooseProgress(pOptions.fProgress, pPictures), pPictures) {}
+
+  void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+    if (fJson) {
+      std::puts(ToLine(pRecord).c_str());
+      std::fflush(stdout);
+    }
+    fProgress.Tell(pJob, pRecord);
+    if (!pRecord.contains("error")) return;
+    const int code = pRecord["error"]["code"];
+    fExitCode = fPictures == 1 ? code : eExitCode_PictureFailed;
+  }
+
+  cProgress& GetProgress() { return fProgress; }
+  int GetExitCode() const { return fExitCode; }
+
+ private:
+  bool fJson;
+  std::size_t fPictures;
+  cProgress fProgress;
+  int fExitCode = eExitCode_Done;
+};
+
+/// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
+std::string FindObstacle(const sTonemapJob& pJob) {
+  try {
+    if (pJob.fInput != kStandardStream) TellFileKind(pJob.fInput);
+    if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
+    return "";
+  } catch (const cFailure& failure) {
+    return failure.what();
+  }
+}
+
+int ShowPlan(const tJobs& pJobs) {
+  bool hasObstacles = false;
+  for (const sTonemapJob& job : pJobs) {
+    const bool isSkipped = job.fExisting == eExisting::kSkip && HasTarget(job);
+    const std::string obstacle = isSkipped ? "" : FindObstacle(job);
+    hasObstacles = hasObstacles || !obstacle.empty();
+    const std::string note = isSkipped          ? " (skipped: exists)"
+                             : obstacle.empty() ? ""
+                                                : " (refused: " + obstacle + ")";
+    std::printf("%s -> %s%s\n", job.fInput.c_str(), job.fOutput.c_str(), note.c_str());
+  }
+  return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
+}
+
+std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
+  return EstimateMemory(pPixels, ChooseJobFormat(pJob), pJob.fResult.fDepth);
+}
+
+void DoHere(const sTonemapJob& pJob, std::int64_t pMemory, cReport& pReport) {
+  SetMemoryGate([&pJob, pMemory](const std::string& pFile, std::int64_t pPixels) {
+    CheckMemoryLimit(pFile, EstimateFor(pJob, pPixels), pMemory);
+  });
+  const cVipsLibrary library;
+  pReport.Tell(pJob, DoPicture(pJob));
+}
+
+/// What each worker does when it begins: libvips starts there, never in the parent.
+tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers) {
+  return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
+    static const cVipsLibrary library;
+    if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
+      vips_concurrency_set(std::max(1, CountCores() / pWorkers));  // the workers share the cores
+    }
+    return [&pJobs, pMemory, pAsk](std::size_t pTask) {
+      const sTonemapJob& job = pJobs[pTask];
+      SetMemoryGate([&job, pMemory, pAsk](const std::string& pFile, std::int64_t pPixels) {
+        CheckMemoryLimit(pFile, EstimateFor(job, pPixels), pMemory);
+        pAsk(EstimateFor(job, pPixels));
+      });
+      return ToLine(DoPicture(job));
+    };
+  };
+}
+
+void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, cReport& pReport) {
+  const sTonemapJob& job = pJobs[pEnd.fTask];
+  if (pEnd.fIsAnswered) return pReport.Tell(job, tPictureRecord::parse(pEnd.fText));
+  cTempFile::RemoveLeftovers(job.fOutput);
+  pReport.Tell(job, MakeFailedRecord(job, eExitCode_Processing, job.fInput + ": " + pEnd.fText));
+}
+
+/// Returns whether the run was interrupted.
+bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pReport) {
+  const cInterruptWatch interrupt;
+  const int tick = pReport.GetProgress().HasBar() ? 250 : -1;
+  for (std::size_t next = 0;;) {
+    const bool isOver = next == pJobs.size() || (pFailFast && pReport.GetProgress().HasFailed());
+    if (isOver && !pPool.IsBusy()) return false;
+    if (!isOver && pPool.HasRoom()) {
+      pPool.Begin(next++);
+      continue;
+    }
+    if (const auto end = pPool.Wait(interrupt.GetHandle(), tick)) TellEnd(pJobs, *end, pReport);
+    if (interrupt.HasCome()) return true;
+    pReport.GetProgress().Draw();
+  }
+}
+
+/// Returns whether the run was interrupted. Nothing that was in work then is left behind.
+bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t pMemory, cReport& pReport) {
+  const int asked = pOptions.fWorkers > 0 ? pOptions.fWorkers : CountCores();
+  const int workers = static_cast<int>(std::min(static_cast<std::size_t>(asked), pJobs.size()));
+  std::vector<std::size_t> givenUp;
+  bool isInterrupted = false;
+  {
+    cWorkerPool pool(workers, pMemory, MakeTaskMaker(pJobs, pMemory, workers));
+    isInterrupted = WorkOff(pool, pJobs, pOptions.fFailFast, pReport);
+    givenUp = pool.GetTasksInWork();
+  }
+  for (const std::size_t task : givenUp) cTempFile::RemoveLeftovers(pJobs[task].fOutput);
+  return isInterrupted;
+}
+
+}  // namespace
+
+int RunBatch(const sBatchOptions& pOptions) {
+  const tJobs jobs = PlanBatch(pOptions);
+  if (pOptions.fDryRun) return ShowPlan(jobs);
+  const std::int64_t memory = ChooseMemoryLimit(pOptions);
+  cReport report(pOptions, jobs.size());
+  if (jobs.size() == 1) {
+    DoHere(jobs.front(), memory, report);
+  } else if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
+    report.GetProgress().Interrupt(pOptions.fJob.fExisting);
+    return eExitCode_Interrupted;
+  }
+  report.GetProgress().Finish();
+  return report.GetExitCode();
+}
+
+}  // namespace Cli

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/BatchOptions.h"
+#include "cli/PictureRecord.h"
+
+namespace Cli {
+
+/// Tells on standard error how a run goes: warnings and failures in every way of telling, the rest as asked
+/// for. A bar is one line that is drawn anew.
+class cProgress {
+ public:
+  /// pWay: not kAuto, see ChooseProgress.
+  cProgress(eProgress pWay, std::size_t pPictures);
+
+  void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord);
+  void Draw();                          ///< The bar, with the time that is left by now.
+  void Finish();                        ///< The summary.
+  void Interrupt(eExisting pExisting);  ///< The summary of what was done, and how to go on.
+
+  bool HasFailed() const { return fFailed > 0; }
+  bool HasBar() const { return fWay == eProgress::kBar; }
+
+ private:
+  void Count(const sTonemapJob& pJob, const std::string& pStatus);
+  void TellPlainly(const sTonemapJob& pJob, const std::string& pStatus) const;
+  void Say(const std::string& pLine, const char* pColour = "") const;
+  void SayEvent(const char* pEvent, const std::string& pInput) const;
+  std::string Summarise() const;
+  double GetSeconds() const;
+  double GetRate() const;
+  double GetSecondsLeft() const;
+
+  eProgress fWay;
+  bool fHasColour;
+  std::size_t fPictures;
+  std::size_t fDone = 0;
+  std::size_t fSkipped = 0;
+  std::size_t fFailed = 0;
+  std::vector<std::string> fFailedInputs;
+  std::chrono::steady_clock::time_point fStart = std::chrono::steady_clock::now();
+};
+
+/// What kAuto stands for: nothing for one picture, a bar on a terminal, else lines.
+eProgress ChooseProgress(eProgress pAsked, std::size_t pPictures);
+
+}  // namespace Cli

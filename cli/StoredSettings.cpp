@@ -1,0 +1,24 @@
+#include "cli/StoredSettings.h"
+
+#include "cli/Failure.h"
+#include "cli/Metadata.h"
+#include "cli/VipsLibrary.h"
+#include "cli/WorkerPool.h"
+
+namespace Cli {
+
+std::string ReadStoredSettingsApart(const std::string& pFile) {
+  const auto makeTask = [&pFile](const tAskForMemory&) -> tTask {
+    static const cVipsLibrary library;
+    return [&pFile](std::size_t) { return ReadStoredSettings(pFile); };
+  };
+  cWorkerPool pool(1, 0, makeTask);
+  pool.Begin(0);
+  std::optional<sTaskEnd> end;
+  while (!(end = pool.Wait(-1, -1))) {
+  }
+  if (!end->fIsAnswered) throw cFailure(eExitCode_CannotRead, pFile, end->fText);
+  return end->fText;
+}
+
+}  // namespace Cli

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace Cli {
+
+/// Fills a pattern for names of results: {stem} and {name} are the input's file name without and with its
+/// ending ("stdin" for standard input), {ext} is pEnding, {index} pIndex with at least four digits. Throws
+/// cFailure (usage) for placeholders that are not known, and for names of folders in it.
+std::string MakeTargetName(const std::string& pPattern, const std::string& pInput, const std::string& pEnding,
+                           std::size_t pIndex);
+
+}  // namespace Cli

@@ -1,0 +1,318 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// Runs of the built tool over many pictures: what is taken, where it goes, and what ends a run.
+
+namespace {
+
+using nlohmann::json;
+using tClock = std::chrono::steady_clock;
+
+class cRunningTool {
+ public:
+  /// In a process group of its own; pArguments are split at blanks.
+  explicit cRunningTool(const std::string& pArguments) : fProcess(fork()) {
+    if (fProcess != 0) return;
+    setpgid(0, 0);
+    const int errors = open("errors.txt", O_CREAT | O_WRONLY | O_TRUNC, 0600);
+    dup2(errors, STDERR_FILENO);
+    const std::string command = "exec '" QUORVANE_TOOL "' tonemap " + pArguments;
+    execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  /// The exit code, or less than 0 for an end by a signal.
+  int Wait() const {
+    int status = 0;
+    waitpid(fProcess, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+  std::vector<pid_t> ListWorkers() const {
+    const std::string id = std::to_string(fProcess);
+    std::istringstream text(ReadText("/proc/" + id + "/task/" + id + "/children"));
+    std::vector<pid_t> workers;
+    for (pid_t worker = 0; text >> worker;) workers.push_back(worker);
+    return workers;
+  }
+
+  const pid_t fProcess;
+};
+
+bool IsAlive(pid_t pProcess) {
+  const std::string status = ReadText("/proc/" + std::to_string(pProcess) + "/stat");
+  return !status.empty() && status.find(") Z") == std::string::npos;
+}
+
+class BatchTool : public cToolTest {
+ protected:
+  static void WaitUntil(const std::function<bool()>& pIsTrue) {
+    for (int i = 0; i < 120000 && !pIsTrue(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ASSERT_TRUE(pIsTrue());
+  }
+  static std::set<std::string> List(const std::string& pFolder) {
+    std::set<std::string> files;
+    if (!fs::exists(pFolder)) return files;
+    for (const auto& entry : fs::recursive_directory_iterator(pFolder)) {
+      if (entry.is_regular_file()) files.insert(entry.path().lexically_relative(pFolder));
+    }
+    return files;
+  }
+  static std::map<std::string, std::string> Contents(const std::string& pFolder) {
+    std::map<std::string, std::string> contents;
+    for (const std::string& file : List(pFolder)) contents[file] = ReadText(pFolder + "/" + file);
+    return contents;
+  }
+  /// The objects of a run with --json, by their input.
+  static std::map<std::string, json> Parse(const std::string& pLines) {
+    std::map<std::string, json> records;
+    std::istringstream lines(pLines);
+    for (std::string line; std::getline(lines, line);) {
+      const json record = json::parse(line);
+      EXPECT_TRUE(records.emplace(record["input"], record).second) << "told twice: " << line;
+    }
+    return records;
+  }
+  static void MakePictures(int pCount, int pWidth = 300) {
+    fs::create_directory("in");
+    for (int i = 0; i < pCount; ++i) {
+      WritePfm("in/" + std::to_string(100 + i) + ".pfm",
+               MakeScene(pWidth, 200, 1.0f + 0.1f * static_cast<float>(i)));
+    }
+  }
+  /// Takes seconds to be written, wherever it is compiled for.
+  static void MakeLargePicture() {
+    fs::create_directory("in");
+    ToVips8(MakeScene(600, 400)).resize(8.0).pngsave("in/large.png", VImage::option()->set("compression", 1));
+  }
+  static bool IsInWork() {
+    return fs::exists("out") &&
+           std::any_of(fs::directory_iterator("out"), fs::directory_iterator(), [](const auto& pEntry) {
+             return pEntry.path().filename().string().starts_with(".quorvane-");
+           });
+  }
+};
+
+TEST_F(BatchTool, GoesOnPastBrokenPicturesAndTellsOfEach) {
+  MakePictures(3, 64);
+  fs::create_directories("in/sub/.hidden");
+  sTestPicture bad = MakeScene();
+  bad.GetPixel(3, 3)[0] = std::nanf("");
+  WriteExr("in/sub/nan.exr", bad);
+  fs::copy("in/100.pfm", "in/sub/.hidden/no.pfm");
+  std::ofstream("in/broken.exr") << "no picture";
+  std::ofstream("in/notes.txt") << "no picture";
+  const std::string arguments = "tonemap -r in/ nowhere.hdr in/101.pfm --out-dir in/out/deep -j 2 --json ";
+  const sRun run = Run(arguments + "--depth 16 --strength 33.3 --wrap horizontal --progress plain");
+  EXPECT_EQ(run.fExitCode, 1) << run.fErrors;
+  EXPECT_NE(run.fErrors.find("quorvane: nowhere.hdr: No such file"), std::string::npos) << run.fErrors;
+  EXPECT_NE(run.fErrors.find("/6] in/100.pfm -> in/out/deep/100_tm.png\n"), std::string::npos) << run.fErrors;
+  EXPECT_NE(run.fErrors.find("4 of 6 pictures done, 2 failed"), std::string::npos) << run.fErrors;
+  EXPECT_EQ(List("in/out/deep"),
+            (std::set<std::string>{"100_tm.png", "101_tm.png", "102_tm.png", "sub/nan_tm.png"}));
+  std::map<std::string, json> records = Parse(run.fOutput);
+  ASSERT_EQ(records.size(), 6u);
+  EXPECT_EQ(records["nowhere.hdr"]["error"]["code"], 3);
+  EXPECT_EQ(records["in/broken.exr"]["status"], "failed");
+  const json& done = records["in/102.pfm"];
+  EXPECT_EQ(done["status"], "done");
+  EXPECT_EQ(done["output"], "in/out/deep/102_tm.png");
+  EXPECT_EQ((std::vector<int>{done["width"], done["height"], done["result"]["depth"]}),
+            (std::vector<int>{64, 200, 16}));
+  EXPECT_EQ(done["settings"]["strength"], 33.3);
+  EXPECT_EQ(done["wrap"], true);
+  EXPECT_NEAR(done["dynamic_range"].get<double>(), 1.5, 0.3);  // the scene's decades, and its pattern
+  EXPECT_GT(done["milliseconds"]["read"].get<double>(), 0.0);
+  EXPECT_GT(done["peak_memory"].get<double>(), 1e6);
+  EXPECT_EQ(records["in/sub/nan.exr"]["warnings"].size(), 1u);
+  // a second run finds the results below its folder, and a picture alone gives the same bytes
+  EXPECT_EQ(Parse(Run(arguments + "--skip-existing").fOutput).size(), 6u);
+  Run("tonemap in/102.pfm -o alone.png --depth 16 --strength 33.3 --wrap horizontal");
+  EXPECT_EQ(ReadText("alone.png"), ReadText("in/out/deep/102_tm.png"));
+}
+
+TEST_F(BatchTool, LeavesReplacesOrRefusesWhatExists) {
+  MakePictures(2, 48);
+  const std::string batch = "tonemap -r in --out-dir in --progress none ";  // results among the inputs
+  EXPECT_EQ(Run(batch).fExitCode, 0);
+  const std::map<std::string, std::string> fresh = Contents("in");
+  EXPECT_EQ(fresh.size(), 4u);
+  const struct {
+    const char* fOption;
+    int fExitCode;
+    bool fIsReplaced;
+  } cases[] = {{"", 1, false}, {"--skip-existing", 0, false}, {"--overwrite", 0, true}};
+  for (const auto& row : cases) {
+    std::ofstream("in/100_tm.png") << "old";
+    const sRun run = Run(batch + row.fOption);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fOption << run.fErrors;
+    EXPECT_EQ(ReadText("in/100_tm.png") != "old", row.fIsReplaced) << row.fOption;
+    EXPECT_EQ(run.fErrors.find("--skip-existing") != std::string::npos, row.fExitCode == 1) << run.fErrors;
+  }
+  EXPECT_EQ(Contents("in"), fresh);
+  EXPECT_EQ(Run("tonemap in/100.pfm -o in/100_tm.png").fExitCode, 4);
+  const sRun plan = Run("tonemap -r in --out-dir new/x --dry-run");
+  EXPECT_EQ(plan.fOutput,
+            "in/100.pfm -> new/x/100_tm.png\nin/100_tm.png -> new/x/100_tm_tm.png\n"
+            "in/101.pfm -> new/x/101_tm.png\nin/101_tm.png -> new/x/101_tm_tm.png\n");
+  EXPECT_FALSE(fs::exists("new"));
+}
+
+TEST_F(BatchTool, RefusesCallsBeforeAnyWork) {
+  MakePictures(2, 48);
+  fs::copy("in/100.pfm", "in/100.hdr");
+  const std::pair<const char*, const char*> cases[] = {
+      {"in/100.hdr in/100.pfm --out-dir out", "in/100.hdr and in/100.pfm would both become out/100_tm.png"},
+      {"in/100.pfm in/101.pfm -o out.png", "-o is for one picture"},
+      {"in/100.pfm --out-dir out --name '{stm}.png'", "--name: {stm} is not known"},
+      {"in/100.pfm --out-dir out --name '{stem.png'", "--name: a { without"},
+      {"in/100.pfm --out-dir out --name 'a/{stem}.png'", "--name: names a file"},
+      {"in/100.pfm --out-dir out --name '{name}'", "out/100.pfm: unknown ending"},
+      {"in/100.pfm in/101.pfm --out-dir in --name 101.pfm", "in/101.pfm: is the input itself"},
+      {"in/100.pfm --out-dir out --format gif", "out/100_tm.gif: unknown ending"},
+      {"in/100.pfm -o out.png --format tif", "--format goes with"},
+      {"in --out-dir out", "in: is a folder; -r"},
+      {"- in/100.pfm --out-dir out", "standard input (-) is one picture"},
+      {"-r in --out-dir out --shard 3/2", "--shard: 3/2 is not I/N"},
+      {"-r in --out-dir out --memory-limit 4X", "--memory-limit: 4X is not a size"},
+      {"-r in --out-dir out -j 0", "--jobs: "},
+      {"-r in --out-dir out --overwrite --skip-existing", "--"},
+  };
+  for (const auto& [arguments, text] : cases) {
+    const sRun run = Run(std::string("tonemap ") + arguments);
+    EXPECT_EQ(run.fExitCode, 2) << arguments << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + text, 0), 0u) << arguments << run.fErrors;
+    EXPECT_EQ(ListFolder(), std::set<std::string>{"in"}) << arguments;
+  }
+}
+
+TEST_F(BatchTool, SharesAListOutAmongSeveralRuns) {
+  MakePictures(5, 32);
+  const std::string name = " --progress none --name '{index}-{name}.{ext}' ";
+  Run("tonemap -r in --out-dir all" + name);
+  std::ofstream("list.txt") << "in/104.pfm\nin/102.pfm\n\nin/100.pfm\nin/101.pfm\nin/103.pfm\n";
+  const char* const sources[] = {"-r in", "--files-from list.txt", "--files-from - <list.txt"};
+  for (int shard = 1; shard <= 3; ++shard) {
+    const sRun run = Run("tonemap " + std::string(sources[shard - 1]) + name + "--out-dir some --shard " +
+                         std::to_string(shard) + "/3");
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    EXPECT_EQ(List("some").size(), shard == 1 ? 2u : shard == 2 ? 4u : 5u);
+  }
+  EXPECT_EQ(Contents("some"), Contents("all"));
+  EXPECT_EQ(List("all").count("0005-104.pfm.png"), 1u);
+  EXPECT_EQ(Run("tonemap -r in --out-dir some --shard 9/9").fExitCode, 0);
+}
+
+TEST_F(BatchTool, ReadsAndWritesStandardStreams) {
+  WritePfm("scene.pfm", MakeScene());
+  for (const std::string format : {"png", "tif", "jpg"}) {
+    Run("tonemap scene.pfm -o file." + format);
+    const sRun run = Run("tonemap - -o - --format " + format + " <scene.pfm");
+    EXPECT_EQ(run.fErrors, "");
+    EXPECT_EQ(run.fOutput, ReadText("file." + format)) << format;
+  }
+  EXPECT_EQ(Run("tonemap - --out-dir . <scene.pfm").fExitCode, 0);
+  EXPECT_TRUE(fs::exists("stdin_tm.png"));
+  const sRun broken = Run("tonemap - -o - <file.png", "head -c 100 file.png >cut.png; mv cut.png file.png;");
+  EXPECT_EQ(broken.fExitCode, 3);
+  EXPECT_EQ(broken.fOutput, "");
+  EXPECT_EQ(broken.fErrors.rfind("quorvane: standard input: damaged", 0), 0u) << broken.fErrors;
+  EXPECT_EQ(std::system("'" QUORVANE_TOOL "' tonemap scene.pfm -o - >/dev/full 2>/dev/null") / 256, 4);
+}
+
+TEST_F(BatchTool, KeepsToItsMemory) {
+  MakePictures(6, 400);
+  fs::create_directory("more");
+  WritePfm("more/wide.pfm", MakeScene(4000, 600));
+  // room for one of the small ones at a time; the large one has to be refused
+  const sRun run = Run("tonemap -r in more --out-dir out -j 3 --memory-limit 80M");
+  EXPECT_EQ(run.fExitCode, 1) << run.fErrors;
+  EXPECT_EQ(List("out").size(), 6u);
+  EXPECT_NE(run.fErrors.find("more/wide.pfm: needs about 165 MiB of memory, and the limit is 80 MiB"),
+            std::string::npos)
+      << run.fErrors;
+  EXPECT_EQ(Run("tonemap more/wide.pfm -o a.png --memory-limit 80M").fExitCode, 5);
+}
+
+TEST_F(BatchTool, StopsAtTheFirstFailureWhereAsked) {
+  MakePictures(4, 32);
+  std::ofstream("in/099.exr") << "no picture";
+  const sRun run = Run("tonemap -r in --out-dir out -j 1 --fail-fast --progress json");
+  EXPECT_EQ(run.fExitCode, 1);
+  EXPECT_TRUE(List("out").empty());
+  const std::size_t summary = run.fErrors.find("{\"event\":\"summary\"");
+  ASSERT_NE(summary, std::string::npos) << run.fErrors;
+  EXPECT_EQ(json::parse(run.fErrors.substr(summary))["failed"], 1);
+}
+
+TEST_F(BatchTool, SurvivesTheDeathOfAWorker) {
+  for (const int signal : {SIGKILL, SIGSEGV}) {
+    MakePictures(2, 32);
+    MakeLargePicture();
+    const cRunningTool tool("-r in --out-dir out -j 1 --depth 16 --format tif");
+    WaitUntil([] { return List("out").size() == 3 && IsInWork(); });  // the small ones come first
+    ASSERT_EQ(tool.ListWorkers().size(), 1u);
+    WritePfm("in/later.pfm", MakeScene());
+    kill(tool.ListWorkers().front(), signal);
+    EXPECT_EQ(tool.Wait(), 1);
+    const std::string errors = ReadText("errors.txt");
+    EXPECT_NE(errors.find("quorvane: in/large.png: its worker process "), std::string::npos) << errors;
+    EXPECT_EQ(List("out"), (std::set<std::string>{"100_tm.tif", "101_tm.tif"}));
+    fs::remove_all("in");
+    fs::remove_all("out");
+  }
+}
+
+TEST_F(BatchTool, EndsAtOnceWhenInterrupted) {
+  MakeLargePicture();
+  WritePfm("in/100.pfm", MakeScene());
+  fs::create_directory("single");
+  const std::string options = " --depth 16 --name '{stem}.tif' --out-dir out";
+  const struct {
+    std::string fArguments;
+    int fSignal;
+    std::set<std::string> fLeft;
+    const char* fWords;
+  } cases[] = {{"-r in" + options, SIGINT, {"100.tif"}, "1 of 2 pictures done"},
+               {"-r in" + options, SIGTERM, {"100.tif"}, "--skip-existing"},
+               {"in/large.png" + options, SIGINT, {}, "interrupted"}};
+  for (const auto& row : cases) {
+    const cRunningTool tool(row.fArguments);
+    WaitUntil([&] { return List("out").size() == row.fLeft.size() + 1 && IsInWork(); });
+    const std::vector<pid_t> workers = tool.ListWorkers();
+    const auto start = tClock::now();
+    kill(row.fSignal == SIGINT ? -tool.fProcess : tool.fProcess, row.fSignal);  // a terminal tells all
+    EXPECT_EQ(tool.Wait(), 130);
+    EXPECT_LT(tClock::now() - start, std::chrono::seconds(3));
+    EXPECT_TRUE(std::none_of(workers.begin(), workers.end(), IsAlive));
+    EXPECT_EQ(List("out"), row.fLeft);
+    EXPECT_NE(ReadText("errors.txt").find(row.fWords), std::string::npos) << ReadText("errors.txt");
+    fs::remove_all("out");
+  }
+}
+
+TEST_F(BatchTool, GoesOnAfterBeingKilled) {
+  MakePictures(16);
+  EXPECT_EQ(Run("tonemap -r in --out-dir whole --progress none").fExitCode, 0);
+  for (std::size_t done = 1; done < 14; done += 3) {
+    const cRunningTool tool("-r in --out-dir out -j 2 --skip-existing");
+    WaitUntil([&] { return List("out").size() >= done; });
+    const std::vector<pid_t> workers = tool.ListWorkers();
+    kill(done % 2 == 0 ? tool.fProcess : -tool.fProcess, SIGKILL);  // the parent alone, or all
+    tool.Wait();
+    WaitUntil([&] { return std::none_of(workers.begin(), workers.end(), IsAlive); });
+  }
+  EXPECT_LT(List("out").size(), 20u);
+  EXPECT_EQ(Run("tonemap -r in --out-dir out --skip-existing").fExitCode, 0);
+  EXPECT_EQ(Contents("out"), Contents("whole"));  // no other files either
+}
+
+}  // namespace
