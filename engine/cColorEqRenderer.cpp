@@ -89,7 +89,7 @@ void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
   const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
   const float* lightness = fHueCurves.Lightness();
-  fHueCurves.BuildHueTable(*fHueTable);
+  fHueCurves.BuildHueTable(fHueTable);
   const sEqualiser equaliser = {fHueTable->Elements(), lightness, colorMatrix.Elements()};
   cImageSink sink(*fOutput);
   for (int y = 0; y < sink.GetHeight(); ++y) {

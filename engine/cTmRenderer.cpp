@@ -42,7 +42,7 @@ float RangeSigma(float pLighting) {
 }  // namespace
 
 cTmRenderer::cTmRenderer()
-    : fHueTable(std::make_unique<cHueTable>()), fContrastCurve(std::make_unique<cContrastCurve>()) {
+    : fContrastCurve(std::make_unique<cContrastCurve>()) {
   const cColorSpace_ProPhotoRGB working;
   fXYZToWorking = working.GetXYZToRGB();
   fWorkingToXYZ = working.GetRGBToXYZ();
@@ -298,19 +298,19 @@ void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace().GetXYZToRGB() * fWorkingToXYZ;
   const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace());
   UpdateToneCurve();
-  fHueCurves.BuildHueTable(*fHueTable);
+  fHueCurves.BuildHueTable(fHueTable);
   if (StopRequested(pCancel, pAborted)) return;
 
   const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
   const float gain = static_cast<float>(Pow(2.0, static_cast<double>(fExposure)) * scale);
   const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
   const sExposure exposure = {gain, stretch, fPoints.fBlack};
+  const float* const hues = fHueTable != nullptr ? fHueTable->Elements() : nullptr;
   const sKernels& kernels = Kernels();
   for (int y = 0; y < fOutput->GetHeight(); ++y) {
     if (StopRequested(pCancel, pAborted)) return;
     EncodeRow(*fOutput, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
-      kernels.fColorIndices(ColorRun(*fColorRecords, y, pX), fHueTable->Elements(), exposure, pTo.fR, pTo.fG,
-                            pTo.fB, pCount);
+      kernels.fColorIndices(ColorRun(*fColorRecords, y, pX), hues, exposure, pTo.fR, pTo.fG, pTo.fB, pCount);
       kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
     });
   }
@@ -324,8 +324,9 @@ void cTmRenderer::UpdateToneCurve() {
   }
   if (contrast == fCachedContrast) return;
   fContrastCurve->InterpolateKeyFrames(contrast);
-  const unsigned short* samples = fContrastCurve->Get16BitTable();
-  for (int i = 0; i < kTableSize; ++i) fToneCurve[i] = static_cast<float>(samples[i]) / 65535.0f;
+  // The samples of 16 bits, without a table of them.
+  const float* samples = fContrastCurve->GetFloatTable();
+  for (int i = 0; i < kTableSize; ++i) fToneCurve[i] = static_cast<float>(UnitToIndex(samples[i])) / 65535.0f;
   fCachedContrast = contrast;
 }
 

@@ -111,7 +111,7 @@ class cTmRenderer {
   cRowSink* fOutput = nullptr;         // not owned, or fOutputImage
   std::optional<cImageSource> fInputImage;
   std::optional<cImageSink> fOutputImage;
-  std::unique_ptr<cHueTable> fHueTable;
+  std::unique_ptr<cHueTable> fHueTable;  // null: neutral
 
   // What the stages hand on; null until the preparation has run.
   std::unique_ptr<cBitmapU16T> fColorRecords;

@@ -1,5 +1,6 @@
 #include "export/PixelImport.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -11,14 +12,15 @@ namespace {
 
 /// Linear light of each code. The divisor is the number of codes: the brightest one decodes to just below 1.
 std::vector<float> GammaTable(int pMax, double pGamma) {
+  constexpr int kRun = 256;
   std::vector<float> table(static_cast<std::size_t>(pMax) + 1);
-  std::vector<double> light(table.size());
   const double step = 1.0 / (pMax + 1);
-  for (int i = 0; i <= pMax; ++i) light[static_cast<std::size_t>(i)] = i * step;
-  TmEngine::Kernels().fPowRow(light.data(), pGamma, light.data(), pMax + 1);
-  for (std::size_t i = 0; i < table.size(); ++i) {
-    const float value = static_cast<float>(light[i]);
-    table[i] = value > 1.0f ? 1.0f : value;
+  float* to = table.data();
+  for (int start = 0; start <= pMax; start += kRun, to += kRun) {
+    double light[kRun];
+    for (int i = 0; i < kRun; ++i) light[i] = (start + i) * step;
+    TmEngine::Kernels().fPowRow(light, pGamma, light, kRun);
+    for (int i = 0; i < kRun; ++i) to[i] = std::min(static_cast<float>(light[i]), 1.0f);
   }
   return table;
 }

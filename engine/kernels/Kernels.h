@@ -84,7 +84,7 @@ struct sKernels {
   /// truncate((v - pMin) * pScale) in [0, 65535].
   void (*fBins)(const float* pValues, float pMin, float pScale, int* pBins, int pCount);
   /// The three channels of each colour as indices of 65,536-entry tables over [0, 1]. pHues: three floats a
-  /// hue code.
+  /// hue code, or null for those of a neutral cHueTable.
   void (*fColorIndices)(const sColorRun& pFrom, const float* pHues, const sExposure& pExposure, int* pR,
                         int* pG, int* pB, int pCount);
   /// Row-major pMatrix times the colours that three indices of pCurve give, as indices again; in place.

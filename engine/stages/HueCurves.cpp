@@ -40,9 +40,10 @@ void cHueCurves::Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* p
   if (ReplaceIfOther(fHLCurve, *pHLCurve)) pDirty = true;
 }
 
-void cHueCurves::BuildHueTable(cHueTable& pTable) {
+void cHueCurves::BuildHueTable(std::unique_ptr<cHueTable>& pTable) {
   if (!fIsTableStale) return;
-  pTable.Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
+  if (pTable == nullptr) pTable = std::make_unique<cHueTable>();
+  pTable->Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
   fIsTableStale = false;
 }
 
