@@ -326,7 +326,11 @@ void cTmRenderer::UpdateToneCurve() {
   fContrastCurve->InterpolateKeyFrames(contrast);
   // The samples of 16 bits, without a table of them.
   const float* samples = fContrastCurve->GetFloatTable();
-  for (int i = 0; i < kTableSize; ++i) fToneCurve[i] = static_cast<float>(UnitToIndex(samples[i])) / 65535.0f;
+  for (int start = 0; start < kTableSize; start += kRunLength) {
+    int codes[kRunLength];
+    Kernels().fQuantise(samples + start, 0.0f, 1.0f, codes, kRunLength);
+    for (int i = 0; i < kRunLength; ++i) fToneCurve[start + i] = static_cast<float>(codes[i]) / 65535.0f;
+  }
   fCachedContrast = contrast;
 }
 

@@ -1,6 +1,5 @@
 #include "engine/cTransferLUT.h"
 
-#include <cstddef>
 #include <limits>
 
 #include "engine/TmCheck.h"
@@ -14,28 +13,45 @@ namespace {
 constexpr char kNullTransfer[] = "Argument pTransfer cannot be null.";
 
 // Position of an entry in [0, 1]: a division, since the reciprocal gives other bits.
-float SamplePosition(std::size_t pIndex, std::size_t pEntries) {
+float SamplePosition(int pIndex, int pEntries) {
   return static_cast<float>(pIndex) / static_cast<float>(pEntries - 1);
 }
 
-template <std::size_t kEntries>
+template <int kEntries>
 void FillDecoding(const cTransfer& pTransfer, float (&pTable)[kEntries]) {
-  for (std::size_t i = 0; i < kEntries; ++i) pTable[i] = SamplePosition(i, kEntries);
-  pTransfer.EvaluateRow(pTable, pTable, static_cast<int>(kEntries));
+  for (int i = 0; i < kEntries; ++i) pTable[i] = SamplePosition(i, kEntries);
+  pTransfer.EvaluateRow(pTable, pTable, kEntries);
+}
+
+constexpr int kRun = 256;
+
+// Whether 32 bits hold what each value truncates to.
+bool FitInt(const float (&pValues)[kRun]) {
+  int misfits = 0;
+  for (const float value : pValues) misfits += !(value >= -0x1p31f && value < 0x1p31f);
+  return misfits == 0;
 }
 
 // Truncates, and keeps the low bits of values outside the sample's range.
-template <class tSample, std::size_t kEntries>
+template <class tSample>
+void StoreSamples(const float (&pValues)[kRun], tSample* pTo) {
+  if (FitInt(pValues)) {
+    for (int i = 0; i < kRun; ++i) pTo[i] = static_cast<tSample>(static_cast<int>(pValues[i]));
+  } else {
+    for (int i = 0; i < kRun; ++i) pTo[i] = static_cast<tSample>(TruncateToInt64(pValues[i]));
+  }
+}
+
+template <class tSample, int kEntries>
 void FillEncoding(const cTransfer& pTransfer, tSample (&pTable)[kEntries]) {
   constexpr float kWhite = std::numeric_limits<tSample>::max();
-  constexpr std::size_t kRun = 256;
   static_assert(kEntries % kRun == 0);
-  for (std::size_t start = 0; start < kEntries; start += kRun) {
+  for (int start = 0; start < kEntries; start += kRun) {
     float values[kRun];
-    for (std::size_t i = 0; i < kRun; ++i) values[i] = SamplePosition(start + i, kEntries);
-    pTransfer.EvaluateRow(values, values, static_cast<int>(kRun));
-    for (std::size_t i = 0; i < kRun; ++i)
-      pTable[start + i] = static_cast<tSample>(TruncateToInt64(values[i] * kWhite));
+    for (int i = 0; i < kRun; ++i) values[i] = SamplePosition(start + i, kEntries);
+    pTransfer.EvaluateRow(values, values, kRun);
+    for (float& value : values) value *= kWhite;
+    StoreSamples(values, pTable + start);
   }
 }
 

@@ -34,21 +34,20 @@ void ApplyExponents(const sCompression& pCompression, double* pValues) {
 
 /// Fills a table over [pMin, pMax] and returns its largest entry.
 float FillTable(const sCompression& pCompression, float pMin, float pMax, float* pTable) {
-  float largest = 0.0f;
+  const sKernels& kernels = Kernels();
+  sRange range = {0.0f, 0.0f};
   for (int start = 0; start < kTableSize; start += kRun, pTable += kRun) {
     double values[kRun];
     for (int i = 0; i < kRun; ++i) {
-      const float t = static_cast<float>((start + i) / 65535.0);
+      const float t = static_cast<float>(start + i) / 65535.0f;
       values[i] = static_cast<double>(t * (pMax - pMin) + pMin);
     }
     ApplyExponents(pCompression, values);
-    Kernels().fBasePowRow(10.0, values, values, kRun);
-    for (int i = 0; i < kRun; ++i) {
-      pTable[i] = static_cast<float>(values[i]);
-      if (pTable[i] > largest) largest = pTable[i];
-    }
+    kernels.fBasePowRow(10.0, values, values, kRun);
+    for (int i = 0; i < kRun; ++i) pTable[i] = static_cast<float>(values[i]);
+    kernels.fWiden(pTable, kRun, range);
   }
-  return largest;
+  return range.fMax;
 }
 
 }  // namespace
