@@ -41,8 +41,7 @@ float RangeSigma(float pLighting) {
 
 }  // namespace
 
-cTmRenderer::cTmRenderer()
-    : fContrastCurve(std::make_unique<cContrastCurve>()) {
+cTmRenderer::cTmRenderer() {
   const cColorSpace_ProPhotoRGB working;
   fXYZToWorking = working.GetXYZToRGB();
   fWorkingToXYZ = working.GetRGBToXYZ();
@@ -296,8 +295,8 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace().GetXYZToRGB() * fWorkingToXYZ;
-  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace());
   UpdateToneCurve();
+  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace());
   fHueCurves.BuildHueTable(fHueTable);
   if (StopRequested(pCancel, pAborted)) return;
 
@@ -323,9 +322,10 @@ void cTmRenderer::UpdateToneCurve() {
     if (contrast > 1.0f) contrast = 1.0f;
   }
   if (contrast == fCachedContrast) return;
-  fContrastCurve->InterpolateKeyFrames(contrast);
+  cContrastCurve curve;
+  curve.InterpolateKeyFrames(contrast);
   // The samples of 16 bits, without a table of them.
-  const float* samples = fContrastCurve->GetFloatTable();
+  const float* samples = curve.GetFloatTable();
   for (int start = 0; start < kTableSize; start += kRunLength) {
     int codes[kRunLength];
     Kernels().fQuantise(samples + start, 0.0f, 1.0f, codes, kRunLength);

@@ -17,7 +17,6 @@
 namespace TmEngine {
 
 class cBitmapU16T;
-class cContrastCurve;
 class cHermiteSpline;
 class cHueTable;
 
@@ -118,7 +117,6 @@ class cTmRenderer {
   tPlane fLogLuminance;
   tPlane fBase;
 
-  std::unique_ptr<cContrastCurve> fContrastCurve;
   cHueCurves fHueCurves;
 
   sLuminanceRange fLuminance;
