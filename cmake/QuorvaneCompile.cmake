@@ -24,6 +24,7 @@ target_compile_options(quorvane_compile INTERFACE
 
 set(QUORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 if(QUORVANE_SANITIZE)
+  add_compile_definitions(QUORVANE_SANITIZED)
   add_compile_options("-fsanitize=${QUORVANE_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options("-fsanitize=${QUORVANE_SANITIZE}")
 endif()

@@ -1,17 +1,21 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "engine/cBitmap.h"
 
 namespace TmEngine {
+
+class cLargeRegion;
 
 /// A tiled image of a chosen number of 16-bit channels a pixel (see cMemUtils::TiledBitmapAlloc).
 class cBitmapU16T : public cBitmap {
  public:
   /// Throws cArgumentException (sizes, channels), cInvalidOperationException (a row over 10 MiB) or
   /// cOutOfMemoryException.
-  cBitmapU16T(int pWidth, int pHeight, int pPlane);
+  /// Lies in pRegion, which must stay as long, as one tile, where that has room.
+  cBitmapU16T(int pWidth, int pHeight, int pPlane, cLargeRegion* pRegion = nullptr);
   ~cBitmapU16T() override;
 
   int GetPlaneCount() const { return fPlane; }
@@ -27,7 +31,10 @@ class cBitmapU16T : public cBitmap {
 
  private:
   int fPlane = 0;
+  bool TakeFrom(cLargeRegion& pRegion, std::int64_t pPixelBytes);
+
   void** fTiles = nullptr;
+  void* fRegionTile = nullptr;  // the only one, where the image lies in a region
   int fTileCount = 0;
   int fTileHeight = 0;
 };

@@ -13,7 +13,6 @@ namespace TmEngine {
 namespace {
 
 constexpr char kSourceFile[] = ".\\cMemUtils.cpp";
-constexpr std::int64_t kMaxTileBytes = 10485760;
 
 /// Frees every tile and the array; tells whether a tile was null.
 bool FreeTiles(void** pTiles, int pTileCount) {

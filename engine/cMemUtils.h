@@ -7,6 +7,8 @@ namespace TmEngine {
 /// Memory of tiled images, and a checked copy.
 class cMemUtils {
  public:
+  static constexpr std::int64_t kMaxTileBytes = 10485760;
+
   /// Every image's count of pixels a row and of rows: the next multiple of 4, in 64 bits.
   static std::int64_t RoundUpTo4(int pCount) { return (std::int64_t{pCount} + 3) & ~std::int64_t{3}; }
   /// Cuts an image into bands of whole rows, each a malloc block of at most 10 MiB, not cleared. Width and

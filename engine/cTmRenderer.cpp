@@ -11,6 +11,7 @@
 #include "engine/cBitmapU16T.h"
 #include "engine/cColorSpace.h"
 #include "engine/cContrastCurve.h"
+#include "engine/cMemUtils.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/BaseLayer.h"
 #include "engine/stages/ColorRows.h"
@@ -37,6 +38,15 @@ float SpatialSigma(float pLargerSide, float pMicrocontrast, bool pWrap) {
 /// Cell size in decades of luminance.
 float RangeSigma(float pLighting) {
   return std::max(pLighting * 0.4f / 200.0f + 0.2f, 0.01f);
+}
+
+/// What the stages keep of all pixels.
+std::size_t PixelBytes(int pWidth, int pHeight) {
+  constexpr double kRecordBytes = 2.0 * kColorChannels, kEnds = 256.0, kNoneHasMore = 1e18;
+  const auto padded = static_cast<double>(cMemUtils::RoundUpTo4(pWidth)) *
+                      static_cast<double>(cMemUtils::RoundUpTo4(pHeight));
+  const double planes = 2.0 * sizeof(float) * pWidth * pHeight;
+  return static_cast<std::size_t>(std::min(padded * kRecordBytes + planes + kEnds, kNoneHasMore));
 }
 
 }  // namespace
@@ -194,9 +204,12 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
   fBase.reset();
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
-  auto records = std::make_unique<cBitmapU16T>(width, height, kColorChannels);
-  tPlane logLuminance = AllocPlane(width, height);
-  tPlane base = AllocPlane(width, height);
+  fRegion = cLargeRegion();
+  cLargeRegion region(PixelBytes(width, height));
+  auto records = std::make_unique<cBitmapU16T>(width, height, kColorChannels, &region);
+  tPlane logLuminance = AllocPlane(width, height, &region);
+  tPlane base = AllocPlane(width, height, &region);
+  fRegion = std::move(region);
   fColorRecords = std::move(records);
   fLogLuminance = std::move(logLuminance);
   fBase = std::move(base);

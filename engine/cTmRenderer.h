@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "engine/ImageRows.h"
+#include "engine/cLargeRegion.h"
 #include "engine/cMatrix33.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ExposureScale.h"
@@ -111,6 +112,8 @@ class cTmRenderer {
   std::optional<cImageSource> fInputImage;
   std::optional<cImageSink> fOutputImage;
   std::unique_ptr<cHueTable> fHueTable;  // null: neutral
+
+  cLargeRegion fRegion;  // of what follows
 
   // What the stages hand on; null until the preparation has run.
   std::unique_ptr<cBitmapU16T> fColorRecords;

@@ -6,15 +6,26 @@
 
 namespace TmEngine {
 
+class cLargeRegion;
+
 struct sFreeBlock {
   void operator()(void* pBlock) const { std::free(pBlock); }
 };
 
-/// One float a pixel, row-major without padding, from malloc, not cleared.
-using tPlane = std::unique_ptr<float[], sFreeBlock>;
+/// Frees a block, unless it is part of a region.
+struct sFreePlane {
+  bool fIsOwn = true;
+  void operator()(void* pBlock) const {
+    if (fIsOwn) std::free(pBlock);
+  }
+};
 
-/// Throws cOutOfMemoryException when the block cannot be had.
-tPlane AllocPlane(int pWidth, int pHeight);
+/// One float a pixel, row-major without padding, not cleared.
+using tPlane = std::unique_ptr<float[], sFreePlane>;
+
+/// From pRegion, which must stay as long, where it has room, else from malloc. Throws cOutOfMemoryException when
+/// the block cannot be had.
+tPlane AllocPlane(int pWidth, int pHeight, cLargeRegion* pRegion = nullptr);
 
 /// Index of the first pixel of row pY of a plane.
 inline std::ptrdiff_t RowStart(int pY, int pWidth) {

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+
+namespace TmEngine {
+
+/// Memory of a few megabytes straight from the system, which begins where a large page does, for blocks that
+/// are too small to get large pages one by one: most of the cost of fresh memory is paid a page. Only speed
+/// depends on it: where there is no region, blocks are had elsewhere.
+class cLargeRegion {
+ public:
+  cLargeRegion() = default;
+  /// Without memory where the system has none of that kind, or for sizes that do not gain.
+  explicit cLargeRegion(std::size_t pBytes);
+  cLargeRegion(cLargeRegion&& pFrom) noexcept { Swap(pFrom); }
+  cLargeRegion& operator=(cLargeRegion&& pFrom) noexcept;
+  ~cLargeRegion();
+
+  /// A block that stays the region's, aligned to 64 bytes and not cleared; null when there is no room.
+  void* Take(std::size_t pBytes);
+
+  /// What Take needs for a block.
+  static constexpr std::size_t RoomOf(std::size_t pBytes) { return (pBytes + 63) & ~std::size_t{63}; }
+
+ private:
+  void Swap(cLargeRegion& pOther) noexcept;
+
+  char* fStart = nullptr;
+  std::size_t fBytes = 0;
+  std::size_t fTaken = 0;
+};
+
+}  // namespace TmEngine
