@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 namespace TmEngine {
 
 class cColorSpace;
@@ -7,6 +9,35 @@ class cColorSpace;
 /// Runs of pixels that are worked on together are at most this long: what belongs to one stays in the
 /// processor's nearest cache.
 inline constexpr int kRunLength = 1024;
+
+/// Rows that make up a run together. What a step of the work has just written, the next one reads from the
+/// cache only when there is enough in between; in narrow pictures one row is not.
+inline int RowsOfRun(int pWidth) {
+  return pWidth < kRunLength ? kRunLength / pWidth : 1;
+}
+
+/// Calls pRun(row, column, count) for each run of a picture: a part of a row, or whole rows one after the
+/// other. pStops is asked before each row or group of rows.
+template <class tStops, class tRun>
+void ForEachRun(int pWidth, int pHeight, const tStops& pStops, const tRun& pRun) {
+  const int rows = RowsOfRun(pWidth);
+  for (int y = 0; y < pHeight; y += rows) {
+    if (pStops()) return;
+    const int pixels = std::min(rows, pHeight - y) * pWidth;
+    for (int x = 0; x < pixels; x += kRunLength) pRun(y, x, std::min(kRunLength, pixels - x));
+  }
+}
+
+/// Calls pPart(row, column, offset, count) for the part of each row that a run covers; offset counts from the
+/// run's first pixel.
+template <class tPart>
+void ForEachPart(int pWidth, int pY, int pX, int pCount, const tPart& pPart) {
+  for (int offset = 0; offset < pCount; ++pY, pX = 0) {
+    const int count = std::min(pCount - offset, pWidth - pX);
+    pPart(pY, pX, offset, count);
+    offset += count;
+  }
+}
 
 /// Where a renderer's input comes from, a run of pixels at a time: linear light, D50-relative XYZ. Rows are
 /// asked for from top to bottom, each from left to right, once a preparation.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "engine/PixelRows.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BoxSmoother.h"
 #include "engine/stages/Plane.h"
@@ -15,18 +16,23 @@ namespace {
 bool SliceAndMeasure(const bool* pCancel, cBilateralGrid& pGrid, const float* pLogLuminance, float* pBase,
                      int pWidth, int pHeight, float pSmoothing, sLayerStatistics& pStatistics) {
   const bool smooths = pSmoothing > 0.0f;
+  const int rows = RowsOfRun(pWidth);
+  const auto measure = [&](int pY, int pCount) {
+    const std::ptrdiff_t at = RowStart(pY, pWidth);
+    pStatistics.AddRow(pLogLuminance + at, pBase + at, pCount * pWidth);
+  };
   for (int y = 0; y < pHeight; ++y) {
     if (IsSet(pCancel)) return false;
     const std::ptrdiff_t row = RowStart(y, pWidth);
     pGrid.SliceRow(y, pLogLuminance + row, pBase + row);
-    if (!smooths) pStatistics.AddRow(pLogLuminance + row, pBase + row, pWidth);
+    const int count = y % rows + 1;
+    if (!smooths && (count == rows || y == pHeight - 1)) measure(y + 1 - count, count);
   }
   if (!smooths) return true;
   if (!SmoothWithBox(pBase, pBase, pWidth, pHeight, pSmoothing, pCancel)) return false;
   for (int y = 0; y < pHeight; ++y) {
     if (IsSet(pCancel)) return false;
-    const std::ptrdiff_t row = RowStart(y, pWidth);
-    pStatistics.AddRow(pLogLuminance + row, pBase + row, pWidth);
+    measure(y, 1);
   }
   return true;
 }

@@ -19,18 +19,14 @@ cLuminanceHistogram::cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappe
       fWidth(pRecords.GetWidth()),
       fHeight(pRecords.GetHeight()) {
   if (IsEmpty()) return;
-  for (int y = 0; y < fHeight; ++y) {
-    if (StopRequested(pCancel, pAborted)) return;
-    for (int start = 0; start < fWidth; start += kRunLength) CountRun(ColorRun(pRecords, y, start), start);
-  }
-}
-
-void cLuminanceHistogram::CountRun(const sColorRun& pRun, int pStart) {
-  int bins[kRunLength];
-  const int count = std::min(kRunLength, fWidth - pStart);
-  Kernels().fBins(pRun.fLuminance, fMin, fScale, bins, count);
-  std::uint32_t* const counts = fCounts.get();
-  for (int i = 0; i < count; ++i) ++counts[bins[i]];
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  ForEachRun(fWidth, fHeight, stops, [&](int pY, int pX, int pCount) {
+    int bins[kRunLength];
+    ForEachPart(fWidth, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      Kernels().fBins(ColorRun(pRecords, pRow, pColumn).fLuminance, fMin, fScale, bins + pOffset, pPart);
+    });
+    for (int i = 0; i < pCount; ++i) ++fCounts[static_cast<std::size_t>(bins[i])];
+  });
 }
 
 template <class tGoesOn>

@@ -9,7 +9,6 @@
 namespace TmEngine {
 
 class cBitmapU16T;
-struct sColorRun;
 
 /// Tone-mapped luminances that become output black and white.
 struct sBlackWhite {
@@ -34,7 +33,6 @@ class cLuminanceHistogram {
   void LogPercentiles() const;
 
  private:
-  void CountRun(const sColorRun& pRun, int pStart);
   float ValueAt(int pBin) const { return static_cast<float>(pBin) / fScale + fMin; }
 
   /// Bins taken from the dark end while pGoesOn(pixels in them).

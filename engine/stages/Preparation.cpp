@@ -19,18 +19,19 @@ void PrepareColors(const bool* pCancel, bool* pAborted, const cRowSource& pInput
   const int width = pInput.GetWidth();
   float x[kRunLength], y[kRunLength], z[kRunLength];
   sRange range = {1e30f, -1e30f};
-  for (int row = 0; row < pInput.GetHeight(); ++row) {
-    if (StopRequested(pCancel, pAborted)) return;
-    for (int start = 0; start < width; start += kRunLength) {
-      const int count = std::min(kRunLength, width - start);
-      float* const luminance = pLogLuminance + RowStart(row, width) + start;
-      pInput.ReadRun(row, start, count, x, y, z);
-      kernels.fPrepare({x, y, z}, pXYZToWorking.Elements(), kFloor, ColorRun(pRecords, row, start), luminance,
-                       count);
-      kernels.fWiden(luminance, count, range);
-      kernels.fLog10Row(luminance, luminance, count);
-    }
-  }
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  ForEachRun(width, pInput.GetHeight(), stops, [&](int pY, int pX, int pCount) {
+    float* const luminance = pLogLuminance + RowStart(pY, width) + pX;
+    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      pInput.ReadRun(pRow, pColumn, pPart, x + pOffset, y + pOffset, z + pOffset);
+    });
+    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      kernels.fPrepare({x + pOffset, y + pOffset, z + pOffset}, pXYZToWorking.Elements(), kFloor,
+                       ColorRun(pRecords, pRow, pColumn), luminance + pOffset, pPart);
+    });
+    kernels.fWiden(luminance, pCount, range);
+    kernels.fLog10Row(luminance, luminance, pCount);
+  });
   pRange.fMin = range.fMin;
   pRange.fMax = range.fMax;
   pRange.fLogMax = Log10(pRange.fMax);

@@ -53,16 +53,16 @@ sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const flo
                                   const sToneTables& pTables, cBitmapU16T& pRecords) {
   const int width = pRecords.GetWidth();
   sToneMappedRange range{pTables.fBaseMax * pTables.fDetailMax, 0.0f, 0.0};
-  for (int y = 0; y < pRecords.GetHeight(); ++y) {
-    if (StopRequested(pCancel, pAborted)) continue;
-    for (int start = 0; start < width; start += kRunLength) {
-      const std::ptrdiff_t at = RowStart(y, width) + start;
-      const int count = std::min(kRunLength, width - start);
-      float* const luminance = ColorRun(pRecords, y, start).fLuminance;
-      range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, count);
-      Widen(range, luminance, count);
-    }
-  }
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  ForEachRun(width, pRecords.GetHeight(), stops, [&](int pY, int pX, int pCount) {
+    float luminance[kRunLength];
+    const std::ptrdiff_t at = RowStart(pY, width) + pX;
+    range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, pCount);
+    Widen(range, luminance, pCount);
+    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      std::copy_n(luminance + pOffset, pPart, ColorRun(pRecords, pRow, pColumn).fLuminance);
+    });
+  });
   return range;
 }
 
