@@ -13,7 +13,6 @@
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/HueTable.h"
 #include "engine/stages/ToneMapping.h"
 #include "examples/scene/HostPixels.h"
 #include "export/PixelExport.h"
@@ -207,8 +206,6 @@ void RegisterTables() {
       curve.Get16BitTable();
     });
   });
-  Register("table/hue", 0.0,
-           [](sStages&) { return Seconds([&] { const auto table = std::make_unique<cHueTable>(); }); });
   Register("table/encoding", 0.0, [](sStages& s) {
     static const auto encoding = std::make_unique<cOutputEncoding>();
     encoding->Invalidate();

@@ -28,7 +28,8 @@ cBitmapU16T::cBitmapU16T(int pWidth, int pHeight, int pPlane, cLargeRegion* pReg
 
 cBitmapU16T::~cBitmapU16T() {
   // Never throws: an allocation gives all tiles or none.
-  if (fRegionTile == nullptr && fTiles != nullptr) cMemUtils::TiledBitmapFree(fTiles, fTileCount, fTileHeight);
+  if (fRegionTile == nullptr && fTiles != nullptr)
+    cMemUtils::TiledBitmapFree(fTiles, fTileCount, fTileHeight);
   fTiles = nullptr;
 }
 

@@ -20,8 +20,8 @@ constexpr std::size_t kMostBytes = 64 * kLargePage;  // larger blocks do well on
 
 /// Whole large pages; what was taken to find their start goes back at once.
 char* MapLargePages(std::size_t pBytes) {
-  void* const mapped = mmap(nullptr, pBytes + kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
-                            -1, 0);
+  void* const mapped =
+      mmap(nullptr, pBytes + kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) return nullptr;
   char* const first = static_cast<char*>(mapped);
   const std::size_t lead = (kLargePage - reinterpret_cast<std::uintptr_t>(mapped) % kLargePage) % kLargePage;

@@ -148,6 +148,10 @@ INSTANTIATE_TEST_SUITE_P(
               [](const sKernels& k, sArrays& a, int n) {
                 k.fColorIndices(a.Colors(), Table(), {2.0f, 1.0f, 0.5f}, a.Ints(0), a.Ints(1), a.Ints(2), n);
               }},
+        sCase{"ColorIndicesNeutral",
+              [](const sKernels& k, sArrays& a, int n) {
+                k.fColorIndices(a.Colors(), nullptr, {2.0f, 1.0f, 0.5f}, a.Ints(0), a.Ints(1), a.Ints(2), n);
+              }},
         sCase{"ColorIndicesStretched",
               [](const sKernels& k, sArrays& a, int n) {
                 k.fColorIndices(a.Colors(), Table(), {2.0f, 0.7f, 0.1f}, a.Ints(0), a.Ints(1), a.Ints(2), n);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -129,6 +130,24 @@ TEST(HueTable, TurnsAndSaturatesByItsCurves) {
   saturation.assign(kTableSize, 0.75f);
   table->Build(shift.data(), saturation.data());
   expect(0, -0.5f, 1, -0.5f);
+}
+
+TEST(HueTable, NeutralColorsAreThoseThatKernelsReckon) {
+  const auto table = std::make_unique<cHueTable>();
+  for (int i = 0; i < kTableSize; ++i) {
+    float min = 0.0f, max = 1.0f, luminance = 1.0f;
+    auto hue = static_cast<unsigned short>(i);
+    const auto indices = [&](const float* pHues) {
+      // So many steps that every bit of a small channel shows.
+      std::array<int, 6> found = {};
+      Kernels().fColorIndices({&min, &max, &hue, &luminance}, pHues, {1.0f, 1.0f, 0.0f}, &found[0], &found[1],
+                              &found[2], 1);
+      Kernels().fColorIndices({&min, &max, &hue, &luminance}, pHues, {256.0f, 1.0f, 0.0f}, &found[3],
+                              &found[4], &found[5], 1);
+      return found;
+    };
+    ASSERT_EQ(indices(nullptr), indices(table->Elements())) << i;
+  }
 }
 
 /// What is prepared of one pixel in XYZ.

@@ -20,8 +20,8 @@ class cHueCurves {
   void Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve, const cHermiteSpline* pHLCurve,
                bool& pDirty, const sThrowPlace& pPlace);
 
-  /// Builds pTable, which is always the same one, by hue shift and saturation. Neutral curves leave a new table
-  /// as it is, and null where there is none, until other curves came. Throws std::bad_alloc.
+  /// Builds pTable, which is always the same one, by hue shift and saturation. Neutral curves leave a new
+  /// table as it is, and null where there is none, until other curves came. Throws std::bad_alloc.
   void BuildHueTable(std::unique_ptr<cHueTable>& pTable);
   /// The lightness curve's 65,536 samples, 0.5 is neutral. They hold until the next Replace.
   const float* Lightness() const;

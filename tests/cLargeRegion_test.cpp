@@ -1,0 +1,40 @@
+#include "engine/cLargeRegion.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace TmEngine {
+namespace {
+
+constexpr std::size_t kMega = std::size_t{1} << 20;
+
+TEST(cLargeRegion, GivesBlocksUntilItIsFull) {
+  cLargeRegion region(5 * kMega);
+  void* const first = region.Take(3 * kMega - 1);
+  if (first == nullptr) GTEST_SKIP() << "this build or system has no regions";
+  void* const second = region.Take(3 * kMega);  // rounded up to whole large pages
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(region.Take(1), nullptr);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(second) % 64, 0u);
+  std::memset(first, 1, 3 * kMega - 1);
+  std::memset(second, 2, 3 * kMega);
+  EXPECT_EQ(static_cast<unsigned char*>(first)[3 * kMega - 2], 1);
+
+  region = cLargeRegion(4 * kMega);  // the former goes back
+  EXPECT_NE(region.Take(4 * kMega), nullptr);
+  cLargeRegion other(std::move(region));
+  EXPECT_EQ(other.Take(1), nullptr);
+}
+
+TEST(cLargeRegion, IsEmptyForOtherSizes) {
+  for (const std::size_t bytes : {std::size_t{0}, 4 * kMega - 1, 129 * kMega, SIZE_MAX}) {
+    EXPECT_EQ(cLargeRegion(bytes).Take(1), nullptr) << bytes;
+  }
+  EXPECT_EQ(cLargeRegion().Take(1), nullptr);
+}
+
+}  // namespace
+}  // namespace TmEngine
