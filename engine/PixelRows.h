@@ -17,13 +17,16 @@ inline int RowsOfRun(int pWidth) {
 }
 
 /// Calls pRun(row, column, count) for each run of a picture: a part of a row, or whole rows one after the
-/// other. pStops is asked before each row or group of rows.
+/// other. pStops is asked once for each row; for rows of one run before the first of them.
 template <class tStops, class tRun>
 void ForEachRun(int pWidth, int pHeight, const tStops& pStops, const tRun& pRun) {
   const int rows = RowsOfRun(pWidth);
   for (int y = 0; y < pHeight; y += rows) {
-    if (pStops()) return;
-    const int pixels = std::min(rows, pHeight - y) * pWidth;
+    const int count = std::min(rows, pHeight - y);
+    for (int row = 0; row < count; ++row) {
+      if (pStops()) return;
+    }
+    const int pixels = count * pWidth;
     for (int x = 0; x < pixels; x += kRunLength) pRun(y, x, std::min(kRunLength, pixels - x));
   }
 }

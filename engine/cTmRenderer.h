@@ -87,8 +87,8 @@ class cTmRenderer {
   /// cArgumentException for a NaN in Microcontrast or Lighting, and cOutOfMemoryException or std::bad_alloc.
   /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
   /// and those after it run at the next call. All stages look at *pCancel before each row of the picture and
-  /// of the grid, some only before each run of rows where several make up 1024 pixels; tables of 65,536
-  /// entries are built to their end. Rows of the output that were not reached stay as they were.
+  /// of the grid (for rows that make up a run of 1024 pixels together, before the first of them); tables of
+  /// 65,536 entries are built to their end. Rows of the output that were not reached stay as they were.
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 

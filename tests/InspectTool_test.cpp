@@ -177,20 +177,20 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
   sTestPicture scene = MakeScene(512, 340);
   for (int i = 0; i < 60; ++i) std::fill_n(scene.GetPixel(37 * i % 512, 53 * i % 340), 3, 40.0f);  // sparks
   WritePfm("scene.pfm", scene);
-  Expect(0, "tonemap scene.pfm -o full.png");
+  Expect(0, "tonemap scene.pfm --overwrite -o full.png");
   const VImage full = VImage::new_from_file("full.png").colourspace(VIPS_INTERPRETATION_scRGB);
   for (const int factor : {2, 4}) {
     full.shrink(factor, factor).colourspace(VIPS_INTERPRETATION_sRGB).pngsave("reduced.png");
-    Expect(0, "tonemap scene.pfm -o small.png --preview " + std::to_string(512 / factor));
+    Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview " + std::to_string(512 / factor));
     EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{512 / factor, 340 / factor, 3, 8}));
     const auto json = nlohmann::json::parse(Expect(0, "compare --json small.png reduced.png"));
     EXPECT_LT(json["all"]["mean"].get<double>(), 3.0) << factor;
   }
-  Expect(0, "tonemap scene.pfm -o small.png --preview 512");  // not enlarged, not changed
+  Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 512");  // not enlarged, not changed
   EXPECT_TRUE(ReadText("small.png") == ReadText("full.png"));
-  Expect(0, "tonemap scene.pfm -o small.png --preview 1");
+  Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 1");
   EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{1, 1, 3, 8}));
-  Expect(2, "tonemap scene.pfm -o small.png --preview 0");
+  Expect(2, "tonemap scene.pfm --overwrite -o small.png --preview 0");
 }
 
 TEST_F(InspectTool, ChoosesSlidersFromTheLight) {
@@ -211,14 +211,14 @@ TEST_F(InspectTool, ChoosesSlidersFromTheLight) {
                {"--auto --strength 20", "--strength 20 --contrast " + json["suggested"]["contrast"].dump()},
                {"--preview 50 --auto", "--preview 50 " + options}};
   for (const auto& row : cases) {
-    Expect(0, "tonemap dark.pfm -o auto.png " + row.fAuto);
-    Expect(0, "tonemap dark.pfm -o plain.png " + row.fPlain);
+    Expect(0, "tonemap dark.pfm --overwrite -o auto.png " + row.fAuto);
+    Expect(0, "tonemap dark.pfm --overwrite -o plain.png " + row.fPlain);
     EXPECT_TRUE(ReadText("auto.png") == ReadText("plain.png")) << row.fAuto;
   }
-  Expect(0, "tonemap dark.pfm -o default.png");
+  Expect(0, "tonemap dark.pfm --overwrite -o default.png");
   EXPECT_FALSE(ReadText("auto.png") == ReadText("default.png"));
   const double defaults = VImage::new_from_file("default.png").avg();
-  Expect(0, "tonemap dark.pfm -o auto.png --auto");
+  Expect(0, "tonemap dark.pfm --overwrite -o auto.png --auto");
   EXPECT_GT(VImage::new_from_file("auto.png").avg(), defaults + 5.0);
 }
 

@@ -21,7 +21,7 @@ struct sLuminanceRange {
 ///   unit luminance; pXYZToWorking leads to the working RGB space. A pixel without positive luminance counts
 ///   as grey of luminance 1e-6;
 /// - log10 of its luminance, at least 2^-128, to pLogLuminance (width * height floats), and measures the
-/// range. Polls pCancel before each row or run of rows; sets pAborted and returns when it is set.
+/// range. Polls pCancel for each row (see ForEachRun); sets pAborted and returns when it is set.
 void PrepareColors(const bool* pCancel, bool* pAborted, const cRowSource& pInput,
                    const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords, float* pLogLuminance,
                    sLuminanceRange& pRange);
