@@ -217,6 +217,12 @@ TEST_F(InspectTool, ChoosesSlidersFromTheLight) {
   }
   Expect(0, "tonemap dark.pfm --overwrite -o default.png");
   EXPECT_FALSE(ReadText("auto.png") == ReadText("default.png"));
+  Expect(0, "inspect dark.pfm --auto --plot a.svg");
+  Expect(0, "inspect dark.pfm --strength 20 --auto --plot b.svg");
+  EXPECT_NE(ReadText("a.svg").find("strength " + json["suggested"]["strength"].dump() + ","),
+            std::string::npos);
+  EXPECT_NE(ReadText("b.svg").find("strength 20,"), std::string::npos);
+  Expect(2, "tonemap dark.pfm -o a.png --auto --settings-from auto.png");
   const double defaults = VImage::new_from_file("default.png").avg();
   Expect(0, "tonemap dark.pfm --overwrite -o auto.png --auto");
   EXPECT_GT(VImage::new_from_file("auto.png").avg(), defaults + 5.0);
