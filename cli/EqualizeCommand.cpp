@@ -33,6 +33,7 @@ struct sEqualizeOptions {
   sHueCurveOptions fCurves;
   int fDepth = 0;  ///< 0 for the input's.
   sFileOptions fFile;
+  bool fOverwrite = false;
 };
 
 /// Renders into pPicture's own pixels where the depth stays, else into new ones that replace them.
@@ -60,8 +61,8 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   PrintWarnings(pOptions.fInput, picture.fWarnings);
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
-  cTempFile file(
-      pOptions.fOutput);  // before the work, so that a place that cannot be written to is told early
+  // before the work, so that a place that cannot be written to is told early
+  cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
   try {
     Equalize(picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth, pOptions.fCurves);
   } catch (const std::bad_alloc&) {
@@ -96,6 +97,7 @@ void Run(const sEqualizeOptions& pOptions) {
   CheckArguments(pOptions);
   CheckIsAnother(pOptions.fInput, pOptions.fOutput);
   CheckIsAnother(pOptions.fInput, pOptions.fPlot);
+  if (!pOptions.fOverwrite && std::filesystem::exists(pOptions.fOutput)) RefuseExisting(pOptions.fOutput);
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
     throw cFailure(eExitCode_Usage, pOptions.fPlot, "is the result as well; give the plot another name");
   }
@@ -172,9 +174,10 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   verb->add_option("IN", options->fInput,
                    "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content")
       ->option_text(" ");
-  verb->add_option("-o,--output", options->fOutput,
-                   "The result: .png, .tif, .jpg, .webp, .avif or .jxl; a file of that name is replaced")
+  verb->add_option("-o,--output", options->fOutput, "The result: .png, .tif, .jpg, .webp, .avif or .jxl")
       ->option_text("OUT")
+      ->group("Result");
+  verb->add_flag("--overwrite", options->fOverwrite, "Replace a result that exists (refused otherwise)")
       ->group("Result");
   AddCurveOptions(*verb, options->fCurves);
   AddDepthOption(*verb, options->fDepth, "the input's, or the most that the format holds");

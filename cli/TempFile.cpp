@@ -98,8 +98,7 @@ int Claim(const std::string& pPath, int pFlags) {
 }  // namespace
 
 void RefuseExisting(const std::string& pTarget) {
-  throw cFailure(eExitCode_CannotWrite, pTarget,
-                 "exists already; --overwrite replaces it, --skip-existing leaves it as it is");
+  throw cFailure(eExitCode_CannotWrite, pTarget, "exists already; --overwrite replaces it");
 }
 
 cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)

@@ -11,7 +11,7 @@ class EqualizeTool : public cToolTest {
  protected:
   /// Expects success without a word, and returns the result.
   static sStored Equalize(const std::string& pArguments, const std::string& pOutput = "result.png") {
-    const sRun run = Run("equalize " + pArguments + " -o " + pOutput);
+    const sRun run = Run("equalize --overwrite " + pArguments + " -o " + pOutput);
     EXPECT_EQ(run.fExitCode, 0) << pArguments;
     EXPECT_EQ(run.fErrors + run.fOutput, "") << pArguments;
     return run.fExitCode == 0 ? Load(pOutput) : sStored{};
@@ -200,6 +200,7 @@ TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"float.tif -o b.png --lightness 0:1", 3, "float.tif" + refused},
       {"missing.png -o b.png --lightness 0:1 --plot b.svg", 3, "missing.png: No such file"},
       {"cut.png -o b.png --lightness 0:1", 3, "cut.png: damaged or cut short ("},
+      {"in.png -o cut.png --lightness 0:1", 4, "cut.png: exists already; --overwrite replaces it"},
       {"in.png -o none/b.png --lightness 0:1", 4, "none/b.png: the folder none does not exist"},
       {"--plot none/b.svg --lightness 0:1", 4, "none/b.svg: the folder none does not exist"},
   };
@@ -219,7 +220,7 @@ TEST_F(EqualizeTool, LeavesTheOldFileWhenWritingFails) {
   std::ofstream("old.svg") << "old";
   const std::set<std::string> before = ListFolder();
   for (const char* arguments : {"in.png -o old.tif", "--plot old.svg"}) {
-    const sRun run = Run(std::string("equalize --saturation 0:1 ") + arguments, "ulimit -f 4;");
+    const sRun run = Run(std::string("equalize --overwrite --saturation 0:1 ") + arguments, "ulimit -f 4;");
     EXPECT_EQ(run.fExitCode, 4) << run.fErrors;
     EXPECT_NE(run.fErrors.find(": writing failed ("), std::string::npos) << run.fErrors;
     EXPECT_EQ(ReadText("old.tif") + ReadText("old.svg"), "oldold");

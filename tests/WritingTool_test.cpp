@@ -24,7 +24,8 @@ class WritingTool : public cToolTest {
   /// Expects success, and returns what was said.
   static std::string Equalize(const std::string& pInput, const std::string& pOutput,
                               const std::string& pOptions = "") {
-    const sRun run = Run("equalize " + pInput + " -o " + pOutput + " --saturation 0:0.5 " + pOptions);
+    const sRun run =
+        Run("equalize --overwrite " + pInput + " -o " + pOutput + " --saturation 0:0.5 " + pOptions);
     EXPECT_EQ(run.fExitCode, 0) << pOutput << ' ' << pOptions << ' ' << run.fErrors;
     return run.fErrors;
   }
@@ -129,7 +130,7 @@ TEST_F(WritingTool, WritesTheSameBytesAgain) {
   WriteRadiance("in.hdr", MakeScene(700, 500));
   for (const std::string file : kFiles) {
     for (const std::string verb :
-         {"tonemap in.hdr --overwrite -o ", "equalize in.jpg --saturation 0:0.6 -o "}) {
+         {"tonemap in.hdr --overwrite -o ", "equalize in.jpg --overwrite --saturation 0:0.6 -o "}) {
       std::set<std::string> results;
       for (const char* threads : {"1", "2", "5"}) {
         ASSERT_EQ(Run(verb + file, std::string("VIPS_CONCURRENCY=") + threads).fExitCode, 0) << verb << file;
@@ -219,7 +220,7 @@ TEST_F(WritingTool, LeavesTheOldFileWhenOnlyMetadataFindNoPlace) {
   Equalize("in.jpg", "a.jpg", "--metadata none");
   const std::string before = ReadText("a.jpg");
   const std::string limit = "ulimit -f " + std::to_string(before.size() / 512 + 2) + ";";
-  const sRun run = Run("equalize in.jpg --saturation 0:0.5 -o a.jpg", limit);
+  const sRun run = Run("equalize in.jpg --overwrite --saturation 0:0.5 -o a.jpg", limit);
   EXPECT_EQ(run.fExitCode, 4);
   EXPECT_EQ(run.fErrors.rfind("quorvane: a.jpg: writing failed (", 0), 0u) << run.fErrors;
   EXPECT_EQ(ReadText("a.jpg"), before);
