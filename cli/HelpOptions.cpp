@@ -43,8 +43,8 @@ void WriteAll(const CLI::App& pProgram, const std::filesystem::path& pFolder) {
 }  // namespace
 
 void AddHelpOptions(CLI::App& pProgram) {
-  pProgram.formatter(
-      std::make_shared<CLI::FormatterLambda>([](const CLI::App* pApp, std::string, CLI::AppFormatMode) {
+  pProgram.formatter(std::make_shared<CLI::FormatterLambda>(
+      [](const CLI::App* pApp, const std::string&, CLI::AppFormatMode) {
         return MakeHelpText(MakeHelpPage(*pApp));
       }));
   const auto print = [&pProgram](const std::string& pShell) {
