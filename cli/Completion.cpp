@@ -59,7 +59,7 @@ std::string WriteBashCases(const sHelpPage& pPage, std::string& pOptions) {
 
 // --- zsh
 
-/// Text inside a specification's brackets.
+/// Text inside an argument's brackets.
 std::string EscapeForZsh(const std::string& pText) {
   std::string text;
   for (const char c : pText) {
