@@ -41,9 +41,4 @@ sSettings SuggestSettings(const sPictureStatistics& pStatistics) {
   return settings;
 }
 
-sSettings SuggestSettings(const sPicture& pPicture) {
-  constexpr int kSampleSide = 400;
-  return SuggestSettings(SamplePicture(pPicture, kSampleSide));
-}
-
 }  // namespace Cli

@@ -9,7 +9,4 @@ namespace Cli {
 /// default, as does all of it for a picture of one luminance.
 sSettings SuggestSettings(const sPictureStatistics& pStatistics);
 
-/// SuggestSettings for a picture, of a sample of its pixels that takes no time to speak of.
-sSettings SuggestSettings(const sPicture& pPicture);
-
 }  // namespace Cli

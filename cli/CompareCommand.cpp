@@ -67,9 +67,9 @@ nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
   nlohmann::ordered_json json;
   for (int i = 0; i < 3; ++i) json[kChannels[i]] = extent(pDifference.fChannels[i]);
   json["all"] = extent(pDifference.fAll);
-  json["quantile99"] = pDifference.fQuantile99;
-  json["differentShare"] = pDifference.fDifferentShare;
-  json["largestAt"] = {pDifference.fLargestX, pDifference.fLargestY};
+  json["quantile_99"] = pDifference.fQuantile99;
+  json["different_share"] = pDifference.fDifferentShare;
+  json["largest_at"] = {pDifference.fLargestX, pDifference.fLargestY};
   return json;
 }
 

@@ -67,7 +67,7 @@ nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
     quantiles[name] = pStatistics.GetQuantile(share);
   }
   const double from = std::floor(pStatistics.fLogMin * 10.0) / 10.0;
-  return {{"dynamicRange", pStatistics.GetDynamicRange()},
+  return {{"dynamic_range", pStatistics.GetDynamicRange()},
           {"min", pStatistics.fLogMin},
           {"max", pStatistics.fLogMax},
           {"mean", pStatistics.fLogMean},
@@ -97,7 +97,7 @@ sInspection InspectPicture(const std::string& pFile) {
   inspection.fPicture = ReadPicture(pFile);
   inspection.fStatistics = MeasurePicture(inspection.fPicture);
   inspection.fMetadata = SummariseMetadata(pFile);
-  inspection.fSuggested = SuggestSettings(inspection.fPicture);
+  inspection.fSuggested = SuggestSettings(SamplePicture(inspection.fPicture));
   return inspection;
 }
 
@@ -129,20 +129,20 @@ std::string DescribeInspection(const sInspection& pInspection, const sTerminal& 
 
 nlohmann::ordered_json ToJson(const sInspection& pInspection) {
   const sPicture& picture = pInspection.fPicture;
-  return {{"file", pInspection.fFile},
+  return {{"input", pInspection.fFile},
           {"width", picture.fBitmap->GetWidth()},
           {"height", picture.fBitmap->GetHeight()},
           {"format", picture.fFormat},
-          {"bits", picture.fFileDepth},
+          {"depth", picture.fFileDepth},
           {"alpha", !picture.fAlpha.empty()},
-          {"colorSpace", picture.fColorSpace},
+          {"color_space", picture.fColorSpace},
           {"pixels", pInspection.fStatistics.fPixels},
           {"dark", pInspection.fStatistics.fDark},
           {"repaired",
            {{"nan", picture.fRepairs.fNaN},
             {"infinite", picture.fRepairs.fInfinite},
             {"negative", picture.fRepairs.fNegative}}},
-          {"logLuminance", LightToJson(pInspection.fStatistics)},
+          {"log_luminance", LightToJson(pInspection.fStatistics)},
           {"metadata", MetadataToJson(pInspection)},
           {"suggested", SlidersToJson(pInspection.fSuggested)},
           {"options", ToOptions(pInspection.fSuggested)},

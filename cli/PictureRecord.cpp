@@ -76,7 +76,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
                       {"color_space", GetSpaceName(pJob.fResult.fColorSpace)}};
   record["settings"] = MakeSettings(pReport.fSettings);
   record["wrap"] = rendering.fWrap;
-  record["dynamic_range"] = rendering.fLogMax - rendering.fLogMin;
+  record["dynamic_range"] = pReport.fDynamicRange;
   record["black_point"] = rendering.fBlack;
   record["white_point"] = rendering.fWhite;
   record["black_share"] = rendering.fBlackShare;

@@ -32,8 +32,6 @@ void CountClipped(TmEngine::cBitmapLDR& pBitmap, tSample pFull, sRenderingReport
 
 void FillReport(const TmEngine::cTmRenderer& pRenderer, TmEngine::cBitmapLDR& pResult,
                 sRenderingReport& pReport) {
-  pReport.fLogMin = static_cast<double>(pRenderer.GetLuminanceRange().fLogMin);
-  pReport.fLogMax = static_cast<double>(pRenderer.GetLuminanceRange().fLogMax);
   pReport.fBlack = static_cast<double>(pRenderer.GetBlackWhite().fBlack);
   pReport.fWhite = static_cast<double>(pRenderer.GetBlackWhite().fWhite);
   pReport.fSeconds = pRenderer.GetStageSeconds();

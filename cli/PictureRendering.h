@@ -10,10 +10,8 @@
 
 namespace Cli {
 
-/// What the engine found and did. Logarithms are decimal, of linear luminance with 1 for the file's white.
+/// What the engine found and did.
 struct sRenderingReport {
-  double fLogMin = 0.0;  ///< Of the picture's luminance.
-  double fLogMax = 0.0;
   double fBlack = 0.0;  ///< Tone-mapped luminances that become black and white.
   double fWhite = 0.0;
   double fBlackShare = 0.0;  ///< Of the pixels, 0 to 1: all samples of the result are 0.

@@ -92,9 +92,10 @@ sPictureStatistics MeasurePicture(const sPicture& pPicture) {
   return Measure(pPicture, 1, 1);
 }
 
-sPictureStatistics SamplePicture(const sPicture& pPicture, int pSide) {
-  return Measure(pPicture, std::max(pPicture.fBitmap->GetWidth() / pSide, 1),
-                 std::max(pPicture.fBitmap->GetHeight() / pSide, 1));
+sPictureStatistics SamplePicture(const sPicture& pPicture) {
+  constexpr int kSide = 400;
+  return Measure(pPicture, std::max(pPicture.fBitmap->GetWidth() / kSide, 1),
+                 std::max(pPicture.fBitmap->GetHeight() / kSide, 1));
 }
 
 }  // namespace Cli

@@ -97,8 +97,8 @@ int Claim(const std::string& pPath, int pFlags) {
 
 }  // namespace
 
-void RefuseExisting(const std::string& pTarget) {
-  throw cFailure(eExitCode_CannotWrite, pTarget, "exists already; --overwrite replaces it");
+void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
+  throw cFailure(eExitCode_CannotWrite, pTarget, "exists already; --overwrite replaces it" + pMore);
 }
 
 cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)

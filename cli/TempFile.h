@@ -42,7 +42,7 @@ class cTempFile {
   int fHandle = -1;    ///< Holds the lock.
 };
 
-/// Throws the cFailure for a target that stands there already.
-[[noreturn]] void RefuseExisting(const std::string& pTarget);
+/// Throws the cFailure for a target that stands there already. pMore: what else the verb has to offer.
+[[noreturn]] void RefuseExisting(const std::string& pTarget, const std::string& pMore = "");
 
 }  // namespace Cli

@@ -35,13 +35,16 @@ void MakeFolder(const std::string& pTarget) {
 sPictureReport Tonemap(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
   if (pJob.fOutput != kStandardStream) CheckIsAnother(pJob.fInput, pJob.fOutput);
-  if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
+  if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
+    RefuseExisting(pJob.fOutput, ", --skip-existing leaves it as it is");
   sPictureReport report;
   TakeGateSeconds();
   const auto start = tClock::now();
   sPicture picture = ReadPicture(pJob.fInput);
   report.fReadSeconds = SecondsSince(start) - TakeGateSeconds();
-  report.fSettings = pJob.fAuto ? SuggestSettings(picture) : pJob.fSettings;
+  const sPictureStatistics statistics = SamplePicture(picture);
+  report.fDynamicRange = statistics.CountPositive() > 0 ? statistics.GetDynamicRange() : 0.0;
+  report.fSettings = pJob.fAuto ? SuggestSettings(statistics) : pJob.fSettings;
   Apply(pJob.fChange, report.fSettings);
   if (pJob.fPreview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), pJob.fPreview);
   report.fWarnings = picture.fWarnings;

@@ -37,7 +37,8 @@ struct sPictureReport {
   std::string fColorSpace;
   int fFileDepth = 0;
   sRepairs fRepairs;
-  sSettings fSettings;  ///< As used.
+  double fDynamicRange = 0.0;  ///< Decades of luminance, of a sample (see sPictureStatistics).
+  sSettings fSettings;         ///< As used.
   sRenderingReport fRendering;
   double fReadSeconds = 0.0;
   double fWriteSeconds = 0.0;

@@ -41,10 +41,10 @@ TEST_F(InspectTool, MeasuresLight) {
   EXPECT_EQ(json["width"], 5);
   EXPECT_EQ(json["height"], 100);
   EXPECT_EQ(json["dark"], 40);
-  const nlohmann::json& light = json["logLuminance"];
+  const nlohmann::json& light = json["log_luminance"];
   const double mean = 0.005 - (60 * 4 + 100 * (3 + 2 + 1)) / 460.0;
   for (const auto& [name, expected] :
-       {std::pair{"min", -3.995}, {"max", 0.005}, {"dynamicRange", 4.0}, {"mean", mean}}) {
+       {std::pair{"min", -3.995}, {"max", 0.005}, {"dynamic_range", 4.0}, {"mean", mean}}) {
     EXPECT_NEAR(light[name].get<double>(), expected, 0.011) << name;
   }
   EXPECT_NEAR(light["quantiles"]["0.5"].get<double>(), -1.995, 0.011);
@@ -61,7 +61,7 @@ TEST_F(InspectTool, MeasuresLight) {
 
   sTestPicture black{7, 3, std::vector<float>(63, 0.0f)};
   WritePfm("black.pfm", black);
-  EXPECT_TRUE(Inspect("black.pfm")["logLuminance"].is_null());
+  EXPECT_TRUE(Inspect("black.pfm")["log_luminance"].is_null());
   EXPECT_EQ(Inspect("black.pfm --plot black.svg")["options"], "");
   EXPECT_NE(Expect(0, "inspect black.pfm").find("no pixel has light"), std::string::npos);
 }
@@ -143,9 +143,9 @@ TEST_F(InspectTool, ComparesPictures) {
     EXPECT_EQ(json["green"]["largest"], 4.0);
     EXPECT_EQ(json["red"]["mean"], 0.0);
     EXPECT_DOUBLE_EQ(json["all"]["mean"].get<double>(), 14.0 / 600.0);
-    EXPECT_DOUBLE_EQ(json["differentShare"].get<double>(), 1.0 / 200.0);
-    EXPECT_EQ(json["quantile99"], 0.0);
-    EXPECT_EQ(json["largestAt"], (std::vector<int>{7, 3}));
+    EXPECT_DOUBLE_EQ(json["different_share"].get<double>(), 1.0 / 200.0);
+    EXPECT_EQ(json["quantile_99"], 0.0);
+    EXPECT_EQ(json["largest_at"], (std::vector<int>{7, 3}));
   }
   Expect(0, "compare a.png b.png -o side.png --fail-above 10");
   const sStored side = Load("side.png");
