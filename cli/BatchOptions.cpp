@@ -1,5 +1,7 @@
 #include "cli/BatchOptions.h"
 
+#include <CLI/CLI.hpp>
+
 #include <charconv>
 #include <map>
 

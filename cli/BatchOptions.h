@@ -1,12 +1,14 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <cstdint>
 #include <string>
 
 #include "cli/InputList.h"
 #include "cli/TonemapPicture.h"
+
+namespace CLI {
+class App;
+}
 
 namespace Cli {
 

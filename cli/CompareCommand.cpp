@@ -1,5 +1,7 @@
 #include "cli/CompareCommand.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>

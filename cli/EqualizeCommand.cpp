@@ -1,5 +1,7 @@
 #include "cli/EqualizeCommand.h"
 
+#include <CLI/CLI.hpp>
+
 #include <exception>
 #include <filesystem>
 #include <map>

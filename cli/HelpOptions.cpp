@@ -1,5 +1,7 @@
 #include "cli/HelpOptions.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

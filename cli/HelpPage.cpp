@@ -1,5 +1,7 @@
 #include "cli/HelpPage.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cctype>
 #include <sstream>

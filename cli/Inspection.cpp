@@ -1,5 +1,7 @@
 #include "cli/Inspection.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cmath>
 
 #include "cli/AutoSettings.h"

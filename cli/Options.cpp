@@ -1,5 +1,7 @@
 #include "cli/Options.h"
 
+#include <CLI/CLI.hpp>
+
 #include <map>
 #include <string>
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "cli/Options.h"
+#include "cli/OutputOptions.h"
 #include "cli/Picture.h"
 #include "cli/Settings.h"
 #include "engine/cBitmapLDR.h"

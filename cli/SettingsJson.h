@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "cli/Options.h"
+#include "cli/OutputOptions.h"
 #include "cli/Settings.h"
 
 namespace Cli {

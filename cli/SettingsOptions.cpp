@@ -1,5 +1,7 @@
 #include "cli/SettingsOptions.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <filesystem>
 

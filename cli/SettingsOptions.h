@@ -1,12 +1,14 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
 
 #include "cli/Options.h"
 #include "cli/Settings.h"
+
+namespace CLI {
+class App;
+}
 
 namespace Cli {
 

@@ -1,5 +1,7 @@
 #include "cli/TonemapCommand.h"
 
+#include <CLI/CLI.hpp>
+
 #include <memory>
 
 #include "cli/Batch.h"

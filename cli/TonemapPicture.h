@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Options.h"
+#include "cli/OutputOptions.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/Settings.h"
