@@ -74,7 +74,8 @@ sMetadataSummary SummariseMetadata(const std::string& pFile) {
   sMetadataSummary summary;
   if (TellFileKind(pFile) != eFileKind::kVips) return summary;
   try {
-    const VImage image = VImage::new_from_file(pFile.c_str());
+    // from a source: libvips takes a "[" in a name for the start of options
+    const VImage image = VImage::new_from_source(vips::VSource::new_from_file(pFile.c_str()), "");
     const std::string model = GetText(image, "ifd0-Model");
     summary.fCamera = GetText(image, "ifd0-Make");
     if (model.starts_with(summary.fCamera)) summary.fCamera.clear();
