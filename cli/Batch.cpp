@@ -95,14 +95,6 @@ std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
   return EstimateMemory(pPixels, ChooseJobFormat(pJob), pJob.fResult.fDepth);
 }
 
-void DoHere(const sTonemapJob& pJob, std::int64_t pMemory, cReport& pReport) {
-  SetMemoryGate([&pJob, pMemory](const std::string& pFile, std::int64_t pPixels) {
-    CheckMemoryLimit(pFile, EstimateFor(pJob, pPixels), pMemory);
-  });
-  const cVipsLibrary library;
-  pReport.Tell(pJob, DoPicture(pJob));
-}
-
 /// What each worker does when it begins: libvips starts there, never in the parent.
 tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers) {
   return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
@@ -167,9 +159,7 @@ int RunBatch(const sBatchOptions& pOptions) {
   if (pOptions.fDryRun) return ShowPlan(jobs);
   const std::int64_t memory = ChooseMemoryLimit(pOptions);
   cReport report(pOptions, jobs.size());
-  if (jobs.size() == 1) {
-    DoHere(jobs.front(), memory, report);
-  } else if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
+  if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
     report.GetProgress().Interrupt(pOptions.fJob.fExisting);
     return eExitCode_Interrupted;
   }

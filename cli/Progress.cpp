@@ -106,6 +106,9 @@ void cProgress::Finish() {
 }
 
 void cProgress::Interrupt(eExisting pExisting) {
+  if (fPictures == 1) {
+    return Say("quorvane: interrupted; the result was not written: run the same command again");
+  }
   if (HasBar()) std::fputs(kClearLine, stderr);
   const char* const instead = pExisting == eExisting::kReplace ? " in place of --overwrite" : "";
   Say("quorvane: interrupted: " + Summarise() + "\nTo go on, run the same command with --skip-existing" +

@@ -254,6 +254,15 @@ TEST_F(BatchTool, StopsAtTheFirstFailureWhereAsked) {
 }
 
 TEST_F(BatchTool, SurvivesTheDeathOfAWorker) {
+  {
+    MakeLargePicture();
+    const cRunningTool single("in/large.png --out-dir out --depth 16 --format tif");
+    WaitUntil([] { return List("out").size() == 1 && IsInWork(); });
+    ASSERT_EQ(single.ListWorkers().size(), 1u);
+    kill(single.ListWorkers().front(), SIGSEGV);
+    EXPECT_EQ(single.Wait(), 5);
+    EXPECT_TRUE(List("out").empty());
+  }
   for (const int signal : {SIGKILL, SIGSEGV}) {
     MakePictures(2, 32);
     MakeLargePicture();
