@@ -16,18 +16,33 @@ inline int RowsOfRun(int pWidth) {
   return pWidth < kRunLength ? kRunLength / pWidth : 1;
 }
 
+/// Rows of the run that row pY belongs to, and the first of them.
+struct sRowsOfRun {
+  int fFirst;
+  int fCount;
+};
+
+/// Where a picture of pHeight rows lies in tiles of pTileHeight, no run crosses from one to the next.
+inline sRowsOfRun RunOfRow(int pY, int pWidth, int pHeight, int pTileHeight) {
+  const int inTile = pY % pTileHeight;
+  const int rows = RowsOfRun(pWidth);
+  const int first = inTile - inTile % rows;
+  const int start = pY - inTile + first;
+  return {start, std::min({rows, pTileHeight - first, pHeight - start})};
+}
+
 /// Calls pRun(row, column, count) for each run of a picture: a part of a row, or whole rows one after the
 /// other. pStops is asked once for each row; for rows of one run before the first of them.
 template <class tStops, class tRun>
-void ForEachRun(int pWidth, int pHeight, const tStops& pStops, const tRun& pRun) {
-  const int rows = RowsOfRun(pWidth);
-  for (int y = 0; y < pHeight; y += rows) {
-    const int count = std::min(rows, pHeight - y);
+void ForEachRun(int pWidth, int pHeight, int pTileHeight, const tStops& pStops, const tRun& pRun) {
+  for (int y = 0; y < pHeight;) {
+    const int count = RunOfRow(y, pWidth, pHeight, pTileHeight).fCount;
     for (int row = 0; row < count; ++row) {
       if (pStops()) return;
     }
     const int pixels = count * pWidth;
     for (int x = 0; x < pixels; x += kRunLength) pRun(y, x, std::min(kRunLength, pixels - x));
+    y += count;
   }
 }
 

@@ -92,12 +92,11 @@ void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   fHueCurves.BuildHueTable(fHueTable);
   const sEqualiser equaliser = {fHueTable->Elements(), lightness, colorMatrix.Elements()};
   cImageSink sink(*fOutput);
-  for (int y = 0; y < sink.GetHeight(); ++y) {
-    if (StopRequested(pCancel, pAborted)) return;
-    EncodeRow(sink, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
-      Kernels().fEqualise(equaliser, HueRun(*fHueRecords, y, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
-    });
-  }
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
+    Kernels().fEqualise(equaliser, ColorRun(*fHueRecords, pY, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
+  };
+  EncodeRows(sink, fHueRecords->GetTileHeight(), encoding, stops, fill);
 }
 
 }  // namespace TmEngine

@@ -319,13 +319,12 @@ void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const sExposure exposure = {gain, stretch, fPoints.fBlack};
   const float* const hues = fHueTable != nullptr ? fHueTable->Elements() : nullptr;
   const sKernels& kernels = Kernels();
-  for (int y = 0; y < fOutput->GetHeight(); ++y) {
-    if (StopRequested(pCancel, pAborted)) return;
-    EncodeRow(*fOutput, y, encoding, [&](int pX, int pCount, sColorIndices& pTo) {
-      kernels.fColorIndices(ColorRun(*fColorRecords, y, pX), hues, exposure, pTo.fR, pTo.fG, pTo.fB, pCount);
-      kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
-    });
-  }
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
+    kernels.fColorIndices(ColorRun(*fColorRecords, pY, pX), hues, exposure, pTo.fR, pTo.fG, pTo.fB, pCount);
+    kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
+  };
+  EncodeRows(*fOutput, fColorRecords->GetTileHeight(), encoding, stops, fill);
 }
 
 void cTmRenderer::UpdateToneCurve() {

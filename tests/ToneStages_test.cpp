@@ -244,8 +244,8 @@ TEST(RowEncoder, ClampsWhateverAPixelHolds) {
     Kernels().fTransformIndices(identity.Elements(), curve.data(), indices->fR, indices->fG, indices->fB, 1);
     unsigned short wide[4] = {1, 1, 1, 0xA5A5};
     unsigned char narrow[4] = {1, 1, 1, 0xA5};
-    EncodeRun(*indices, encoding.data(), 16, {wide, false}, 0, 1);
-    EncodeRun(*indices, encoding.data(), 8, {narrow, true}, 0, 1);
+    EncodeRun(*indices, 0, encoding.data(), 16, {wide, false}, 0, 1);
+    EncodeRun(*indices, 0, encoding.data(), 8, {narrow, true}, 0, 1);
     for (int k = 0; k < 3; ++k) {
       EXPECT_EQ(wide[k], row.fExpected) << row.fLuminance;
       EXPECT_EQ(narrow[k], wide[k] >> 8);

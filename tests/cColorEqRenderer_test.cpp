@@ -223,7 +223,7 @@ TEST(cColorEqRenderer, KeepsBlackAsAColorWithAPositiveMaximum) {
   cBitmapU16T records(1, 1, kHueChannels);
   bool aborted = false;
   FillHueRecords(nullptr, &aborted, *image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
-  const sColorRun run = HueRun(records, 0, 0);
+  const sColorRun run = ColorRun(records, 0, 0);
   EXPECT_EQ(*run.fHue, 0);
   EXPECT_EQ(*run.fMin, 0.0f);
   EXPECT_EQ(*run.fMax, 1.1754944e-38f);

@@ -20,11 +20,9 @@ cLuminanceHistogram::cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappe
       fHeight(pRecords.GetHeight()) {
   if (IsEmpty()) return;
   const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(fWidth, fHeight, stops, [&](int pY, int pX, int pCount) {
+  ForEachRun(fWidth, fHeight, pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
     int bins[kRunLength];
-    ForEachPart(fWidth, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
-      Kernels().fBins(ColorRun(pRecords, pRow, pColumn).fLuminance, fMin, fScale, bins + pOffset, pPart);
-    });
+    Kernels().fBins(ColorRun(pRecords, pY, pX).fLuminance, fMin, fScale, bins, pCount);
     for (int i = 0; i < pCount; ++i) ++fCounts[static_cast<std::size_t>(bins[i])];
   });
 }

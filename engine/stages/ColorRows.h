@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "engine/PixelRows.h"
 #include "engine/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 
@@ -10,27 +11,25 @@
 /// degrees, one channel), and for the tone mapper the luminance (float, two channels), by which its two
 /// others are divided. With the hue table they give the three channels back.
 ///
-/// A row holds them as planes one after the other, each as long as the row's padded width, so that they are
-/// read and written straight through.
+/// The rows of a run (see PixelRows.h) hold them as planes one after the other, pixel after pixel without
+/// gaps, so that they are read and written straight through.
 
 namespace TmEngine {
 
 inline constexpr int kHueChannels = 5;
 inline constexpr int kColorChannels = 7;  ///< With luminance.
 
-/// Row pY of pRecords, from column pX on, without luminance.
-inline sColorRun HueRun(cBitmapU16T& pRecords, int pY, int pX) {
-  const std::ptrdiff_t width = pRecords.GetStride() / (2 * pRecords.GetPlaneCount());  // a multiple of 4
-  unsigned short* const row = pRecords.GetRow(pY);
-  float* const floats = reinterpret_cast<float*>(row);
-  return {floats + pX, floats + width + pX, row + 4 * width + pX, nullptr};
-}
-
-/// The same of an image with luminance.
+/// What pRecords hold from column pX of row pY to the end of the run.
 inline sColorRun ColorRun(cBitmapU16T& pRecords, int pY, int pX) {
-  const std::ptrdiff_t width = pRecords.GetStride() / (2 * kColorChannels);
-  sColorRun run = HueRun(pRecords, pY, pX);
-  run.fLuminance = reinterpret_cast<float*>(pRecords.GetRow(pY) + 5 * width) + pX;
+  const auto rows = RunOfRow(pY, pRecords.GetWidth(), pRecords.GetHeight(), pRecords.GetTileHeight());
+  const std::ptrdiff_t paddedWidth = pRecords.GetStride() / (2 * pRecords.GetPlaneCount());
+  const std::ptrdiff_t plane = paddedWidth * rows.fCount;  // a multiple of 4
+  const std::ptrdiff_t at = std::ptrdiff_t{pY - rows.fFirst} * pRecords.GetWidth() + pX;
+  unsigned short* const first = pRecords.GetRow(rows.fFirst);
+  float* const floats = reinterpret_cast<float*>(first);
+  sColorRun run = {floats + at, floats + plane + at, first + 4 * plane + at, nullptr};
+  if (pRecords.GetPlaneCount() == kColorChannels)
+    run.fLuminance = reinterpret_cast<float*>(first + 5 * plane) + at;
   return run;
 }
 

@@ -1,6 +1,6 @@
 #include "engine/stages/EqualiserPreparation.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <memory>
 
 #include "engine/ImageRows.h"
@@ -14,29 +14,30 @@ namespace TmEngine {
 namespace {
 
 template <class tSample>
-void FillRun(const tSample* pFrom, int pCount, const float* pToLinear, const cMatrix33& pMatrix,
-             const sColorRun& pTo) {
-  float r[kRunLength], g[kRunLength], b[kRunLength];
+void Linearise(const tSample* pFrom, int pCount, const float* pToLinear, float* pToR, float* pToG,
+               float* pToB) {
   for (int i = 0; i < pCount; ++i, pFrom += 3) {
-    r[i] = pToLinear[pFrom[2]];
-    g[i] = pToLinear[pFrom[1]];
-    b[i] = pToLinear[pFrom[0]];
+    pToR[i] = pToLinear[pFrom[2]];
+    pToG[i] = pToLinear[pFrom[1]];
+    pToB[i] = pToLinear[pFrom[0]];
   }
-  Kernels().fHueRecords(pMatrix.Elements(), {r, g, b}, pTo, pCount);
 }
 
 template <class tSample, class tTransferLUT>
 void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
               cBitmapU16T& pRecords) {
   const auto toLinear = std::make_unique<tTransferLUT>(pInput.GetColorSpace()->GetToLinear());
-  for (int y = 0; y < pInput.GetHeight(); ++y) {
-    if (StopRequested(pCancel, pAborted)) return;
-    const auto* const row = reinterpret_cast<const tSample*>(PixelRow(pInput, y));
-    for (int start = 0; start < pInput.GetWidth(); start += kRunLength) {
-      FillRun(row + std::ptrdiff_t{3} * start, std::min(kRunLength, pInput.GetWidth() - start),
-              toLinear->GetTable(), pMatrix, HueRun(pRecords, y, start));
-    }
-  }
+  const int width = pInput.GetWidth();
+  float r[kRunLength], g[kRunLength], b[kRunLength];
+  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
+  ForEachRun(width, pInput.GetHeight(), pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
+    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      const auto* const row = reinterpret_cast<const tSample*>(PixelRow(pInput, pRow));
+      Linearise(row + std::ptrdiff_t{3} * pColumn, pPart, toLinear->GetTable(), r + pOffset, g + pOffset,
+                b + pOffset);
+    });
+    Kernels().fHueRecords(pMatrix.Elements(), {r, g, b}, ColorRun(pRecords, pY, pX), pCount);
+  });
 }
 
 }  // namespace

@@ -20,15 +20,13 @@ void PrepareColors(const bool* pCancel, bool* pAborted, const cRowSource& pInput
   float x[kRunLength], y[kRunLength], z[kRunLength];
   sRange range = {1e30f, -1e30f};
   const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(width, pInput.GetHeight(), stops, [&](int pY, int pX, int pCount) {
+  ForEachRun(width, pInput.GetHeight(), pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
     float* const luminance = pLogLuminance + RowStart(pY, width) + pX;
     ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
       pInput.ReadRun(pRow, pColumn, pPart, x + pOffset, y + pOffset, z + pOffset);
     });
-    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
-      kernels.fPrepare({x + pOffset, y + pOffset, z + pOffset}, pXYZToWorking.Elements(), kFloor,
-                       ColorRun(pRecords, pRow, pColumn), luminance + pOffset, pPart);
-    });
+    kernels.fPrepare({x, y, z}, pXYZToWorking.Elements(), kFloor, ColorRun(pRecords, pY, pX), luminance,
+                     pCount);
     kernels.fWiden(luminance, pCount, range);
     kernels.fLog10Row(luminance, luminance, pCount);
   });

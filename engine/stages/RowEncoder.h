@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "engine/PixelRows.h"
 
 namespace TmEngine {
@@ -13,22 +11,27 @@ struct sColorIndices {
   int fB[kRunLength];
 };
 
-/// Writes the pixels of a run from column pX of a row on. pEncoding: 65,536 entries, linear output light to
-/// 16-bit samples; 8-bit samples are their high bytes.
-void EncodeRun(const sColorIndices& pIndices, const unsigned short* pEncoding, int pBitDepth,
+/// Writes pCount pixels, of the indices from pOffset on, from column pX of a row on. pEncoding: 65,536
+/// entries, linear output light to 16-bit samples; 8-bit samples are their high bytes.
+void EncodeRun(const sColorIndices& pIndices, int pOffset, const unsigned short* pEncoding, int pBitDepth,
                const sSampleRow& pRow, int pX, int pCount);
 
-/// Writes row pY: pFill(column, pixels, indices) gives the indices into the encoding table of one run.
-template <class tFill>
-void EncodeRow(cRowSink& pSink, int pY, const unsigned short* pEncoding, const tFill& pFill) {
+/// Writes all rows: pFill(row, column, pixels, indices) gives the indices into the encoding table of one run.
+/// Runs are cut and pStops is asked as ForEachRun says.
+template <class tStops, class tFill>
+void EncodeRows(cRowSink& pSink, int pTileHeight, const unsigned short* pEncoding, const tStops& pStops,
+                const tFill& pFill) {
+  const int width = pSink.GetWidth();
   sColorIndices indices;
-  const sSampleRow row = pSink.BeginRow(pY);
-  for (int start = 0; start < pSink.GetWidth(); start += kRunLength) {
-    const int count = std::min(kRunLength, pSink.GetWidth() - start);
-    pFill(start, count, indices);
-    EncodeRun(indices, pEncoding, pSink.GetBitDepth(), row, start, count);
-  }
-  pSink.EndRow(pY);
+  sSampleRow row = {nullptr, false};
+  ForEachRun(width, pSink.GetHeight(), pTileHeight, pStops, [&](int pY, int pX, int pCount) {
+    pFill(pY, pX, pCount, indices);
+    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
+      if (pColumn == 0) row = pSink.BeginRow(pRow);
+      EncodeRun(indices, pOffset, pEncoding, pSink.GetBitDepth(), row, pColumn, pPart);
+      if (pColumn + pPart == width) pSink.EndRow(pRow);
+    });
+  });
 }
 
 }  // namespace TmEngine

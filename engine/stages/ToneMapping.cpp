@@ -54,14 +54,11 @@ sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const flo
   const int width = pRecords.GetWidth();
   sToneMappedRange range{pTables.fBaseMax * pTables.fDetailMax, 0.0f, 0.0};
   const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(width, pRecords.GetHeight(), stops, [&](int pY, int pX, int pCount) {
-    float luminance[kRunLength];
+  ForEachRun(width, pRecords.GetHeight(), pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
+    float* const luminance = ColorRun(pRecords, pY, pX).fLuminance;
     const std::ptrdiff_t at = RowStart(pY, width) + pX;
     range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, pCount);
     Widen(range, luminance, pCount);
-    ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
-      std::copy_n(luminance + pOffset, pPart, ColorRun(pRecords, pRow, pColumn).fLuminance);
-    });
   });
   return range;
 }
