@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "engine/ImageRows.h"
@@ -28,6 +29,42 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 sLayerStatistics Layers(float pMin, float pMax, double pMean, double pMagnitude) {
   return {pMax, pMin, 0.5f, -0.5f, pMean, pMagnitude};
+}
+
+// Narrow rows lie together, and several tiles hold them; a place given twice loses a value.
+TEST(ColorRun, KeepsAPlaceForEveryPixel) {
+  constexpr int kWidth = 50, kHeight = 30001;
+  cBitmapU16T records(kWidth, kHeight, kColorChannels);
+  ASSERT_NE(records.GetTileHeight() % RowsOfRun(kWidth), 0);
+  const auto valueOf = [](int pY, int pX, int pChannel) {
+    return static_cast<float>((pY * kWidth + pX) * 3 + pChannel);  // below 2^24
+  };
+  int pixels = 0;
+  ForEachRun(
+      kWidth, kHeight, records.GetTileHeight(), [] { return false; },
+      [&](int pY, int pX, int pCount) {
+        EXPECT_EQ(std::exchange(pixels, pixels + pCount), pY * kWidth + pX);
+        const sColorRun run = ColorRun(records, pY, pX);
+        for (int i = 0; i < pCount; ++i) {
+          run.fMin[i] = valueOf(pY, pX + i, 0);
+          run.fMax[i] = valueOf(pY, pX + i, 1);
+          run.fLuminance[i] = valueOf(pY, pX + i, 2);
+          run.fHue[i] = static_cast<unsigned short>(pY + i);
+        }
+      });
+  EXPECT_EQ(pixels, kWidth * kHeight);
+  int lost = 0;
+  for (int y = 0; y < kHeight; ++y) {
+    const int first = RunOfRow(y, kWidth, kHeight, records.GetTileHeight()).fFirst;
+    const sColorRun run = ColorRun(records, y, 0);
+    for (int x = 0; x < kWidth; ++x) {
+      const int inRun = (y - first) * kWidth + x;
+      lost += run.fMin[x] != valueOf(y, x, 0) || run.fMax[x] != valueOf(y, x, 1) ||
+              run.fLuminance[x] != valueOf(y, x, 2) ||
+              run.fHue[x] != static_cast<unsigned short>(first + inRun);
+    }
+  }
+  EXPECT_EQ(lost, 0);
 }
 
 TEST(ToneTables, FollowStrength) {
