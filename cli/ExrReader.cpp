@@ -16,6 +16,7 @@
 
 #include "cli/Alpha.h"
 #include "cli/ExrChunks.h"
+#include "cli/ExrMetadata.h"
 #include "cli/Failure.h"
 #include "cli/LightRows.h"
 
@@ -118,6 +119,7 @@ class cPartReader {
     fPicture.fFormat = "OpenEXR";
     fPicture.fFileDepth = header.channels()[fChannels.front()].type == Imf::HALF ? 16 : 32;
     fPicture.fIsPanorama = Imf::hasEnvmap(header) && Imf::envmap(header) == Imf::ENVMAP_LATLONG;
+    fPicture.fMetadata = ReadExrMetadata(header);
   }
 
   /// Lets the library write the colours where the engine wants them, and alpha where it can be rounded.

@@ -57,8 +57,11 @@ void AddMetadata(std::string& pTo, const sInspection& pInspection) {
   AddLine(pTo, "Camera", metadata.fCamera);
   AddLine(pTo, "Lens", metadata.fLens);
   AddLine(pTo, "Exposure", metadata.fExposure);
+  AddLine(pTo, "Distance", metadata.fDistance);
   AddLine(pTo, "Date", metadata.fDate);
-  AddLine(pTo, "GPS position", metadata.fHasGps ? "yes" : "no");
+  AddLine(pTo, "Description", metadata.fDescription);
+  AddLine(pTo, "Copyright", metadata.fCopyright);
+  AddLine(pTo, "GPS position", metadata.fPosition.empty() ? "no" : metadata.fPosition);
   AddLine(pTo, "Panorama", pInspection.fPicture.fIsPanorama ? "yes" : "not stated");
 }
 
@@ -79,9 +82,11 @@ nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
 
 nlohmann::ordered_json MetadataToJson(const sInspection& pInspection) {
   const sMetadataSummary& metadata = pInspection.fMetadata;
-  return {{"camera", metadata.fCamera},     {"lens", metadata.fLens},
-          {"exposure", metadata.fExposure}, {"date", metadata.fDate},
-          {"gps", metadata.fHasGps},        {"panorama", pInspection.fPicture.fIsPanorama}};
+  return {{"camera", metadata.fCamera},       {"lens", metadata.fLens},
+          {"exposure", metadata.fExposure},   {"distance", metadata.fDistance},
+          {"date", metadata.fDate},           {"description", metadata.fDescription},
+          {"copyright", metadata.fCopyright}, {"gps", !metadata.fPosition.empty()},
+          {"position", metadata.fPosition},   {"panorama", pInspection.fPicture.fIsPanorama}};
 }
 
 nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {
@@ -98,7 +103,7 @@ sInspection InspectPicture(const std::string& pFile) {
   inspection.fFile = pFile;
   inspection.fPicture = ReadPicture(pFile);
   inspection.fStatistics = MeasurePicture(inspection.fPicture);
-  inspection.fMetadata = SummariseMetadata(pFile);
+  inspection.fMetadata = SummariseMetadata(inspection.fPicture.fMetadata);
   inspection.fSuggested = SuggestSettings(SamplePicture(inspection.fPicture));
   return inspection;
 }

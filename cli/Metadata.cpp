@@ -97,6 +97,20 @@ cMetadata::cMetadata(const VImage& pFrom)
   }
 }
 
+cMetadata::cMetadata(const std::vector<sExifField>& pExif, double pXResolution, double pYResolution)
+    : fFields(VImage::black(1, 1).copy()) {
+  if (pXResolution > 0.0 && pYResolution > 0.0) {
+    fFields.get_image()->Xres = pXResolution;
+    fFields.get_image()->Yres = pYResolution;
+    fFields.set(VIPS_META_RESOLUTION_UNIT, "in");
+  }
+  fBlocks = MakeBlocks(pExif, fFields, fWarnings);
+}
+
+std::string cMetadata::GetExif(const std::string& pKey) const {
+  return fFields.is_null() ? "" : GetExifText(fBlocks.get(), fFields, pKey);
+}
+
 std::shared_ptr<sMetadataBlocks> cMetadata::Correct(const VImage& pPicture,
                                                     const sPictureFacts& pFacts) const {
   const bool hasThumbnail = HasThumbnail(fBlocks.get()) && fKinds.fExif;

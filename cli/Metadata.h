@@ -9,6 +9,13 @@ namespace Cli {
 
 struct sMetadataBlocks;  // see MetadataBlocks.h
 
+/// A field of EXIF under the name that Exiv2 gives it ("Exif.Photo.FNumber"), and its value as text: a
+/// fraction is "28/5", further numbers follow after spaces.
+struct sExifField {
+  std::string fKey;
+  std::string fText;
+};
+
 /// Which of a picture's metadata its result gets. Comments and resolution come with all of them only.
 struct sMetadataKinds {
   bool fExif = true;  ///< GPS included.
@@ -32,6 +39,11 @@ class cMetadata {
   cMetadata() = default;  ///< Nothing.
   /// From a picture that was turned upright: whatever speaks of its orientation says "upright" from now on.
   explicit cMetadata(const vips::VImage& pFrom);
+  /// From the header of a file that has no EXIF, and its pixels a millimetre (0: not known).
+  cMetadata(const std::vector<sExifField>& pExif, double pXResolution, double pYResolution);
+
+  /// The text of a field of EXIF; empty for none.
+  std::string GetExif(const std::string& pKey) const;
 
   /// Leaves only these to be written; without XMP the settings are left out as well.
   void Keep(const sMetadataKinds& pKinds) { fKinds = pKinds; }

@@ -317,6 +317,24 @@ std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, cons
   return blocks;
 }
 
+std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>& pExif, VImage&,
+                                                  std::vector<std::string>& pWarnings) {
+  auto blocks = std::make_shared<sMetadataBlocks>();
+  for (const sExifField& field : pExif) {
+    const auto set = [&] { blocks->fExif[field.fKey] = field.fText; };
+    Warn(field.fKey + " is left out", FaultOf(set), pWarnings);
+  }
+  return blocks;
+}
+
+std::string GetExifText(const sMetadataBlocks* pBlocks, const VImage&, const std::string& pKey) {
+  if (pBlocks == nullptr) return "";
+  const Exiv2::ExifData& exif = pBlocks->fExif;
+  const auto field = std::find_if(exif.begin(), exif.end(),
+                                  [&](const Exiv2::Exifdatum& pDatum) { return pDatum.key() == pKey; });
+  return field == exif.end() ? "" : field->toString();
+}
+
 bool HasThumbnail(const sMetadataBlocks* pBlocks) {
   return pBlocks != nullptr && Has<Exiv2::ExifKey>(pBlocks->fExif, "Exif.Thumbnail.JPEGInterchangeFormat");
 }

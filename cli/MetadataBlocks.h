@@ -26,6 +26,14 @@ bool HasExiv2();
 std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, const vips::VImage& pImage,
                                                   std::vector<std::string>& pWarnings);
 
+/// Blocks of these fields alone. A build without Exiv2 gives them to pFields instead, for libvips.
+std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>& pExif, vips::VImage& pFields,
+                                                  std::vector<std::string>& pWarnings);
+
+/// The text of a field; empty for none. pBlocks may be null. pFields: what libvips knows, for builds without
+/// Exiv2.
+std::string GetExifText(const sMetadataBlocks* pBlocks, const vips::VImage& pFields, const std::string& pKey);
+
 /// Whether there is a thumbnail among them. pBlocks may be null.
 bool HasThumbnail(const sMetadataBlocks* pBlocks);
 

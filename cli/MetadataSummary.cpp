@@ -1,45 +1,62 @@
 #include "cli/MetadataSummary.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <initializer_list>
-#include <vips/vips8>
+#include <sstream>
 
-#include "cli/FileKind.h"
 #include "cli/Printf.h"
-#include "cli/VipsLibrary.h"
 
 namespace Cli {
 namespace {
 
-using vips::VImage;
-
-/// What libvips says of an EXIF field: "raw (reading, type, ...)".
-std::string GetField(const VImage& pImage, const std::string& pName) {
-  const std::string field = "exif-" + pName;
-  return pImage.get_typeof(field.c_str()) == 0 ? "" : pImage.get_string(field.c_str());
+/// The first of these fields that is set, on one line and without the blanks that cameras fill it up with.
+std::string GetText(const cMetadata& pMetadata, std::initializer_list<const char*> pKeys) {
+  for (const char* key : pKeys) {
+    std::string text = pMetadata.GetExif(key);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char pC) { return pC < ' '; }, ' ');
+    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
+    text.erase(text.find_last_not_of(' ') + 1);
+    if (!text.empty()) return text;
+  }
+  return "";
 }
 
-/// The field as people read it: the first part of what is in the brackets.
-std::string GetText(const VImage& pImage, const std::string& pName) {
-  std::string field = GetField(pImage, pName);
-  const std::size_t end = field.rfind(" (");
-  if (end == std::string::npos) return field;
-  std::string text = field.substr(0, end);
-  while (!text.empty() && text.back() == ' ') text.pop_back();
-  return text;
+/// The numbers of a field, fractions as well; 0 for those that are not there.
+struct sNumbers {
+  double fFirst = 0.0;
+  double fSecond = 0.0;
+  double fThird = 0.0;
+};
+
+sNumbers GetNumbers(const cMetadata& pMetadata, const char* pKey) {
+  sNumbers numbers;
+  std::istringstream words(pMetadata.GetExif(pKey));
+  for (double* const to : {&numbers.fFirst, &numbers.fSecond, &numbers.fThird}) {
+    std::string word;
+    words >> word;
+    double over = 0.0;
+    double under = 1.0;
+    if (std::sscanf(word.c_str(), "%lf/%lf", &over, &under) >= 1 && under != 0.0) *to = over / under;
+  }
+  return numbers;
 }
 
-/// A number or a fraction; 0 for none.
-double GetNumber(const VImage& pImage, const std::string& pName) {
-  double over = 0.0;
-  double under = 1.0;
-  const int count = std::sscanf(GetField(pImage, pName).c_str(), "%lf/%lf", &over, &under);
-  return count >= 1 && under != 0.0 ? over / under : 0.0;
+double GetNumber(const cMetadata& pMetadata, const char* pKey) {
+  return GetNumbers(pMetadata, pKey).fFirst;
 }
 
 void Append(std::string& pTo, const std::string& pText, const char* pBetween) {
   if (!pText.empty()) pTo += (pTo.empty() ? "" : pBetween) + pText;
+}
+
+std::string DescribeCamera(const cMetadata& pMetadata) {
+  std::string text = GetText(pMetadata, {"Exif.Image.Make"});
+  const std::string model = GetText(pMetadata, {"Exif.Image.Model"});
+  if (model.starts_with(text)) text.clear();
+  Append(text, model, " ");
+  return text;
 }
 
 std::string DescribeTime(double pSeconds) {
@@ -47,47 +64,63 @@ std::string DescribeTime(double pSeconds) {
   return pSeconds < 0.4 ? Printf("1/%.0f s", 1.0 / pSeconds) : Printf("%g s", pSeconds);
 }
 
-std::string DescribeExposure(const VImage& pImage) {
-  std::string text = DescribeTime(GetNumber(pImage, "ifd2-ExposureTime"));
-  if (const double stop = GetNumber(pImage, "ifd2-FNumber"); stop > 0.0)
+std::string DescribeExposure(const cMetadata& pMetadata) {
+  std::string text = DescribeTime(GetNumber(pMetadata, "Exif.Photo.ExposureTime"));
+  if (const double stop = GetNumber(pMetadata, "Exif.Photo.FNumber"); stop > 0.0)
     Append(text, Printf("f/%.3g", stop), ", ");
-  if (const double speed = GetNumber(pImage, "ifd2-ISOSpeedRatings"); speed > 0.0) {
+  if (const double speed = GetNumber(pMetadata, "Exif.Photo.ISOSpeedRatings"); speed > 0.0) {
     Append(text, Printf("ISO %.0f", speed), ", ");
   }
-  if (const double length = GetNumber(pImage, "ifd2-FocalLength"); length > 0.0) {
+  if (const double length = GetNumber(pMetadata, "Exif.Photo.FocalLength"); length > 0.0) {
     Append(text, Printf("%.3g mm", length), ", ");
   }
   return text;
 }
 
-/// The first of these that is set.
-std::string GetFirst(const VImage& pImage, std::initializer_list<const char*> pNames) {
-  for (const char* name : pNames) {
-    if (std::string text = GetText(pImage, name); !text.empty()) return text;
-  }
-  return "";
+std::string DescribeDistance(const cMetadata& pMetadata) {
+  constexpr double kInfinite = 4294967295.0;  // a numerator with all bits set
+  const double metres = GetNumber(pMetadata, "Exif.Photo.SubjectDistance");
+  if (metres >= kInfinite) return "infinite";
+  return metres > 0.0 ? Printf("%.3g m", metres) : "";
+}
+
+std::string DescribeDate(const cMetadata& pMetadata) {
+  std::string text = GetText(pMetadata, {"Exif.Photo.DateTimeOriginal"});
+  if (text.empty()) return GetText(pMetadata, {"Exif.Photo.DateTimeDigitized", "Exif.Image.DateTime"});
+  Append(text, GetText(pMetadata, {"Exif.Photo.OffsetTimeOriginal"}), " ");
+  return text;
+}
+
+/// "27.71700 N"; empty where latitude or longitude is not told.
+std::string DescribeAngle(const cMetadata& pMetadata, const std::string& pName) {
+  const std::string key = "Exif.GPSInfo." + pName;
+  if (pMetadata.GetExif(key).empty()) return "";
+  const sNumbers angle = GetNumbers(pMetadata, key.c_str());
+  std::string text = Printf("%.5f", angle.fFirst + angle.fSecond / 60.0 + angle.fThird / 3600.0);
+  Append(text, GetText(pMetadata, {(key + "Ref").c_str()}), " ");
+  return text;
+}
+
+std::string DescribePosition(const cMetadata& pMetadata) {
+  std::string text = DescribeAngle(pMetadata, "GPSLatitude");
+  Append(text, DescribeAngle(pMetadata, "GPSLongitude"), ", ");
+  if (text.empty() || pMetadata.GetExif("Exif.GPSInfo.GPSAltitude").empty()) return text;
+  const double metres = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitude");
+  const bool isBelow = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitudeRef") == 1.0;
+  return text + Printf(", %.0f m", isBelow ? -metres : metres);
 }
 
 }  // namespace
 
-sMetadataSummary SummariseMetadata(const std::string& pFile) {
-  sMetadataSummary summary;
-  if (TellFileKind(pFile) != eFileKind::kVips) return summary;
-  try {
-    // from a source: libvips takes a "[" in a name for the start of options
-    const VImage image = VImage::new_from_source(vips::VSource::new_from_file(pFile.c_str()), "");
-    const std::string model = GetText(image, "ifd0-Model");
-    summary.fCamera = GetText(image, "ifd0-Make");
-    if (model.starts_with(summary.fCamera)) summary.fCamera.clear();
-    Append(summary.fCamera, model, " ");
-    summary.fLens = GetText(image, "ifd2-LensModel");
-    summary.fExposure = DescribeExposure(image);
-    summary.fDate = GetFirst(image, {"ifd2-DateTimeOriginal", "ifd2-DateTimeDigitized", "ifd0-DateTime"});
-    summary.fHasGps = !GetFirst(image, {"ifd3-GPSLatitude", "ifd3-GPSLongitude"}).empty();
-  } catch (const vips::VError&) {
-    TakeVipsError();
-  }
-  return summary;
+sMetadataSummary SummariseMetadata(const cMetadata& pMetadata) {
+  return {DescribeCamera(pMetadata),
+          GetText(pMetadata, {"Exif.Photo.LensModel"}),
+          DescribeExposure(pMetadata),
+          DescribeDistance(pMetadata),
+          DescribeDate(pMetadata),
+          GetText(pMetadata, {"Exif.Image.ImageDescription"}),
+          GetText(pMetadata, {"Exif.Image.Copyright"}),
+          DescribePosition(pMetadata)};
 }
 
 }  // namespace Cli

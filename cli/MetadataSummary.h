@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "cli/Metadata.h"
+
 namespace Cli {
 
 /// What a person asks of a photograph's metadata; empty for what they do not tell.
@@ -9,12 +11,13 @@ struct sMetadataSummary {
   std::string fCamera;
   std::string fLens;
   std::string fExposure;  ///< "1/250 s, f/8, ISO 100, 35 mm".
-  std::string fDate;      ///< As EXIF has it.
-  bool fHasGps = false;
+  std::string fDistance;  ///< "3.2 m".
+  std::string fDate;      ///< As EXIF has it; what local time is ahead of UTC may follow: " +02:00".
+  std::string fDescription;
+  std::string fCopyright;
+  std::string fPosition;  ///< "27.71700 N, 85.31700 E, 1305 m".
 };
 
-/// Looks at the header of a file that libvips knows; for others, and for damaged ones, all is empty. libvips
-/// must be running.
-sMetadataSummary SummariseMetadata(const std::string& pFile);
+sMetadataSummary SummariseMetadata(const cMetadata& pMetadata);
 
 }  // namespace Cli

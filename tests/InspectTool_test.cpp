@@ -96,10 +96,16 @@ TEST_F(InspectTool, TellsMetadataAndGoesOnAfterAFailure) {
   image.set("exif-ifd2-ExposureTime", "1/250");
   image.set("exif-ifd2-FNumber", "56/10");
   image.jpegsave("photo.jpg");
-  const nlohmann::json metadata = Inspect("photo.jpg")["metadata"];
-  EXPECT_EQ(metadata["camera"], "Maker Box 7");
-  EXPECT_EQ(metadata["exposure"], "1/250 s, f/5.6");
-  EXPECT_EQ(metadata["gps"], false);
+  sExrKind kind;
+  kind.fTexts = {{"cameraMake", "Maker"}, {"cameraModel", "Maker Box 7"}};
+  kind.fNumbers = {{"expTime", 0.004f}, {"aperture", 5.6f}, {"isoSpeed", 1e9f}};
+  WriteExr("photo.exr", MakeScene(), kind);
+  for (const std::string file : {"photo.jpg", "photo.exr"}) {
+    const nlohmann::json metadata = Inspect(file)["metadata"];
+    EXPECT_EQ(metadata["camera"], "Maker Box 7") << file;
+    EXPECT_EQ(metadata["exposure"], "1/250 s, f/5.6") << file;
+    EXPECT_EQ(metadata["gps"], false) << file;
+  }
   const sRun run = Run("inspect --json photo.jpg missing.jpg photo.jpg");
   EXPECT_EQ(run.fExitCode, 1);
   EXPECT_EQ(std::count(run.fOutput.begin(), run.fOutput.end(), '\n'), 2);

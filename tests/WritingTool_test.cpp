@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 
 #include "cli/MetadataBlocks.h"
@@ -168,6 +169,10 @@ TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
     EXPECT_EQ(Equalize("in.jpg", row.fFile, row.fOptions), "") << name;
     EXPECT_EQ(ReadTags(row.fFile, tags), row.fTags) << name;
     EXPECT_EQ(Load(row.fFile).fProfile, ProfileOf(TmEngine::cColorSpace_sRGB::GetIccProfile())) << name;
+    const std::string told = Run(std::string("inspect --json ") + row.fFile).fOutput;
+    const bool isMade = row.fTags.starts_with("Maker");
+    EXPECT_EQ(told.find("\"camera\":\"Maker\"") != std::string::npos, isMade) << name << told;
+    EXPECT_EQ(told.find("\"position\":\"48.50000 N\"") != std::string::npos, isMade) << name << told;
     const std::string thumbnail = Capture(std::string("exiftool -b -ThumbnailImage ") + row.fFile);
     EXPECT_EQ(!thumbnail.empty(), row.fHasThumbnail) << name;
     if (!row.fHasThumbnail) continue;
@@ -183,6 +188,49 @@ TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
   // A tone-mapped picture states its own colours.
   EXPECT_EQ(Run("tonemap in.jpg --overwrite -o a.jpg --colorspace adobergb").fExitCode, 0);
   EXPECT_EQ(ReadTags("a.jpg", "-IFD0:Make -ExifIFD:ColorSpace"), "Maker,65535,");
+}
+
+TEST_F(WritingTool, TellsInExifWhatExrAttributesTell) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  const float infinity = std::numeric_limits<float>::infinity();
+  const struct {
+    sExrKind fKind;
+    const char* fTags;
+    const char* fExpected;
+  } cases[] = {
+      {{.fTexts = {{"owner", "Ann"}, {"comments", "K\xc3\xbcste"}, {"capDate", "2026:03:01 12:34:56"}},
+        .fNumbers = {{"utcOffset", -20700.0f}}},
+       "-IFD0:Copyright -IFD0:ImageDescription -ExifIFD:DateTimeOriginal -ExifIFD:OffsetTimeOriginal",
+       "Ann,K\xc3\xbcste,2026:03:01 12:34:56,+05:45,"},
+      {{.fNumbers =
+            {{"expTime", 1.0f / 3.0f}, {"aperture", 2.8f}, {"isoSpeed", 400.0f}, {"focus", infinity}}},
+       "-ExposureTime -FNumber -ISO -SubjectDistance",
+       "0.3333333333,2.8,400,4294967295,"},
+      {{.fTexts = {{"lensModel", "Long"}}, .fNumbers = {{"nominalFocalLength", 85.5f}, {"xDensity", 300.0f}}},
+       "-LensModel -ExifIFD:FocalLength -XResolution -ResolutionUnit",
+       "Long,85.5,300,2,"},
+      {{.fNumbers = {{"latitude", 27.717f}, {"longitude", 85.317f}, {"altitude", 1305.0f}}},
+       "-GPS:GPSLatitude -GPS:GPSLatitudeRef -GPS:GPSLongitude -GPS:GPSAltitude",
+       "27.717,N,85.317,1305,"},
+      {{.fNumbers = {{"latitude", -0.5f}, {"longitude", -180.0f}, {"altitude", -3.5f}}},
+       "-Composite:GPSLatitude -Composite:GPSLongitude -Composite:GPSAltitude",
+       "-0.5,-180,-3.5,"},
+      {{.fTexts = {{"capDate", "1 March 2026"}, {"owner", ""}},
+        .fNumbers = {{"expTime", -1.0f}, {"latitude", 91.0f}, {"isoSpeed", std::nanf("")}, {"focus", 0.0f}}},
+       "-ExifIFD:all -GPS:all -IFD0:Copyright",
+       "-,"}};
+  for (const auto& row : cases) {
+    WriteExr("in.exr", MakeScene(), row.fKind);
+    for (const char* file : {"a.jpg", "a.tif"}) {
+      EXPECT_EQ(Run(std::string("tonemap in.exr --overwrite -o ") + file).fErrors, "");
+      EXPECT_EQ(ReadTags(file, row.fTags), row.fExpected) << file;
+    }
+    const auto tell = [](const char* pFile) {
+      const std::string told = Run(std::string("inspect --json ") + pFile).fOutput;
+      return told.substr(told.find("\"metadata\""), told.find("\"suggested\"") - told.find("\"metadata\""));
+    };
+    EXPECT_EQ(tell("in.exr"), tell("a.tif"));
+  }
 }
 
 TEST_F(WritingTool, DamagedMetadataNeverStopAPicture) {

@@ -2,6 +2,7 @@
 
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfChromaticitiesAttribute.h>
+#include <OpenEXR/ImfFloatAttribute.h>
 #include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfHeader.h>
 #include <OpenEXR/ImfMultiPartOutputFile.h>
@@ -9,6 +10,7 @@
 #include <OpenEXR/ImfOutputPart.h>
 #include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfStandardAttributes.h>
+#include <OpenEXR/ImfStringAttribute.h>
 #include <OpenEXR/ImfTiledOutputFile.h>
 #include <OpenEXR/ImfTiledOutputPart.h>
 
@@ -16,6 +18,7 @@
 #include <cmath>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 #include <vips/vips8>
 
@@ -89,8 +92,10 @@ inline void WriteRadiance(const std::string& pFile, const sTestPicture& pPicture
 struct sExrKind {
   std::vector<std::string> fChannels{"R", "G", "B"};  ///< Filled with red, green, blue in this order.
   bool fTiled = false;
-  std::vector<float> fChromaticities;  ///< Eight numbers, or none.
+  std::vector<float> fChromaticities{};  ///< Eight numbers, or none.
   Imf::Compression fCompression = Imf::ZIP_COMPRESSION;
+  std::vector<std::pair<const char*, std::string>> fTexts{};  ///< Attributes of these names.
+  std::vector<std::pair<const char*, float>> fNumbers{};
 };
 
 inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, const sExrKind& pKind = {}) {
@@ -107,6 +112,8 @@ inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, con
     Imf::addChromaticities(header,
                            Imf::Chromaticities({c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}));
   }
+  for (const auto& [name, text] : pKind.fTexts) header.insert(name, Imf::StringAttribute(text));
+  for (const auto& [name, number] : pKind.fNumbers) header.insert(name, Imf::FloatAttribute(number));
   if (pKind.fTiled) {
     header.setTileDescription(Imf::TileDescription(16, 16));
     Imf::TiledOutputFile file(pFile.c_str(), header);
