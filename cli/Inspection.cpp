@@ -102,6 +102,8 @@ sInspection InspectPicture(const std::string& pFile) {
   sInspection inspection;
   inspection.fFile = pFile;
   inspection.fPicture = ReadPicture(pFile);
+  const std::vector<std::string>& warnings = inspection.fPicture.fMetadata.GetWarnings();
+  inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(), warnings.end());
   inspection.fStatistics = MeasurePicture(inspection.fPicture);
   inspection.fMetadata = SummariseMetadata(inspection.fPicture.fMetadata);
   inspection.fSuggested = SuggestSettings(SamplePicture(inspection.fPicture));

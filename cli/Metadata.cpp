@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "cli/JxlContainer.h"
 #include "cli/MetadataBlocks.h"
 #include "cli/XmpText.h"
 
@@ -17,6 +18,7 @@ constexpr char kExifOrientation[] = "exif-ifd0-Orientation";
 constexpr char kExifColorSpace[] = "exif-ifd2-ColorSpace";
 constexpr char kThumbnail[] = "jpeg-thumbnail-data";
 constexpr char kComment[] = "png-comment-";
+constexpr std::string_view kExifStart("Exif\0\0", 6);
 
 /// The fields of libvips that are kept, and what they belong to.
 struct sField {
@@ -57,18 +59,33 @@ void CopyFields(VipsImage* pFrom, VipsImage* pTo, const tIsKept& pIsKept) {
   g_strfreev(names);
 }
 
-std::string GetXmp(VipsImage* pImage) {
+std::string GetBlob(VipsImage* pImage, const char* pName) {
   const void* data = nullptr;
   std::size_t size = 0;
-  if (vips_image_get_typeof(pImage, VIPS_META_XMP_NAME) == 0 ||
-      vips_image_get_blob(pImage, VIPS_META_XMP_NAME, &data, &size) != 0) {
+  if (vips_image_get_typeof(pImage, pName) == 0 || vips_image_get_blob(pImage, pName, &data, &size) != 0) {
     return "";
   }
   return {static_cast<const char*>(data), size};
 }
 
+std::string GetXmp(VipsImage* pImage) {
+  return GetBlob(pImage, VIPS_META_XMP_NAME);
+}
+
 void SetXmp(VipsImage* pImage, const std::string& pPacket) {
   vips_image_set_blob_copy(pImage, VIPS_META_XMP_NAME, pPacket.data(), pPacket.size());
+}
+
+/// The picture with what libvips leaves out of a JPEG XL file. Without Exiv2, libvips would take nothing from
+/// such an EXIF block.
+VImage WithJxlMetadata(const VImage& pImage, const sJxlMetadata& pMetadata) {
+  VImage image = pImage.copy();
+  const std::string& exif = pMetadata.fExif;
+  if (!exif.empty() && HasExiv2()) {
+    vips_image_set_blob_copy(image.get_image(), VIPS_META_EXIF_NAME, exif.data(), exif.size());
+  }
+  if (!pMetadata.fXmp.empty()) SetXmp(image.get_image(), pMetadata.fXmp);
+  return image;
 }
 
 /// A small picture of the result in place of the one that shows the input, as a JPEG file.
@@ -150,9 +167,22 @@ void cMetadata::Complete(const std::string& pPath, const VImage& pPicture, const
   if (HasExiv2()) WriteBlocks(pPath, *Correct(pPicture, pFacts), pWarnings);
 }
 
+void CompleteJxl(const std::string& pPath, const VImage& pPicture) {
+  std::string exif = HasExiv2() ? GetBlob(pPicture.get_image(), VIPS_META_EXIF_NAME) : "";
+  if (exif.starts_with(kExifStart)) exif.erase(0, kExifStart.size());
+  WriteJxlMetadata(pPath, {exif, GetXmp(pPicture.get_image())});
+}
+
+std::string cMetadata::GetXmpPacket() const {
+  return fFields.is_null() ? "" : GetXmp(fFields.get_image());
+}
+
 cMetadata ReadMetadata(const std::string& pFile, const VImage& pImage) {
-  cMetadata metadata(pImage);
-  metadata.fBlocks = ReadBlocks(pFile, pImage, metadata.fWarnings);
+  const sJxlMetadata boxes = ReadJxlMetadata(pFile);
+  const VImage image = WithJxlMetadata(pImage, boxes);
+  cMetadata metadata(image);
+  metadata.fBlocks = ReadBlocks(pFile, image, metadata.fWarnings);
+  if (boxes.fHasCompressed) metadata.fWarnings.emplace_back("its compressed metadata (brob) are left out");
   return metadata;
 }
 
@@ -160,7 +190,8 @@ std::string ReadStoredSettings(const std::string& pFile) {
   try {
     const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
     const VImage image = VImage::new_from_source(source, "");
-    std::string settings = FindSettingsInXmp(GetXmp(image.get_image()));
+    const VImage complete = WithJxlMetadata(image, ReadJxlMetadata(pFile));
+    std::string settings = FindSettingsInXmp(GetXmp(complete.get_image()));
     if (!settings.empty() || image.get_string("vips-loader") != std::string("heifload_source"))
       return settings;
     std::ifstream stream(pFile, std::ios::binary);  // libvips reads no XMP of AVIF, where it stands as it is

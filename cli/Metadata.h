@@ -45,6 +45,11 @@ class cMetadata {
   /// The text of a field of EXIF; empty for none.
   std::string GetExif(const std::string& pKey) const;
 
+  /// What was left out of them.
+  const std::vector<std::string>& GetWarnings() const { return fWarnings; }
+  /// As read; empty for none.
+  std::string GetXmpPacket() const;
+
   /// Leaves only these to be written; without XMP the settings are left out as well.
   void Keep(const sMetadataKinds& pKinds) { fKinds = pKinds; }
   /// Adds the tool's own settings, which a picture's XMP carries. They replace those of the input.
@@ -70,6 +75,10 @@ class cMetadata {
   std::string fSettings;
   std::vector<std::string> fWarnings;  ///< Of reading.
 };
+
+/// Puts what PutInto gave to pPicture into the JPEG XL file that libvips has written without it. Throws
+/// std::runtime_error when the file cannot be written.
+void CompleteJxl(const std::string& pPath, const vips::VImage& pPicture);
 
 /// The metadata of pFile, which pImage was opened from and turned upright.
 cMetadata ReadMetadata(const std::string& pFile, const vips::VImage& pImage);

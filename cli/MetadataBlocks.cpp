@@ -2,16 +2,15 @@
 
 #include <zlib.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <exiv2/exiv2.hpp>
 #include <exiv2/webpimage.hpp>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
+
+#include "cli/FileBytes.h"
 
 namespace Cli {
 
@@ -211,14 +210,6 @@ void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   }
 }
 
-std::string ReadBytes(const std::string& pPath) {
-  std::ifstream stream(pPath, std::ios::binary);
-  std::stringstream text;
-  text << stream.rdbuf();
-  if (!stream || !text) throw std::runtime_error(std::strerror(errno));
-  return std::move(text).str();
-}
-
 void AppendBigEndian(std::string& pTo, std::uint32_t pNumber) {
   for (int shift = 24; shift >= 0; shift -= 8) pTo += static_cast<char>(pNumber >> shift & 0xff);
 }
@@ -287,14 +278,6 @@ void DropFaulty(const std::string& pFile, sMetadataBlocks& pBlocks, std::vector<
   if (isFaulty("XMP", {{}, {}, pBlocks.fXmp})) pBlocks.fXmp.clear();
 }
 
-void Store(const std::string& pPath, const std::string& pFile) {
-  errno = 0;
-  std::ofstream stream(pPath, std::ios::binary);
-  if (!stream.write(pFile.data(), static_cast<std::streamsize>(pFile.size())).flush()) {
-    throw std::runtime_error(std::strerror(errno));
-  }
-}
-
 }  // namespace
 
 bool HasExiv2() {
@@ -307,7 +290,8 @@ std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, cons
   auto blocks = std::make_shared<sMetadataBlocks>();
   const auto read = [&] {
     const std::string path = std::filesystem::absolute(pFile).string();
-    if (IsReadType(Exiv2::ImageFactory::getType(path))) {
+    const bool isJxl = pImage.get_string(VIPS_META_LOADER) == std::string("jxlload_source");
+    if (!isJxl && IsReadType(Exiv2::ImageFactory::getType(path))) {
       ReadFromFile(path, *blocks, pWarnings);
     } else {
       ReadFromVips(pImage, *blocks, pWarnings);
@@ -386,7 +370,7 @@ void WriteBlocks(const std::string& pPath, const sMetadataBlocks& pBlocks,
     const std::string fault = FaultOf(put);
     if (completed.empty()) return Warn("its metadata are left out", fault, pWarnings);
   }
-  Store(pPath, completed);
+  WriteBytes(pPath, completed);
 }
 
 }  // namespace Cli

@@ -131,6 +131,7 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
   Save(image, pFormat, ChooseQuality(pPicture.fProfile, pFormat, pOptions.fQuality, warnings),
        pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPath);
   if (IsCompleted(pFormat)) pPicture.fMetadata.Complete(pPath, image, facts, warnings);
+  if (pFormat == eOutputFormat::kJxl) CompleteJxl(pPath, image);
   return warnings;
 }
 

@@ -169,18 +169,11 @@ void ReadRows(const VImage& pImage, const sLayout& pLayout, const sLight& pLight
   light.Finish();
 }
 
-std::string GetXmp(const VImage& pImage) {
-  if (pImage.get_typeof(VIPS_META_XMP_NAME) == 0) return "";
-  std::size_t size = 0;
-  const void* const data = pImage.get_blob(VIPS_META_XMP_NAME, &size);
-  return {static_cast<const char*>(data), size};
-}
-
 void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
   pPicture.fFormat = GetFormatName(pImage);
   pPicture.fFileDepth = GetSampleBits(pImage);
   pPicture.fMetadata = ReadMetadata(pFile, pImage);
-  pPicture.fIsPanorama = StatesPanorama(GetXmp(pImage));
+  pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata.GetXmpPacket());
 }
 
 sPicture ReadChecked(const std::string& pFile) {

@@ -183,6 +183,7 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
       {"--quality 71 --metadata xmp,iptc", "q.jpg"},
       {"--compression 9 --contrast 0.1", "c.png"},
       {"--depth 12 --quality 50 --strength 99.99", "d.avif"},
+      {"--depth 16 --quality 80 --strength 10", "e.jxl"},
       {"--colorspace adobergb --lighting -3.3333333 --microcontrast 1e-7 --saturation -1.5", "a.png"},
   };
   for (const auto& row : cases) {

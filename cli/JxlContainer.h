@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace Cli {
+
+// JPEG XL files are a bare codestream, or boxes (ISO/IEC 18181-2) that hold one beside metadata.
+
+/// What a file tells of its picture.
+struct sJxlMetadata {
+  std::string fExif;  ///< From its byte order mark on; empty for none.
+  std::string fXmp;
+  bool fHasCompressed = false;  ///< There are more, compressed by Brotli ("brob"), which are not read.
+};
+
+/// Nothing for a bare codestream, and for a file of another format. What is damaged ends the search.
+sJxlMetadata ReadJxlMetadata(const std::string& pFile);
+
+/// Puts the metadata before the codestream, in place of those that the file has. A bare codestream gets
+/// boxes, unless there is nothing to put in. Throws std::runtime_error when the file cannot be written.
+void WriteJxlMetadata(const std::string& pPath, const sJxlMetadata& pMetadata);
+
+}  // namespace Cli
