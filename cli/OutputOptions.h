@@ -9,6 +9,7 @@ namespace Cli {
 struct sOutputOptions {
   int fDepth = 8;
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;
+  int fPreview = 0;  ///< The most pixels on its longer side; 0 for as many as the picture has.
   sFileOptions fFile;
 };
 

@@ -184,6 +184,11 @@ constexpr sResultField kResultFields[] = {
        return false;
      },
      "srgb, adobergb or prophoto"},
+    {"preview", [](const sOutputOptions& pResult) { return WriteUnless(0, pResult.fPreview); },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       return ReadInteger(pValue, 1, 65535, pResult.fPreview);
+     },
+     "a whole number from 1 to 65535"},
     {"quality", [](const sOutputOptions& pResult) { return WriteUnless(0, pResult.fFile.fQuality); },
      [](const tJson& pValue, sOutputOptions& pResult) {
        return ReadInteger(pValue, 1, 100, pResult.fFile.fQuality);

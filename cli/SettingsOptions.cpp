@@ -7,6 +7,7 @@
 
 #include "cli/Failure.h"
 #include "cli/OutputFormat.h"
+#include "cli/Picture.h"
 #include "cli/Presets.h"
 #include "cli/SettingsJson.h"
 #include "cli/StoredSettings.h"
@@ -32,6 +33,23 @@ CLI::Validator InRange(float pLowest, float pHighest) {
 /// An empty name would mean "not given", and be passed over in silence.
 CLI::Validator HasName() {
   return {[](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, ""};
+}
+
+/// Who tries sliders on previews wants the whole picture in the end.
+void TellPreview(const std::string& pResult, int pPreview) {
+  if (pPreview == 0) return;
+  PrintWarnings(pResult, {"is a preview of " + std::to_string(pPreview) +
+                          " pixels, and so it goes on; --preview 0 makes the whole picture"});
+}
+
+/// A depth that nobody asked for gives way where the format does not hold it.
+void TakeNearestDepth(const std::string& pOutput, const std::string& pResult, const sFormatTraits& pFormat,
+                      int& pDepth) {
+  const int depth = ChooseDepth(pFormat.fFormat, pDepth);
+  if (depth == pDepth) return;
+  PrintWarnings(pOutput, {"written with " + std::to_string(depth) + " bits a sample, since " + pFormat.fName +
+                          " does not hold the " + std::to_string(pDepth) + " of " + pResult});
+  pDepth = depth;
 }
 
 }  // namespace
@@ -117,6 +135,8 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   ParseResultSettings(file, text, isGiven, pSettings, pResult);
   if (pOutput.empty()) return;
   const sFormatTraits& format = GetTraits(ChooseOutputFormat(pOutput, 8));
+  if (!isGiven("preview")) TellPreview(file, pResult.fPreview);
+  if (!isGiven("depth")) TakeNearestDepth(pOutput, file, format, pResult.fDepth);
   if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;
   if (format.fCompression < 0) pResult.fFile.fCompression = given.fCompression;
 }

@@ -38,8 +38,8 @@ sSettingsChange GetChange(const sSettingsOptions& pOptions);
 void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGround);
 
 /// Takes settings and output options from the result that is named, if one is; those that pVerb was given on
-/// its command line stay, and so does what pOutput's format has no use for (pOutput may be empty). Throws
-/// cFailure.
+/// its command line stay, and so does what pOutput's format has no use for (pOutput may be empty). Tells on
+/// standard error of a depth that the format does not hold, and of a preview. Throws cFailure.
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
                     sSettings& pSettings, sOutputOptions& pResult);
 

@@ -51,9 +51,10 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->excludes(verb->get_option("--settings-from"))
       ->group("Sliders");
   AddOutputOptions(*verb, job.fResult);
-  verb->add_option("--preview", job.fPreview,
-                   "Reduce the picture to N pixels on its longer side first; its look stays")
-      ->check(CLI::Range(1, 65535))
+  verb->add_option("--preview", job.fResult.fPreview,
+                   "Reduce the picture to N pixels on its longer side first; its look stays. 0 does not,\n"
+                   "even where --settings-from names a preview")
+      ->check(CLI::Range(0, 65535))
       ->option_text("N")
       ->group("Result");
   verb->add_flag("--verbose", job.fVerbose, "Show what the engine measures and decides");

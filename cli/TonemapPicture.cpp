@@ -46,7 +46,8 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   report.fDynamicRange = statistics.CountPositive() > 0 ? statistics.GetDynamicRange() : 0.0;
   report.fSettings = pJob.fAuto ? SuggestSettings(statistics) : pJob.fSettings;
   Apply(pJob.fChange, report.fSettings);
-  if (pJob.fPreview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), pJob.fPreview);
+  const int preview = pJob.fResult.fPreview;
+  if (preview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), preview);
   report.fWarnings = picture.fWarnings;
   report.fWidth = picture.fBitmap->GetWidth();
   report.fHeight = picture.fBitmap->GetHeight();

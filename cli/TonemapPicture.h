@@ -25,7 +25,6 @@ struct sTonemapJob {
   bool fAuto = false;         ///< or chosen from the picture instead,
   sSettingsChange fChange;    ///< and what is laid over it.
   sOutputOptions fResult;
-  int fPreview = 0;  ///< Pixels on the longer side of the result; 0 for as many as the picture has.
   bool fVerbose = false;
 };
 

@@ -193,10 +193,22 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
     EXPECT_LT(json["all"]["mean"].get<double>(), 3.0) << factor;
   }
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 512");  // not enlarged, not changed
-  EXPECT_TRUE(ReadText("small.png") == ReadText("full.png"));
+  EXPECT_EQ(Load("small.png").fSamples, Load("full.png").fSamples);
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 1");
   EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{1, 1, 3, 8}));
-  Expect(2, "tonemap scene.pfm --overwrite -o small.png --preview 0");
+  Expect(2, "tonemap scene.pfm --overwrite -o small.png --preview -1");
+  // A preview repeats itself, unless the whole is asked for.
+  Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 100 --strength 90");
+  const std::string start = "tonemap scene.pfm --overwrite --settings-from small.png -o ";
+  const sRun again = Run(start + "again.png");
+  EXPECT_TRUE(ReadText("again.png") == ReadText("small.png"));
+  EXPECT_EQ(
+      again.fErrors,
+      "quorvane: small.png: warning: is a preview of 100 pixels, and so it goes on; --preview 0 makes the "
+      "whole picture\n");
+  Expect(0, "tonemap scene.pfm --overwrite -o full.png --strength 90");
+  EXPECT_EQ(Run(start + "again.png --preview 0").fErrors, "");
+  EXPECT_TRUE(ReadText("again.png") == ReadText("full.png"));
 }
 
 TEST_F(InspectTool, ChoosesSlidersFromTheLight) {

@@ -197,6 +197,19 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
   WriteText("kept.tif", Make("--strength 5 --contrast 6 --depth 16 --colorspace prophoto", "a.tif"));
   EXPECT_TRUE(Make("--settings-from kept.tif --contrast 7 --depth 8", "b.tif") ==
               Make("--strength 5 --contrast 7 --colorspace prophoto", "b.tif"));
+  // a depth that the format does not hold gives way, unless it is asked for
+  const std::string start = "tonemap scene.pfm --overwrite --settings-from kept.tif -o ";
+  for (const auto& [file, depth] : {std::pair{"s.jpg", "8"}, {"s.avif", "12"}, {"s.webp", "8"}}) {
+    const sRun run = Run(start + file);
+    EXPECT_EQ(
+        run.fErrors.rfind(std::string("quorvane: ") + file + ": warning: written with " + depth + " bits", 0),
+        0u)
+        << run.fErrors;
+    EXPECT_TRUE(ReadText(file) ==
+                Make(std::string("--strength 5 --contrast 6 --colorspace prophoto --depth ") + depth,
+                     std::string("again-") + file));
+  }
+  EXPECT_EQ(Run(start + "s.jpg --depth 16").fExitCode, 2);
 }
 
 /// The long names of the options that a help text lists.
