@@ -28,6 +28,7 @@ struct sCompareOptions {
   std::string fA;
   std::string fB;
   std::string fOutput;
+  bool fOverwrite = false;
   std::optional<double> fFailAbove;
   bool fJson = false;
 };
@@ -82,6 +83,7 @@ void CheckArguments(const sCompareOptions& pOptions) {
   }
   CheckIsAnother(pOptions.fA, pOptions.fOutput);
   CheckIsAnother(pOptions.fB, pOptions.fOutput);
+  CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
 }
 
 void Run(const sCompareOptions& pOptions) {
@@ -95,7 +97,7 @@ void Run(const sCompareOptions& pOptions) {
   }
   const sPictureDifference difference = ComparePictures(*a.fBitmap, *b.fBitmap);
   if (!pOptions.fOutput.empty()) {
-    cTempFile file(pOptions.fOutput);
+    cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
     WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
   }
   std::fputs((pOptions.fJson ? ToJson(difference).dump() + "\n" : Describe(difference)).c_str(), stdout);
@@ -117,6 +119,8 @@ void AddCompareCommand(CLI::App& pProgram) {
   verb->add_option("-o,--output", options->fOutput,
                    "Draws A, B and their amplified difference side by side; a .png")
       ->option_text("SIDE.png");
+  verb->add_flag("--overwrite", options->fOverwrite,
+                 "Replace a picture of a comparison that exists (refused otherwise)");
   verb->add_option("--fail-above", options->fFailAbove,
                    "Exit with 1 when the largest difference is above N 8-bit codes")
       ->check(CLI::Range(0.0, 255.0))

@@ -99,7 +99,8 @@ void Run(const sEqualizeOptions& pOptions) {
   CheckArguments(pOptions);
   CheckIsAnother(pOptions.fInput, pOptions.fOutput);
   CheckIsAnother(pOptions.fInput, pOptions.fPlot);
-  if (!pOptions.fOverwrite && std::filesystem::exists(pOptions.fOutput)) RefuseExisting(pOptions.fOutput);
+  for (const std::string& target : {pOptions.fOutput, pOptions.fPlot})
+    CheckReplacing(target, pOptions.fOverwrite);
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
     throw cFailure(eExitCode_Usage, pOptions.fPlot, "is the result as well; give the plot another name");
   }
@@ -108,7 +109,7 @@ void Run(const sEqualizeOptions& pOptions) {
   const cVipsLibrary library;
   if (!pOptions.fOutput.empty()) EqualizeFile(pOptions);
   if (pOptions.fPlot.empty()) return;
-  cTempFile file(pOptions.fPlot);
+  cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
   WritePlot(DrawHueCurves(pOptions.fCurves), plotFormat, file);
 }
 
@@ -179,7 +180,8 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   verb->add_option("-o,--output", options->fOutput, "The result: .png, .tif, .jpg, .webp, .avif or .jxl")
       ->option_text("OUT")
       ->group("Result");
-  verb->add_flag("--overwrite", options->fOverwrite, "Replace a result that exists (refused otherwise)")
+  verb->add_flag("--overwrite", options->fOverwrite,
+                 "Replace a result and a plot that exist (refused otherwise)")
       ->group("Result");
   AddCurveOptions(*verb, options->fCurves);
   AddDepthOption(*verb, options->fDepth, "the input's, or the most that the format holds");

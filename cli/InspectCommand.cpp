@@ -27,6 +27,7 @@ struct sInspectOptions {
   sSettingsChange fGiven;  ///< Sliders of the plot;
   bool fAuto = false;      ///< the others are the suggested ones.
   std::string fPlot;
+  bool fOverwrite = false;
   bool fJson = false;
 };
 
@@ -42,7 +43,7 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
   const ePlotFormat format = ChoosePlotFormat(pOptions.fPlot);
   sSettings settings = pOptions.fAuto ? pInspection.fSuggested : sSettings();
   Apply(pOptions.fGiven, settings);
-  cTempFile file(pOptions.fPlot);
+  cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
   sRenderingReport report;
   RenderWith(*renderer, pInspection.fFile, pInspection.fPicture, settings, {}, false, report);
@@ -68,6 +69,7 @@ void CheckArguments(const sInspectOptions& pOptions) {
   if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
   ChoosePlotFormat(pOptions.fPlot);
   CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
+  CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
 }
 
 /// A picture that cannot be read does not keep the others from being looked at.
@@ -106,6 +108,7 @@ void AddInspectCommand(CLI::App& pProgram) {
                    "Draws the distribution of luminance, the curves of base and detail layer and the\n"
                    "tone curve into an .svg or .png; the sliders below apply to it")
       ->option_text("FILE");
+  verb->add_flag("--overwrite", options->fOverwrite, "Replace a plot that exists (refused otherwise)");
   verb->add_flag("--auto", options->fAuto, "Take the suggested sliders for the plot where none are given")
       ->group("Sliders");
   AddSliderOptions(*verb, options->fGiven);

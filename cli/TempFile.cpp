@@ -101,6 +101,11 @@ void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
   throw cFailure(eExitCode_CannotWrite, pTarget, "exists already; --overwrite replaces it" + pMore);
 }
 
+void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
+  std::error_code error;
+  if (!pMayReplace && std::filesystem::is_regular_file(pTarget, error)) RefuseExisting(pTarget);
+}
+
 cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
     : fTarget(pTarget), fMayReplace(pMayReplace) {
   if (pTarget == kStandardStream) {

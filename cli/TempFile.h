@@ -42,6 +42,9 @@ class cTempFile {
   int fHandle = -1;    ///< Holds the lock.
 };
 
+/// Throws the cFailure for a target that stands there already, unless it may be replaced or is not given.
+void CheckReplacing(const std::string& pTarget, bool pMayReplace);
+
 /// Throws the cFailure for a target that stands there already. pMore: what else the verb has to offer.
 [[noreturn]] void RefuseExisting(const std::string& pTarget, const std::string& pMore = "");
 

@@ -214,6 +214,29 @@ TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
   }
 }
 
+TEST_F(EqualizeTool, PlotsAndComparisonsReplaceNothingUnlessTold) {
+  ToVips8(MakeScene()).pngsave("in.png");
+  const struct {
+    const char* fArguments;
+    const char* fFile;
+  } cases[] = {{"equalize --saturation 0:1 --plot p.svg", "p.svg"},
+               {"equalize in.png -o new.png --saturation 0:1 --plot p.png", "p.png"},
+               {"inspect in.png --plot i.svg", "i.svg"},
+               {"compare in.png in.png -o side.png", "side.png"}};
+  for (const auto& row : cases) {
+    std::ofstream(row.fFile) << "old";
+    const std::set<std::string> before = ListFolder();
+    const sRun run = Run(row.fArguments);
+    EXPECT_EQ(run.fExitCode, 4) << row.fArguments;
+    EXPECT_EQ(run.fErrors + run.fOutput,
+              std::string("quorvane: ") + row.fFile + ": exists already; --overwrite replaces it\n");
+    EXPECT_EQ(ReadText(row.fFile), "old");
+    EXPECT_EQ(ListFolder(), before) << row.fArguments;
+    EXPECT_EQ(Run(std::string(row.fArguments) + " --overwrite").fExitCode, 0) << row.fArguments;
+    EXPECT_GT(fs::file_size(row.fFile), 100u) << row.fArguments;
+  }
+}
+
 TEST_F(EqualizeTool, LeavesTheOldFileWhenWritingFails) {
   ToVips16(MakeScene(400, 300)).pngsave("in.png");
   std::ofstream("old.tif") << "old";
