@@ -118,7 +118,7 @@ void AddCompareCommand(CLI::App& pProgram) {
   verb->add_option("B", options->fB, "Another")->required()->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
                    "Draws A, B and their amplified difference side by side; a .png")
-      ->option_text("SIDE.png");
+      ->option_text("FILE");
   verb->add_flag("--overwrite", options->fOverwrite,
                  "Replace a picture of a comparison that exists (refused otherwise)");
   verb->add_option("--fail-above", options->fFailAbove,

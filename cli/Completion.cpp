@@ -124,7 +124,8 @@ std::string MakeBashCompletion(const sHelpPage& pProgram) {
   for (const sHelpPage& verb : pProgram.fVerbs) cases += WriteBashCases(verb, options);
   return R"sh(# bash completion for quorvane; made by 'quorvane --completion bash'
 _quorvane_presets() {
-  _quorvane_words "$("$1" tonemap --list-presets 2>/dev/null | cut -d ' ' -f 1)"
+  local IFS=$'\n'
+  _quorvane_words "$("$1" --complete-presets 2>/dev/null | cut -f 1)"
   _quorvane_files -f -X '!*.json'
   _quorvane_files -d
 }
@@ -175,8 +176,8 @@ std::string MakeZshCompletion(const sHelpPage& pProgram) {
   return R"sh(#compdef quorvane
 # zsh completion for quorvane; made by 'quorvane --completion zsh'
 _quorvane_presets() {
-  local -a names=(${(f)"$(quorvane tonemap --list-presets 2>/dev/null | cut -d ' ' -f 1)"})
-  compadd -a names
+  local -a presets=(${(f)"$(quorvane --complete-presets 2>/dev/null | sed 's/:/\\:/g; s/\t/:/')"})
+  _describe -t presets preset presets
   _files -g '*.json'
 }
 _quorvane() {
@@ -204,8 +205,8 @@ if [ "$funcstack[1]" = _quorvane ]; then _quorvane "$@"; else compdef _quorvane 
 std::string MakeFishCompletion(const sHelpPage& pProgram) {
   std::string text = R"sh(# fish completion for quorvane; made by 'quorvane --completion fish'
 function __quorvane_presets
-    quorvane tonemap --list-presets 2>/dev/null | string replace -r ' .*' ''
-    __fish_complete_suffix .json
+    quorvane --complete-presets 2>/dev/null
+    __fish_complete_suffix .json | string match -r '^[^\t]*(?:/|\.json)(?:\t.*)?$'
 end
 complete -c quorvane -f
 )sh";

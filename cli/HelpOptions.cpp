@@ -11,6 +11,7 @@
 #include "cli/Failure.h"
 #include "cli/HelpText.h"
 #include "cli/ManPage.h"
+#include "cli/Presets.h"
 
 namespace Cli {
 namespace {
@@ -58,6 +59,14 @@ void AddHelpOptions(CLI::App& pProgram) {
           "--completion", print, "Print the script that completes verbs, options and values in that shell")
       ->check(CLI::IsMember({"bash", "zsh", "fish"}))
       ->option_text("bash|zsh|fish");
+  // for the scripts
+  pProgram
+      .add_flag_callback("--complete-presets",
+                         [] {
+                           std::fputs(ListPresetsForShells().c_str(), stdout);
+                           throw CLI::Success();
+                         })
+      ->group("");
   const auto write = [&pProgram](const std::string& pFolder) {
     WriteAll(pProgram, pFolder);
     throw CLI::Success();

@@ -100,7 +100,7 @@ bool sHelpOption::TakesFile() const {
 }
 
 bool sHelpOption::TakesFolder() const {
-  return Takes({"DIR"});
+  return Takes({"DIR", "NEW"});
 }
 
 bool sHelpOption::TakesPreset() const {

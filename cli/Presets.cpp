@@ -73,6 +73,31 @@ sPreset ReadPreset(const fs::path& pFile) {
   return ParsePreset(pFile.string(), text);
 }
 
+struct sFound {
+  fs::path fFile;
+  std::string fPlace;  ///< In words.
+  bool fIsHidden;      ///< By the user's preset of that name.
+};
+
+/// The user's presets, then the program's, by name.
+std::vector<sFound> FindPresets() {
+  std::vector<sFound> presets;
+  std::set<fs::path> names;
+  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
+    std::error_code error;
+    std::set<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+      if (entry.path().extension() == kEnding && IsFile(entry.path())) files.insert(entry.path());
+    }
+    for (const fs::path& file : files) {
+      const bool isHidden = !names.insert(file.stem()).second;
+      const std::string place = folder == GetOwnFolder() ? "built in" : file.string();
+      presets.push_back({file, isHidden ? place + ", hidden by yours" : place, isHidden});
+    }
+  }
+  return presets;
+}
+
 /// One line of the list: the name, what it is for, and where it lies.
 std::string Describe(const fs::path& pFile, const std::string& pPlace) {
   std::string text;
@@ -123,17 +148,21 @@ sPreset LoadPreset(const std::string& pNameOrFile) {
 
 std::string ListPresets() {
   std::string list;
-  std::set<fs::path> shown;
-  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
-    std::error_code error;
-    std::set<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(folder, error)) {
-      if (entry.path().extension() == kEnding && IsFile(entry.path())) files.insert(entry.path());
-    }
-    for (const fs::path& file : files) {
-      const bool isHidden = !shown.insert(file.stem()).second;
-      const std::string place = folder == GetOwnFolder() ? "built in" : file.string();
-      list += Describe(file, isHidden ? place + ", hidden by yours" : place);
+  for (const sFound& found : FindPresets()) list += Describe(found.fFile, found.fPlace);
+  return list;
+}
+
+std::string ListPresetsForShells() {
+  std::string list;
+  for (const sFound& found : FindPresets()) {
+    if (found.fIsHidden) continue;
+    try {
+      std::string text = ReadPreset(found.fFile).fDescription;
+      std::replace_if(
+          text.begin(), text.end(), [](unsigned char pC) { return pC < ' '; }, ' ');
+      list += found.fFile.stem().string() + "\t" + text + "\n";
+    } catch (const cFailure&) {
+      continue;  // nobody can use it
     }
   }
   return list;

@@ -17,6 +17,9 @@ sPreset LoadPreset(const std::string& pNameOrFile);
 /// with the reason.
 std::string ListPresets();
 
+/// Those that --preset takes by name, for completions: name, tabulator, description, a line each.
+std::string ListPresetsForShells();
+
 /// pNameOrFile: a file where it has a / or ends in .json, else a name. What exists already is never replaced.
 void SavePreset(const std::string& pNameOrFile, const sSettingsChange& pChange);
 

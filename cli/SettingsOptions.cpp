@@ -96,7 +96,7 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
                   "Write the settings of this command line into a new preset: a name keeps "
                   "it in your own folder, a file (with a / or .json) anywhere; no picture is needed")
       ->check(HasName())
-      ->option_text("PRESET")
+      ->option_text("NEW")
       ->group(kPresetGroup);
   pVerb.add_flag("--list-presets", pOptions.fList, "Show the presets there are; no picture is needed")
       ->group(kPresetGroup);

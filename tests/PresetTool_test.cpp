@@ -255,14 +255,28 @@ TEST_F(PresetTool, TellsTheSameInHelpManualAndCompletions) {
     EXPECT_NE(help.find("\nExamples:\n"), std::string::npos) << verb;
   }
   EXPECT_EQ(Run("--completion bash").fOutput, bash);
-  WriteText("check.bash",
-            "source made/bash-completion/completions/quorvane\n"
-            "t() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _quorvane '" QUORVANE_TOOL
-            "'; echo \"${COMPREPLY[*]}\"; }\n"
-            "t quorvane ton; t quorvane equalize --mode ''; t quorvane tonemap --wrap = h\n"
-            "t quorvane tonemap --preset dram; t quorvane tonemap -o scene; t quorvane equalize --mo\n");
+  WriteText(
+      "check.bash",
+      "source made/bash-completion/completions/quorvane\n"
+      "t() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _quorvane '" QUORVANE_TOOL
+      "'; echo \"${COMPREPLY[*]}\"; }\n"
+      "t quorvane ton; t quorvane equalize --mode ''; t quorvane tonemap --wrap = h\n"
+      "t quorvane tonemap --preset dram; t quorvane tonemap -o scene; t quorvane equalize --mo\n"
+      "t quorvane tonemap --preset m; t quorvane tonemap --preset ni; t quorvane tonemap --save-preset n\n");
+  // names with spaces, one that hides another, one that nobody can use
+  for (const char* name : {"my own.json", "night.json"})
+    WriteText(UserFile(name), Preset(R"("strength": 1)"));
+  WriteText(UserFile("mad.json"), "{");
   EXPECT_EQ(std::system("bash check.bash >said 2>&1"), 0);
-  EXPECT_EQ(ReadText("said"), "tonemap\nsmooth linear flat\nhorizontal\ndramatic\nscene.pfm\n--mode\n");
+  EXPECT_EQ(ReadText("said"),
+            "tonemap\nsmooth linear flat\nhorizontal\ndramatic\nscene.pfm\n--mode\nmy own made\nnight\n\n");
+  WriteText("check.fish",
+            "set -x PATH (path dirname '" QUORVANE_TOOL
+            "') $PATH\nsource made/fish/vendor_completions.d/quorvane.fish\n"
+            "for c in ton 'equalize --mode f' 'tonemap --preset m' 'tonemap --preset=ni' 'compare -o sce'\n"
+            "complete -C \"quorvane $c\" | string split -f 1 \\t; end; true\n");
+  EXPECT_EQ(std::system("fish check.fish >said 2>&1"), 0);
+  EXPECT_EQ(ReadText("said"), "tonemap\nflat\nmade/\nmy own\n--preset=night\nscene.pfm\n");
 }
 
 }  // namespace
