@@ -1,5 +1,6 @@
 #include "cli/MetadataBlocks.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -21,6 +22,15 @@ std::string GetVipsName(const std::string& pKey) {
   return pKey;
 }
 
+/// libvips gives a field as "value (reading, type, sizes)"; the reading of a text begins with the text again.
+std::string CutReading(const std::string& pField) {
+  constexpr std::string_view kBracket = " (";
+  for (std::size_t at = 0; (at = pField.find(kBracket, at)) != std::string::npos; ++at) {
+    if (pField.compare(at + kBracket.size(), at, pField, 0, at) == 0) return pField.substr(0, at);
+  }
+  return pField.substr(0, pField.rfind(kBracket));
+}
+
 }  // namespace
 
 bool HasExiv2() {
@@ -34,8 +44,12 @@ std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string&, const vips
 
 std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>& pExif, vips::VImage& pFields,
                                                   std::vector<std::string>&) {
+  const bool isBelowSea = std::any_of(pExif.begin(), pExif.end(), [](const sExifField& pField) {
+    return pField.fKey == "Exif.GPSInfo.GPSAltitudeRef" && pField.fText == "1";
+  });
   // libvips cuts off the last bracket, which holds the field's type where it comes from a file
   for (const sExifField& field : pExif) {
+    if (isBelowSea && field.fKey == "Exif.GPSInfo.GPSAltitude") continue;  // it would leave out the sign
     pFields.set(GetVipsName(field.fKey).c_str(), (field.fText + " (text)").c_str());
   }
   return nullptr;
@@ -44,8 +58,7 @@ std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>&
 std::string GetExifText(const sMetadataBlocks*, const vips::VImage& pFields, const std::string& pKey) {
   const std::string name = GetVipsName(pKey);
   if (pFields.get_typeof(name.c_str()) == 0) return "";
-  const std::string text = pFields.get_string(name.c_str());
-  return text.substr(0, text.rfind(" ("));
+  return CutReading(pFields.get_string(name.c_str()));
 }
 
 bool HasThumbnail(const sMetadataBlocks*) {
