@@ -40,7 +40,7 @@ constexpr sAttribute kPositives[] = {{"expTime", "Exif.Photo.ExposureTime"},
 /// Up to its first zero byte; empty for none.
 std::string GetText(const Imf::Header& pHeader, const char* pName) {
   const auto* const text = pHeader.findTypedAttribute<Imf::StringAttribute>(pName);
-  return text == nullptr ? std::string() : text->value().c_str();
+  return text == nullptr ? "" : text->value().substr(0, text->value().find('\0'));
 }
 
 /// None for what is no number; infinity is one.

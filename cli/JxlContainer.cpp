@@ -74,8 +74,42 @@ void Take(const std::string& pType, const std::string& pContent, sJxlMetadata& p
   if (pType == "brob") pTo.fHasCompressed |= IsMetadata(pContent.substr(0, 4));
 }
 
-std::string_view Cut(std::string_view pFile, std::size_t pAt, std::uint64_t pSize) {
-  return pFile.substr(pAt, static_cast<std::size_t>(std::min<std::uint64_t>(pSize, pFile.size() - pAt)));
+/// Of a box's content: all metadata, but the type alone of what is compressed.
+std::uint64_t CountWanted(std::string_view pType, std::uint64_t pContent) {
+  if (pType == "brob") return std::min<std::uint64_t>(pContent, 4);
+  return IsMetadata(pType) ? pContent : 0;
+}
+
+/// Empty where they cannot be read.
+std::string ReadAt(std::ifstream& pStream, std::uint64_t pAt, std::uint64_t pCount) {
+  std::string bytes(static_cast<std::size_t>(pCount), '\0');
+  pStream.seekg(static_cast<std::streamoff>(pAt));
+  if (!pStream.read(bytes.data(), static_cast<std::streamsize>(pCount))) bytes.clear();
+  return bytes;
+}
+
+/// A file in boxes, without metadata.
+struct sParts {
+  std::string fHead;  ///< What has to come first.
+  std::string fRest;
+};
+
+sParts TakeApart(const std::string& pFile) {
+  sParts parts{std::string(kSignature), ""};
+  if (!pFile.starts_with(kSignature)) {  // a bare codestream
+    parts.fHead += kFileType;
+    AppendBox(parts.fRest, "jxlc", "", pFile);
+    return parts;
+  }
+  for (std::size_t at = kSignature.size(); at < pFile.size();) {
+    std::string_view box = std::string_view(pFile).substr(at);
+    const sBoxHeader header = ReadHeader(box.substr(0, 16));
+    if (!header.fType.empty() && header.fSize < box.size()) box = box.substr(0, header.fSize);
+    const bool isHead = header.fType == "ftyp" || header.fType == "jxll";
+    if (!IsMetadata(header.fType)) (isHead ? parts.fHead : parts.fRest) += box;
+    at += box.size();
+  }
+  return parts;
 }
 
 }  // namespace
@@ -83,23 +117,15 @@ std::string_view Cut(std::string_view pFile, std::size_t pAt, std::uint64_t pSiz
 sJxlMetadata ReadJxlMetadata(const std::string& pFile) {
   std::ifstream stream(pFile, std::ios::binary | std::ios::ate);
   const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(stream.tellg(), 0));
-  const auto read = [&](std::uint64_t pAt, std::uint64_t pCount) {
-    std::string bytes(static_cast<std::size_t>(pAt < size ? std::min(pCount, size - pAt) : 0), '\0');
-    stream.seekg(static_cast<std::streamoff>(pAt));
-    if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) bytes.clear();
-    return bytes;
-  };
   sJxlMetadata metadata;
-  if (read(0, kSignature.size()) != kSignature) return metadata;
+  if (ReadAt(stream, 0, std::min<std::uint64_t>(size, kSignature.size())) != kSignature) return metadata;
   for (std::uint64_t at = kSignature.size(); at < size;) {
-    const sBoxHeader header = ReadHeader(read(at, 16));
-    if (header.fType.empty()) break;
-    const std::uint64_t content = header.fSize - header.fLength;
-    if (IsMetadata(header.fType) || header.fType == "brob") {
-      const std::uint64_t wanted = header.fType == "brob" ? std::min<std::uint64_t>(content, 4) : content;
-      Take(header.fType, read(at + header.fLength, wanted), metadata);
-    }
-    if (header.fSize > size - at) break;
+    const std::uint64_t left = size - at;
+    const sBoxHeader header = ReadHeader(ReadAt(stream, at, std::min<std::uint64_t>(left, 16)));
+    if (header.fType.empty() || header.fLength > left) break;
+    const std::uint64_t content = std::min(header.fSize, left) - header.fLength;
+    Take(header.fType, ReadAt(stream, at + header.fLength, CountWanted(header.fType, content)), metadata);
+    if (header.fSize > left) break;
     at += header.fSize;
   }
   return metadata;
@@ -107,25 +133,11 @@ sJxlMetadata ReadJxlMetadata(const std::string& pFile) {
 
 void WriteJxlMetadata(const std::string& pPath, const sJxlMetadata& pMetadata) {
   if (pMetadata.fExif.empty() && pMetadata.fXmp.empty()) return;
-  const std::string file = ReadBytes(pPath);
-  const bool isBare = !file.starts_with(kSignature);
-  std::string head(kSignature);
+  const sParts parts = TakeApart(ReadBytes(pPath));
   std::string metadata;
-  std::string rest;
   if (!pMetadata.fExif.empty()) AppendBox(metadata, "Exif", kNoOffset, pMetadata.fExif);
   if (!pMetadata.fXmp.empty()) AppendBox(metadata, "xml ", "", pMetadata.fXmp);
-  if (isBare) {
-    head += kFileType;
-    AppendBox(rest, "jxlc", "", file);
-  }
-  for (std::size_t at = isBare ? file.size() : kSignature.size(); at < file.size();) {
-    const sBoxHeader header = ReadHeader(std::string_view(file).substr(at, 16));
-    const std::string_view box = Cut(file, at, header.fType.empty() ? kToEnd : header.fSize);
-    const bool isHead = header.fType == "ftyp" || header.fType == "jxll";
-    if (!IsMetadata(header.fType)) (isHead ? head : rest) += box;
-    at += box.size();
-  }
-  WriteBytes(pPath, head + metadata + rest);
+  WriteBytes(pPath, parts.fHead + metadata + parts.fRest);
 }
 
 }  // namespace Cli
