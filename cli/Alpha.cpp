@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "engine/ImageRows.h"
-
 namespace Cli {
 namespace {
 
@@ -49,12 +47,12 @@ void HideTransparent(sPicture& pPicture) {
   }
 }
 
-void BlackenTransparent(TmEngine::cBitmapLDR& pResult, const std::vector<std::uint16_t>& pAlpha) {
+void BlackenTransparent(cResultPixels& pResult, const std::vector<std::uint16_t>& pAlpha) {
   if (pAlpha.empty()) return;
   const int bytes = 3 * pResult.GetBitDepth() / 8;
   auto alpha = pAlpha.cbegin();
   for (int y = 0; y < pResult.GetHeight(); ++y) {
-    unsigned char* pixel = TmEngine::PixelRow(pResult, y);
+    unsigned char* pixel = pResult.GetRow(y);
     for (int x = 0; x < pResult.GetWidth(); ++x, ++alpha, pixel += bytes) {
       if (*alpha == 0) std::fill_n(pixel, bytes, static_cast<unsigned char>(0));
     }

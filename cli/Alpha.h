@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cli/Picture.h"
-#include "engine/cBitmapLDR.h"
+#include "cli/ResultPixels.h"
 
 namespace Cli {
 
@@ -26,6 +26,6 @@ inline std::uint16_t AlphaOfFloat(float pAlpha) {
 void HideTransparent(sPicture& pPicture);
 
 /// Makes the fully transparent pixels of the result black. pAlpha: as sPicture::fAlpha.
-void BlackenTransparent(TmEngine::cBitmapLDR& pResult, const std::vector<std::uint16_t>& pAlpha);
+void BlackenTransparent(cResultPixels& pResult, const std::vector<std::uint16_t>& pAlpha);
 
 }  // namespace Cli

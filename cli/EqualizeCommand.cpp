@@ -38,8 +38,8 @@ struct sEqualizeOptions {
   bool fOverwrite = false;
 };
 
-/// Renders into pPicture's own pixels where the depth stays, else into new ones that replace them.
-void Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
+/// Renders into pPicture's own pixels where the depth stays.
+cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
   TmEngine::cBitmapLDR& input = *pPicture.fBitmap;
   std::unique_ptr<TmEngine::cBitmapLDR> output;
   if ((pDepth > 8 ? 16 : 8) != input.GetBitDepth()) {
@@ -53,7 +53,17 @@ void Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves
                          MakeHueCurve(pCurves.fSaturation, pCurves.fMode).get(),
                          MakeHueCurve(pCurves.fLightness, pCurves.fMode).get());
   renderer->Render();
-  if (output != nullptr) pPicture.fBitmap = std::move(output);
+  return cResultPixels(output != nullptr ? *output : input);
+}
+
+cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, int pDepth) {
+  try {
+    return RenderCurves(pPicture, pDepth, pOptions.fCurves);
+  } catch (const std::bad_alloc&) {
+    throw cFailure(eExitCode_Processing, pOptions.fInput, "not enough memory to equalize it");
+  } catch (const std::exception& exception) {
+    throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
+  }
 }
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {
@@ -65,15 +75,9 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   // before the work, so that a place that cannot be written to is told early
   cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
-  try {
-    Equalize(picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth, pOptions.fCurves);
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, "not enough memory to equalize it");
-  } catch (const std::exception& exception) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
-  }
-  sFinishedPicture finished{picture.fBitmap.get(), std::move(picture.fAlpha), picture.fProfile,
-                            picture.fMetadata};
+  sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
+                            std::move(picture.fAlpha), picture.fProfile, picture.fMetadata};
+  picture.fBitmap.reset();
   PrintWarnings(pOptions.fInput, WritePicture(finished, format, pOptions.fFile, file));
 }
 

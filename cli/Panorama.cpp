@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 namespace Cli {
 namespace {
@@ -119,16 +120,6 @@ void cRolledSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY
   const int count = std::min(pCount, GetWidth() - first);
   fImage.ReadRun(pY, first, count, pToX, pToY, pToZ);
   fImage.ReadRun(pY, 0, pCount - count, pToX + count, pToY + count, pToZ + count);
-}
-
-cRolledSink::cRolledSink(TmEngine::cBitmapLDR& pImage, int pStart)
-    : fImage(pImage),
-      fStartByte(std::ptrdiff_t{3} * pImage.GetBitDepth() / 8 * pStart),
-      fRow(std::size_t{3} * static_cast<std::size_t>(pImage.GetBitDepth() / 8) *
-           static_cast<std::size_t>(pImage.GetWidth())) {}
-
-void cRolledSink::EndRow(int pY) {
-  std::rotate_copy(fRow.begin(), fRow.end() - fStartByte, fRow.end(), TmEngine::PixelRow(fImage, pY));
 }
 
 }  // namespace Cli

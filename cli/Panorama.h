@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "cli/Picture.h"
 #include "cli/Settings.h"
@@ -30,7 +28,7 @@ bool ChooseWrap(eWrap pWrap, const sPicture& pPicture);
 /// the least one in the order of a dictionary.
 int FindStartColumn(const sPicture& pPicture);
 
-/// A panorama as it looks rolled to the left, so that column pStart comes first. Image and result stay the
+/// A panorama as it looks rolled to the left, so that column pStart comes first. The image stays the
 /// caller's.
 class cRolledSource : public TmEngine::cRowSource {
  public:
@@ -42,24 +40,6 @@ class cRolledSource : public TmEngine::cRowSource {
  private:
   TmEngine::cImageSource fImage;
   int fStart;
-};
-
-/// Takes the result of a rolled panorama, and rolls it back.
-class cRolledSink : public TmEngine::cRowSink {
- public:
-  cRolledSink(TmEngine::cBitmapLDR& pImage, int pStart);
-
-  int GetWidth() const override { return fImage.GetWidth(); }
-  int GetHeight() const override { return fImage.GetHeight(); }
-  int GetBitDepth() const override { return fImage.GetBitDepth(); }
-  const TmEngine::cColorSpace& GetColorSpace() const override { return *fImage.GetColorSpace(); }
-  TmEngine::sSampleRow BeginRow(int) override { return {fRow.data(), false}; }
-  void EndRow(int pY) override;
-
- private:
-  TmEngine::cBitmapLDR& fImage;
-  std::ptrdiff_t fStartByte;
-  std::vector<unsigned char> fRow;
 };
 
 }  // namespace Cli

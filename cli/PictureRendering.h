@@ -1,11 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "cli/OutputOptions.h"
 #include "cli/Picture.h"
+#include "cli/ResultPixels.h"
 #include "cli/Settings.h"
-#include "engine/cBitmapLDR.h"
 #include "engine/cTmRenderer.h"
 
 namespace Cli {
@@ -25,14 +23,12 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
 
 /// Tone-maps pPicture with a renderer that knows afterwards what its stages found. Throws cFailure in the
 /// name of pFile.
-std::unique_ptr<TmEngine::cBitmapLDR> RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile,
-                                                 sPicture& pPicture, const sSettings& pSettings,
-                                                 const sOutputOptions& pOutput, bool pVerbose,
-                                                 sRenderingReport& pReport);
+cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
+                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
+                         sRenderingReport& pReport);
 
 /// The same with a renderer of its own.
-std::unique_ptr<TmEngine::cBitmapLDR> RenderPicture(const std::string& pFile, sPicture& pPicture,
-                                                    const sSettings& pSettings, const sOutputOptions& pOutput,
-                                                    bool pVerbose, sRenderingReport& pReport);
+cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const sSettings& pSettings,
+                            const sOutputOptions& pOutput, bool pVerbose, sRenderingReport& pReport);
 
 }  // namespace Cli

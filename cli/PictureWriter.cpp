@@ -13,11 +13,10 @@
 namespace Cli {
 namespace {
 
-using TmEngine::cBitmapLDR;
 using TmEngine::eColorSpaceID;
 using vips::VImage;
 
-/// Alpha as a band of the bitmap's depth; 8 bits that were widened come back as they were.
+/// Alpha as a band of the picture's depth; 8 bits that were widened come back as they were.
 VImage ViewAlpha(std::vector<std::uint16_t>& pAlpha, int pWidth, int pHeight, int pDepth) {
   if (pDepth == 16) {
     return VImage::new_from_memory(pAlpha.data(), pAlpha.size() * sizeof(std::uint16_t), pWidth, pHeight, 1,
@@ -30,27 +29,22 @@ VImage ViewAlpha(std::vector<std::uint16_t>& pAlpha, int pWidth, int pHeight, in
       vips_image_new_from_memory_copy(narrow.data(), narrow.size(), pWidth, pHeight, 1, VIPS_FORMAT_UCHAR));
 }
 
-/// The pixels where they are, row padding cut off, in red, green, blue, alpha order.
+/// The pixels where they are; alpha comes last.
 VImage ViewPicture(sFinishedPicture& pPicture, bool pWithAlpha) {
-  cBitmapLDR& bitmap = *pPicture.fBitmap;
-  const bool isDeep = bitmap.GetBitDepth() == 16;
-  const int pixelBytes = isDeep ? 6 : 3;
-  const auto bytes =
-      static_cast<std::size_t>(bitmap.GetStride()) * static_cast<std::size_t>(bitmap.GetHeight());
+  cResultPixels& pixels = pPicture.fPixels;
+  const bool isDeep = pixels.GetBitDepth() == 16;
   VImage image =
-      VImage::new_from_memory(bitmap.GetBitmapData(), bytes, bitmap.GetStride() / pixelBytes,
-                              bitmap.GetHeight(), 3, isDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
-  image = image.extract_area(0, 0, bitmap.GetWidth(), bitmap.GetHeight());
-  std::vector<VImage> bands{image[2], image[1], image[0]};
+      VImage::new_from_memory(pixels.GetRow(0), pixels.GetBytes(), pixels.GetWidth(), pixels.GetHeight(), 3,
+                              isDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
   if (pWithAlpha) {
-    bands.push_back(ViewAlpha(pPicture.fAlpha, bitmap.GetWidth(), bitmap.GetHeight(), bitmap.GetBitDepth()));
+    image = image.bandjoin(
+        ViewAlpha(pPicture.fAlpha, pixels.GetWidth(), pixels.GetHeight(), pixels.GetBitDepth()));
   }
   constexpr double kPixelsPerMillimetre = 72.0 / 25.4;
-  return VImage::bandjoin(bands).copy(
-      VImage::option()
-          ->set("interpretation", isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB)
-          ->set("xres", kPixelsPerMillimetre)
-          ->set("yres", kPixelsPerMillimetre));
+  return image.copy(VImage::option()
+                        ->set("interpretation", isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB)
+                        ->set("xres", kPixelsPerMillimetre)
+                        ->set("yres", kPixelsPerMillimetre));
 }
 
 /// pQuality, pCompression: as the user or the format wants them. Efforts are chosen by time: 24 megapixels of
@@ -159,7 +153,7 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
 
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile) {
-  CheckFits(pFile.GetTarget(), pFormat, pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight());
+  CheckFits(pFile.GetTarget(), pFormat, pPicture.fPixels.GetWidth(), pPicture.fPixels.GetHeight());
   std::vector<std::string> warnings;
   try {
     warnings = WriteInto(pFile.GetPath(), pPicture, pFormat, pOptions);

@@ -6,16 +6,17 @@
 
 #include "cli/Metadata.h"
 #include "cli/OutputFormat.h"
+#include "cli/ResultPixels.h"
 #include "cli/TempFile.h"
-#include "engine/cBitmapLDR.h"
+#include "engine/cColorSpace.h"
 
 namespace Cli {
 
 /// A finished picture and all that its file says of it.
 struct sFinishedPicture {
-  TmEngine::cBitmapLDR* fBitmap = nullptr;  ///< 8 or 16 bits a sample.
-  std::vector<std::uint16_t> fAlpha;        ///< A value a pixel, 65535 opaque; empty for none.
-  std::string fProfile;                     ///< ICC, of fBitmap's samples.
+  cResultPixels fPixels;
+  std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fProfile;               ///< ICC, of the samples.
   cMetadata fMetadata;
 };
 

@@ -59,15 +59,15 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
   // before the work, so that a place that cannot be written to is told early
   cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
-  const auto result =
+  cResultPixels result =
       RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
   // What was decided for this picture is kept, so that it can be repeated.
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
   picture.fMetadata.PutSettings(ToJson(report.fSettings, pJob.fResult));
   const auto rendered = tClock::now();
-  sFinishedPicture finished{result.get(), std::move(picture.fAlpha), GetIccProfile(pJob.fResult.fColorSpace),
-                            picture.fMetadata};
+  sFinishedPicture finished{std::move(result), std::move(picture.fAlpha),
+                            GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata};
   const std::vector<std::string> leftOut = WritePicture(finished, format, pJob.fResult.fFile, file);
   report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
   report.fWriteSeconds = SecondsSince(rendered);

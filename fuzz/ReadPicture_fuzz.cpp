@@ -86,7 +86,7 @@ void WriteBack(Cli::sLdrPicture& pPicture) {
   const int depth = pPicture.fBitmap->GetBitDepth();
   const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + EndingOf(FUZZ_FORMAT, depth);
   Cli::cTempFile file(target);
-  Cli::sFinishedPicture finished{pPicture.fBitmap.get(), pPicture.fAlpha, pPicture.fProfile,
+  Cli::sFinishedPicture finished{Cli::cResultPixels(*pPicture.fBitmap), pPicture.fAlpha, pPicture.fProfile,
                                  pPicture.fMetadata};
   Cli::WritePicture(finished, Cli::ChooseOutputFormat(target, depth), {}, file);
   std::filesystem::remove(target);

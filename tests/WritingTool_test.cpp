@@ -331,7 +331,7 @@ TEST_F(WritingTool, StoresSettings) {
   for (const std::string file : kFiles) {
     const auto write = [&](const Cli::cMetadata& pMetadata, const Cli::sFileOptions& pOptions) {
       Cli::sFinishedPicture picture{
-          bitmap.get(), {}, Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB), pMetadata};
+          Cli::cResultPixels(*bitmap), {}, Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB), pMetadata};
       Cli::cTempFile place(file);
       Cli::WritePicture(picture, Cli::ChooseOutputFormat(file, 8), pOptions, place);
     };
