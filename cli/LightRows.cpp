@@ -71,62 +71,63 @@ bool IsPositive(const TmEngine::cMatrix33& pMatrix) {
 
 }  // namespace
 
-cLightRows::cLightRows(sPicture& pPicture, const sLight& pLight)
-    : fPicture(pPicture), fLight(pLight), fSurface(GetSurfaceColors()) {
+cLightRows::cLightRows(int pWidth, const sLight& pLight)
+    : fWidth(pWidth), fLight(pLight), fSurface(GetSurfaceColors()) {
   fIsInside = fLight.fToXYZ && IsPositive(fSurface.fToRGB * *fLight.fToXYZ);
-  fPicture.fColorSpace = fLight.fColorSpace;
 }
 
-void cLightRows::Take(int pY) {
-  float* const row = GetRow(fPicture, pY);
-  const int samples = 3 * fPicture.fBitmap->GetWidth();
-  const sRowScan scan(row, samples);
+bool cLightRows::Take(float* pRow) {
+  const int samples = 3 * fWidth;
+  const sRowScan scan(pRow, samples);
   if (scan.IsSound()) {
     fLargest = std::max(fLargest, std::bit_cast<float>(scan.fLargest));
-    return Convert(row, scan.HasNegative());
+    Convert(pRow, scan.HasNegative());
+    return true;
   }
-  fLargest = FindLargest(row, samples, fLargest);
-  if (HasInfinity(row, samples)) {
-    fWaiting.push_back(pY);
-  } else {
-    Repair(row, fLargest);
-    Convert(row, true);
+  fLargest = FindLargest(pRow, samples, fLargest);
+  if (HasInfinity(pRow, samples)) {
+    fWaiting.push_back(pRow);
+    return false;
   }
+  Repair(pRow, fLargest);
+  Convert(pRow, true);
+  return true;
 }
 
-void cLightRows::Finish() {
-  for (const int y : fWaiting) {
-    Repair(GetRow(fPicture, y), fLargest > 0.0f ? fLargest : 1.0f);
-    Convert(GetRow(fPicture, y), true);
+void cLightRows::Finish(sPicture& pPicture) {
+  for (float* const row : fWaiting) {
+    Repair(row, fLargest > 0.0f ? fLargest : 1.0f);
+    Convert(row, true);
   }
   fWaiting.clear();
-  const sRepairs& repairs = fPicture.fRepairs;
-  const std::int64_t count = repairs.fNaN + repairs.fInfinite;
+  pPicture.fColorSpace = fLight.fColorSpace;
+  pPicture.fRepairs = fRepairs;
+  const std::int64_t count = fRepairs.fNaN + fRepairs.fInfinite;
   if (count == 0) return;
-  fPicture.fWarnings.push_back("repaired " + std::to_string(count) + (count == 1 ? " pixel" : " pixels") +
-                               " with values that are not finite (" + std::to_string(repairs.fNaN) +
-                               " not a number, " + std::to_string(repairs.fInfinite) + " infinite)");
+  pPicture.fWarnings.push_back("repaired " + std::to_string(count) + (count == 1 ? " pixel" : " pixels") +
+                               " with values that are not finite (" + std::to_string(fRepairs.fNaN) +
+                               " not a number, " + std::to_string(fRepairs.fInfinite) + " infinite)");
 }
 
 void cLightRows::Repair(float* pRow, float pLargest) {
-  for (int x = 0; x < fPicture.fBitmap->GetWidth(); ++x, pRow += 3) {
+  for (int x = 0; x < fWidth; ++x, pRow += 3) {
     if (std::all_of(pRow, pRow + 3, [](float pV) { return std::fabs(pV) <= kLargestSample; })) continue;
     const bool isNaN = std::any_of(pRow, pRow + 3, [](float pV) { return std::isnan(pV); });
-    ++(isNaN ? fPicture.fRepairs.fNaN : fPicture.fRepairs.fInfinite);
+    ++(isNaN ? fRepairs.fNaN : fRepairs.fInfinite);
     for (int i = 0; i < 3; ++i) pRow[i] = RepairSample(pRow[i], pLargest);
   }
 }
 
 void cLightRows::Convert(float* pRow, bool pHasNegative) {
-  if (fLight.fToXYZ) Transform(pRow, fPicture.fBitmap->GetWidth(), *fLight.fToXYZ);
+  if (fLight.fToXYZ) Transform(pRow, fWidth, *fLight.fToXYZ);
   if (fLight.fFitsGamut && (pHasNegative || !fIsInside)) FitGamut(pRow);
 }
 
 void cLightRows::FitGamut(float* pRow) {
-  for (int x = 0; x < fPicture.fBitmap->GetWidth(); ++x, pRow += 3) {
+  for (int x = 0; x < fWidth; ++x, pRow += 3) {
     TmEngine::cVector3 rgb = fSurface.fToRGB * TmEngine::cVector3(pRow[0], pRow[1], pRow[2]);
     if (rgb[0] >= 0.0f && rgb[1] >= 0.0f && rgb[2] >= 0.0f) continue;
-    ++fPicture.fRepairs.fNegative;
+    ++fRepairs.fNegative;
     for (int i = 0; i < 3; ++i) rgb[i] = std::max(rgb[i], 0.0f);
     const TmEngine::cVector3 xyz = fSurface.fToXYZ * rgb;
     for (int i = 0; i < 3; ++i) pRow[i] = xyz[i];

@@ -17,25 +17,27 @@ namespace Cli {
 ///   of pure colour. So what is below 0 in RGB of Rec. 2020 becomes 0 there; other pixels stay bit for bit.
 class cLightRows {
  public:
-  /// pPicture takes the rows, the numbers of repaired pixels, the colour space's name and warnings.
-  cLightRows(sPicture& pPicture, const sLight& pLight);
+  cLightRows(int pWidth, const sLight& pLight);
 
-  /// Row pY of the picture holds samples as pLight says. Each row is taken once.
-  void Take(int pY);
-  /// After the last row: before, rows that wait for the largest sample are not done.
-  void Finish();
+  /// pRow: samples as pLight says. Each row is taken once. False for a row that waits for the largest sample:
+  /// it must stay where it is until Finish.
+  bool Take(float* pRow);
+  /// After the last row: the rows that wait are done. pPicture is told the numbers of repaired pixels, the
+  /// colour space's name, and warnings.
+  void Finish(sPicture& pPicture);
 
  private:
   void Repair(float* pRow, float pLargest);
   void Convert(float* pRow, bool pHasNegative);
   void FitGamut(float* pRow);
 
-  sPicture& fPicture;
+  int fWidth;
   sLight fLight;
+  sRepairs fRepairs;
   sSurfaceColors fSurface;
   bool fIsInside = false;  ///< Whether all RGB samples that are not negative make colours of real surfaces.
   float fLargest = 0.0f;   ///< Of the finite samples so far.
-  std::vector<int> fWaiting;  ///< Rows that hold +infinity.
+  std::vector<float*> fWaiting;  ///< Rows that hold +infinity.
 };
 
 }  // namespace Cli

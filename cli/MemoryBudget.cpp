@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <utility>
 
 #include "cli/Failure.h"
 
@@ -122,9 +123,10 @@ void SetMemoryGate(tMemoryGate pGate) {
 }
 
 void PassMemoryGate(const std::string& pFile, std::int64_t pPixels) {
-  if (Gate() == nullptr) return;
+  const tMemoryGate gate = std::exchange(Gate(), nullptr);
+  if (gate == nullptr) return;
   const auto start = std::chrono::steady_clock::now();
-  Gate()(pFile, pPixels);
+  gate(pFile, pPixels);
   gGateSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -44,8 +44,8 @@ std::int64_t GetAvailableMemory();
 /// of some formats need more than the engine does.
 std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
 
-/// Called for a picture whose size has just become known, before its pixels are; it may wait, or throw the
-/// cFailure for a picture that is too large.
+/// Called once, for a picture whose size has just become known, before its pixels are; it may wait, or throw
+/// the cFailure for a picture that is too large. What is made of the picture later passes without it.
 using tMemoryGate = std::function<void(const std::string& pFile, std::int64_t pPixels)>;
 void SetMemoryGate(tMemoryGate pGate);
 void PassMemoryGate(const std::string& pFile, std::int64_t pPixels);

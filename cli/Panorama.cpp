@@ -73,13 +73,17 @@ bool StatesPanorama(const std::string& pXmp) {
   return cropped.empty() || cropped == FindProperty(pXmp, "GPano:FullPanoWidthPixels");
 }
 
-bool EdgesMeet(const sPicture& pPicture) {
+bool HasPanoramaShape(int pWidth, int pHeight) {
   constexpr int kFewestColumns = 64;
+  const std::int64_t tooWide = std::int64_t{pWidth} - 2 * std::int64_t{pHeight};
+  return pWidth >= kFewestColumns && std::abs(tooWide) * 100 <= pWidth;
+}
+
+bool EdgesMeet(const sPicture& pPicture) {
   constexpr int kPairs = 64;
   constexpr double kMostDifference = 1.25;
   const int width = pPicture.fBitmap->GetWidth();
-  const std::int64_t tooWide = std::int64_t{width} - 2 * std::int64_t{pPicture.fBitmap->GetHeight()};
-  if (width < kFewestColumns || std::abs(tooWide) * 100 > width) return false;
+  if (!HasPanoramaShape(width, pPicture.fBitmap->GetHeight())) return false;
   const int count = std::max(width / 1024, 1);
   std::vector<double> inside;
   for (int i = 0; i < kPairs; ++i) {

@@ -19,6 +19,9 @@ bool StatesPanorama(const std::string& pXmp);
 /// one.
 bool EdgesMeet(const sPicture& pPicture);
 
+/// Whether a picture of this size can be a panorama by its edges.
+bool HasPanoramaShape(int pWidth, int pHeight);
+
 /// What pWrap means for this picture: "auto" goes by its metadata, or else by its edges.
 bool ChooseWrap(eWrap pWrap, const sPicture& pPicture);
 

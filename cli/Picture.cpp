@@ -21,25 +21,44 @@ std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
   throw cFailure(eExitCode_CannotRead, pFile, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
 }
 
-}  // namespace
-
-sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
-  if (pWidth < 1 || pHeight < 1) {
-    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
-  }
-  constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
-  if (pWidth <= kLongest && pHeight <= kLongest) PassMemoryGate(pFile, pWidth * pHeight);
-  sPicture picture;
+std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(const std::string& pFile, int pWidth, int pHeight) {
   try {
-    if (pWidth > kLongest || pHeight > kLongest) throw std::bad_alloc();
-    picture.fBitmap =
-        std::make_unique<TmEngine::cBitmapXYZ32>(static_cast<int>(pWidth), static_cast<int>(pHeight));
+    return std::make_unique<TmEngine::cBitmapXYZ32>(pWidth, pHeight);
   } catch (const std::bad_alloc&) {
     RefuseSize(pFile, pWidth, pHeight);
   } catch (const TmEngine::cOutOfMemoryException&) {
     RefuseSize(pFile, pWidth, pHeight);
   }
+}
+
+}  // namespace
+
+void CheckSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
+  if (pWidth < 1 || pHeight < 1) {
+    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
+  }
+  constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
+  if (pWidth > kLongest || pHeight > kLongest) RefuseSize(pFile, pWidth, pHeight);
+  PassMemoryGate(pFile, pWidth * pHeight);
+}
+
+sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
+  CheckSize(pFile, pWidth, pHeight);
+  sPicture picture;
+  picture.fBitmap = MakeBitmap(pFile, static_cast<int>(pWidth), static_cast<int>(pHeight));
   return picture;
+}
+
+void LoadRows(const std::string& pFile, sPicture& pPicture) {
+  if (pPicture.fRows == nullptr) return;
+  cPictureRows& rows = *pPicture.fRows;
+  pPicture.fBitmap = MakeBitmap(pFile, rows.GetWidth(), rows.GetHeight());
+  if (rows.HasAlpha()) AddAlpha(pFile, pPicture);
+  for (int y = 0; y < rows.GetHeight(); ++y) {
+    rows.Read(y, GetRow(pPicture, y), rows.HasAlpha() ? GetAlphaRow(pPicture, y) : nullptr);
+  }
+  rows.Finish(pPicture);
+  pPicture.fRows.reset();
 }
 
 void AddAlpha(const std::string& pFile, sPicture& pPicture) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/Metadata.h"
+#include "cli/PictureRows.h"
 #include "engine/cBitmapXYZ32.h"
 
 namespace Cli {
@@ -20,7 +21,9 @@ struct sRepairs {
 
 /// A picture as the engine takes it, and what its reader knows of it.
 struct sPicture {
-  std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;  ///< D50-relative XYZ, linear, every sample finite.
+  /// D50-relative XYZ, linear, every sample finite; null while the rows are in the file.
+  std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;
+  std::unique_ptr<cPictureRows> fRows;  ///< Null when they have been read.
   /// For a reduced picture: pixels of the whole one, which tell where black and white lie. Null for others.
   std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
   std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
@@ -33,9 +36,15 @@ struct sPicture {
   std::vector<std::string> fWarnings;
 };
 
-/// A picture of the given size, its pixels not set. Throws cFailure, in the name of pFile, for sizes that no
-/// memory holds.
+/// Lets a picture of this size through the memory gate. Throws cFailure, in the name of pFile, for sizes that
+/// no memory holds.
+void CheckSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
+
+/// A picture of the given size, its pixels not set. Throws as CheckSize does.
 sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
+
+/// Reads the rows that are still in pFile; they come to rest in memory. Throws cFailure.
+void LoadRows(const std::string& pFile, sPicture& pPicture);
 
 /// Gives pPicture an alpha for each pixel, not set. Throws cFailure, in the name of pFile.
 void AddAlpha(const std::string& pFile, sPicture& pPicture);

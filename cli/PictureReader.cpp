@@ -7,15 +7,21 @@
 
 namespace Cli {
 
-sPicture ReadPicture(const std::string& pFile) {
+sPicture OpenPicture(const std::string& pFile) {
   switch (TellFileKind(pFile)) {
     case eFileKind::kExr:
       return ReadExr(pFile);
     case eFileKind::kPfm:
       return ReadPfm(pFile);
     default:
-      return ReadWithVips(pFile);
+      return OpenWithVips(pFile);
   }
+}
+
+sPicture ReadPicture(const std::string& pFile) {
+  sPicture picture = OpenPicture(pFile);
+  LoadRows(pFile, picture);
+  return picture;
 }
 
 }  // namespace Cli

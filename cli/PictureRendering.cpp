@@ -22,6 +22,32 @@ void FillReport(const TmEngine::cTmRenderer& pRenderer, const cResultSink& pSink
   pReport.fWhiteShare = static_cast<double>(pSink.GetClipped().fWhite) / pixels;
 }
 
+/// pStart: the column of the picture that the rows begin with.
+cResultPixels Render(TmEngine::cTmRenderer& pRenderer, const TmEngine::cRowSource& pRows, int pStart,
+                     const sOutputOptions& pOutput, sRenderingReport& pReport) {
+  cResultPixels result(pRows.GetWidth(), pRows.GetHeight(), pOutput.fDepth);
+  cResultSink sink(result, pOutput.fColorSpace, pStart);
+  pRenderer.SetInputRows(pRows);
+  pRenderer.SetOutputRows(sink);
+  pRenderer.Render();
+  FillReport(pRenderer, sink, pReport);
+  return result;
+}
+
+/// Makes of what pWork throws the failure of pFile.
+template <class tWork>
+cResultPixels NameFailures(const std::string& pFile, const tWork& pWork) {
+  try {
+    return pWork();
+  } catch (const cFailure&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw cFailure(eExitCode_Processing, pFile, "not enough memory to tone-map it");
+  } catch (const std::exception& exception) {
+    throw cFailure(eExitCode_Processing, pFile, exception.what());
+  }
+}
+
 /// The black and white points of another picture with the same settings.
 TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettings& pSettings, bool pWrap) {
   const auto ignored =
@@ -50,32 +76,33 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
 cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
-  try {
-    cResultPixels result(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight(), pOutput.fDepth);
+  return NameFailures(pFile, [&] {
     pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
     HideTransparent(pPicture);
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);
-    cResultSink sink(result, pOutput.fColorSpace, start);
     SetUpRenderer(pRenderer, pSettings, pReport.fWrap, pVerbose);
     if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
-    pRenderer.SetInputRows(source);
-    pRenderer.SetOutputRows(sink);
-    pRenderer.Render();
-    FillReport(pRenderer, sink, pReport);
+    cResultPixels result = Render(pRenderer, source, start, pOutput, pReport);
     BlackenTransparent(result, pPicture.fAlpha);
     return result;
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_Processing, pFile, "not enough memory to tone-map it");
-  } catch (const std::exception& exception) {
-    throw cFailure(eExitCode_Processing, pFile, exception.what());
-  }
+  });
 }
 
 cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const sSettings& pSettings,
                             const sOutputOptions& pOutput, bool pVerbose, sRenderingReport& pReport) {
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
   return RenderWith(*renderer, pFile, pPicture, pSettings, pOutput, pVerbose, pReport);
+}
+
+cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
+                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
+                         sRenderingReport& pReport) {
+  return NameFailures(pFile, [&] {
+    const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
+    SetUpRenderer(*renderer, pSettings, false, pVerbose);
+    return Render(*renderer, pRows, 0, pOutput, pReport);
+  });
 }
 
 }  // namespace Cli

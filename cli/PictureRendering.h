@@ -31,4 +31,10 @@ cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pF
 cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const sSettings& pSettings,
                             const sOutputOptions& pOutput, bool pVerbose, sRenderingReport& pReport);
 
+/// Tone-maps rows as they come, of a picture without alpha whose edges do not meet. What reading throws
+/// passes; all else is a cFailure in the name of pFile.
+cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
+                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
+                         sRenderingReport& pReport);
+
 }  // namespace Cli

@@ -35,20 +35,14 @@ void AddLuminance(sPictureStatistics& pTo, float pLuminance) {
   ++pTo.fBins[static_cast<std::size_t>(bin)];
 }
 
-sPictureStatistics Measure(const sPicture& pPicture, int pStepX, int pStepY) {
-  sPictureStatistics statistics;
-  statistics.fBins.assign(kBins, 0);
-  const int width = pPicture.fBitmap->GetWidth();
-  for (int y = pStepY / 2; y < pPicture.fBitmap->GetHeight(); y += pStepY) {
-    const float* const row = GetRow(pPicture, y);
-    const auto first = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
-    for (int x = pStepX / 2; x < width; x += pStepX) {
-      const bool isSeen = pPicture.fAlpha.empty() || pPicture.fAlpha[first + static_cast<std::size_t>(x)] > 0;
-      if (isSeen) AddLuminance(statistics, row[3 * x + 1]);
-    }
+sPictureStatistics Measure(const sPicture& pPicture, cLuminanceSampler pSampler) {
+  const auto width = static_cast<std::size_t>(pPicture.fBitmap->GetWidth());
+  for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
+    const bool hasAlpha = !pPicture.fAlpha.empty();
+    pSampler.TakeRow(y, GetRow(pPicture, y),
+                     hasAlpha ? &pPicture.fAlpha[static_cast<std::size_t>(y) * width] : nullptr);
   }
-  if (statistics.CountPositive() > 0) statistics.fLogMean /= static_cast<double>(statistics.CountPositive());
-  return statistics;
+  return pSampler.Get();
 }
 
 }  // namespace
@@ -88,14 +82,40 @@ std::vector<std::int64_t> sPictureStatistics::CountTenths(double pFrom) const {
   return counts;
 }
 
+cLuminanceSampler::cLuminanceSampler(int pWidth, int pStepX, int pStepY)
+    : fWidth(pWidth), fStepX(pStepX), fStepY(pStepY) {
+  fSum.fBins.assign(kBins, 0);
+}
+
+cLuminanceSampler cLuminanceSampler::OfAll(int pWidth) {
+  return {pWidth, 1, 1};
+}
+
+cLuminanceSampler cLuminanceSampler::OfPart(int pWidth, int pHeight) {
+  constexpr int kSide = 400;
+  return {pWidth, std::max(pWidth / kSide, 1), std::max(pHeight / kSide, 1)};
+}
+
+void cLuminanceSampler::TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha) {
+  if (pY % fStepY != fStepY / 2) return;
+  for (int x = fStepX / 2; x < fWidth; x += fStepX) {
+    if (pAlpha == nullptr || pAlpha[x] > 0) AddLuminance(fSum, pRow[3 * x + 1]);
+  }
+}
+
+sPictureStatistics cLuminanceSampler::Get() const {
+  sPictureStatistics statistics = fSum;
+  if (statistics.CountPositive() > 0) statistics.fLogMean /= static_cast<double>(statistics.CountPositive());
+  return statistics;
+}
+
 sPictureStatistics MeasurePicture(const sPicture& pPicture) {
-  return Measure(pPicture, 1, 1);
+  return Measure(pPicture, cLuminanceSampler::OfAll(pPicture.fBitmap->GetWidth()));
 }
 
 sPictureStatistics SamplePicture(const sPicture& pPicture) {
-  constexpr int kSide = 400;
-  return Measure(pPicture, std::max(pPicture.fBitmap->GetWidth() / kSide, 1),
-                 std::max(pPicture.fBitmap->GetHeight() / kSide, 1));
+  return Measure(pPicture,
+                 cLuminanceSampler::OfPart(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight()));
 }
 
 }  // namespace Cli

@@ -31,10 +31,30 @@ struct sPictureStatistics {
   double GetDynamicRange() const { return GetQuantile(0.999) - GetQuantile(0.01); }
 };
 
+/// Gathers them from rows as they pass.
+class cLuminanceSampler {
+ public:
+  static cLuminanceSampler OfAll(int pWidth);
+  /// A regular sample, which takes no time to speak of: each side is walked in steps that leave about 400
+  /// pixels on it.
+  static cLuminanceSampler OfPart(int pWidth, int pHeight);
+
+  /// Row pY, XYZ. pAlpha: of a picture with alpha, else null.
+  void TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha);
+  sPictureStatistics Get() const;
+
+ private:
+  cLuminanceSampler(int pWidth, int pStepX, int pStepY);
+
+  int fWidth;
+  int fStepX;
+  int fStepY;
+  sPictureStatistics fSum;  ///< Its mean is a sum until the end.
+};
+
 /// Looks at every pixel in one pass.
 sPictureStatistics MeasurePicture(const sPicture& pPicture);
-/// The same on a regular sample, which takes no time to speak of: each side is walked in steps that leave
-/// about 400 pixels on it.
+/// The same on a regular sample.
 sPictureStatistics SamplePicture(const sPicture& pPicture);
 
 }  // namespace Cli

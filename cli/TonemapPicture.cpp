@@ -6,7 +6,9 @@
 
 #include "cli/AutoSettings.h"
 #include "cli/Failure.h"
+#include "cli/FileSource.h"
 #include "cli/MemoryBudget.h"
+#include "cli/Panorama.h"
 #include "cli/PictureReader.h"
 #include "cli/Preview.h"
 #include "cli/SettingsJson.h"
@@ -32,36 +34,83 @@ void MakeFolder(const std::string& pTarget) {
   }
 }
 
-sPictureReport Tonemap(const sTonemapJob& pJob) {
+void TellRange(const sPictureStatistics& pStatistics, sPictureReport& pReport) {
+  pReport.fDynamicRange = pStatistics.CountPositive() > 0 ? pStatistics.GetDynamicRange() : 0.0;
+}
+
+sSettings GetGivenSettings(const sTonemapJob& pJob) {
+  sSettings settings = pJob.fSettings;
+  Apply(pJob.fChange, settings);
+  return settings;
+}
+
+/// Whether the first row can be worked on before the last one is known.
+bool CanBeStreamed(const sTonemapJob& pJob, const sPicture& pPicture) {
+  const bool isLookedAtBefore = pJob.fAuto || pJob.fResult.fPreview > 0;
+  if (pPicture.fRows == nullptr || pPicture.fRows->HasAlpha() || isLookedAtBefore) return false;
+  const eWrap wrap = GetGivenSettings(pJob).fWrap;
+  const bool mayMeet =
+      pPicture.fIsPanorama || HasPanoramaShape(pPicture.fRows->GetWidth(), pPicture.fRows->GetHeight());
+  return wrap == eWrap::kNone || (wrap == eWrap::kAuto && !mayMeet);
+}
+
+/// Reads the rest of the picture, and does what is done before the engine's work.
+void Load(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) {
+  const auto start = tClock::now();
+  LoadRows(pJob.fInput, pPicture);
+  pReport.fReadSeconds += SecondsSince(start);
+  const sPictureStatistics statistics = SamplePicture(pPicture);
+  TellRange(statistics, pReport);
+  if (pJob.fAuto) pReport.fSettings = SuggestSettings(statistics);
+  if (pJob.fAuto) Apply(pJob.fChange, pReport.fSettings);
+  if (pJob.fResult.fPreview > 0) pPicture = ReducePicture(pJob.fInput, std::move(pPicture), pJob.fResult.fPreview);
+}
+
+/// The engine's preparation asks for the rows: reading them is no part of its time.
+cResultPixels RenderStreamed(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) {
+  const cFileSource source(*pPicture.fRows);
+  cResultPixels result =
+      RenderRows(pJob.fInput, source, pReport.fSettings, pJob.fResult, pJob.fVerbose, pReport.fRendering);
+  pPicture.fRows->Finish(pPicture);
+  pPicture.fRows.reset();
+  TellRange(source.GetSample(), pReport);
+  pReport.fReadSeconds += source.GetSeconds();
+  pReport.fRendering.fSeconds.fPreparation -= source.GetSeconds();
+  return result;
+}
+
+void TellOfPicture(const sPicture& pPicture, sPictureReport& pReport) {
+  pReport.fFormat = pPicture.fFormat;
+  pReport.fColorSpace = pPicture.fColorSpace;
+  pReport.fFileDepth = pPicture.fFileDepth;
+  pReport.fRepairs = pPicture.fRepairs;
+  pReport.fWarnings = pPicture.fWarnings;
+}
+
+sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
   const eOutputFormat format = ChooseJobFormat(pJob);
   if (pJob.fOutput != kStandardStream) CheckIsAnother(pJob.fInput, pJob.fOutput);
   if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
     RefuseExisting(pJob.fOutput, ", --skip-existing leaves it as it is");
   sPictureReport report;
+  report.fSettings = GetGivenSettings(pJob);
   TakeGateSeconds();
   const auto start = tClock::now();
-  sPicture picture = ReadPicture(pJob.fInput);
+  sPicture picture = OpenPicture(pJob.fInput);
   report.fReadSeconds = SecondsSince(start) - TakeGateSeconds();
-  const sPictureStatistics statistics = SamplePicture(picture);
-  report.fDynamicRange = statistics.CountPositive() > 0 ? statistics.GetDynamicRange() : 0.0;
-  report.fSettings = pJob.fAuto ? SuggestSettings(statistics) : pJob.fSettings;
-  Apply(pJob.fChange, report.fSettings);
-  const int preview = pJob.fResult.fPreview;
-  if (preview > 0) picture = ReducePicture(pJob.fInput, std::move(picture), preview);
-  report.fWarnings = picture.fWarnings;
-  report.fWidth = picture.fBitmap->GetWidth();
-  report.fHeight = picture.fBitmap->GetHeight();
-  report.fFormat = picture.fFormat;
-  report.fColorSpace = picture.fColorSpace;
-  report.fFileDepth = picture.fFileDepth;
-  report.fRepairs = picture.fRepairs;
+  const bool isStreamed = pMayStream && CanBeStreamed(pJob, picture);
+  if (!isStreamed) Load(pJob, picture, report);
+  report.fWidth = isStreamed ? picture.fRows->GetWidth() : picture.fBitmap->GetWidth();
+  report.fHeight = isStreamed ? picture.fRows->GetHeight() : picture.fBitmap->GetHeight();
   CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
   if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
   // before the work, so that a place that cannot be written to is told early
   cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
-  cResultPixels result =
-      RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult, pJob.fVerbose, report.fRendering);
+  cResultPixels result = isStreamed ? RenderStreamed(pJob, picture, report)
+                                    : RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult,
+                                                    pJob.fVerbose, report.fRendering);
   picture.fBitmap.reset();
+  TellOfPicture(picture, report);
   // What was decided for this picture is kept, so that it can be repeated.
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
   picture.fMetadata.PutSettings(ToJson(report.fSettings, pJob.fResult));
@@ -72,6 +121,14 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
   report.fWriteSeconds = SecondsSince(rendered);
   return report;
+}
+
+sPictureReport Tonemap(const sTonemapJob& pJob) {
+  try {
+    return Tonemap(pJob, true);
+  } catch (const sNeedsWholePicture&) {
+    return Tonemap(pJob, false);
+  }
 }
 
 /// Failures name the stream, not the place where its bytes were kept.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <utility>
 #include <vips/vips8>
 
 #include "cli/Alpha.h"
@@ -154,20 +156,37 @@ void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vect
 }
 
 /// Streams the rows: no more of the file's own pixels than a strip is in memory.
-void ReadRows(const VImage& pImage, const sLayout& pLayout, const sLight& pLight, sPicture& pPicture) {
-  constexpr int kStrip = 16;
-  const int width = pImage.width();
-  std::vector<float> room;
-  cLightRows light(pPicture, pLight);
-  const vips::VRegion region = vips::VRegion::new_from_image(pImage);
-  for (int y = 0; y < pImage.height(); ++y) {
-    if (y % kStrip == 0) region.prepare(0, y, width, std::min(kStrip, pImage.height() - y));
-    TakeRow(region.addr(0, y), pLayout, width, room, GetRow(pPicture, y));
-    if (!pPicture.fAlpha.empty()) ToAlpha(region.addr(0, y), pLayout, width, GetAlphaRow(pPicture, y));
-    light.Take(y);
+class cVipsRows : public cPictureRows {
+ public:
+  cVipsRows(const std::string& pFile, const VImage& pImage, sLayout pLayout, const sLight& pLight)
+      : cPictureRows(pImage.width(), pImage.height(), pLayout.fSamples > pLayout.fColours),
+        fFile(pFile),
+        fLayout(std::move(pLayout)),
+        fLight(pImage.width(), pLight),
+        fRegion(vips::VRegion::new_from_image(pImage)) {}
+
+  bool Read(int pY, float* pTo, std::uint16_t* pToAlpha) override {
+    constexpr int kStrip = 16;
+    try {
+      if (pY % kStrip == 0) fRegion.prepare(0, pY, GetWidth(), std::min(kStrip, GetHeight() - pY));
+    } catch (const vips::VError&) {
+      RefuseDamaged(fFile);
+    }
+    const VipsPel* const row = fRegion.addr(0, pY);
+    TakeRow(row, fLayout, GetWidth(), fRoom, pTo);
+    if (pToAlpha != nullptr) ToAlpha(row, fLayout, GetWidth(), pToAlpha);
+    return fLight.Take(pTo);
   }
-  light.Finish();
-}
+
+  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+
+ private:
+  std::string fFile;
+  sLayout fLayout;
+  cLightRows fLight;
+  vips::VRegion fRegion;
+  std::vector<float> fRoom;
+};
 
 void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
   pPicture.fFormat = GetFormatName(pImage);
@@ -176,27 +195,34 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
   pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata.GetXmpPacket());
 }
 
-sPicture ReadChecked(const std::string& pFile) {
+sPicture OpenChecked(const std::string& pFile) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
   VImage image = OpenUpright(pFile, header.fOrientation);
-  sPicture picture = MakePicture(pFile, image.width(), image.height());
+  CheckSize(pFile, image.width(), image.height());
+  sPicture picture;
   TellOfFile(pFile, image, picture);
   if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
   sLayout layout = ChooseLayout(pFile, image, picture);
   std::copy_n(header.fScale, 3, layout.fScale);
-  if (layout.fSamples > layout.fColours) AddAlpha(pFile, picture);
-  ReadRows(image, layout, ChooseLight(layout, header, picture), picture);
+  const sLight light = ChooseLight(layout, header, picture);
+  picture.fRows = std::make_unique<cVipsRows>(pFile, image, std::move(layout), light);
   return picture;
 }
 
 }  // namespace
 
-sPicture ReadWithVips(const std::string& pFile) {
+sPicture OpenWithVips(const std::string& pFile) {
   try {
-    return ReadChecked(pFile);
+    return OpenChecked(pFile);
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   }
+}
+
+sPicture ReadWithVips(const std::string& pFile) {
+  sPicture picture = OpenWithVips(pFile);
+  LoadRows(pFile, picture);
+  return picture;
 }
 
 }  // namespace Cli

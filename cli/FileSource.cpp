@@ -1,0 +1,31 @@
+#include "cli/FileSource.h"
+
+#include <chrono>
+#include <cstddef>
+
+namespace Cli {
+
+cFileSource::cFileSource(cPictureRows& pRows)
+    : cRowSource(pRows.GetWidth(), pRows.GetHeight()),
+      fState{pRows, cLuminanceSampler::OfPart(pRows.GetWidth(), pRows.GetHeight()),
+             std::vector<float>(std::size_t{3} * static_cast<std::size_t>(pRows.GetWidth()))} {}
+
+void cFileSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const {
+  if (pY != fState.fY) ReadRow(pY);
+  const float* pixel = fState.fRow.data() + std::ptrdiff_t{3} * pX;
+  for (int i = 0; i < pCount; ++i, pixel += 3) {
+    pToX[i] = pixel[0];
+    pToY[i] = pixel[1];
+    pToZ[i] = pixel[2];
+  }
+}
+
+void cFileSource::ReadRow(int pY) const {
+  const auto start = std::chrono::steady_clock::now();
+  if (!fState.fRows.Read(pY, fState.fRow.data(), nullptr)) throw sNeedsWholePicture();
+  fState.fY = pY;
+  fState.fSampler.TakeRow(pY, fState.fRow.data(), nullptr);
+  fState.fSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace Cli
