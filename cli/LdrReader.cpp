@@ -29,7 +29,7 @@ using vips::VImage;
 /// The file's picture, upright. Throws cFailure unless its samples are integers of 8 or 16 bits.
 VImage OpenIntegers(const std::string& pFile, const std::string& pVerb) {
   if (TellFileKind(pFile) != eFileKind::kVips) RefuseFloats(pFile, pVerb);
-  VImage image = OpenUpright(pFile, 1);
+  VImage image = Uncode(OpenUpright(pFile, 1));
   switch (image.format()) {
     case VIPS_FORMAT_UCHAR:
     case VIPS_FORMAT_USHORT:

@@ -1,7 +1,7 @@
 #include "cli/VipsReader.h"
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <memory>
 #include <utility>
 #include <vips/vips8>
@@ -24,11 +24,13 @@ struct sLayout {
   int fSamples = 3;  ///< A pixel, alpha included.
   int fColours = 3;  ///< Of them colours: 1 grey, 3 RGB, 4 CMYK; they come first.
   VipsBandFormat fFormat = VIPS_FORMAT_UCHAR;
-  float fFull = 255.0f;                       ///< The integer sample for full colour.
-  std::array<std::vector<float>, 4> fTables;  ///< The float for each integer sample of each colour.
-  std::unique_ptr<cIccDecoder> fDecoder;      ///< Null without a profile.
-  sCodedColors fCoded;                        ///< Of integers without one.
-  double fScale[3] = {1.0, 1.0, 1.0};         ///< What linear samples were multiplied by.
+  bool fIsRgbe = false;                   ///< The floats stand in the file as four bytes a pixel.
+  float fFull = 255.0f;                   ///< The integer sample for full colour.
+  std::vector<float> fTables[4];          ///< The float for each integer sample; colours may share one.
+  const float* fTableOf[4] = {};          ///< Each colour's.
+  std::unique_ptr<cIccDecoder> fDecoder;  ///< Null without a profile.
+  sCodedColors fCoded;                    ///< Of integers without one.
+  double fScale[3] = {1.0, 1.0, 1.0};     ///< What linear samples were multiplied by.
 
   bool IsOfFloats() const { return fFormat == VIPS_FORMAT_FLOAT; }
   /// Whether a row goes through the profile's own transform, instead of curves and a matrix.
@@ -50,6 +52,17 @@ std::vector<float> MakeTable(const sLayout& pLayout, int pColour) {
   return table;
 }
 
+/// Large tables leave the processor's caches to the pixels only when colours share what is the same.
+void MakeTables(sLayout& pLayout) {
+  std::vector<float>& first = pLayout.fTables[0];
+  for (int i = 0; i < pLayout.fColours; ++i) {
+    const bool isOfAll = i > 0 && pLayout.fDecoder == nullptr;
+    std::vector<float>& table = pLayout.fTables[i];
+    if (!isOfAll) table = MakeTable(pLayout, i);
+    pLayout.fTableOf[i] = isOfAll || table == first ? first.data() : table.data();
+  }
+}
+
 sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
   sLayout layout;
   layout.fSamples = pImage.bands();
@@ -68,8 +81,7 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   }
   const int bits = GetSampleBits(pImage);
   layout.fFull = static_cast<float>(bits == 8 ? 255 : 65536 - (1 << (16 - bits)));
-  for (int i = 0; i < layout.fColours; ++i)
-    layout.fTables[static_cast<std::size_t>(i)] = MakeTable(layout, i);
+  MakeTables(layout);
   return layout;
 }
 
@@ -84,20 +96,42 @@ sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPict
 }
 
 /// Takes the colours of each pixel, pStep floats from one to the next.
+template <int tColours, class tSample, class tToFloat>
+void TakePixels(const VipsPel* pFrom, int pFromStep, int pWidth, int pStep, float* pTo,
+                const tToFloat& pToFloat) {
+  const auto* from = reinterpret_cast<const tSample*>(pFrom);
+  for (int x = 0; x < pWidth; ++x, from += pFromStep, pTo += pStep) {
+    for (int i = 0; i < tColours; ++i) pTo[i] = pToFloat(from[i], i);
+  }
+}
+
 template <class tSample, class tToFloat>
 void TakeColours(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, int pStep, float* pTo,
                  const tToFloat& pToFloat) {
-  for (int i = 0; i < pLayout.fColours; ++i) {
-    const auto* from = reinterpret_cast<const tSample*>(pFrom) + i;
-    float* to = pTo + i;
-    for (int x = 0; x < pWidth; ++x, from += pLayout.fSamples, to += pStep) *to = pToFloat(*from, i);
+  const auto take = pLayout.fColours == 1   ? TakePixels<1, tSample, tToFloat>
+                    : pLayout.fColours == 3 ? TakePixels<3, tSample, tToFloat>
+                                            : TakePixels<4, tSample, tToFloat>;
+  take(pFrom, pLayout.fSamples, pWidth, pStep, pTo, pToFloat);
+}
+
+/// A sample stands for the middle of its step. An exponent of 0 is black.
+void DecodeRgbe(const VipsPel* pFrom, int pWidth, float* pTo) {
+  static const std::vector<float> kSteps = [] {
+    std::vector<float> steps(256);
+    for (int i = 1; i < 256; ++i) steps[static_cast<std::size_t>(i)] = std::ldexp(1.0f, i - 136);
+    return steps;
+  }();
+  const float* const steps = kSteps.data();
+  for (int x = 0; x < pWidth; ++x, pFrom += 4, pTo += 3) {
+    const float step = steps[pFrom[3]];
+    for (int i = 0; i < 3; ++i) pTo[i] = (static_cast<float>(pFrom[i]) + 0.5f) * step;
   }
 }
 
 void ToFloats(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, int pStep, float* pTo) {
-  const auto look = [&](auto pSample, int pColour) {
-    return pLayout.fTables[static_cast<std::size_t>(pColour)][pSample];
-  };
+  const float* const tables[] = {pLayout.fTableOf[0], pLayout.fTableOf[1], pLayout.fTableOf[2],
+                                 pLayout.fTableOf[3]};
+  const auto look = [&tables](auto pSample, int pColour) { return tables[pColour][pSample]; };
   const auto take = [](float pSample, int) { return pSample; };
   const auto linearise = [&](float pSample, int pColour) {
     return pLayout.fDecoder->Linearise(pColour, pSample);
@@ -150,7 +184,11 @@ void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vect
     ToFloats(pFrom, pLayout, pWidth, pLayout.fColours, pRoom.data());
     return pLayout.fDecoder->ToXYZ(pRoom.data(), pTo, pWidth);
   }
-  ToFloats(pFrom, pLayout, pWidth, 3, pTo);
+  if (pLayout.fIsRgbe) {
+    DecodeRgbe(pFrom, pWidth, pTo);
+  } else {
+    ToFloats(pFrom, pLayout, pWidth, 3, pTo);
+  }
   if (pLayout.fColours == 1) SpreadGrey(pTo, pWidth);
   UndoScale(pTo, pWidth, pLayout.fScale);
 }
@@ -197,15 +235,18 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
 
 sPicture OpenChecked(const std::string& pFile) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
-  VImage image = OpenUpright(pFile, header.fOrientation);
+  const VImage stored = OpenUpright(pFile, header.fOrientation);
+  VImage image = Uncode(stored);
   CheckSize(pFile, image.width(), image.height());
   sPicture picture;
   TellOfFile(pFile, image, picture);
   if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
   sLayout layout = ChooseLayout(pFile, image, picture);
   std::copy_n(header.fScale, 3, layout.fScale);
+  layout.fIsRgbe = IsCoded(stored);
   const sLight light = ChooseLight(layout, header, picture);
-  picture.fRows = std::make_unique<cVipsRows>(pFile, image, std::move(layout), light);
+  picture.fRows =
+      std::make_unique<cVipsRows>(pFile, layout.fIsRgbe ? stored : image, std::move(layout), light);
   return picture;
 }
 

@@ -87,11 +87,18 @@ VImage OpenUpright(const std::string& pFile, int pOrientation) {
   VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL);
   const int orientation = pOrientation > 1 ? pOrientation : vips_image_get_orientation(image.get_image());
   if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM);
-  if (image.coding() == VIPS_CODING_RAD) image = image.rad2float();
   if (orientation <= 1) return image;
-  image = image.copy();
+  image = Uncode(image).copy();
   image.set(VIPS_META_ORIENTATION, orientation);
   return image.autorot();
+}
+
+bool IsCoded(const VImage& pImage) {
+  return pImage.coding() == VIPS_CODING_RAD;
+}
+
+VImage Uncode(const VImage& pImage) {
+  return IsCoded(pImage) ? pImage.rad2float() : pImage;
 }
 
 std::string GetFormatName(const VImage& pImage) {

@@ -10,9 +10,15 @@
 namespace Cli {
 
 /// Opens a Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF or JPEG XL file and turns the picture upright; rows
-/// are streamed unless they must be turned. pOrientation, as EXIF counts it, replaces what the file's
-/// metadata say unless it is 1. Throws cFailure and vips::VError.
+/// are streamed unless they must be turned. Pixels of Radiance that stand as they are stay coded.
+/// pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. Throws cFailure and
+/// vips::VError.
 vips::VImage OpenUpright(const std::string& pFile, int pOrientation);
+
+/// Whether each pixel is four bytes: samples of red, green and blue, and their common exponent.
+bool IsCoded(const vips::VImage& pImage);
+/// With floats in place of coded pixels.
+vips::VImage Uncode(const vips::VImage& pImage);
 
 /// Ends the work on a picture that libvips failed to read.
 [[noreturn]] void RefuseDamaged(const std::string& pFile);
