@@ -2,15 +2,15 @@
 
 #include <zlib.h>
 #include <algorithm>
+#include <exception>
 #include <exiv2/exiv2.hpp>
 #include <exiv2/webpimage.hpp>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 #include <string_view>
 
-#include "cli/FileBytes.h"
+#include "cli/FileHead.h"
 
 namespace Cli {
 
@@ -244,9 +244,10 @@ bool IsJpeg(const std::string& pPath) {
   return std::ifstream(pPath, std::ios::binary).get() == 0xff;
 }
 
-/// The new file for pFile. Throws what Exiv2 throws.
-std::string PutIn(const std::string& pFile, const sMetadataBlocks& pBlocks) {
-  auto image = Exiv2::ImageFactory::open(BytesOf(pFile), static_cast<long>(pFile.size()));
+/// The new head for a file's. Throws what Exiv2 throws.
+std::string PutIn(const sFileHead& pHead, const sMetadataBlocks& pBlocks) {
+  const std::string& head = pHead.fFile;
+  auto image = Exiv2::ImageFactory::open(BytesOf(head), static_cast<long>(head.size()));
   image->readMetadata();
   const bool isTiff = image->imageType() == Exiv2::ImageType::tiff;
   Exiv2::ExifData& exif = image->exifData();
@@ -266,10 +267,10 @@ std::string PutIn(const std::string& pFile, const sMetadataBlocks& pBlocks) {
   return isPng && !pBlocks.fExif.empty() ? WithExifChunk(std::move(file), pBlocks.fExif) : file;
 }
 
-/// Tries each kind alone, and clears those that cannot be written into pFile.
-void DropFaulty(const std::string& pFile, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
+/// Tries each kind alone, and clears those that cannot be written into the head.
+void DropFaulty(const sFileHead& pHead, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
   const auto isFaulty = [&](const char* pName, const sMetadataBlocks& pPart) {
-    const std::string fault = FaultOf([&] { PutIn(pFile, pPart); });
+    const std::string fault = FaultOf([&] { PutIn(pHead, pPart); });
     Warn(std::string("its ") + pName + " is left out", fault, pWarnings);
     return !fault.empty();
   };
@@ -360,17 +361,17 @@ void WriteBlocks(const std::string& pPath, const sMetadataBlocks& pBlocks,
                  std::vector<std::string>& pWarnings) {
   const bool isEmpty = pBlocks.fExif.empty() && pBlocks.fIptc.empty() && pBlocks.fXmp.empty();
   if (isEmpty && !IsJpeg(pPath)) return;
-  const std::string file = ReadBytes(pPath);
+  const sFileHead head = ReadFileHead(pPath);
   sMetadataBlocks sound = pBlocks;
   std::string completed;
-  const auto put = [&] { completed = PutIn(file, sound); };
+  const auto put = [&] { completed = PutIn(head, sound); };
   if (!FaultOf(put).empty()) {
-    DropFaulty(file, sound, pWarnings);
+    DropFaulty(head, sound, pWarnings);
     completed.clear();
     const std::string fault = FaultOf(put);
     if (completed.empty()) return Warn("its metadata are left out", fault, pWarnings);
   }
-  WriteBytes(pPath, completed);
+  ReplaceFileHead(pPath, head, completed);
 }
 
 }  // namespace Cli
