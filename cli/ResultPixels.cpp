@@ -27,15 +27,15 @@ void TurnRow(const unsigned char* pFrom, int pWidth, unsigned char* pTo) {
 template <class tSample>
 void CountClipped(const unsigned char* pRow, int pSamples, sClippedPixels& pTo) {
   constexpr tSample kFull = std::numeric_limits<tSample>::max();
-  constexpr int kPart = 3 * 128;
+  constexpr int kPart = 3 * 64;
   const auto* const row = reinterpret_cast<const tSample*>(pRow);
   for (int start = 0; start < pSamples; start += kPart) {
     const int end = std::min(start + kPart, pSamples);
     tSample least = kFull;
     tSample largest = 0;
     for (int i = start; i < end; ++i) {
-      least = std::min(least, row[i]);
-      largest = std::max(largest, row[i]);
+      least = row[i] < least ? row[i] : least;
+      largest = row[i] > largest ? row[i] : largest;
     }
     if (least > 0 && largest < kFull) continue;
     for (int i = start; i < end; i += 3) {

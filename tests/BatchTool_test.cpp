@@ -239,6 +239,8 @@ TEST_F(BatchTool, KeepsToItsMemory) {
   EXPECT_NE(run.fErrors.find("more/wide.pfm: needs about 165 MiB of memory, and the limit is 80 MiB"),
             std::string::npos)
       << run.fErrors;
+  // what a picture was let in with comes back, whatever is made of it
+  EXPECT_EQ(Run("tonemap -r in --out-dir small -j 3 --preview 100 --memory-limit 80M").fExitCode, 0);
   EXPECT_EQ(Run("tonemap more/wide.pfm -o a.png --memory-limit 80M").fExitCode, 5);
 }
 
@@ -295,7 +297,12 @@ TEST_F(BatchTool, EndsAtOnceWhenInterrupted) {
                {"in/large.png" + options, SIGINT, {}, "interrupted"}};
   for (const auto& row : cases) {
     const cRunningTool tool(row.fArguments);
-    WaitUntil([&] { return List("out").size() == row.fLeft.size() + 1 && IsInWork(); });
+    WaitUntil([&] {
+      const std::set<std::string> files = List("out");
+      const auto is = [&](const std::string& pFile) { return files.count(pFile) > 0; };
+      return files.size() == row.fLeft.size() + 1 && IsInWork() &&
+             std::all_of(row.fLeft.begin(), row.fLeft.end(), is);
+    });
     const std::vector<pid_t> workers = tool.ListWorkers();
     const auto start = tClock::now();
     kill(row.fSignal == SIGINT ? -tool.fProcess : tool.fProcess, row.fSignal);  // a terminal tells all

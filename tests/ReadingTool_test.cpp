@@ -7,6 +7,7 @@
 #include "cli/Failure.h"
 #include "cli/Panorama.h"
 #include "cli/PictureReader.h"
+#include "cli/TonemapPicture.h"
 #include "tests/Numbers.h"
 #include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
@@ -265,6 +266,30 @@ TEST_F(ReadingTool, CountsWhatItRepairs) {
   EXPECT_NEAR(Cli::GetRow(picture, 2)[3 * 5 + 1], 500.0f, 0.01f);
   EXPECT_EQ(picture.fWarnings.size(), 1u);
   for (const float sample : SamplesOf(picture)) ASSERT_TRUE(std::isfinite(sample) && sample > -1e-6f);
+}
+
+TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
+  sTestPicture scene = MakeScene(300, 900);
+  const auto tonemap = [](const std::string& pInput) {
+    Cli::sTonemapJob job;
+    job.fInput = pInput;
+    job.fOutput = pInput + ".png";
+    job.fExisting = Cli::eExisting::kReplace;
+    return Cli::TonemapPicture(job);
+  };
+  for (const float odd : {0.5f, std::nanf(""), kInfinity}) {  // which needs all rows first
+    scene.GetPixel(123, 456)[1] = odd;
+    WritePfm("whole.pfm", scene);
+    ToVipsFloat(scene).tiffsave("rows.tif");
+    const Cli::sPictureReport whole = tonemap("whole.pfm");
+    const Cli::sPictureReport rows = tonemap("rows.tif");
+    EXPECT_EQ(Load("rows.tif.png").fSamples, Load("whole.pfm.png").fSamples) << odd;
+    EXPECT_EQ(rows.fDynamicRange, whole.fDynamicRange) << odd;
+    EXPECT_EQ(rows.fWarnings, whole.fWarnings) << odd;
+    EXPECT_EQ(rows.fColorSpace, whole.fColorSpace);
+    EXPECT_EQ(rows.fRendering.fWhiteShare, whole.fRendering.fWhiteShare) << odd;
+    EXPECT_GE(rows.fRendering.fSeconds.fPreparation, 0.0);
+  }
 }
 
 TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
