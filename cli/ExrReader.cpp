@@ -100,14 +100,13 @@ class cPartReader {
     TellOfPart();
     const int height = fPicture.fBitmap->GetHeight();
     const int lines = std::max(CountChunkLines(fPart.header()), 16);
-    cLightRows light(fPicture.fBitmap->GetWidth(),
-                     LightOf(StatedPrimaries(fPart.header()), fPicture.fWarnings));
+    cLightRows light(LightOf(StatedPrimaries(fPart.header()), fPicture.fWarnings));
     for (int y = 0; y < height; y += std::min(lines, height - y)) {
       const int count = std::min(lines, height - y);
       ReadLines(y, count);
       for (int i = 0; i < count; ++i) {
         FinishRow(y + i, i);
-        light.Take(GetRow(fPicture, y + i));
+        light.Take(GetRow(fPicture, y + i), fPicture.fBitmap->GetWidth());
       }
     }
     light.Finish(fPicture);

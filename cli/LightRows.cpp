@@ -71,33 +71,37 @@ bool IsPositive(const TmEngine::cMatrix33& pMatrix) {
 
 }  // namespace
 
-cLightRows::cLightRows(int pWidth, const sLight& pLight)
-    : fWidth(pWidth), fLight(pLight), fSurface(GetSurfaceColors()) {
+cLightRows::cLightRows(const sLight& pLight) : fLight(pLight), fSurface(GetSurfaceColors()) {
   fIsInside = fLight.fToXYZ && IsPositive(fSurface.fToRGB * *fLight.fToXYZ);
 }
 
-bool cLightRows::Take(float* pRow) {
-  const int samples = 3 * fWidth;
+bool cLightRows::Take(float* pRow, int pCount) {
+  const sPart part = {pRow, pCount};
+  if (fLight.fIsSound) {
+    Convert(part, false);
+    return true;
+  }
+  const int samples = 3 * pCount;
   const sRowScan scan(pRow, samples);
   if (scan.IsSound()) {
     fLargest = std::max(fLargest, std::bit_cast<float>(scan.fLargest));
-    Convert(pRow, scan.HasNegative());
+    Convert(part, scan.HasNegative());
     return true;
   }
   fLargest = FindLargest(pRow, samples, fLargest);
   if (HasInfinity(pRow, samples)) {
-    fWaiting.push_back(pRow);
+    fWaiting.push_back(part);
     return false;
   }
-  Repair(pRow, fLargest);
-  Convert(pRow, true);
+  Repair(part, fLargest);
+  Convert(part, true);
   return true;
 }
 
 void cLightRows::Finish(sPicture& pPicture) {
-  for (float* const row : fWaiting) {
-    Repair(row, fLargest > 0.0f ? fLargest : 1.0f);
-    Convert(row, true);
+  for (const sPart& part : fWaiting) {
+    Repair(part, fLargest > 0.0f ? fLargest : 1.0f);
+    Convert(part, true);
   }
   fWaiting.clear();
   pPicture.fColorSpace = fLight.fColorSpace;
@@ -109,28 +113,30 @@ void cLightRows::Finish(sPicture& pPicture) {
                                " not a number, " + std::to_string(fRepairs.fInfinite) + " infinite)");
 }
 
-void cLightRows::Repair(float* pRow, float pLargest) {
-  for (int x = 0; x < fWidth; ++x, pRow += 3) {
-    if (std::all_of(pRow, pRow + 3, [](float pV) { return std::fabs(pV) <= kLargestSample; })) continue;
-    const bool isNaN = std::any_of(pRow, pRow + 3, [](float pV) { return std::isnan(pV); });
+void cLightRows::Repair(const sPart& pPart, float pLargest) {
+  float* pixel = pPart.fPixels;
+  for (int x = 0; x < pPart.fCount; ++x, pixel += 3) {
+    if (std::all_of(pixel, pixel + 3, [](float pV) { return std::fabs(pV) <= kLargestSample; })) continue;
+    const bool isNaN = std::any_of(pixel, pixel + 3, [](float pV) { return std::isnan(pV); });
     ++(isNaN ? fRepairs.fNaN : fRepairs.fInfinite);
-    for (int i = 0; i < 3; ++i) pRow[i] = RepairSample(pRow[i], pLargest);
+    for (int i = 0; i < 3; ++i) pixel[i] = RepairSample(pixel[i], pLargest);
   }
 }
 
-void cLightRows::Convert(float* pRow, bool pHasNegative) {
-  if (fLight.fToXYZ) Transform(pRow, fWidth, *fLight.fToXYZ);
-  if (fLight.fFitsGamut && (pHasNegative || !fIsInside)) FitGamut(pRow);
+void cLightRows::Convert(const sPart& pPart, bool pHasNegative) {
+  if (fLight.fToXYZ) Transform(pPart.fPixels, pPart.fCount, *fLight.fToXYZ);
+  if (fLight.fFitsGamut && (pHasNegative || !fIsInside)) FitGamut(pPart);
 }
 
-void cLightRows::FitGamut(float* pRow) {
-  for (int x = 0; x < fWidth; ++x, pRow += 3) {
-    TmEngine::cVector3 rgb = fSurface.fToRGB * TmEngine::cVector3(pRow[0], pRow[1], pRow[2]);
+void cLightRows::FitGamut(const sPart& pPart) {
+  float* pixel = pPart.fPixels;
+  for (int x = 0; x < pPart.fCount; ++x, pixel += 3) {
+    TmEngine::cVector3 rgb = fSurface.fToRGB * TmEngine::cVector3(pixel[0], pixel[1], pixel[2]);
     if (rgb[0] >= 0.0f && rgb[1] >= 0.0f && rgb[2] >= 0.0f) continue;
     ++fRepairs.fNegative;
     for (int i = 0; i < 3; ++i) rgb[i] = std::max(rgb[i], 0.0f);
     const TmEngine::cVector3 xyz = fSurface.fToXYZ * rgb;
-    for (int i = 0; i < 3; ++i) pRow[i] = xyz[i];
+    for (int i = 0; i < 3; ++i) pixel[i] = xyz[i];
   }
 }
 

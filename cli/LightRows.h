@@ -17,27 +17,31 @@ namespace Cli {
 ///   of pure colour. So what is below 0 in RGB of Rec. 2020 becomes 0 there; other pixels stay bit for bit.
 class cLightRows {
  public:
-  cLightRows(int pWidth, const sLight& pLight);
+  explicit cLightRows(const sLight& pLight);
 
-  /// pRow: samples as pLight says. Each row is taken once. False for a row that waits for the largest sample:
-  /// it must stay where it is until Finish.
-  bool Take(float* pRow);
-  /// After the last row: the rows that wait are done. pPicture is told the numbers of repaired pixels, the
+  /// A row, or a part of one: samples as pLight says. Each is taken once. False for one that waits for the
+  /// largest sample: it must stay where it is until Finish.
+  bool Take(float* pRow, int pCount);
+  /// After the last row: those that wait are done. pPicture is told the numbers of repaired pixels, the
   /// colour space's name, and warnings.
   void Finish(sPicture& pPicture);
 
  private:
-  void Repair(float* pRow, float pLargest);
-  void Convert(float* pRow, bool pHasNegative);
-  void FitGamut(float* pRow);
+  struct sPart {
+    float* fPixels;
+    int fCount;
+  };
 
-  int fWidth;
+  void Repair(const sPart& pPart, float pLargest);
+  void Convert(const sPart& pPart, bool pHasNegative);
+  void FitGamut(const sPart& pPart);
+
   sLight fLight;
   sRepairs fRepairs;
   sSurfaceColors fSurface;
   bool fIsInside = false;  ///< Whether all RGB samples that are not negative make colours of real surfaces.
   float fLargest = 0.0f;   ///< Of the finite samples so far.
-  std::vector<float*> fWaiting;  ///< Rows that hold +infinity.
+  std::vector<sPart> fWaiting;  ///< What holds +infinity.
 };
 
 }  // namespace Cli

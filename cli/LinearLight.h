@@ -22,6 +22,7 @@ struct sLight {
   std::optional<TmEngine::cMatrix33> fToXYZ;  ///< From RGB to D50-relative XYZ; none for samples in XYZ.
   bool fFitsGamut = false;  ///< Whether colours beyond those of real surfaces are brought to their border.
   std::string fColorSpace;  ///< In words.
+  bool fIsSound = false;    ///< No sample is below 0, beyond any light, or no number.
 };
 
 /// Linear RGB with the primaries that a file states; where there are none, or where they span no colour space

@@ -66,7 +66,7 @@ sPicture ReadPfm(const std::string& pFile) {
   if (header.fWidth > 0 && header.fHeight > 0) CheckSize(pFile, header, stream);
   sPicture picture = MakePicture(pFile, header.fWidth, header.fHeight);
   picture.fFormat = "PFM";
-  cLightRows light(picture.fBitmap->GetWidth(), LightOf(std::nullopt, picture.fWarnings));
+  cLightRows light(LightOf(std::nullopt, picture.fWarnings));
   std::vector<float> row(static_cast<std::size_t>(header.fWidth * header.fSamples));
   for (int y = picture.fBitmap->GetHeight() - 1; y >= 0; --y) {
     ReadRow(pFile, stream, header, row);
@@ -74,7 +74,7 @@ sPicture ReadPfm(const std::string& pFile) {
     for (std::size_t i = 0; i < row.size(); i += static_cast<std::size_t>(header.fSamples), pixel += 3) {
       for (std::size_t k = 0; k < 3; ++k) pixel[k] = row[header.fSamples == 3 ? i + k : i];
     }
-    light.Take(GetRow(picture, y));
+    light.Take(GetRow(picture, y), picture.fBitmap->GetWidth());
   }
   light.Finish(picture);
   return picture;

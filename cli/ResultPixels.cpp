@@ -1,6 +1,7 @@
 #include "cli/ResultPixels.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <new>
 
@@ -22,26 +23,56 @@ void TurnRow(const unsigned char* pFrom, int pWidth, unsigned char* pTo) {
   }
 }
 
-/// Few pixels of a picture are clipped, if any: most parts of a row need no more than their extremes, which
-/// the processor finds for many samples at once.
+/// Parts of rows, in samples: the pixels of one can be counted in 8 bits.
+constexpr int kPart = 3 * 64;
+
+/// 1 for the first sample of each pixel.
+constexpr auto kIsFirst = [] {
+  std::array<unsigned char, kPart> isFirst = {};
+  for (std::size_t i = 0; i < kPart; i += 3) isFirst[i] = 1;
+  return isFirst;
+}();
+
+/// Looks at three samples from every place on, whether a pixel begins there or not: of such loops the
+/// compiler makes vectors.
+template <class tSample>
+void CountInPart(const tSample* pPart, int pSamples, sClippedPixels& pTo) {
+  unsigned char isLight[kPart];
+  unsigned char isFull[kPart];
+  for (int i = 0; i < pSamples; ++i) {
+    isLight[i] = pPart[i] != 0;
+    isFull[i] = pPart[i] == std::numeric_limits<tSample>::max();
+  }
+  unsigned char lights = 0;
+  unsigned char whites = 0;
+  for (int i = 0; i < pSamples - 2; ++i) {
+    const unsigned char isFirst = kIsFirst[static_cast<std::size_t>(i)];
+    lights = static_cast<unsigned char>(lights + ((isLight[i] | isLight[i + 1] | isLight[i + 2]) & isFirst));
+    whites = static_cast<unsigned char>(whites + ((isFull[i] | isFull[i + 1] | isFull[i + 2]) & isFirst));
+  }
+  pTo.fBlack += pSamples / 3 - lights;
+  pTo.fWhite += whites;
+}
+
+/// Whether any of them is the least or the largest that there is.
+template <class tSample>
+bool HasExtreme(const tSample* pPart, int pSamples) {
+  constexpr tSample kFull = std::numeric_limits<tSample>::max();
+  tSample least = kFull;
+  tSample largest = 0;
+  for (int i = 0; i < pSamples; ++i) {
+    least = pPart[i] < least ? pPart[i] : least;
+    largest = pPart[i] > largest ? pPart[i] : largest;
+  }
+  return least == 0 || largest == kFull;
+}
+
 template <class tSample>
 void CountClipped(const unsigned char* pRow, int pSamples, sClippedPixels& pTo) {
-  constexpr tSample kFull = std::numeric_limits<tSample>::max();
-  constexpr int kPart = 3 * 64;
   const auto* const row = reinterpret_cast<const tSample*>(pRow);
   for (int start = 0; start < pSamples; start += kPart) {
-    const int end = std::min(start + kPart, pSamples);
-    tSample least = kFull;
-    tSample largest = 0;
-    for (int i = start; i < end; ++i) {
-      least = row[i] < least ? row[i] : least;
-      largest = row[i] > largest ? row[i] : largest;
-    }
-    if (least > 0 && largest < kFull) continue;
-    for (int i = start; i < end; i += 3) {
-      pTo.fBlack += (row[i] | row[i + 1] | row[i + 2]) == 0 ? 1 : 0;
-      pTo.fWhite += std::max({row[i], row[i + 1], row[i + 2]}) == kFull ? 1 : 0;
-    }
+    const int samples = std::min(kPart, pSamples - start);
+    if (HasExtreme(row + start, samples)) CountInPart(row + start, samples, pTo);
   }
 }
 

@@ -61,9 +61,12 @@ void Load(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) 
   pReport.fReadSeconds += SecondsSince(start);
   const sPictureStatistics statistics = SamplePicture(pPicture);
   TellRange(statistics, pReport);
-  if (pJob.fAuto) pReport.fSettings = SuggestSettings(statistics);
-  if (pJob.fAuto) Apply(pJob.fChange, pReport.fSettings);
-  if (pJob.fResult.fPreview > 0) pPicture = ReducePicture(pJob.fInput, std::move(pPicture), pJob.fResult.fPreview);
+  if (pJob.fAuto) {
+    pReport.fSettings = SuggestSettings(statistics);
+    Apply(pJob.fChange, pReport.fSettings);
+  }
+  if (pJob.fResult.fPreview > 0)
+    pPicture = ReducePicture(pJob.fInput, std::move(pPicture), pJob.fResult.fPreview);
 }
 
 /// The engine's preparation asks for the rows: reading them is no part of its time.
