@@ -61,7 +61,7 @@ engine() {
 median() { sort -g | awk '{ v[NR] = $1 } END { printf "%.3f", NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
 measure() {
-  local ending options input bits convert round parts whole engine_seconds engine_bytes tool_bytes
+  local ending options input bits convert round parts whole engine_seconds engine_bytes tool_bytes depth=
   IFS='|' read -r ending options input bits convert <<<"$1"
   read -ra options <<<"$options"
   read -ra convert <<<"$convert"
@@ -73,8 +73,10 @@ measure() {
     echo "$whole $parts $engine_seconds" >>rounds.txt
   done
   tool_bytes=$(sed -n 's/.*"peak_memory":\([0-9]*\).*/\1/p' output.txt)
+  [ "${bits#*-}" = 8 ] || depth='16-bit '
+  # shellcheck disable=SC2016  # they are quotes of code
   printf '| `.%s` to %s`.%s` | %.2f | %.2f + %.2f | %.2f | %.1f | %.1f |\n' "${input##*.}" \
-    "$([ "${bits#*-}" = 16 ] && echo '16-bit ' || true)" "$ending" \
+    "$depth" "$ending" \
     "$(awk '{ print $1 }' rounds.txt | median)" "$(awk '{ print $2 }' rounds.txt | median)" \
     "$(awk '{ print $3 }' rounds.txt | median)" "$(awk '{ print $1 / ($2 + $3) }' rounds.txt | median)" \
     "$(awk -v n="$pixels" -v b="$tool_bytes" 'BEGIN { print b / n }')" "$engine_bytes"
@@ -86,10 +88,7 @@ cmake --build --preset release --target quorvane_tool quorvane-bench quorvane-sc
 tool=$PWD/build/release/quorvane
 bench=$PWD/build/release/quorvane-bench
 mkdir -p $work
-[ -e "$work/scene.hdr" ] && [ "$(cat $work/width 2>/dev/null)" = "$width" ] || {
-  build/release/quorvane-scene --width "$width" $work/scene.hdr
-  echo "$width" >$work/width
-}
+build/release/quorvane-scene --width "$width" $work/scene.hdr
 cd $work
 "$tool" tonemap scene.hdr --overwrite -o finished.jpg
 "$tool" tonemap scene.hdr --overwrite -o finished.tif --depth 16
