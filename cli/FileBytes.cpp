@@ -1,21 +1,23 @@
 #include "cli/FileBytes.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
-#include <utility>
 
 namespace Cli {
 
 std::string ReadBytes(const std::string& pPath) {
   errno = 0;
-  std::ifstream stream(pPath, std::ios::binary);
-  std::stringstream text;
-  text << stream.rdbuf();
-  if (!stream || !text) throw std::runtime_error(std::strerror(errno));
-  return std::move(text).str();
+  std::ifstream stream(pPath, std::ios::binary | std::ios::ate);
+  std::string bytes(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)), '\0');
+  stream.seekg(0);
+  if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) {
+    throw std::runtime_error(std::strerror(errno));
+  }
+  return bytes;
 }
 
 void WriteBytes(const std::string& pPath, const std::string& pBytes) {

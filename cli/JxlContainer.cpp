@@ -105,7 +105,7 @@ sParts TakeApart(const std::string& pFile) {
     std::string_view box = std::string_view(pFile).substr(at);
     const sBoxHeader header = ReadHeader(box.substr(0, 16));
     if (!header.fType.empty() && header.fSize < box.size()) box = box.substr(0, header.fSize);
-    const bool isHead = header.fType == "ftyp" || header.fType == "jxll";
+    const bool isHead = (header.fType == "ftyp" || header.fType == "jxll") && header.fSize == box.size();
     if (!IsMetadata(header.fType)) (isHead ? parts.fHead : parts.fRest) += box;
     at += box.size();
   }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli/IccHandle.h"
+#include "cli/JxlContainer.h"
 #include "tests/cli/TestPictures.h"
 
 namespace {
@@ -154,6 +155,14 @@ void MakeTiff(const std::string& pFolder) {
 }
 
 /// For doors that take plain numbers.
+/// The boxes alone: the codestream is none.
+void MakeJxl(const std::string& pFolder) {
+  const std::string codestream("\xff\x0a what is no picture");
+  std::ofstream(pFolder + "bare.jxl", std::ios::binary) << codestream;
+  std::ofstream(pFolder + "boxes.jxl", std::ios::binary) << codestream;
+  Cli::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
+}
+
 void MakeNoise(const std::string& pFolder) {
   std::mt19937 random(1);
   for (const int size : {20, 50, 100, 200, 500, 1000}) {
@@ -175,6 +184,7 @@ void MakeAll(const std::string& pFolder) {
   make("ReadPng", MakePng);
   make("ReadJpeg", MakeJpeg);
   make("ReadTiff", MakeTiff);
+  make("JxlContainer", MakeJxl);
 }
 
 }  // namespace

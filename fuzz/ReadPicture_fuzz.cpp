@@ -1,7 +1,6 @@
 // The tool's readers. Built once for each format: the input is a file of FUZZ_FORMAT, and is read as
 // 'tonemap' and 'equalize' read it, and written back. What they cannot read they refuse with a cFailure.
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,7 +15,7 @@
 #include "cli/PictureWriter.h"
 #include "cli/TempFile.h"
 #include "cli/VipsLibrary.h"
-#include "fuzz/FuzzInput.h"
+#include "fuzz/MemoryFile.h"
 
 namespace {
 
@@ -53,23 +52,6 @@ const char* EndingOf(eFormat pFormat, int pDepth) {
   if (pFormat == kTiff) return ".tif";
   return pFormat == kJpeg && pDepth == 8 ? ".jpg" : ".png";
 }
-
-/// A file in memory, with a name under which it can be opened.
-class cMemoryFile {
- public:
-  explicit cMemoryFile(std::string_view pContent) : fHandle(memfd_create("fuzz", MFD_CLOEXEC)) {
-    const bool isWritten =
-        write(fHandle, pContent.data(), pContent.size()) == static_cast<ssize_t>(pContent.size());
-    Require(isWritten, "a file in memory can be written");
-  }
-  cMemoryFile(const cMemoryFile&) = delete;
-  cMemoryFile& operator=(const cMemoryFile&) = delete;
-  ~cMemoryFile() { close(fHandle); }
-  std::string Name() const { return "/proc/self/fd/" + std::to_string(fHandle); }
-
- private:
-  int fHandle;
-};
 
 void CheckIsFinite(const Cli::sPicture& pPicture) {
   for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {

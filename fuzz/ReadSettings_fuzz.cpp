@@ -41,7 +41,7 @@ void ReadResult(const std::string& pText) {
   Cli::sOutputOptions resultAgain;
   Cli::ParseResultSettings("again", Cli::ToJson(settings, result), isGiven, again, resultAgain);
   Expect(again == settings && resultAgain.fDepth == result.fDepth);
-  Expect(resultAgain.fColorSpace == result.fColorSpace);
+  Expect(resultAgain.fColorSpace == result.fColorSpace && resultAgain.fPreview == result.fPreview);
 }
 
 }  // namespace

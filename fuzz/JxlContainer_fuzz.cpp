@@ -1,0 +1,29 @@
+// The boxes of JPEG XL files: any file can be searched for metadata, and given others, which are found again;
+// the codestream stays what it was.
+
+#include "cli/JxlContainer.h"
+
+#include "cli/FileBytes.h"
+#include "fuzz/MemoryFile.h"
+
+namespace {
+
+bool IsBare(std::string_view pFile) {
+  return pFile.size() < 4 || pFile.substr(0, 4) != std::string_view("\0\0\0\x0c", 4);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
+  const std::string content(reinterpret_cast<const char*>(pBytes), pSize);
+  const cMemoryFile file(content);
+  const Cli::sJxlMetadata found = Cli::ReadJxlMetadata(file.Name());
+  Require(found.fExif.size() + found.fXmp.size() <= pSize, "what is found is in the file");
+
+  const Cli::sJxlMetadata given{"II*\0", "<x:xmpmeta/>", false};
+  Cli::WriteJxlMetadata(file.Name(), given);
+  const Cli::sJxlMetadata again = Cli::ReadJxlMetadata(file.Name());
+  Require(again.fExif == given.fExif && again.fXmp == given.fXmp, "what was put in is found");
+  if (IsBare(content)) Require(Cli::ReadBytes(file.Name()).ends_with(content), "the codestream stays");
+  return 0;
+}
