@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   const Cli::sJxlMetadata found = Cli::ReadJxlMetadata(file.Name());
   Require(found.fExif.size() + found.fXmp.size() <= pSize, "what is found is in the file");
 
-  const Cli::sJxlMetadata given{"II*\0", "<x:xmpmeta/>", false};
+  const Cli::sJxlMetadata given{{"II*\0", 4}, "<x:xmpmeta/>", false};
   Cli::WriteJxlMetadata(file.Name(), given);
   const Cli::sJxlMetadata again = Cli::ReadJxlMetadata(file.Name());
   Require(again.fExif == given.fExif && again.fXmp == given.fXmp, "what was put in is found");
