@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -82,101 +84,133 @@ std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
   return sPrimaries{point(stated.red), point(stated.green), point(stated.blue), point(stated.white)};
 }
 
-/// Reads a part, a few rows at a time.
-class cPartReader {
- public:
-  cPartReader(const std::string& pFile, Imf::InputPart& pPart)
-      : fPart(pPart),
-        fWindow(pPart.header().dataWindow()),
-        fChannels(ChooseChannels(pFile, pPart.header().channels())),
-        fPicture(MakePicture(pFile, std::int64_t{fWindow.max.x} - fWindow.min.x + 1,
-                             std::int64_t{fWindow.max.y} - fWindow.min.y + 1)) {
-    CheckExrChunks(pFile, pPart);
-    const Imf::Channel* const alpha = pPart.header().channels().findChannel("A");
-    if (alpha != nullptr && IsWhole(*alpha)) AddAlpha(pFile, fPicture);
-  }
-
-  sPicture Read() {
-    TellOfPart();
-    const int height = fPicture.fBitmap->GetHeight();
-    const int lines = std::max(CountChunkLines(fPart.header()), 16);
-    cLightRows light(LightOf(StatedPrimaries(fPart.header()), fPicture.fWarnings));
-    for (int y = 0; y < height; y += std::min(lines, height - y)) {
-      const int count = std::min(lines, height - y);
-      ReadLines(y, count);
-      for (int i = 0; i < count; ++i) {
-        FinishRow(y + i, i);
-        light.Take(GetRow(fPicture, y + i), fPicture.fBitmap->GetWidth());
-      }
-    }
-    light.Finish(fPicture);
-    return std::move(fPicture);
-  }
-
- private:
-  void TellOfPart() {
-    const Imf::Header& header = fPart.header();
-    fPicture.fFormat = "OpenEXR";
-    fPicture.fFileDepth = header.channels()[fChannels.front()].type == Imf::HALF ? 16 : 32;
-    fPicture.fIsPanorama = Imf::hasEnvmap(header) && Imf::envmap(header) == Imf::ENVMAP_LATLONG;
-    fPicture.fMetadata = ReadExrMetadata(header);
-  }
-
-  /// Lets the library write the colours where the engine wants them, and alpha where it can be rounded.
-  void ReadLines(int pY, int pCount) {
-    const int width = fPicture.fBitmap->GetWidth();
-    const Imath::V2i origin(fWindow.min.x, fWindow.min.y + pY);
-    Imf::FrameBuffer frame;
-    float* sample = GetRow(fPicture, pY);
-    for (const std::string& name : fChannels) {
-      frame.insert(name, Imf::Slice::Make(Imf::FLOAT, sample++, origin, width, pCount, 3 * sizeof(float),
-                                          static_cast<std::size_t>(fPicture.fBitmap->GetStride())));
-    }
-    if (!fPicture.fAlpha.empty()) {
-      fAlpha.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(pCount));
-      frame.insert("A", Imf::Slice::Make(Imf::FLOAT, fAlpha.data(), origin, width, pCount));
-    }
-    fPart.setFrameBuffer(frame);
-    fPart.readPixels(origin.y, origin.y + pCount - 1);
-  }
-
-  /// Row pY, whose alpha is row pAlphaRow of those at hand.
-  void FinishRow(int pY, int pAlphaRow) {
-    const int width = fPicture.fBitmap->GetWidth();
-    float* pixel = GetRow(fPicture, pY);
-    if (fChannels.size() == 1) SpreadGrey(pixel, width);
-    if (fPicture.fAlpha.empty()) return;
-    std::uint16_t* const alphas = GetAlphaRow(fPicture, pY);
-    for (int x = 0; x < width; ++x, pixel += 3) {
-      const float alpha = fAlpha[static_cast<std::size_t>(pAlphaRow) * static_cast<std::size_t>(width) +
-                                 static_cast<std::size_t>(x)];
-      alphas[x] = AlphaOfFloat(alpha);
-      if (!(alpha > 0.0f && alpha < 1.0f)) continue;
-      for (int i = 0; i < 3; ++i) pixel[i] /= alpha;
-    }
-  }
-
-  Imf::InputPart& fPart;
-  Imath::Box2i fWindow;
-  std::vector<std::string> fChannels;
-  sPicture fPicture;
-  std::vector<float> fAlpha;  ///< Of the rows that were read last.
-};
-
-}  // namespace
-
-sPicture ReadExr(const std::string& pFile) {
+/// Does what the library may refuse.
+template <class tDo>
+auto NameFailures(const std::string& pFile, const tDo& pDo) {
   try {
-    Imf::MultiPartInputFile file(pFile.c_str());
-    Imf::InputPart part(file, ChoosePart(pFile, file));
-    return cPartReader(pFile, part).Read();
+    return pDo();
   } catch (const cFailure&) {
     throw;
+  } catch (const std::bad_alloc&) {
+    throw cFailure(eExitCode_CannotRead, pFile, "not enough memory to read it");
   } catch (const std::exception& exception) {
     throw cFailure(
         eExitCode_CannotRead, pFile,
         std::string("damaged, cut short, or of an unknown kind of EXR (") + exception.what() + ")");
   }
+}
+
+/// A part that has been opened, and the file that it belongs to.
+struct sOpenPart {
+  Imf::MultiPartInputFile fFile;
+  Imf::InputPart fPart;
+
+  explicit sOpenPart(const std::string& pFile)
+      : fFile(pFile.c_str()), fPart(fFile, ChoosePart(pFile, fFile)) {}
+  const Imf::Header& GetHeader() const { return fPart.header(); }
+};
+
+bool HasAlphaChannel(const Imf::ChannelList& pChannels) {
+  const Imf::Channel* const alpha = pChannels.findChannel("A");
+  return alpha != nullptr && IsWhole(*alpha);
+}
+
+/// The rows of a part, which are read a few at a time.
+class cExrRows : public cPictureRows {
+ public:
+  cExrRows(const std::string& pFile, std::unique_ptr<sOpenPart> pPart, std::vector<std::string> pChannels,
+           const sLight& pLight)
+      : cPictureRows(CountColumns(*pPart), CountRows(*pPart), HasAlphaChannel(pPart->GetHeader().channels())),
+        fFile(pFile),
+        fPart(std::move(pPart)),
+        fChannels(std::move(pChannels)),
+        fLight(pLight),
+        fLines(std::max(CountChunkLines(fPart->GetHeader()), 16)) {}
+
+  static int CountColumns(const sOpenPart& pPart) {
+    const Imath::Box2i& window = pPart.GetHeader().dataWindow();
+    return window.max.x - window.min.x + 1;
+  }
+  static int CountRows(const sOpenPart& pPart) {
+    const Imath::Box2i& window = pPart.GetHeader().dataWindow();
+    return window.max.y - window.min.y + 1;
+  }
+
+  bool Read(int pY, float* pTo, std::uint16_t* pToAlpha) override {
+    const int line = pY % fLines;
+    if (line == 0) NameFailures(fFile, [&] { ReadLines(pY, std::min(fLines, GetHeight() - pY)); });
+    std::copy_n(&fColours[3 * FirstOf(line)], 3 * GetWidth(), pTo);
+    if (fChannels.size() == 1) SpreadGrey(pTo, GetWidth());
+    if (pToAlpha != nullptr) TakeAlpha(&fAlpha[FirstOf(line)], pTo, pToAlpha);
+    return fLight.Take(pTo, GetWidth());
+  }
+
+  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+
+ private:
+  std::size_t FirstOf(int pLine) const {
+    return static_cast<std::size_t>(pLine) * static_cast<std::size_t>(GetWidth());
+  }
+
+  void ReadLines(int pY, int pCount) {
+    const Imath::V2i& corner = fPart->GetHeader().dataWindow().min;
+    const Imath::V2i origin(corner.x, corner.y + pY);
+    const std::size_t rowBytes = 3 * sizeof(float) * FirstOf(1);
+    fColours.resize(3 * FirstOf(pCount));
+    Imf::FrameBuffer frame;
+    float* sample = fColours.data();
+    for (const std::string& name : fChannels) {
+      frame.insert(name, Imf::Slice::Make(Imf::FLOAT, sample++, origin, GetWidth(), pCount, 3 * sizeof(float),
+                                          rowBytes));
+    }
+    if (HasAlpha()) {
+      fAlpha.resize(FirstOf(pCount));
+      frame.insert("A", Imf::Slice::Make(Imf::FLOAT, fAlpha.data(), origin, GetWidth(), pCount));
+    }
+    fPart->fPart.setFrameBuffer(frame);
+    fPart->fPart.readPixels(origin.y, origin.y + pCount - 1);
+  }
+
+  /// Colours were multiplied by alpha.
+  void TakeAlpha(const float* pAlpha, float* pPixel, std::uint16_t* pTo) const {
+    for (int x = 0; x < GetWidth(); ++x, pPixel += 3) {
+      pTo[x] = AlphaOfFloat(pAlpha[x]);
+      if (!(pAlpha[x] > 0.0f && pAlpha[x] < 1.0f)) continue;
+      for (int i = 0; i < 3; ++i) pPixel[i] /= pAlpha[x];
+    }
+  }
+
+  std::string fFile;
+  std::unique_ptr<sOpenPart> fPart;
+  std::vector<std::string> fChannels;
+  cLightRows fLight;
+  int fLines;                   ///< That are read together.
+  std::vector<float> fColours;  ///< Of the lines that were read last.
+  std::vector<float> fAlpha;
+};
+
+sPicture OpenChecked(const std::string& pFile) {
+  auto part = std::make_unique<sOpenPart>(pFile);
+  const Imf::Header& header = part->GetHeader();
+  std::vector<std::string> channels = ChooseChannels(pFile, header.channels());
+  const Imath::Box2i& window = header.dataWindow();
+  CheckSize(pFile, std::int64_t{window.max.x} - window.min.x + 1,
+            std::int64_t{window.max.y} - window.min.y + 1);
+  CheckExrChunks(pFile, part->fPart);
+  sPicture picture;
+  picture.fFormat = "OpenEXR";
+  picture.fFileDepth = header.channels()[channels.front()].type == Imf::HALF ? 16 : 32;
+  picture.fIsPanorama = Imf::hasEnvmap(header) && Imf::envmap(header) == Imf::ENVMAP_LATLONG;
+  picture.fMetadata = ReadExrMetadata(header);
+  const sLight light = LightOf(StatedPrimaries(header), picture.fWarnings);
+  picture.fRows = std::make_unique<cExrRows>(pFile, std::move(part), std::move(channels), light);
+  return picture;
+}
+
+}  // namespace
+
+sPicture OpenExr(const std::string& pFile) {
+  return NameFailures(pFile, [&] { return OpenChecked(pFile); });
 }
 
 }  // namespace Cli

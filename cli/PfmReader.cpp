@@ -4,6 +4,8 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "cli/Failure.h"
@@ -34,7 +36,7 @@ sPfmHeader ReadHeader(const std::string& pFile, std::istream& pStream) {
 }
 
 /// Refuses a file that holds fewer samples than its header promises, before memory is asked for.
-void CheckSize(const std::string& pFile, const sPfmHeader& pHeader, std::istream& pStream) {
+void CheckLength(const std::string& pFile, const sPfmHeader& pHeader, std::istream& pStream) {
   const double needed =
       4.0 * pHeader.fSamples * static_cast<double>(pHeader.fWidth) * static_cast<double>(pHeader.fHeight);
   std::error_code error;
@@ -44,39 +46,62 @@ void CheckSize(const std::string& pFile, const sPfmHeader& pHeader, std::istream
   }
 }
 
-void SwapBytes(std::vector<float>& pSamples) {
-  for (float& sample : pSamples) {
-    sample = std::bit_cast<float>(__builtin_bswap32(std::bit_cast<std::uint32_t>(sample)));
-  }
-}
+/// The rows, which are stored from bottom to top.
+class cPfmRows : public cPictureRows {
+ public:
+  cPfmRows(const std::string& pFile, std::ifstream pStream, const sPfmHeader& pHeader, const sLight& pLight)
+      : cPictureRows(static_cast<int>(pHeader.fWidth), static_cast<int>(pHeader.fHeight), false),
+        fFile(pFile),
+        fStream(std::move(pStream)),
+        fHeader(pHeader),
+        fStart(fStream.tellg()),
+        fLight(pLight),
+        fRow(static_cast<std::size_t>(pHeader.fWidth * pHeader.fSamples)) {}
 
-void ReadRow(const std::string& pFile, std::istream& pStream, const sPfmHeader& pHeader,
-             std::vector<float>& pRow) {
-  pStream.read(reinterpret_cast<char*>(pRow.data()),
-               static_cast<std::streamsize>(pRow.size() * sizeof(float)));
-  if (!pStream) throw cFailure(eExitCode_CannotRead, pFile, "cut short, or unreadable");
-  if (pHeader.fSwap) SwapBytes(pRow);
-}
+  bool Read(int pY, float* pTo, std::uint16_t*) override {
+    ReadSamples(GetHeight() - 1 - pY);
+    const auto samples = static_cast<std::size_t>(fHeader.fSamples);
+    float* pixel = pTo;
+    for (std::size_t i = 0; i < fRow.size(); i += samples, pixel += 3) {
+      for (std::size_t k = 0; k < 3; ++k) pixel[k] = fRow[samples == 3 ? i + k : i];
+    }
+    return fLight.Take(pTo, GetWidth());
+  }
+
+  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+
+ private:
+  /// Of a row in the file's order.
+  void ReadSamples(int pRow) {
+    const auto bytes = static_cast<std::streamsize>(fRow.size() * sizeof(float));
+    fStream.seekg(fStart + std::streamoff{bytes} * pRow);
+    fStream.read(reinterpret_cast<char*>(fRow.data()), bytes);
+    if (!fStream) throw cFailure(eExitCode_CannotRead, fFile, "cut short, or unreadable");
+    if (!fHeader.fSwap) return;
+    for (float& sample : fRow) {
+      sample = std::bit_cast<float>(__builtin_bswap32(std::bit_cast<std::uint32_t>(sample)));
+    }
+  }
+
+  std::string fFile;
+  std::ifstream fStream;
+  sPfmHeader fHeader;
+  std::streampos fStart;
+  cLightRows fLight;
+  std::vector<float> fRow;
+};
 
 }  // namespace
 
-sPicture ReadPfm(const std::string& pFile) {
+sPicture OpenPfm(const std::string& pFile) {
   std::ifstream stream(pFile, std::ios::binary);
   const sPfmHeader header = ReadHeader(pFile, stream);
-  if (header.fWidth > 0 && header.fHeight > 0) CheckSize(pFile, header, stream);
-  sPicture picture = MakePicture(pFile, header.fWidth, header.fHeight);
+  if (header.fWidth > 0 && header.fHeight > 0) CheckLength(pFile, header, stream);
+  CheckSize(pFile, header.fWidth, header.fHeight);
+  sPicture picture;
   picture.fFormat = "PFM";
-  cLightRows light(LightOf(std::nullopt, picture.fWarnings));
-  std::vector<float> row(static_cast<std::size_t>(header.fWidth * header.fSamples));
-  for (int y = picture.fBitmap->GetHeight() - 1; y >= 0; --y) {
-    ReadRow(pFile, stream, header, row);
-    float* pixel = GetRow(picture, y);
-    for (std::size_t i = 0; i < row.size(); i += static_cast<std::size_t>(header.fSamples), pixel += 3) {
-      for (std::size_t k = 0; k < 3; ++k) pixel[k] = row[header.fSamples == 3 ? i + k : i];
-    }
-    light.Take(GetRow(picture, y), picture.fBitmap->GetWidth());
-  }
-  light.Finish(picture);
+  const sLight light = LightOf(std::nullopt, picture.fWarnings);
+  picture.fRows = std::make_unique<cPfmRows>(pFile, std::move(stream), header, light);
   return picture;
 }
 

@@ -6,8 +6,8 @@
 
 namespace Cli {
 
-/// Reads a portable float map: three samples a pixel ("PF") or one ("Pf"), bottom row first, either byte
+/// Opens a portable float map: three samples a pixel ("PF") or one ("Pf"), bottom row first, either byte
 /// order. The samples are taken as they are, whatever scale the header states. Throws cFailure.
-sPicture ReadPfm(const std::string& pFile);
+sPicture OpenPfm(const std::string& pFile);
 
 }  // namespace Cli

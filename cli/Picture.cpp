@@ -50,7 +50,6 @@ sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t
 }
 
 void LoadRows(const std::string& pFile, sPicture& pPicture) {
-  if (pPicture.fRows == nullptr) return;
   cPictureRows& rows = *pPicture.fRows;
   pPicture.fBitmap = MakeBitmap(pFile, rows.GetWidth(), rows.GetHeight());
   if (rows.HasAlpha()) AddAlpha(pFile, pPicture);

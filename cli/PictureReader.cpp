@@ -10,9 +10,9 @@ namespace Cli {
 sPicture OpenPicture(const std::string& pFile) {
   switch (TellFileKind(pFile)) {
     case eFileKind::kExr:
-      return ReadExr(pFile);
+      return OpenExr(pFile);
     case eFileKind::kPfm:
-      return ReadPfm(pFile);
+      return OpenPfm(pFile);
     default:
       return OpenWithVips(pFile);
   }

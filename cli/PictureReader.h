@@ -7,8 +7,8 @@
 namespace Cli {
 
 /// Opens a picture of any known format, which is told by the file's content, not by its name: OpenEXR,
-/// PFM, Radiance, TIFF, PNG, JPEG, WebP, HEIF, AVIF, JPEG XL. libvips must be running. Rows stay in the file
-/// where they can be read one by one. Throws cFailure.
+/// PFM, Radiance, TIFF, PNG, JPEG, WebP, HEIF, AVIF, JPEG XL. libvips must be running. Rows stay in the
+/// file. Throws cFailure.
 sPicture OpenPicture(const std::string& pFile);
 
 /// The same with all rows read.

@@ -47,7 +47,7 @@ sSettings GetGivenSettings(const sTonemapJob& pJob) {
 /// Whether the first row can be worked on before the last one is known.
 bool CanBeStreamed(const sTonemapJob& pJob, const sPicture& pPicture) {
   const bool isLookedAtBefore = pJob.fAuto || pJob.fResult.fPreview > 0;
-  if (pPicture.fRows == nullptr || pPicture.fRows->HasAlpha() || isLookedAtBefore) return false;
+  if (pPicture.fRows->HasAlpha() || isLookedAtBefore) return false;
   const eWrap wrap = GetGivenSettings(pJob).fWrap;
   const bool mayMeet =
       pPicture.fIsPanorama || HasPanoramaShape(pPicture.fRows->GetWidth(), pPicture.fRows->GetHeight());
