@@ -1,7 +1,15 @@
-// The texts of a thrown exception stay allocated on purpose (see cException): the leak sanitizer is told so.
-// libx265, by which pictures for tests are written, keeps some memory too. The function is looked up by name,
-// so it must be visible.
+// What the leak sanitizer is told. The functions are looked up by name, so they must be visible.
+
+// The texts of a thrown exception stay allocated on purpose (see cException). libx265, by which pictures for
+// tests are written, keeps some memory too.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();  // NOLINT
-extern "C" const char* __lsan_default_suppressions() {
+extern "C" const char* __lsan_default_suppressions() {                                        // NOLINT
   return "leak:CopyText\nleak:libx265\n";
-}  // NOLINT
+}
+
+// It guesses where the thread-local data of libraries lie that were loaded late, and its search crashes where
+// it guesses wrong. Weak: tests with options of their own load none.
+extern "C" __attribute__((visibility("default"), weak)) const char* __asan_default_options();  // NOLINT
+extern "C" const char* __asan_default_options() {                                              // NOLINT
+  return "intercept_tls_get_addr=0";
+}

@@ -58,9 +58,7 @@ class cToolTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     ASSERT_EQ(VIPS_INIT("cToolTest"), 0);
-    // for the tool that is run, where it is built with the leak sanitizer
-    // The sanitizer guesses where the thread-local data of libraries lie that were loaded late, and its
-    // search for leaks crashes where it guesses wrong.
+    // for the tool that is run, where it is built with the leak sanitizer (see LeakSuppressions.cpp)
     setenv("ASAN_OPTIONS", "intercept_tls_get_addr=0", 0);
     setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUORVANE_TESTS_DIR "/cli/leaks.supp", 0);
     vips_cache_set_max(0);  // names are used again for other pictures
