@@ -297,11 +297,12 @@ TEST_F(BatchTool, EndsAtOnceWhenInterrupted) {
                {"in/large.png" + options, SIGINT, {}, "interrupted"}};
   for (const auto& row : cases) {
     const cRunningTool tool(row.fArguments);
+    const auto isTold = [](const std::string& pFile) {
+      return ReadText("errors.txt").find("out/" + pFile) != std::string::npos;
+    };
     WaitUntil([&] {
-      const std::set<std::string> files = List("out");
-      const auto is = [&](const std::string& pFile) { return files.count(pFile) > 0; };
-      return files.size() == row.fLeft.size() + 1 && IsInWork() &&
-             std::all_of(row.fLeft.begin(), row.fLeft.end(), is);
+      return List("out").size() == row.fLeft.size() + 1 && IsInWork() &&
+             std::all_of(row.fLeft.begin(), row.fLeft.end(), isTold);
     });
     const std::vector<pid_t> workers = tool.ListWorkers();
     const auto start = tClock::now();
