@@ -2,11 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -57,13 +55,8 @@ cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOpt
 }
 
 cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, int pDepth) {
-  try {
-    return RenderCurves(pPicture, pDepth, pOptions.fCurves);
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, "not enough memory to equalize it");
-  } catch (const std::exception& exception) {
-    throw cFailure(eExitCode_Processing, pOptions.fInput, exception.what());
-  }
+  return NameFailures(eExitCode_Processing, pOptions.fInput, "equalize",
+                      [&] { return RenderCurves(pPicture, pDepth, pOptions.fCurves); });
 }
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {

@@ -10,9 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <memory>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -86,18 +84,10 @@ std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
 
 /// Does what the library may refuse.
 template <class tDo>
-auto NameFailures(const std::string& pFile, const tDo& pDo) {
-  try {
-    return pDo();
-  } catch (const cFailure&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_CannotRead, pFile, "not enough memory to read it");
-  } catch (const std::exception& exception) {
-    throw cFailure(
-        eExitCode_CannotRead, pFile,
-        std::string("damaged, cut short, or of an unknown kind of EXR (") + exception.what() + ")");
-  }
+auto NameRefusals(const std::string& pFile, const tDo& pDo) {
+  return NameFailures(eExitCode_CannotRead, pFile, "read", pDo, [](const std::string& pText) {
+    return "damaged, cut short, or of an unknown kind of EXR (" + pText + ")";
+  });
 }
 
 /// A part that has been opened, and the file that it belongs to.
@@ -138,7 +128,7 @@ class cExrRows : public cPictureRows {
 
   bool Read(int pY, float* pTo, std::uint16_t* pToAlpha) override {
     const int line = pY % fLines;
-    if (line == 0) NameFailures(fFile, [&] { ReadLines(pY, std::min(fLines, GetHeight() - pY)); });
+    if (line == 0) NameRefusals(fFile, [&] { ReadLines(pY, std::min(fLines, GetHeight() - pY)); });
     std::copy_n(&fColours[3 * FirstOf(line)], 3 * GetWidth(), pTo);
     if (fChannels.size() == 1) SpreadGrey(pTo, GetWidth());
     if (pToAlpha != nullptr) TakeAlpha(&fAlpha[FirstOf(line)], pTo, pToAlpha);
@@ -210,7 +200,7 @@ sPicture OpenChecked(const std::string& pFile) {
 }  // namespace
 
 sPicture OpenExr(const std::string& pFile) {
-  return NameFailures(pFile, [&] { return OpenChecked(pFile); });
+  return NameRefusals(pFile, [&] { return OpenChecked(pFile); });
 }
 
 }  // namespace Cli

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -28,5 +30,21 @@ class cFailure : public std::runtime_error {
  private:
   eExitCode fExitCode;
 };
+
+/// Does pWork. What it throws becomes a failure of pFile, unless it is one already. pDoing: what memory ran
+/// out for, such as "read". pTell: the reason by an exception's own text.
+template <class tWork, class tTell = std::identity>
+auto NameFailures(eExitCode pExitCode, const std::string& pFile, const std::string& pDoing,
+                  const tWork& pWork, const tTell& pTell = {}) {
+  try {
+    return pWork();
+  } catch (const cFailure&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw cFailure(pExitCode, pFile, "not enough memory to " + pDoing + " it");
+  } catch (const std::exception& exception) {
+    throw cFailure(pExitCode, pFile, pTell(std::string(exception.what())));
+  }
+}
 
 }  // namespace Cli

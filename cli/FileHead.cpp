@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/BigEndian.h"
+
 namespace Cli {
 namespace {
 
@@ -71,13 +73,6 @@ class cOpenFile {
   int fHandle;
 };
 
-/// Big-endian.
-std::int64_t ReadNumber(std::string_view pBytes) {
-  std::int64_t number = 0;
-  for (const char byte : pBytes) number = number << 8 | static_cast<unsigned char>(byte);
-  return number;
-}
-
 /// Where the first chunk of pixels begins; -1 for nowhere.
 std::int64_t FindPngPixels(const cOpenFile& pFile) {
   std::int64_t at = static_cast<std::int64_t>(kPngStart.size());
@@ -85,7 +80,7 @@ std::int64_t FindPngPixels(const cOpenFile& pFile) {
     const std::string chunk = pFile.Read(8, at);
     if (chunk.size() < 8) return -1;
     if (chunk.substr(4) == "IDAT") return at;
-    at += 12 + ReadNumber(chunk.substr(0, 4));
+    at += 12 + static_cast<std::int64_t>(ReadBigEndian(chunk.substr(0, 4)));
   }
 }
 
@@ -98,7 +93,7 @@ std::int64_t FindJpegPixels(const cOpenFile& pFile) {
         segment.size() == 4 && segment[0] == '\xff' && segment[1] >= '\xc0' && segment[1] <= '\xfe';
     if (!isSegment) return -1;
     if (segment[1] == '\xda') return at;
-    at += 2 + ReadNumber(segment.substr(2));
+    at += 2 + static_cast<std::int64_t>(ReadBigEndian(segment.substr(2)));
   }
 }
 

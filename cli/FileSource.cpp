@@ -12,12 +12,7 @@ cFileSource::cFileSource(cPictureRows& pRows)
 
 void cFileSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const {
   if (pY != fState.fY) ReadRow(pY);
-  const float* pixel = fState.fRow.data() + std::ptrdiff_t{3} * pX;
-  for (int i = 0; i < pCount; ++i, pixel += 3) {
-    pToX[i] = pixel[0];
-    pToY[i] = pixel[1];
-    pToZ[i] = pixel[2];
-  }
+  TmEngine::SplitPixels(fState.fRow.data() + std::ptrdiff_t{3} * pX, pCount, pToX, pToY, pToZ);
 }
 
 void cFileSource::ReadRow(int pY) const {

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string_view>
 
+#include "cli/BigEndian.h"
 #include "cli/FileBytes.h"
 
 namespace Cli {
@@ -17,16 +18,6 @@ constexpr std::string_view kFileType(
     20);
 constexpr std::string_view kNoOffset("\0\0\0\0", 4);  // from there to the start of EXIF
 constexpr std::uint64_t kToEnd = ~std::uint64_t{0};
-
-std::uint64_t ReadBigEndian(std::string_view pBytes) {
-  std::uint64_t number = 0;
-  for (const char byte : pBytes) number = number << 8 | static_cast<unsigned char>(byte);
-  return number;
-}
-
-void AppendBigEndian(std::string& pTo, std::uint64_t pNumber, int pBytes) {
-  for (int i = pBytes - 1; i >= 0; --i) pTo += static_cast<char>(pNumber >> (8 * i) & 0xff);
-}
 
 void AppendBox(std::string& pTo, std::string_view pType, std::string_view pStart, std::string_view pContent) {
   constexpr std::uint64_t kHeader = 8;

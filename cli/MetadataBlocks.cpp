@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "cli/BigEndian.h"
 #include "cli/FileHead.h"
 
 namespace Cli {
@@ -210,10 +211,6 @@ void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   }
 }
 
-void AppendBigEndian(std::string& pTo, std::uint32_t pNumber) {
-  for (int shift = 24; shift >= 0; shift -= 8) pTo += static_cast<char>(pNumber >> shift & 0xff);
-}
-
 /// A PNG with EXIF in its own chunk, behind the header; Exiv2 would hide it in a text that few look into.
 std::string WithExifChunk(std::string pPng, const Exiv2::ExifData& pExif) {
   constexpr std::size_t kHeaderEnd = 33;
@@ -222,9 +219,9 @@ std::string WithExifChunk(std::string pPng, const Exiv2::ExifData& pExif) {
   std::string body = "eXIf";
   body.append(blob.begin(), blob.end());
   std::string chunk;
-  AppendBigEndian(chunk, static_cast<std::uint32_t>(blob.size()));
+  AppendBigEndian(chunk, static_cast<std::uint32_t>(blob.size()), 4);
   chunk += body;
-  AppendBigEndian(chunk, static_cast<std::uint32_t>(crc32(0, BytesOf(body), static_cast<uInt>(body.size()))));
+  AppendBigEndian(chunk, crc32(0, BytesOf(body), static_cast<uInt>(body.size())), 4);
   return pPng.insert(kHeaderEnd, chunk);
 }
 

@@ -1,7 +1,6 @@
 #include "cli/PictureRendering.h"
 
-#include <exception>
-#include <new>
+#include <memory>
 
 #include "cli/Alpha.h"
 #include "cli/CurvePoints.h"
@@ -34,20 +33,6 @@ cResultPixels Render(TmEngine::cTmRenderer& pRenderer, const TmEngine::cRowSourc
   return result;
 }
 
-/// Makes of what pWork throws the failure of pFile.
-template <class tWork>
-cResultPixels NameFailures(const std::string& pFile, const tWork& pWork) {
-  try {
-    return pWork();
-  } catch (const cFailure&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_Processing, pFile, "not enough memory to tone-map it");
-  } catch (const std::exception& exception) {
-    throw cFailure(eExitCode_Processing, pFile, exception.what());
-  }
-}
-
 /// The black and white points of another picture with the same settings.
 TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettings& pSettings, bool pWrap) {
   const auto ignored =
@@ -76,7 +61,7 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
 cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
-  return NameFailures(pFile, [&] {
+  return NameFailures(eExitCode_Processing, pFile, "tone-map", [&] {
     pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
     HideTransparent(pPicture);
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
@@ -98,7 +83,7 @@ cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const 
 cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
-  return NameFailures(pFile, [&] {
+  return NameFailures(eExitCode_Processing, pFile, "tone-map", [&] {
     const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
     SetUpRenderer(*renderer, pSettings, false, pVerbose);
     return Render(*renderer, pRows, 0, pOutput, pReport);

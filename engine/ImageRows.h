@@ -16,12 +16,7 @@ class cImageSource : public cRowSource {
       : cRowSource(pImage.GetWidth(), pImage.GetHeight()), fImage(pImage) {}
 
   void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override {
-    const float* pixel = RowsOf(fImage).Row(pY) + std::ptrdiff_t{3} * pX;
-    for (int i = 0; i < pCount; ++i, pixel += 3) {
-      pToX[i] = pixel[0];
-      pToY[i] = pixel[1];
-      pToZ[i] = pixel[2];
-    }
+    SplitPixels(RowsOf(fImage).Row(pY) + std::ptrdiff_t{3} * pX, pCount, pToX, pToY, pToZ);
   }
 
  private:

@@ -16,13 +16,14 @@ inline int RowsOfRun(int pWidth) {
   return pWidth < kRunLength ? kRunLength / pWidth : 1;
 }
 
-/// Rows of the run that row pY belongs to, and the first of them.
+/// The rows of one run.
 struct sRowsOfRun {
   int fFirst;
   int fCount;
 };
 
-/// Where a picture of pHeight rows lies in tiles of pTileHeight, no run crosses from one to the next.
+/// Of the run that row pY belongs to. Where a picture lies in tiles of pTileHeight rows, no run crosses from
+/// one to the next.
 inline sRowsOfRun RunOfRow(int pY, int pWidth, int pHeight, int pTileHeight) {
   const int inTile = pY % pTileHeight;
   const int rows = RowsOfRun(pWidth);
@@ -54,6 +55,15 @@ void ForEachPart(int pWidth, int pY, int pX, int pCount, const tPart& pPart) {
     const int count = std::min(pCount - offset, pWidth - pX);
     pPart(pY, pX, offset, count);
     offset += count;
+  }
+}
+
+/// Takes pixels of three samples apart, into a plane a sample.
+inline void SplitPixels(const float* pPixels, int pCount, float* pTo0, float* pTo1, float* pTo2) {
+  for (int i = 0; i < pCount; ++i, pPixels += 3) {
+    pTo0[i] = pPixels[0];
+    pTo1[i] = pPixels[1];
+    pTo2[i] = pPixels[2];
   }
 }
 

@@ -116,11 +116,7 @@ void EncodeFloat3(const cBitmapXYZ32& pFrom, tTo& pTo, const tCode* pTable, cons
   ForEachRun(pFrom, pTo, [pTable, &pMatrix](const float* pTriples, tCode* pBGR, int pCount) {
     sPlanes planes;
     const int pixels = pCount / 3;
-    for (int i = 0; i < pixels; ++i) {
-      planes.f0[i] = pTriples[3 * i];
-      planes.f1[i] = pTriples[3 * i + 1];
-      planes.f2[i] = pTriples[3 * i + 2];
-    }
+    SplitPixels(pTriples, pixels, planes.f0, planes.f1, planes.f2);
     Kernels().fTransform(pMatrix.Elements(), planes.f0, planes.f1, planes.f2, pixels);
     int red[kRunLength], green[kRunLength], blue[kRunLength];
     Kernels().fBins(planes.f0, 0.0f, 65535.0f, red, pixels);
