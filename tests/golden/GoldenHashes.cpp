@@ -1,14 +1,12 @@
-// Every compiler, optimisation level, sanitizer and processor gives the same bytes: their hashes stand in
-// hashes.txt.
+// Every compiler, optimisation level, sanitizer and processor gives the same bytes: the hashes of pictures,
+// and of what they are computed with (ArithmeticHashes.cpp), are in hashes.txt.
 //
 //   golden-hashes hashes.txt            compares, names what differs
 //   golden-hashes --update hashes.txt   writes the table anew, after a change that is meant to change bytes
 //
 // A program without a test framework, so that it also runs where only a C++ compiler is.
-#include <cinttypes>
 #include <cstdio>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -19,21 +17,18 @@
 #include "engine/cHermiteSpline.h"
 #include "engine/cTmRenderer.h"
 #include "tests/HostCall.h"
+#include "tests/golden/GoldenTable.h"
 
 using namespace TmEngine;
 
 namespace {
 
-using tTable = std::map<std::string, std::string>;
 using tImage = std::unique_ptr<cBitmapLDR>;
 
-/// FNV-1a, 64 bits (IETF draft-eastlake-fnv).
 std::string Hash(const unsigned char* pBytes, std::size_t pCount) {
-  std::uint64_t hash = 0xCBF29CE484222325u;
-  for (std::size_t i = 0; i < pCount; ++i) hash = (hash ^ pBytes[i]) * 0x100000001B3u;
-  char text[17];
-  std::snprintf(text, sizeof text, "%016" PRIx64, hash);
-  return text;
+  cHash hash;
+  hash.AddBytes(pBytes, pCount);
+  return hash.Text();
 }
 
 struct sSliders {
@@ -65,6 +60,42 @@ void HashCalls(tTable& pTable) {
         }
       }
     }
+  }
+}
+
+/// Black and white points that cross are not stretched: the exposure scale decides, most below strength 0.
+void HashFallback(tTable& pTable) {
+  for (const int inputBits : {8, 16, 32}) {
+    for (const int weakness : {10, 40, 70, 100, 130, 200}) {
+      tm_quorvane_settings settings = {};
+      settings.strength = static_cast<float>(-weakness);
+      settings.white_clip = 2000.0f;
+      settings.black_clip = 100.0f;
+      const std::string name = "fallback-" + std::to_string(inputBits) + "-" + std::to_string(weakness);
+      HashCall(pTable, name, HostImage(203, 91, inputBits, 16), 0, settings);
+    }
+  }
+}
+
+/// Each slider far out of range, alone and beside another. Finer cells than sliders ask for would take a
+/// large part of the machine's memory.
+void HashFarOut(tTable& pTable) {
+  constexpr float kFar = 1e6f, kFarther = 1e30f;
+  const sSliders kSliders[] = {{"strength", {1000, 0, 0, 0, 0, 0, {}, 0, {}, 0}},
+                               {"strength-negative", {-1000, 0, 0, 0, 0, 0, {}, 0, {}, 0}},
+                               {"lighting", {0, kFar, 0, 0, 0, 0, {}, 0, {}, 0}},
+                               {"lighting-negative", {0, -kFarther, 0, 0, 0, 0, {}, 0, {}, 0}},
+                               {"compression", {-100, 0, kFarther, 0, 0, 0, {}, 0, {}, 0}},
+                               {"compression-negative", {100, 0, -kFar, 0, 0, 0, {}, 0, {}, 0}},
+                               {"white", {-70, 0, 0, kFarther, 0, 0, {}, 0, {}, 0}},
+                               {"white-negative", {0, 0, 0, -kFar, 0, 0, {}, 0, {}, 1}},
+                               {"black", {-40, 0, 0, 0, kFar, 0, {}, 0, {}, 0}},
+                               {"black-negative", {0, 0, 5, 0, -kFarther, 0, {}, 0, {}, 1}},
+                               {"microcontrast-negative", {0, 0, 0, 0, 0, -kFar, {}, 0, {}, 0}},
+                               {"points", {-kFar, 8, 0, kFar, kFar, 0, {}, 0, {}, 0}},
+                               {"cells", {50, -kFar, 0, 5, 1, -kFarther, {}, 0, {}, 0}}};
+  for (const sSliders& sliders : kSliders) {
+    HashCall(pTable, std::string("far-") + sliders.fName, HostImage(97, 61, 32, 16), 0, sliders.fSettings);
   }
 }
 
@@ -176,8 +207,11 @@ int main(int pCount, char** pArguments) {
   }
   tTable table;
   HashCalls(table);
+  HashFallback(table);
+  HashFarOut(table);
   HashShapes(table);
   HashRenderer(table);
   HashEqualiser(table);
+  HashArithmetic(table);
   return update ? Update(table, pArguments[2]) : Compare(table, pArguments[1]);
 }
