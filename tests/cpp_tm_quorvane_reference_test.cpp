@@ -187,6 +187,10 @@ void RandomSettings(sCase& pCase, sRandom& pRandom) {
   settings.microcontrast = pRandom.OneIn(3) ? 0.0f : pRandom.Between(-11.0f, 10.0f);
   settings.test1 = pRandom.OneIn(2) ? 1.0f : 0.999f;
   settings.horizontal_wrap = pRandom.OneIn(2) ? 1.0f : 0.0f;
+  if (pCase.fSeed % 8 == 0) {  // points that cross are not stretched: the exposure scale counts
+    settings.white_clip = 2000.0f;
+    settings.black_clip = 100.0f;
+  }
   if (!pRandom.OneIn(16)) return;
   constexpr float kFar[] = {-900.0f, -130.0f, 40.0f, 900.0f, 1e30f, -1e30f, kInfinity, -kInfinity, kNaN};
   const float value = kFar[pRandom.Below(9)];
