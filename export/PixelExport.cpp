@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Copies a blue, green, red row as it stands. The host's row may be shorter than the picture's; what lies
-/// between its last pixel and its next row is padding, which stays.
+/// Copies a blue, green, red row as it stands. The host's row may be shorter than the picture's, but not
+/// negative; what lies between its last pixel and its next row is padding, which stays.
 void CopyRow(const tm_quorvane_image& pImage, const unsigned char* pFrom, std::ptrdiff_t pY,
              unsigned char* pTo) {
   const std::ptrdiff_t width = pImage.width;
@@ -20,7 +20,7 @@ void CopyRow(const tm_quorvane_image& pImage, const unsigned char* pFrom, std::p
   const std::ptrdiff_t pixelsBytes = width * pImage.samples_per_pixel * sampleBytes;
   const std::ptrdiff_t rowBytes = pImage.output_row_pitch * sampleBytes;
   const std::ptrdiff_t copied = std::min({packedBytes, pixelsBytes, rowBytes});
-  if (copied > 0) std::memcpy(pTo + pY * rowBytes, pFrom, static_cast<std::size_t>(copied));
+  std::memcpy(pTo + pY * rowBytes, pFrom, static_cast<std::size_t>(copied));
 }
 
 /// Turns blue, green, red back into the host's order.

@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -47,12 +48,24 @@ void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pS
                static_cast<double>(pSettings.test1));
 }
 
+bool HasOutput(const tm_quorvane_image& pImage) {
+  return pImage.output_bits == 8 || pImage.output_bits == 16;
+}
+
 void CheckPixels(const tm_quorvane_image& pImage, const void* pInputPixels, const void* pOutputPixels) {
   TM_CHECK(pInputPixels != nullptr, cArgumentNullException, "Argument pInputPixels cannot be null.");
-  TM_CHECK(pOutputPixels != nullptr || (pImage.output_bits != 8 && pImage.output_bits != 16),
-           cArgumentNullException, "Argument pOutputPixels cannot be null.");
+  TM_CHECK(pOutputPixels != nullptr || !HasOutput(pImage), cArgumentNullException,
+           "Argument pOutputPixels cannot be null.");
   TM_CHECK(pImage.samples_per_pixel >= 1, cArgumentException,
            "Argument pSamplesPerPixel must be greater than zero.");
+}
+
+/// Pixels that are written one by one need a place each. A row that is copied as a whole may be cut.
+void CheckRowPitch(const tm_quorvane_image& pImage) {
+  const bool isCopied = pImage.reversed_order != 0;
+  const std::int64_t least = isCopied ? 0 : std::int64_t{pImage.samples_per_pixel} * pImage.width;
+  CheckStride(pImage.output_row_pitch, "pOutputRowPitch", least, isCopied ? "0" : "pSamplesPerPixel*pWidth",
+              TM_HERE);
 }
 
 /// From the host's pixels to the host's pixels.
@@ -60,11 +73,12 @@ void ToneMapPicture(const tm_quorvane_image& pImage, eColorSpaceID pID, const sT
                     const void* pInputPixels, void* pOutputPixels) {
   CheckPositive(pImage.width, "pWidth", TM_HERE);
   CheckPositive(pImage.height, "pHeight", TM_HERE);
+  if (HasOutput(pImage)) CheckRowPitch(pImage);
   const std::unique_ptr<cColorSpace> colorSpace(cColorSpace::FromID(pID));
   const cHostSource input(pImage, pID == eColorSpaceID_ProPhotoRGB ? 1.8 : 2.2, colorSpace->GetRGBToXYZ(),
                           pInputPixels);
   std::optional<cHostSink> output;
-  if (pImage.output_bits == 8 || pImage.output_bits == 16) output.emplace(pImage, pID, pOutputPixels);
+  if (HasOutput(pImage)) output.emplace(pImage, pID, pOutputPixels);
   ToneMapRows(input, output ? &*output : nullptr, pParameters, true);
 }
 

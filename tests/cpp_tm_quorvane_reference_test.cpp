@@ -286,13 +286,19 @@ TEST(WaysOut, AgreeInResultTextAndLines) {
   }
 }
 
-/// A pitch below the packed row cuts each copied row and goes no further; below none nothing is written.
+/// With the engine's own order, a pitch below the packed row cuts each row. All else that is too short is
+/// refused, and nothing is written.
 TEST(ShortPitches, AgreeToTheBit) {
-  for (const int bits : {8, 16}) {
-    for (const int pitch : {-3, 0, 1, 9, 14}) {
-      sCase cut;
-      cut.fImage = {5, 3, 3, 32, bits, 0, pitch, 1, {}};
-      ExpectSame(cut);
+  constexpr int kPitches[] = {INT_MIN, -20, -1, 0, 1, 9, 14, 15, 19};
+  for (const int bits : {8, 12, 16}) {
+    for (const int samples : {1, 3, 4}) {
+      for (const int order : {0, 1, -1}) {
+        for (const int pitch : kPitches) {
+          sCase cut;
+          cut.fImage = {5, 3, samples, 32, bits, 0, pitch, order, {}};
+          ExpectSame(cut);
+        }
+      }
     }
   }
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "engine/cBitmapXYZ32.h"
@@ -27,6 +29,8 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
   const auto run = [&](const void* pIn, void* pOut) {
     cpp_tm_quorvane(&image, nullptr, 0, &settings, pIn, pOut);
   };
+  const std::string kShortPitch =
+      "Argument pOutputRowPitch must be greater than or equal to pSamplesPerPixel*pWidth.";
   const std::vector<unsigned char> wide(std::size_t{748981} * 4);
   std::vector<unsigned char> wideOut(std::size_t{748981} * 3);
   cStderrCapture capture;
@@ -43,12 +47,20 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
   ExpectChecks(
       "", {TM_ARG("Argument pWidth must be greater than zero.", image.samples_per_pixel = 3, run(in, out)),
            TM_ARG("Argument pHeight must be greater than zero.", image.width = 4, run(in, out)),
-           TM_STATE("Output image is not set.", image = HostImage(4, 4, 8, 12), run(in, nullptr)),
-           TM_ARG("Argument pMicrocontrast is out of range.", image.output_bits = 8,
+           TM_ARG(kShortPitch, image.height = 4, image.output_row_pitch = 11, run(in, out)),
+           TM_ARG(kShortPitch, image.output_row_pitch = INT_MIN, run(in, out)),
+           TM_ARG(kShortPitch, image.samples_per_pixel = image.width = INT_MAX,
+                  image.output_row_pitch = INT_MAX, run(in, out)),
+           TM_ARG("Argument pOutputRowPitch must be greater than or equal to 0.", image.reversed_order = 1,
+                  image.output_row_pitch = -1, run(in, out)),
+           TM_STATE("Output image is not set.", image = HostImage(4, 4, 8, 12), image.output_row_pitch = -1,
+                    run(in, nullptr)),
+           TM_ARG("Argument pMicrocontrast is out of range.", image = HostImage(4, 4, 8, 8),
                   settings.microcontrast = settings.lighting = kNaN, run(in, out)),
            TM_ARG("Argument pLighting is out of range.", settings.microcontrast = 0.0f, run(in, out)),
            TM_STATE("Scanline width exceeds max tile size.", image = HostImage(748981, 1, 32, 8),
                     settings.lighting = 0.0f, run(wide.data(), wideOut.data()))});
+  EXPECT_TRUE(good.OutputUntouched());
   EXPECT_EQ(capture.Text().find("Freeing"), std::string::npos);
 }
 

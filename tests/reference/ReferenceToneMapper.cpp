@@ -51,6 +51,12 @@ void CheckArguments(const tm_quorvane_image& pImage, const void* pInput, const v
   Check(pImage.samples_per_pixel >= 1, "Argument pSamplesPerPixel must be greater than zero.");
   Check(pImage.width > 0, "Argument pWidth must be greater than zero.");
   Check(pImage.height > 0, "Argument pHeight must be greater than zero.");
+  if (pImage.output_bits != 8 && pImage.output_bits != 16) return;
+  const std::int64_t pitch = pImage.output_row_pitch,
+                     least = std::int64_t{pImage.samples_per_pixel} * pImage.width;
+  if (pImage.reversed_order != 0)
+    return Check(pitch >= 0, "Argument pOutputRowPitch must be greater than or equal to 0.");
+  Check(pitch >= least, "Argument pOutputRowPitch must be greater than or equal to pSamplesPerPixel*pWidth.");
 }
 
 // ---- Where a pixel's three samples stand in the host's buffers ----
