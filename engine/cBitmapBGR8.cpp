@@ -1,12 +1,12 @@
 #include "engine/cBitmapBGR8.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "engine/BitmapChecks.h"
 #include "engine/BitmapRows.h"
+#include "engine/LogLine.h"
 #include "engine/cImageUtils.h"
 #include "engine/cTransferLUT.h"
 
@@ -27,7 +27,7 @@ unsigned char* cBitmapBGR8::AllocBitmapData(int pWidth, int pHeight, int& pStrid
 
 void cBitmapBGR8::FreeBitmapData(unsigned char* pBGR8) {
   static constexpr char kSignature[] = "void __cdecl TmEngine::cBitmapBGR8::FreeBitmapData(unsigned char *)";
-  std::fputs("Freeing via FreeBitmapData\n", stderr);
+  LogLine("Freeing via FreeBitmapData\n");
   TM_CHECK(pBGR8 != nullptr, cArgumentNullException, "Argument 'pBGR8' cannot be null.");
   std::free(pBGR8);
 }

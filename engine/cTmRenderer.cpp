@@ -4,9 +4,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 
 #include "engine/Elementary.h"
+#include "engine/LogLine.h"
 #include "engine/TmCheck.h"
 #include "engine/cBitmapU16T.h"
 #include "engine/cColorSpace.h"
@@ -221,8 +221,8 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
     return;
   }
   if (fVerbose) {
-    std::fprintf(stderr, "Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n",
-                 static_cast<double>(fLuminance.fLogMin), static_cast<double>(fLuminance.fLogMax));
+    LogLine("Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n", static_cast<double>(fLuminance.fLogMin),
+            static_cast<double>(fLuminance.fLogMax));
   }
   StopRequested(pCancel, pAborted);
 }
@@ -243,8 +243,7 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
   FormBaseLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers);
   if (IsSet(pAborted)) return;
   if (fVerbose) {
-    std::fprintf(
-        stderr,
+    LogLine(
         "End ToneMappingPhase1 %d x %d  - min/ave/max Base: %1.2f  %1.2f  %1.2f (vs orig: %1.2f)  -  "
         "Detail: %1.2f  %1.2f  %1.2f\n",
         width, height, static_cast<double>(fLayers.fBaseMin), fLayers.fBaseMean,
@@ -263,13 +262,12 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
 
   fExposureScales = ExposureScales(exponent, fLuminance.fMax, fLayers.fBaseMax);
   if (fVerbose) {
-    std::fprintf(stderr,
-                 "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
-                 "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
-                 static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
-                 Pow(10.0, static_cast<double>(fLuminance.fLogMax)),
-                 1.0 / static_cast<double>(fExposureScales.fInput),
-                 static_cast<double>(fToneTables.fDetailMax), Pow(10.0, fLayers.fDetailMagnitude));
+    LogLine(
+        "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
+        "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
+        static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
+        Pow(10.0, static_cast<double>(fLuminance.fLogMax)), 1.0 / static_cast<double>(fExposureScales.fInput),
+        static_cast<double>(fToneTables.fDetailMax), Pow(10.0, fLayers.fDetailMagnitude));
   }
 
   bool stopped = false;
@@ -284,8 +282,7 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
   const double scaling = static_cast<double>(1.0f / (range.fMax - range.fMin));
   if (fVerbose) {
     const double pixels = static_cast<double>(fInput->GetWidth()) * fInput->GetHeight();
-    std::fprintf(
-        stderr,
+    LogLine(
         "Tone Mapped Y Min/Max: [%1.2f  %1.2f] (vs orig [%1.2f  %1.2f]) ave: %1.2f  -> scaling: %1.2f (vs "
         "exposure: %1.2f)\n",
         min, max, static_cast<double>(fLuminance.fMin), static_cast<double>(fLuminance.fMax),
@@ -299,11 +296,9 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
   fPoints = fGivenPoints ? *fGivenPoints : histogram.Points(fBlackClip, fWhiteClip);
   if (!fVerbose || histogram.IsEmpty()) return;
   histogram.LogPercentiles();
-  std::fprintf(
-      stderr,
-      "  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
-      static_cast<double>(fPoints.fBlack), min, static_cast<double>(fPoints.fWhite), max,
-      static_cast<double>(1.0f / (fPoints.fWhite - fPoints.fBlack)), scaling);
+  LogLine("  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
+          static_cast<double>(fPoints.fBlack), min, static_cast<double>(fPoints.fWhite), max,
+          static_cast<double>(1.0f / (fPoints.fWhite - fPoints.fBlack)), scaling);
 }
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
+#include "engine/LogLine.h"
 #include "export/HostLayout.h"
 
 namespace {
@@ -44,8 +44,7 @@ void LogSampledPixels(const tm_quorvane_image& pImage, const TmEngine::sSampleRo
   const int blue = pRow.fRedFirst ? 2 : 0;
   for (std::ptrdiff_t x = 0; x < pImage.width; x += stepX) {
     const auto high = [=](int pSample) { return LoadSample<std::uint16_t>(samples, 3 * x + pSample) >> 8; };
-    std::fprintf(stderr, "%d, %d  - %d %d %d\n", static_cast<int>(x), pY, high(blue), high(1),
-                 high(2 - blue));
+    TmEngine::LogLine("%d, %d  - %d %d %d\n", static_cast<int>(x), pY, high(blue), high(1), high(2 - blue));
   }
 }
 

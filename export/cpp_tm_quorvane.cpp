@@ -1,11 +1,11 @@
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
 
 #include "engine/BitmapChecks.h"
+#include "engine/LogLine.h"
 #include "engine/TmCheck.h"
 #include "engine/ToneMapImage.h"
 #include "engine/cColorSpace.h"
@@ -31,21 +31,18 @@ constexpr int kUnsupported = -2;
 void LogSettings(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettings,
                  const sToneParameters& pParameters) {
   const auto compression = static_cast<double>(pParameters.fToneCompression);
-  std::fprintf(stderr, "zx_tm_quorvane:  %d x %d  - bsp: %d -> %d\n", pImage.width, pImage.height,
-               pImage.input_bits, pImage.output_bits);
-  std::fprintf(stderr, "ToneMapPhase2 -  Strength [-34 60 100]:     %1.2f\n",
-               static_cast<double>(pParameters.fStrength));
-  std::fprintf(stderr, "ToneMapPhase2 -  Tone Compression:     %1.2f -> %1.2f\n", compression,
-               compression / 50.0 + 0.01);
-  std::fprintf(stderr, "ToneMapPhase1 -  Microcontrast [10 100 200] :             %1.2f\n",
-               static_cast<double>(pParameters.fMicrocontrast));
-  std::fprintf(stderr, "ToneMapPhase1 -  Lighting [0 100 200]:            %1.2f\n",
-               static_cast<double>(pParameters.fLighting));
-  std::fprintf(stderr, "ToneMapPhase1 -  Local Contrast [0 100 200]:      %1.2f\n", 0.0);
-  std::fprintf(stderr, "FinalRendering - Contrast [-100 0 100]:         %1.2f\n", 20.0);
-  std::fprintf(stderr, "White/Black Clip: %1.2f %1.2f Test1: %1.2f\n",
-               static_cast<double>(pSettings.white_clip), static_cast<double>(pSettings.black_clip),
-               static_cast<double>(pSettings.test1));
+  LogLine("zx_tm_quorvane:  %d x %d  - bsp: %d -> %d\n", pImage.width, pImage.height, pImage.input_bits,
+          pImage.output_bits);
+  LogLine("ToneMapPhase2 -  Strength [-34 60 100]:     %1.2f\n", static_cast<double>(pParameters.fStrength));
+  LogLine("ToneMapPhase2 -  Tone Compression:     %1.2f -> %1.2f\n", compression, compression / 50.0 + 0.01);
+  LogLine("ToneMapPhase1 -  Microcontrast [10 100 200] :             %1.2f\n",
+          static_cast<double>(pParameters.fMicrocontrast));
+  LogLine("ToneMapPhase1 -  Lighting [0 100 200]:            %1.2f\n",
+          static_cast<double>(pParameters.fLighting));
+  LogLine("ToneMapPhase1 -  Local Contrast [0 100 200]:      %1.2f\n", 0.0);
+  LogLine("FinalRendering - Contrast [-100 0 100]:         %1.2f\n", 20.0);
+  LogLine("White/Black Clip: %1.2f %1.2f Test1: %1.2f\n", static_cast<double>(pSettings.white_clip),
+          static_cast<double>(pSettings.black_clip), static_cast<double>(pSettings.test1));
 }
 
 bool HasOutput(const tm_quorvane_image& pImage) {
@@ -106,6 +103,6 @@ int cpp_tm_quorvane(const tm_quorvane_image* pDescriptor, void* /*pReserved*/, i
   if (image.input_bits != 8 && image.input_bits != 16 && image.input_bits != 32) return kUnsupported;
   CheckPixels(image, pInputPixels, pOutputPixels);
   ToneMapPicture(image, id, parameters, pInputPixels, pOutputPixels);
-  std::fprintf(stderr, "zx_tm_quorvane  end\n");
+  LogLine("zx_tm_quorvane  end\n");
   return kDone;
 }

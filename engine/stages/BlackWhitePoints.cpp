@@ -1,8 +1,8 @@
 #include "engine/stages/BlackWhitePoints.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "engine/LogLine.h"
 #include "engine/PixelRows.h"
 #include "engine/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
@@ -63,8 +63,7 @@ void cLuminanceHistogram::LogPercentiles() const {
   const int median = WalkUp([=](std::int64_t pSum) { return 0.5 * pixels > static_cast<double>(pSum); });
   const int bright[3] = {below(0.99), below(0.9999), below(0.99995)};
   const auto value = [this](int pBin) { return static_cast<double>(ValueAt(pBin)); };
-  std::fprintf(
-      stderr,
+  LogLine(
       "Linear Perc1 at: %d (%1.2f) -  Median: %d (%1.2f)  - perc99andhigher:  %d  %d  %d  (%1.2f  %1.2f  "
       "%1.2f) -  max: %d  (%1.2f)\n",
       dark >> 8, value(dark), median >> 8, static_cast<double>(static_cast<float>(median) / fScale),

@@ -1,10 +1,13 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cfenv>
+#include <csignal>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -118,6 +121,68 @@ bool KeepsState(const sState& pState, const tCall& pCall) {
   return before == after;
 }
 
+/// Standard error without a reader, or closed, while it lives.
+class cBrokenStderr {
+ public:
+  explicit cBrokenStderr(bool pClosed) : fSaved(dup(STDERR_FILENO)) {
+    int ends[2];
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    if (pClosed) close(STDERR_FILENO);
+  }
+  cBrokenStderr(const cBrokenStderr&) = delete;
+  cBrokenStderr& operator=(const cBrokenStderr&) = delete;
+  ~cBrokenStderr() {
+    dup2(fSaved, STDERR_FILENO);
+    close(fSaved);
+  }
+
+ private:
+  int fSaved;
+};
+
+volatile std::sig_atomic_t gPipeSignals = 0;
+
+/// What the thread does with SIGPIPE while it lives: a handler counts those that arrive.
+class cPipeSignals {
+ public:
+  explicit cPipeSignals(bool pBlocked) {
+    struct sigaction handler = {};
+    handler.sa_handler = [](int) { gPipeSignals = gPipeSignals + 1; };
+    sigaction(SIGPIPE, &handler, &fFormer);
+    gPipeSignals = 0;
+    Block(pBlocked);
+  }
+  cPipeSignals(const cPipeSignals&) = delete;
+  cPipeSignals& operator=(const cPipeSignals&) = delete;
+  ~cPipeSignals() {
+    Block(false);
+    sigaction(SIGPIPE, &fFormer, nullptr);
+  }
+
+  /// All that arrived, and those that wait.
+  int Count() {
+    EXPECT_EQ(Block(false), fIsBlocked) << "the host's mask stays";
+    return gPipeSignals;
+  }
+
+ private:
+  /// Whether it was blocked before.
+  bool Block(bool pBlocked) {
+    fIsBlocked = pBlocked || fIsBlocked;
+    sigset_t pipeSignal, former;
+    sigemptyset(&pipeSignal);
+    sigaddset(&pipeSignal, SIGPIPE);
+    pthread_sigmask(pBlocked ? SIG_BLOCK : SIG_UNBLOCK, &pipeSignal, &former);
+    return sigismember(&former, SIGPIPE) == 1;
+  }
+
+  struct sigaction fFormer = {};
+  bool fIsBlocked = false;
+};
+
 std::size_t HeapBytes() {
 #if defined(TEST_SANITIZED)
   return __sanitizer_get_current_allocated_bytes();
@@ -179,6 +244,38 @@ TEST(LoadedLibrary, KeepsTheFloatingPointStateWhenItFails) {
       })) << state.fName;
       EXPECT_TRUE(hasFailed);
     }
+  }
+}
+
+/// Nothing of the host's signals changes, and the picture is done.
+TEST(LoadedLibrary, WritesToABrokenStandardErrorWithoutASignal) {
+  const cLibrary library;
+  const struct {
+    const char* fName;
+    bool fIsClosed, fIsBlocked;
+    void (*fSend)();
+    int fSignals;
+  } rows[] = {{"nobody reads", false, false, [] {}, 0},
+              {"closed", true, false, [] {}, 0},
+              {"blocked by the host", false, true, [] {}, 0},
+              {"one waits for the thread", false, true, [] { pthread_kill(pthread_self(), SIGPIPE); }, 1},
+              {"one waits for the process", false, true, [] { kill(getpid(), SIGPIPE); }, 1}};
+  for (const auto& row : rows) {
+    sCall expected = DarkCall(32), call = DarkCall(32);  // 16 bits out: with lines of sampled pixels
+    {
+      cStderrCapture capture;
+      ASSERT_EQ(library.Run(expected), 1);
+    }
+    cPipeSignals signals(row.fIsBlocked);
+    row.fSend();
+    int result = 0;
+    {
+      const cBrokenStderr broken(row.fIsClosed);
+      result = library.Run(call);
+    }
+    EXPECT_EQ(result, 1) << row.fName;
+    EXPECT_EQ(signals.Count(), row.fSignals) << row.fName;
+    EXPECT_EQ(call.fOutput, expected.fOutput) << row.fName;
   }
 }
 
