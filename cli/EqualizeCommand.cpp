@@ -16,6 +16,7 @@
 #include "cli/Options.h"
 #include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
+#include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/SvgDrawing.h"
 #include "cli/VipsLibrary.h"
@@ -64,6 +65,7 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, leastDepth, pOptions.fFile);
   sLdrPicture picture = ReadLdrPicture(pOptions.fInput, kVerb);
   PrintWarnings(pOptions.fInput, picture.fWarnings);
+  CheckRowLength(pOptions.fInput, picture.fBitmap->GetWidth(), TmEngine::kHueChannels);
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   // before the work, so that a place that cannot be written to is told early

@@ -58,11 +58,20 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
                          level(0.5f).get());
 }
 
+void CheckRowLength(const std::string& pFile, int pWidth, int pChannels) {
+  const int longest = TmEngine::LongestRow(pChannels);
+  if (pWidth <= longest) return;
+  throw cFailure(eExitCode_Processing, pFile,
+                 "is " + std::to_string(pWidth) + " pixels wide, and at most " + std::to_string(longest) +
+                     " are possible (any height is); turn it by 90 degrees, split it or reduce its width");
+}
+
 cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
   return NameFailures(eExitCode_Processing, pFile, "tone-map", [&] {
     pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
+    CheckRowLength(pFile, pPicture.fBitmap->GetWidth());
     HideTransparent(pPicture);
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);

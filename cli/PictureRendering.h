@@ -5,6 +5,7 @@
 #include "cli/ResultPixels.h"
 #include "cli/Settings.h"
 #include "engine/cTmRenderer.h"
+#include "engine/stages/ColorRows.h"
 
 namespace Cli {
 
@@ -20,6 +21,9 @@ struct sRenderingReport {
 
 /// Sets up pRenderer for these settings; its images are the caller's to set. pWrap: the edges meet.
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose);
+
+/// Refuses rows that are too long for the engine, which keeps pChannels of a pixel (see ColorRows.h).
+void CheckRowLength(const std::string& pFile, int pWidth, int pChannels = TmEngine::kColorChannels);
 
 /// Tone-maps pPicture with a renderer that knows afterwards what its stages found. Throws cFailure in the
 /// name of pFile.

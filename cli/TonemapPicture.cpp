@@ -105,6 +105,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
   if (!isStreamed) Load(pJob, picture, report);
   report.fWidth = isStreamed ? picture.fRows->GetWidth() : picture.fBitmap->GetWidth();
   report.fHeight = isStreamed ? picture.fRows->GetHeight() : picture.fBitmap->GetHeight();
+  CheckRowLength(pJob.fInput, report.fWidth);
   CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
   if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
   // before the work, so that a place that cannot be written to is told early

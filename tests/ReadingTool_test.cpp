@@ -329,6 +329,25 @@ TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
             std::string::npos);
 }
 
+TEST_F(ReadingTool, RefusesRowsThatAreTooLong) {
+  const auto write = [](const char* pFile, int pWidth, int pHeight) {
+    std::ofstream(pFile, std::ios::binary)
+        << "Pf\n"
+        << pWidth << ' ' << pHeight << "\n-1.0\n"
+        << std::string(std::size_t{4} * 748984, '\x3d').substr(0, std::size_t{4} * pWidth * pHeight);
+  };
+  write("wide.pfm", 748981, 1);
+  write("longest.pfm", 748980, 1);
+  const sRun run = Run("tonemap wide.pfm -o wide.jpg");
+  EXPECT_EQ(run.fExitCode, 5);
+  EXPECT_NE(run.fErrors.find("wide.pfm: is 748981 pixels wide, and at most 748980 are possible"),
+            std::string::npos)
+      << run.fErrors;
+  EXPECT_NE(run.fErrors.find("turn it by 90 degrees"), std::string::npos) << run.fErrors;
+  for (const char* const job : {"longest.pfm", "wide.pfm --preview 1000"})
+    EXPECT_EQ(Run(std::string("tonemap --overwrite -o a.tif ") + job).fExitCode, 0) << job;
+}
+
 /// A scene that goes on around its edges, with sharp borders of light all over.
 sTestPicture MakePanorama(int pWidth) {
   sTestPicture scene = MakeScene(pWidth, pWidth / 2);

@@ -4,6 +4,7 @@
 
 #include "engine/PixelRows.h"
 #include "engine/cBitmapU16T.h"
+#include "engine/cMemUtils.h"
 #include "engine/kernels/Kernels.h"
 
 /// What the renderers keep of a pixel's colour, in the 16-bit channels of a tiled image: the smallest and the
@@ -18,6 +19,11 @@ namespace TmEngine {
 
 inline constexpr int kHueChannels = 5;
 inline constexpr int kColorChannels = 7;  ///< With luminance.
+
+/// Pixels in the longest row whose records of pChannels fit into a tile.
+constexpr int LongestRow(int pChannels) {
+  return static_cast<int>(cMemUtils::kMaxTileBytes / (2 * pChannels) / 4 * 4);
+}
 
 /// What pRecords hold from column pX of row pY to the end of the run.
 inline sColorRun ColorRun(cBitmapU16T& pRecords, int pY, int pX) {
