@@ -3,9 +3,11 @@
 namespace TmEngine {
 namespace {
 
+constexpr char kSourceTime[] = QUORVANE_SOURCE_TIME;  // see cmake/SourceTime.cmake
+
 template <class tException>
 [[noreturn]] void Throw(const char* pMessage, const sThrowPlace& pPlace) {
-  throw tException(pMessage, pPlace.fLine, pPlace.fFile, pPlace.fTimestamp, pPlace.fFunction);
+  throw tException(pMessage, pPlace.fLine, pPlace.fFile, kSourceTime, pPlace.fFunction);
 }
 
 }  // namespace

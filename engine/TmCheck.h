@@ -16,7 +16,6 @@ namespace TmEngine {
 struct sThrowPlace {
   const char* fFunction;
   const char* fFile;
-  const char* fTimestamp;
   int fLine;
 };
 
@@ -29,7 +28,7 @@ struct sThrowPlace {
 }  // namespace TmEngine
 
 /// The place of the line that it stands in, for a helper that makes a group of checks in its caller's name.
-#define TM_HERE (::TmEngine::sThrowPlace{kSignature, kSourceFile, __TIMESTAMP__, __LINE__})
+#define TM_HERE (::TmEngine::sThrowPlace{kSignature, kSourceFile, __LINE__})
 
 /// Throws pException (a class name of this namespace) with pMessage, in the name of pPlace.
 #define TM_CHECK_AT(pPlace, pCondition, pException, pMessage)            \
@@ -41,6 +40,5 @@ struct sThrowPlace {
 #define TM_CHECK(pCondition, pException, pMessage) TM_CHECK_AT(TM_HERE, pCondition, pException, pMessage)
 
 /// The same with a fixed line number, where hosts know the check by it.
-#define TM_CHECK_LINE(pLine, pCondition, pException, pMessage)                                      \
-  TM_CHECK_AT((::TmEngine::sThrowPlace{kSignature, kSourceFile, __TIMESTAMP__, pLine}), pCondition, \
-              pException, pMessage)
+#define TM_CHECK_LINE(pLine, pCondition, pException, pMessage) \
+  TM_CHECK_AT((::TmEngine::sThrowPlace{kSignature, kSourceFile, pLine}), pCondition, pException, pMessage)

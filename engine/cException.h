@@ -22,7 +22,7 @@ class cException : public std::runtime_error {
   virtual const char* GetCategory() const;   ///< The fixed category text of the class.
   virtual const char* GetMessage() const;    ///< The same text as what().
   virtual const char* GetFile() const;       ///< Source file of the throw.
-  virtual const char* GetTimestamp() const;  ///< Time of the source file's last change.
+  virtual const char* GetTimestamp() const;  ///< Time of the sources' last change.
   virtual const char* GetFunction() const;   ///< Full signature of the throwing function.
   virtual int GetLine() const;               ///< Source line of the throw.
 

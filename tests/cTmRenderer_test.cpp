@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -130,7 +131,9 @@ TEST(cTmRenderer, ChecksItsArgumentsAndImages) {
   try {
     renderer->Render();
   } catch (const cException& exception) {
-    EXPECT_EQ(std::string(exception.GetTimestamp()).size(), 24u);
+    const std::string day = "(Mon|Tue|Wed|Thu|Fri|Sat|Sun) [A-Z][a-z]{2} ( [1-9]|[123][0-9]) ";
+    const std::regex form(day + "[0-9]{2}(:[0-9]{2}){2} [0-9]{4}");
+    EXPECT_TRUE(std::regex_match(exception.GetTimestamp(), form)) << exception.GetTimestamp();
   }
 }
 
