@@ -24,10 +24,4 @@ const sKernels* KernelsOf(int pLanes) {
   }
 }
 
-const sKernels& Kernels() {
-  if (const sKernels* sixteen = KernelsOf(16)) return *sixteen;
-  if (const sKernels* eight = KernelsOf(8)) return *eight;
-  return Lanes4();
-}
-
 }  // namespace TmEngine
