@@ -2,6 +2,13 @@
 
 #include <utility>
 
+#if defined(TM_WATCHES_ADDRESSES)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(pStart, pBytes) static_cast<void>(0)
+#define ASAN_UNPOISON_MEMORY_REGION(pStart, pBytes) static_cast<void>(0)
+#endif
+
 #if defined(__linux__)
 #include <sys/mman.h>
 
@@ -15,8 +22,16 @@ constexpr std::size_t kLargePage = std::size_t{1} << 21;
 constexpr std::size_t kLeastBytes = 2 * kLargePage;
 constexpr std::size_t kMostBytes = 64 * kLargePage;  // larger blocks do well on their own
 
-// A sanitizer watches the ends of blocks from malloc only.
-#if defined(__linux__) && defined(MADV_HUGEPAGE) && !defined(QUORVANE_SANITIZED)
+// The address sanitizer knows blocks from malloc only: it is told of the others.
+void Forbid([[maybe_unused]] char* pStart, [[maybe_unused]] std::size_t pBytes) {
+  ASAN_POISON_MEMORY_REGION(pStart, pBytes);
+}
+
+void Permit([[maybe_unused]] char* pStart, [[maybe_unused]] std::size_t pBytes) {
+  ASAN_UNPOISON_MEMORY_REGION(pStart, pBytes);
+}
+
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
 
 /// Whole large pages; what was taken to find their start goes back at once.
 char* MapLargePages(std::size_t pBytes) {
@@ -28,10 +43,12 @@ char* MapLargePages(std::size_t pBytes) {
   if (lead > 0) munmap(first, lead);
   munmap(first + lead + pBytes, kLargePage - lead);
   madvise(first + lead, pBytes, MADV_HUGEPAGE);  // a hint: may fail
+  Forbid(first + lead, pBytes);
   return first + lead;
 }
 
 void Unmap(char* pStart, std::size_t pBytes) {
+  Permit(pStart, pBytes);
   munmap(pStart, pBytes);
 }
 
@@ -69,6 +86,7 @@ void* cLargeRegion::Take(std::size_t pBytes) {
   if (room > fBytes - fTaken) return nullptr;
   char* const block = fStart + fTaken;
   fTaken += room;
+  Permit(block, pBytes);
   return block;
 }
 

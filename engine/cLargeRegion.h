@@ -2,17 +2,33 @@
 
 #include <cstddef>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define TM_WATCHES_ADDRESSES
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TM_WATCHES_ADDRESSES
+#endif
+#endif
+
 namespace TmEngine {
 
 /// Memory of a few megabytes straight from the system, which begins where a large page does, for blocks that
 /// are too small to get large pages one by one: most of the cost of fresh memory is paid a page. Only speed
 /// depends on it: where there is no region, blocks are had elsewhere.
 class cLargeRegion {
+#if defined(TM_WATCHES_ADDRESSES)
+  static constexpr std::size_t kGap = 64;  // behind each block, where the sanitizer reports what is touched
+#else
+  static constexpr std::size_t kGap = 0;
+#endif
+
  public:
   cLargeRegion() = default;
   /// Without memory where the system has none of that kind, or for sizes that do not gain.
   explicit cLargeRegion(std::size_t pBytes);
-  cLargeRegion(cLargeRegion&& pFrom) noexcept { Swap(pFrom); }
+  cLargeRegion(cLargeRegion&& pFrom) noexcept {
+    Swap(pFrom);
+  }
   cLargeRegion& operator=(cLargeRegion&& pFrom) noexcept;
   ~cLargeRegion();
 
@@ -20,7 +36,9 @@ class cLargeRegion {
   void* Take(std::size_t pBytes);
 
   /// What Take needs for a block.
-  static constexpr std::size_t RoomOf(std::size_t pBytes) { return (pBytes + 63) & ~std::size_t{63}; }
+  static constexpr std::size_t RoomOf(std::size_t pBytes) {
+    return ((pBytes + 63) & ~std::size_t{63}) + kGap;
+  }
 
  private:
   void Swap(cLargeRegion& pOther) noexcept;
