@@ -1,5 +1,9 @@
 #include "tests/AllocationHook.h"
 
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -22,9 +26,31 @@ void* TEST_GENUINE(realloc)(void*, std::size_t) noexcept;
 void TEST_GENUINE(free)(void*) noexcept;
 }
 
+#if defined(TEST_SANITIZED)
+extern "C" void* __real_mmap(void*, std::size_t, int, int, int,
+                             off_t) noexcept;               // NOLINT: the linker's names
+extern "C" int __real_munmap(void*, std::size_t) noexcept;  // NOLINT
+#endif
+
 namespace {
 
 thread_local cAllocationHook* gHook = nullptr;
+
+void* MapGenuinely(void* pAt, std::size_t pBytes, int pProtection, int pFlags, int pFile, off_t pOffset) {
+#if defined(TEST_SANITIZED)
+  return __real_mmap(pAt, pBytes, pProtection, pFlags, pFile, pOffset);
+#else
+  return reinterpret_cast<void*>(syscall(SYS_mmap, pAt, pBytes, pProtection, pFlags, pFile, pOffset));
+#endif
+}
+
+int UnmapGenuinely(void* pBlock, std::size_t pBytes) {
+#if defined(TEST_SANITIZED)
+  return __real_munmap(pBlock, pBytes);
+#else
+  return static_cast<int>(syscall(SYS_munmap, pBlock, pBytes));
+#endif
+}
 
 template <class tTake>
 void* Take(std::size_t pBytes, const tTake& pTake) {
@@ -73,6 +99,22 @@ void* TEST_HOOKED(realloc)(void* pBlock, std::size_t pBytes) noexcept {
 void TEST_HOOKED(free)(void* pBlock) noexcept {
   if (gHook != nullptr && pBlock != nullptr) gHook->Returned(pBlock);
   TEST_GENUINE(free)(pBlock);
+}
+
+void* TEST_HOOKED(mmap)(void* pAt, std::size_t pBytes, int pProtection, int pFlags, int pFile,
+                        off_t pOffset) noexcept {
+  if (gHook != nullptr && !gHook->AllowsMapping(pBytes)) {
+    errno = ENOMEM;
+    return MAP_FAILED;
+  }
+  void* const block = MapGenuinely(pAt, pBytes, pProtection, pFlags, pFile, pOffset);
+  if (gHook != nullptr && block != MAP_FAILED) gHook->Mapped(pBytes);
+  return block;
+}
+
+int TEST_HOOKED(munmap)(void* pBlock, std::size_t pBytes) noexcept {
+  if (gHook != nullptr) gHook->Unmapped(pBytes);
+  return UnmapGenuinely(pBlock, pBytes);
 }
 
 }  // extern "C"

@@ -16,6 +16,10 @@ class cAllocationHook {
 
   // None of these may allocate.
   virtual bool Allows(std::size_t pBytes) = 0;  ///< Whether a block can be had.
+  /// Whether memory outside the heap can be mapped.
+  virtual bool AllowsMapping(std::size_t) { return true; }
+  virtual void Mapped(std::size_t) {}
+  virtual void Unmapped(std::size_t) {}
   virtual void Taken(void* pBlock, std::size_t pBytes) = 0;
   virtual void Returned(void* pBlock) = 0;  ///< Before the block is freed.
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <vector>
@@ -23,15 +24,22 @@ constexpr std::size_t kHistogramBytes = 65536 * 4;
 /// Lets one block, or all from one on, be refused, and knows the blocks that were not given back.
 class cRefusal : public cAllocationHook {
  public:
-  cRefusal(int pRefused, bool pOnwards) : fRefused(pRefused), fOnwards(pOnwards) {}
+  /// pLeast: smaller blocks are always given and not counted. pMapping: what is mapped counts as well, else
+  /// it is always refused.
+  cRefusal(int pRefused, bool pOnwards, std::size_t pLeast = 0, bool pMapping = true)
+      : fRefused(pRefused), fOnwards(pOnwards), fLeast(pLeast), fMapping(pMapping) {}
 
   bool Allows(std::size_t pBytes) override {
+    if (pBytes < fLeast) return true;
     ++fAsked;
     if (fAsked < fRefused || (fAsked > fRefused && !fOnwards)) return true;
     fRefusedHistogram = fRefusedHistogram || pBytes == kHistogramBytes;
     fHasRefused = true;
     return false;
   }
+  bool AllowsMapping(std::size_t pBytes) override { return fMapping && Allows(pBytes); }
+  void Mapped(std::size_t pBytes) override { fMappedBytes += pBytes; }
+  void Unmapped(std::size_t pBytes) override { fMappedBytes -= pBytes; }
   void Taken(void* pBlock, std::size_t) override {
     if (fCount < fBlocks.size()) fBlocks[fCount] = pBlock;
     ++fCount;
@@ -44,7 +52,7 @@ class cRefusal : public cAllocationHook {
   }
   /// The blocks that still exist, except the texts of the exception that came.
   std::size_t CountLeaks(const std::array<const void*, 5>& pTexts) const {
-    std::size_t leaks = 0;
+    std::size_t leaks = fMappedBytes == 0 ? 0 : 1;
     for (std::size_t i = 0; i < fCount; ++i) {
       if (std::find(pTexts.begin(), pTexts.end(), fBlocks[i]) == pTexts.end()) ++leaks;
     }
@@ -57,6 +65,9 @@ class cRefusal : public cAllocationHook {
  private:
   int fRefused;
   bool fOnwards;
+  std::size_t fLeast;
+  bool fMapping;
+  std::size_t fMappedBytes = 0;
   int fAsked = 0;
   std::size_t fCount = 0;
   std::array<void*, 4096> fBlocks = {};
@@ -71,10 +82,11 @@ struct sOutcome {
   std::size_t fLeaks;
 };
 
-sOutcome RunShortOfMemory(sCall& pCall, int pRefused, bool pOnwards) {
+template <class... tOptions>
+sOutcome RunShortOfMemory(sCall& pCall, int pRefused, bool pOnwards, tOptions... pOptions) {
   eEnd end = eEnd::Done;
   std::array<const void*, 5> texts = {};
-  cRefusal refusal(pRefused, pOnwards);
+  cRefusal refusal(pRefused, pOnwards, pOptions...);
   try {
     if (pCall.Run() != 1) end = eEnd::Other;
   } catch (const cException& exception) {
@@ -157,6 +169,68 @@ INSTANTIATE_TEST_SUITE_P(AllDepths, MemoryFailure,
                          testing::Values(sDepths{8, 8, false}, sDepths{8, 16, false}, sDepths{16, 8, false},
                                          sDepths{16, 16, false}, sDepths{32, 8, false},
                                          sDepths{32, 16, false}, sDepths{32, 8, true}),
+                         testing::PrintToStringParamName());
+
+/// Pictures whose planes and records share one mapped region, or, where nothing can be mapped, lie in blocks
+/// of their own: two planes and pTiles tiles.
+struct sLargePicture {
+  int fWidth, fHeight, fTiles;
+};
+std::ostream& operator<<(std::ostream& pStream, const sLargePicture& pPicture) {
+  return pStream << pPicture.fWidth << "x" << pPicture.fHeight;
+}
+
+class LargeMemoryFailure : public testing::TestWithParam<sLargePicture> {
+ protected:
+  static constexpr std::size_t kLarge = std::size_t{1} << 20;  // above the renderer itself and its grid
+
+  LargeMemoryFailure() : fUndisturbed(HostImage(GetParam().fWidth, GetParam().fHeight, 32, 8)) {}
+  void SetUp() override { ASSERT_EQ(fUndisturbed.Run(), 1); }
+
+  /// Runs the call with large block pRefused refused.
+  void Try(int pRefused, bool pOnwards, bool pMapping) {
+    fCall = std::make_unique<sCall>(fUndisturbed.fImage);
+    fOutcome = RunShortOfMemory(*fCall, pRefused, pOnwards, kLarge, pMapping);
+    EXPECT_EQ(fOutcome.fLeaks, 0u);
+    if (fOutcome.fEnd == eEnd::Done) {
+      EXPECT_EQ(fCall->fOutput, fUndisturbed.fOutput);
+    } else {
+      EXPECT_EQ(fOutcome.fEnd, eEnd::EngineException);
+      EXPECT_TRUE(fCall->OutputUntouched());
+    }
+  }
+
+  cStderrCapture fCapture;
+  sCall fUndisturbed;
+  std::unique_ptr<sCall> fCall;
+  sOutcome fOutcome = {};
+};
+
+TEST_P(LargeMemoryFailure, WithoutAMappedRegionBlocksTakeItsPlace) {
+  Try(1, false, true);
+  EXPECT_TRUE(fOutcome.fRefused) << "nothing is mapped";
+  EXPECT_EQ(fOutcome.fEnd, eEnd::Done);
+  Try(2, false, true);
+  EXPECT_FALSE(fOutcome.fRefused) << "the region holds all that is large";
+  Try(1, true, true);
+  EXPECT_EQ(fOutcome.fEnd, eEnd::EngineException);
+}
+
+TEST_P(LargeMemoryFailure, EveryTileAndPlaneMayBeRefused) {
+  const int blocks = GetParam().fTiles + 2;
+  for (int refused = 1; refused <= blocks; ++refused) {
+    SCOPED_TRACE(refused);
+    Try(refused, false, false);
+    EXPECT_EQ(fOutcome.fEnd, eEnd::EngineException);
+    ASSERT_FALSE(HasFailure());
+  }
+  Try(blocks + 1, false, false);
+  EXPECT_FALSE(fOutcome.fRefused);
+  EXPECT_EQ(fOutcome.fEnd, eEnd::Done);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, LargeMemoryFailure,
+                         testing::Values(sLargePicture{640, 420, 1}, sLargePicture{1000, 1640, 3}),
                          testing::PrintToStringParamName());
 
 TEST(MemoryFailureOfParts, AnExceptionKeepsItsMessageWithoutItsTexts) {
