@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <new>
 #include <stdexcept>
 
@@ -11,6 +13,24 @@
 namespace {
 
 constexpr unsigned char kUntouched = 0xA5;
+constexpr int kLongSide = 6000;
+constexpr float kFarValues[] = {1e2f,
+                                -1e2f,
+                                1e4f,
+                                -1e4f,
+                                1e30f,
+                                -1e30f,
+                                std::numeric_limits<float>::infinity(),
+                                -std::numeric_limits<float>::infinity()};
+
+/// Now and then two sliders that are far out of range together. Not where the input has ended, which reads as
+/// 0.
+void TakeFarSliders(FuzzedDataProvider& pData, tm_quorvane_settings& pSettings) {
+  if (pData.ConsumeIntegralInRange(0, 7) != 7) return;
+  float* const sliders[] = {&pSettings.strength,   &pSettings.lighting,   &pSettings.tone_compression,
+                            &pSettings.white_clip, &pSettings.black_clip, &pSettings.microcontrast};
+  for (int i = 0; i < 2; ++i) *pData.PickValueInArray(sliders) = pData.PickValueInArray(kFarValues);
+}
 
 tm_quorvane_settings TakeSettings(FuzzedDataProvider& pData) {
   tm_quorvane_settings settings = {};
@@ -32,12 +52,12 @@ void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
   pImage.height = pData.ConsumeIntegralInRange(1, 40);
   switch (pData.ConsumeIntegralInRange(0, 15)) {
     case 0:
-      pImage.width = 1;
-      pImage.height = pData.ConsumeIntegralInRange(1, 1000);
+      pImage.width = pData.ConsumeIntegralInRange(1, 3);
+      pImage.height = pData.ConsumeIntegralInRange(1, kLongSide);
       break;
     case 1:
-      pImage.height = 1;
-      pImage.width = pData.ConsumeIntegralInRange(1, 1000);
+      pImage.height = pData.ConsumeIntegralInRange(1, 3);
+      pImage.width = pData.ConsumeIntegralInRange(1, kLongSide);
       break;
     case 2:
       (pData.ConsumeBool() ? pImage.width : pImage.height) = pData.ConsumeIntegralInRange(INT32_MIN, 0);
@@ -52,7 +72,21 @@ void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
 }
 
 bool IsSmall(const tm_quorvane_image& pImage) {
-  return pImage.width >= 1 && pImage.height >= 1 && pImage.width <= 1000 && pImage.height <= 1000;
+  return pImage.width >= 1 && pImage.height >= 1 && pImage.width <= kLongSide && pImage.height <= kLongSide;
+}
+
+/// Mostly room for a row; sometimes less, none, or any number at all.
+int TakePitch(FuzzedDataProvider& pData, const tm_quorvane_image& pImage) {
+  if (!IsSmall(pImage)) return 0;
+  const int row = pImage.samples_per_pixel * pImage.width;
+  switch (pData.ConsumeIntegralInRange(0, 15)) {
+    case 14:
+      return pData.ConsumeIntegralInRange(-std::abs(row), std::abs(row));
+    case 15:
+      return pData.ConsumeIntegralInRange(INT32_MIN, 0);
+    default:
+      return row + pData.PickValueInArray({0, 0, 1, 7});
+  }
 }
 
 tm_quorvane_image TakeImage(FuzzedDataProvider& pData) {
@@ -65,9 +99,7 @@ tm_quorvane_image TakeImage(FuzzedDataProvider& pData) {
   image.output_bits = isOdd ? pData.ConsumeIntegral<std::int32_t>() : pData.PickValueInArray({8, 16});
   image.reserved0 = pData.ConsumeIntegral<std::int32_t>();
   image.reversed_order = pData.PickValueInArray({0, 0, 1, -1});
-  if (IsSmall(image)) {
-    image.output_row_pitch = image.samples_per_pixel * image.width + pData.PickValueInArray({0, 0, 1, 7});
-  }
+  image.output_row_pitch = TakePitch(pData, image);
   return image;
 }
 
@@ -103,13 +135,19 @@ std::size_t CountInput(const tm_quorvane_image& pImage) {
 
 std::size_t CountOutput(const tm_quorvane_image& pImage) {
   if (!IsSmall(pImage) || pImage.samples_per_pixel < 1) return 1;
-  const int samples = (pImage.height - 1) * pImage.output_row_pitch + pImage.width * pImage.samples_per_pixel;
+  const std::int64_t pitch = std::max(pImage.output_row_pitch, 0);  // below: refused, so that one row will do
+  const std::int64_t samples = (pImage.height - 1) * pitch + pImage.width * pImage.samples_per_pixel;
   return static_cast<std::size_t>(samples) * (pImage.output_bits == 16 ? 2 : 1);
+}
+
+bool IsPitch(const tm_quorvane_image& pImage) {
+  return pImage.output_row_pitch >=
+         (pImage.reversed_order != 0 ? 0 : pImage.samples_per_pixel * pImage.width);
 }
 
 /// What the header of the library promises for these records.
 bool IsDone(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettings) {
-  return IsSmall(pImage) && pImage.samples_per_pixel >= 1 &&
+  return IsSmall(pImage) && pImage.samples_per_pixel >= 1 && IsPitch(pImage) &&
          (pImage.output_bits == 8 || pImage.output_bits == 16) && !std::isnan(pSettings.lighting) &&
          !std::isnan(pSettings.microcontrast);
 }
@@ -123,6 +161,7 @@ void CheckPadding(const tm_quorvane_image& pImage, cBlock& pOutput) {
   const int sampleBytes = pImage.output_bits / 8;
   const auto pixels = static_cast<std::size_t>(pImage.width * pImage.samples_per_pixel * sampleBytes);
   const auto pitch = static_cast<std::size_t>(pImage.output_row_pitch * sampleBytes);
+  if (pitch < pixels) return;  // rows that are cut have none
   for (std::size_t y = 0; y + 1 < static_cast<std::size_t>(pImage.height); ++y) {
     Require(pOutput.IsUntouched(y * pitch + pixels, pitch - pixels), "the padding of rows stays");
   }
@@ -151,9 +190,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   FuzzedDataProvider data(pBytes, pSize);
   const int colorSpace = data.ConsumeIntegralInRange(0, 31) == 0 ? data.ConsumeIntegral<int>()
                                                                  : data.ConsumeIntegralInRange(0, 2);
-  const tm_quorvane_settings given = TakeSettings(data);
+  tm_quorvane_settings given = TakeSettings(data);
   const tm_quorvane_image image = TakeImage(data);
   const bool isOdd = data.ConsumeBool();
+  TakeFarSliders(data, given);
   cBlock imageBlock(BytesOf(image), isOdd);
   cBlock settingsBlock(BytesOf(given), isOdd);
   cBlock input(TakeBytes(data, CountInput(image)), isOdd);

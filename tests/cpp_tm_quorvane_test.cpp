@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstring>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -99,6 +100,30 @@ TEST(cpp_tm_quorvane, SurvivesSlidersFarOutOfRange) {
         EXPECT_EQ(call.Run(), 1) << field << " " << value;
       }
     }
+  }
+}
+
+/// A result, or too little memory for what two sliders ask for together.
+TEST(cpp_tm_quorvane, SurvivesPairsOfSlidersFarOutOfRange) {
+  cStderrCapture capture;
+  const float kFar[] = {kInfinity, -kInfinity, 1e30f, -1e30f, 1e4f, -1e4f};
+  for (int pair = 0; pair < 36 * 36; ++pair) {
+    const int first = pair / 36 % 6, second = pair / 216;
+    if (first >= second) continue;
+    sCall call(HostImage(2, 1 + pair % 2, 32, 8));
+    call.fSettings.horizontal_wrap = static_cast<float>(pair % 3 == 0);
+    float* const sliders = &call.fSettings.strength;
+    sliders[first] = kFar[pair % 6];
+    sliders[second] = kFar[pair / 6 % 6];
+    SCOPED_TRACE(testing::Message() << first << " " << sliders[first] << ", " << second << " "
+                                    << sliders[second]);
+    int result = 0;
+    try {
+      result = call.Run();
+    } catch (const TmEngine::cOutOfMemoryException&) {
+    } catch (const std::bad_alloc&) {
+    }
+    EXPECT_TRUE(result == 1 || call.OutputUntouched());
   }
 }
 
