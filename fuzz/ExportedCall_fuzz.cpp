@@ -80,10 +80,9 @@ int TakePitch(FuzzedDataProvider& pData, const tm_quorvane_image& pImage) {
   if (!IsSmall(pImage)) return 0;
   const int row = pImage.samples_per_pixel * pImage.width;
   switch (pData.ConsumeIntegralInRange(0, 15)) {
-    case 14:
-      return pData.ConsumeIntegralInRange(-std::abs(row), std::abs(row));
     case 15:
-      return pData.ConsumeIntegralInRange(INT32_MIN, 0);
+      return pData.ConsumeBool() ? pData.ConsumeIntegralInRange(-std::abs(row), std::abs(row))
+                                 : pData.ConsumeIntegralInRange(INT32_MIN, 0);
     default:
       return row + pData.PickValueInArray({0, 0, 1, 7});
   }
