@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cinttypes>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <map>
 #include <string>
+#include <type_traits>
 
 /// What was computed, by name.
 using tTable = std::map<std::string, std::string>;
@@ -20,7 +23,9 @@ class cHash {
   /// NaN counts as one value: processors differ in its sign.
   template <class tNumber>
   void Add(tNumber pNumber) {
-    if (pNumber != pNumber) pNumber = std::numeric_limits<tNumber>::quiet_NaN();
+    if constexpr (std::is_floating_point_v<tNumber>) {
+      if (std::isnan(pNumber)) pNumber = std::numeric_limits<tNumber>::quiet_NaN();
+    }
     AddBytes(&pNumber, sizeof pNumber);
   }
   template <class tNumber>
