@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "cli/ShortText.h"
+
 namespace Cli {
 
 /// What the program returns to its caller.
@@ -18,12 +20,13 @@ enum eExitCode : int {
   eExitCode_Interrupted = 130,
 };
 
-/// The end of the work on one picture: which file, why, and the code that the program returns for it.
+/// The end of the work on one picture: which file, why (shortened), and the code that the program returns for
+/// it.
 class cFailure : public std::runtime_error {
  public:
   /// pFile may be empty where no file is at fault.
   cFailure(eExitCode pExitCode, const std::string& pFile, const std::string& pReason)
-      : std::runtime_error(pFile.empty() ? pReason : pFile + ": " + pReason), fExitCode(pExitCode) {}
+      : std::runtime_error((pFile.empty() ? "" : pFile + ": ") + Shorten(pReason)), fExitCode(pExitCode) {}
 
   eExitCode GetExitCode() const { return fExitCode; }
 

@@ -2,12 +2,14 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
 
 #include "cli/ColorSpaceName.h"
 #include "cli/Failure.h"
+#include "cli/ShortText.h"
 #include "cli/TempFile.h"
 
 namespace Cli {
@@ -63,6 +65,18 @@ tPictureRecord MakeMilliseconds(const sPictureReport& pReport) {
           {"write", milliseconds(pReport.fWriteSeconds)}};
 }
 
+/// No more than anybody reads: metadata can be damaged in thousands of ways at once.
+std::vector<std::string> ShortenWarnings(const std::vector<std::string>& pWarnings) {
+  constexpr std::size_t kMost = 100;
+  std::vector<std::string> warnings;
+  for (std::size_t i = 0; i < std::min(kMost, pWarnings.size()); ++i)
+    warnings.push_back(Shorten(pWarnings[i]));
+  if (pWarnings.size() > kMost) {
+    warnings.push_back("and " + std::to_string(pWarnings.size() - kMost) + " more warnings");
+  }
+  return warnings;
+}
+
 tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pReport) {
   const sRenderingReport& rendering = pReport.fRendering;
   const sRepairs& repairs = pReport.fRepairs;
@@ -71,7 +85,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
   record["height"] = pReport.fHeight;
   record["format"] = pReport.fFormat;
   record["depth"] = pReport.fFileDepth;
-  record["color_space"] = pReport.fColorSpace;
+  record["color_space"] = Shorten(pReport.fColorSpace);
   record["result"] = {{"depth", pJob.fResult.fDepth},
                       {"color_space", GetSpaceName(pJob.fResult.fColorSpace)}};
   record["settings"] = MakeSettings(pReport.fSettings);
@@ -85,7 +99,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
       {"nan", repairs.fNaN}, {"infinite", repairs.fInfinite}, {"negative", repairs.fNegative}};
   record["milliseconds"] = MakeMilliseconds(pReport);
   record["peak_memory"] = GetPeakMemory();
-  record["warnings"] = pReport.fWarnings;
+  record["warnings"] = ShortenWarnings(pReport.fWarnings);
   return record;
 }
 
@@ -102,7 +116,7 @@ tPictureRecord DoPicture(const sTonemapJob& pJob) {
   } catch (const cFailure& failure) {
     return MakeFailedRecord(pJob, failure.GetExitCode(), failure.what());
   } catch (const std::exception& exception) {
-    return MakeFailedRecord(pJob, eExitCode_Processing, pJob.fInput + ": " + exception.what());
+    return MakeFailedRecord(pJob, eExitCode_Processing, pJob.fInput + ": " + Shorten(exception.what()));
   }
 }
 

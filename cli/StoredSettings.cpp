@@ -12,7 +12,7 @@ std::string ReadStoredSettingsApart(const std::string& pFile) {
     static const cVipsLibrary library;
     return [&pFile](std::size_t) { return ReadStoredSettings(pFile); };
   };
-  cWorkerPool pool(1, 0, makeTask);
+  cWorkerPool pool({}, makeTask);
   pool.Begin(0);
   std::optional<sTaskEnd> end;
   while (!(end = pool.Wait(-1, -1))) {

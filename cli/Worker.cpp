@@ -1,34 +1,36 @@
 #include "cli/Worker.h"
 
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
+#include <filesystem>
+#include <iterator>
 
 #include "cli/Failure.h"
 #include "cli/Interrupt.h"
+#include "cli/Message.h"
 
 namespace Cli {
 namespace {
 
 /// The parent answers a request for memory with leave, when there is room; it goes away otherwise.
-void WaitForMemory(int pSocket, std::int64_t pBytes) {
-  eMessage kind = eMessage::kLeave;
-  std::string text;
+void WaitForMemory(int pSocket, cMessageReader& pReader, std::int64_t pBytes) {
   const bool isAsked = SendMessage(pSocket, eMessage::kMemory, std::to_string(pBytes));
-  if (!isAsked || !ReceiveMessage(pSocket, kind, text)) _exit(eExitCode_Interrupted);
+  if (!isAsked || !pReader.Wait()) _exit(eExitCode_Interrupted);
 }
 
 void Serve(int pSocket, const tTaskMaker& pMakeTask) {
-  const tTask task = pMakeTask([pSocket](std::int64_t pBytes) { WaitForMemory(pSocket, pBytes); });
-  eMessage kind = eMessage::kTask;
-  std::string text;
-  while (ReceiveMessage(pSocket, kind, text)) {
-    if (!SendMessage(pSocket, eMessage::kAnswer, task(std::stoull(text)))) return;
+  cMessageReader reader(pSocket);
+  const tTask task = pMakeTask([&](std::int64_t pBytes) { WaitForMemory(pSocket, reader, pBytes); });
+  while (const std::optional<sMessage> message = reader.Wait()) {
+    if (!SendMessage(pSocket, eMessage::kAnswer, task(std::stoull(message->fText)))) return;
   }
 }
 
@@ -52,7 +54,7 @@ void Serve(int pSocket, const tTaskMaker& pMakeTask) {
 
 sWorker StartWorker(const tTaskMaker& pMakeTask, const std::vector<int>& pOthers) {
   int sockets[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) RefuseToStart();
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) RefuseToStart();
   const pid_t parent = getpid();
   pid_t child = -1;
   {
@@ -73,31 +75,15 @@ sWorker StartWorker(const tTaskMaker& pMakeTask, const std::vector<int>& pOthers
   return {child, sockets[0]};
 }
 
-bool SendMessage(int pSocket, eMessage pKind, const std::string& pText) {
-  const std::string message = static_cast<char>(pKind) + pText;
-  ssize_t sent = -1;
-  do {
-    sent = send(pSocket, message.data(), message.size(), MSG_NOSIGNAL);
-  } while (sent < 0 && errno == EINTR);
-  return sent == static_cast<ssize_t>(message.size());
-}
-
-bool ReceiveMessage(int pSocket, eMessage& pKind, std::string& pText) {
-  const auto receive = [&](char* pTo, std::size_t pSize, int pFlags) {
-    ssize_t size = -1;
-    do {
-      size = recv(pSocket, pTo, pSize, pFlags);
-    } while (size < 0 && errno == EINTR);
-    return size;
-  };
-  char first = 0;
-  const ssize_t size = receive(&first, 1, MSG_PEEK | MSG_TRUNC);  // how long it is
-  if (size <= 0) return false;
-  std::string message(static_cast<std::size_t>(size), '\0');
-  if (receive(message.data(), message.size(), 0) != size) return false;
-  pKind = static_cast<eMessage>(first);
-  pText = message.substr(1);
-  return true;
+int CountPossibleWorkers() {
+  constexpr std::int64_t kSpare = 8;  // for what is opened for a moment, and for the signals' pipe
+  constexpr rlim_t kMany = 1 << 20;
+  rlimit limit = {};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) limit.rlim_cur = kMany;
+  std::error_code error;
+  const auto open = std::distance(std::filesystem::directory_iterator("/proc/self/fd", error), {});
+  const auto most = static_cast<std::int64_t>(std::min(limit.rlim_cur, kMany));
+  return static_cast<int>(std::max<std::int64_t>(most - open - kSpare, 1));
 }
 
 }  // namespace Cli

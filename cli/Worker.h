@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace Cli {
 /// A worker as its parent sees it.
 struct sWorker {
   pid_t fProcess = -1;
-  int fSocket = -1;  ///< Keeps messages apart.
+  int fSocket = -1;  ///< For messages, see Message.h.
 };
 
 /// What a worker does for a task: gets its number, returns its answer.
@@ -26,13 +27,7 @@ using tTaskMaker = std::function<tTask(const tAskForMemory&)>;
 /// that it must not hold open. A worker whose task throws ends with exit code 5. Throws cFailure.
 sWorker StartWorker(const tTaskMaker& pMakeTask, const std::vector<int>& pOthers);
 
-/// What goes over the socket, a letter before the rest: to the worker a task's number, or leave to use the
-/// memory that it asked for; from it that request in bytes, or the answer.
-enum class eMessage : char { kTask = 'T', kLeave = 'L', kMemory = 'M', kAnswer = 'A' };
-
-/// Returns false when nobody listens any more.
-bool SendMessage(int pSocket, eMessage pKind, const std::string& pText);
-/// Waits for one. Returns false when there will be none.
-bool ReceiveMessage(int pSocket, eMessage& pKind, std::string& pText);
+/// How many workers this process has file handles for; at least 1.
+int CountPossibleWorkers();
 
 }  // namespace Cli

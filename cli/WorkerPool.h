@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "cli/MemoryBudget.h"
+#include "cli/Message.h"
+#include "cli/TaskClock.h"
 #include "cli/Worker.h"
 
 namespace Cli {
@@ -13,8 +15,15 @@ namespace Cli {
 /// How a task ended.
 struct sTaskEnd {
   std::size_t fTask = 0;
-  bool fIsAnswered = false;  ///< Otherwise its worker died.
-  std::string fText;         ///< The answer, or how the worker died, in words.
+  bool fIsAnswered = false;  ///< Otherwise its worker died, or took too long.
+  std::string fText;         ///< The answer, or how the worker ended, in words.
+};
+
+/// What the workers of a pool have together, and each task has.
+struct sPoolLimits {
+  int fWorkers = 1;
+  std::int64_t fMemory = 0;
+  double fSeconds = 0.0;  ///< For a task, without its waiting for memory; 0 for no limit.
 };
 
 /// Worker processes that do numbered tasks and share a budget of memory. A worker that dies takes its task
@@ -22,7 +31,7 @@ struct sTaskEnd {
 class cWorkerPool {
  public:
   /// Begins the workers one by one, with the first tasks.
-  cWorkerPool(int pWorkers, std::int64_t pMemory, tTaskMaker pMakeTask);
+  cWorkerPool(const sPoolLimits& pLimits, tTaskMaker pMakeTask);
   cWorkerPool(const cWorkerPool&) = delete;
   cWorkerPool& operator=(const cWorkerPool&) = delete;
   ~cWorkerPool();  ///< Ends all workers within a second; tasks in work are given up.
@@ -30,7 +39,10 @@ class cWorkerPool {
   bool HasRoom() const;  ///< For another task.
   bool IsBusy() const;
   std::vector<std::size_t> GetTasksInWork() const;
-  void Begin(std::size_t pTask);  ///< Throws cFailure when no worker can be started.
+
+  /// Where no further worker can be started, the pool makes do with those that it has: the task is not begun,
+  /// and the reason returned. Throws cFailure when there are none.
+  std::optional<std::string> Begin(std::size_t pTask);
 
   /// Waits until something happens, at most pMilliseconds (-1 for ever): a task ends, or pOther becomes
   /// readable.
@@ -39,14 +51,20 @@ class cWorkerPool {
  private:
   struct sMember {
     sWorker fWorker;
-    std::optional<std::size_t> fTask;
+    cMessageReader fReader;
+    std::optional<std::size_t> fTask{};
+    cTaskClock fClock{};
   };
 
-  std::optional<sTaskEnd> Listen(std::size_t pMember);
-  std::optional<sTaskEnd> Bury(std::size_t pMember);
+  void AddMember();
+  int GetPatience(int pMilliseconds) const;
+  std::optional<sTaskEnd> Listen(std::size_t pMember, int pOther);
+  std::optional<sTaskEnd> Bury(std::size_t pMember, int pOther);
+  sTaskEnd End(std::size_t pMember);
+  sMember Remove(std::size_t pMember);
   void GrantMemory();
 
-  std::size_t fMost;
+  sPoolLimits fLimits;
   cMemoryBudget fBudget;
   tTaskMaker fMakeTask;
   std::vector<sMember> fMembers;
