@@ -69,7 +69,7 @@ class cReport {
 /// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
 std::string FindObstacle(const sTonemapJob& pJob) {
   try {
-    if (pJob.fInput != kStandardStream) TellFileKind(pJob.fInput);
+    if (!IsStream(pJob.fInput)) TellFileKind(pJob.fInput);  // nobody could read it again
     if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
     return "";
   } catch (const cFailure& failure) {
@@ -113,10 +113,12 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
   };
 }
 
-void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, cReport& pReport) {
+/// A worker that ends because the whole run is interrupted is no failure of its picture.
+void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
   const sTonemapJob& job = pJobs[pEnd.fTask];
   if (pEnd.fIsAnswered) return pReport.Tell(job, tPictureRecord::parse(pEnd.fText));
   cTempFile::RemoveLeftovers(job.fOutput);
+  if (pIsInterrupted) return;
   pReport.Tell(job, MakeFailedRecord(job, eExitCode_Processing, job.fInput + ": " + pEnd.fText));
 }
 
@@ -128,23 +130,37 @@ bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pR
     const bool isOver = next == pJobs.size() || (pFailFast && pReport.GetProgress().HasFailed());
     if (isOver && !pPool.IsBusy()) return false;
     if (!isOver && pPool.HasRoom()) {
-      pPool.Begin(next++);
+      const std::optional<std::string> fault = pPool.Begin(next);
+      if (fault) pReport.GetProgress().Warn("working with fewer processes than asked for: " + *fault);
+      next += fault ? 0 : 1;
       continue;
     }
-    if (const auto end = pPool.Wait(interrupt.GetHandle(), tick)) TellEnd(pJobs, *end, pReport);
-    if (interrupt.HasCome()) return true;
+    const auto end = pPool.Wait(interrupt.GetHandle(), tick);
+    const bool isInterrupted = interrupt.HasCome();
+    if (end) TellEnd(pJobs, *end, isInterrupted, pReport);
+    if (isInterrupted) return true;
     pReport.GetProgress().Draw();
   }
 }
 
+/// As many as asked for, as long as there are pictures and file handles for them.
+int ChooseWorkers(const sBatchOptions& pOptions, std::size_t pPictures, cProgress& pProgress) {
+  const int asked = pOptions.fWorkers > 0 ? pOptions.fWorkers : CountCores();
+  const int useful = static_cast<int>(std::min(static_cast<std::size_t>(asked), pPictures));
+  const int possible = CountPossibleWorkers();
+  if (possible >= useful) return useful;
+  pProgress.Warn("pictures at a time: " + std::to_string(possible) + ", not " + std::to_string(useful) +
+                 ", as the limit of open files (ulimit -n) is low");
+  return possible;
+}
+
 /// Returns whether the run was interrupted. Nothing that was in work then is left behind.
 bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t pMemory, cReport& pReport) {
-  const int asked = pOptions.fWorkers > 0 ? pOptions.fWorkers : CountCores();
-  const int workers = static_cast<int>(std::min(static_cast<std::size_t>(asked), pJobs.size()));
+  const int workers = ChooseWorkers(pOptions, pJobs.size(), pReport.GetProgress());
   std::vector<std::size_t> givenUp;
   bool isInterrupted = false;
   {
-    cWorkerPool pool(workers, pMemory, MakeTaskMaker(pJobs, pMemory, workers));
+    cWorkerPool pool({workers, pMemory, pOptions.fTimeout}, MakeTaskMaker(pJobs, pMemory, workers));
     isInterrupted = WorkOff(pool, pJobs, pOptions.fFailFast, pReport);
     givenUp = pool.GetTasksInWork();
   }
@@ -159,9 +175,14 @@ int RunBatch(const sBatchOptions& pOptions) {
   if (pOptions.fDryRun) return ShowPlan(jobs);
   const std::int64_t memory = ChooseMemoryLimit(pOptions);
   cReport report(pOptions, jobs.size());
-  if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
-    report.GetProgress().Interrupt(pOptions.fJob.fExisting);
-    return eExitCode_Interrupted;
+  try {
+    if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
+      report.GetProgress().Interrupt(pOptions.fJob.fExisting);
+      return eExitCode_Interrupted;
+    }
+  } catch (const cFailure&) {  // no worker can be started any more
+    report.GetProgress().Finish();
+    throw;
   }
   report.GetProgress().Finish();
   return report.GetExitCode();

@@ -89,6 +89,13 @@ void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
           "What the pictures in work may take together: 4G, 500M; a picture that needs more fails")
       ->option_text("SIZE [80 % of what is free]")
       ->group(kGroup);
+  pVerb
+      .add_option("--timeout", pOptions.fTimeout,
+                  "Give up pictures that take longer than this, and go on with the next; time in which a\n"
+                  "picture waits for memory does not count")
+      ->check(CLI::Range(0.001, 1e9))
+      ->option_text("SECONDS [no limit]")
+      ->group(kGroup);
   pVerb.add_flag("--fail-fast", pOptions.fFailFast, "Begin no more pictures once one has failed")
       ->group(kGroup);
   pVerb.add_flag("--dry-run", pOptions.fDryRun, "Tell what would be done, and do nothing")->group(kGroup);

@@ -26,6 +26,7 @@ struct sBatchOptions {
   int fShards = 1;
   int fWorkers = 0;               ///< 0 for the number of cores.
   std::int64_t fMemoryLimit = 0;  ///< Bytes; 0 for a share of what is available.
+  double fTimeout = 0.0;          ///< Seconds for a picture; 0 for no limit.
   bool fFailFast = false;
   bool fDryRun = false;
   bool fJson = false;

@@ -66,6 +66,11 @@ void cProgress::Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
   if (fWay == eProgress::kJson) SayEvent("picture", pJob.fInput);
 }
 
+void cProgress::Warn(const std::string& pText) {
+  if (HasBar()) std::fputs(kClearLine, stderr);
+  Say("quorvane: warning: " + pText);
+}
+
 void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
   if (pStatus == "done") ++fDone;
   if (pStatus == "skipped") ++fSkipped;

@@ -18,6 +18,7 @@ class cProgress {
   cProgress(eProgress pWay, std::size_t pPictures);
 
   void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord);
+  void Warn(const std::string& pText);  ///< Of the run, not of a picture.
   void Draw();                          ///< The bar, with the time that is left by now.
   void Finish();                        ///< The summary.
   void Interrupt(eExisting pExisting);  ///< The summary of what was done, and how to go on.
