@@ -16,6 +16,7 @@
 #include "cli/PictureWriter.h"
 #include "cli/Printf.h"
 #include "cli/SideBySide.h"
+#include "cli/StandardStreams.h"
 #include "cli/VipsLibrary.h"
 
 namespace Cli {
@@ -34,8 +35,9 @@ struct sCompareOptions {
 };
 
 sLdrPicture Read(const std::string& pFile) {
-  sLdrPicture picture = ReadLdrPicture(pFile, kVerb);
-  PrintWarnings(pFile, picture.fWarnings);
+  const cInputFile input(pFile);
+  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
+  PrintWarnings(GetSpokenName(pFile), picture.fWarnings);
   return picture;
 }
 
@@ -44,8 +46,8 @@ void CheckSizes(const sCompareOptions& pOptions, const sLdrPicture& pA, const sL
   const TmEngine::cBitmapLDR& b = *pB.fBitmap;
   if (a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight()) return;
   throw cFailure(
-      eExitCode_Processing, pOptions.fB,
-      Printf("its size is %d x %d, that of ", b.GetWidth(), b.GetHeight()) + pOptions.fA +
+      eExitCode_Processing, GetSpokenName(pOptions.fB),
+      Printf("its size is %d x %d, that of ", b.GetWidth(), b.GetHeight()) + GetSpokenName(pOptions.fA) +
           Printf(" %d x %d; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
 }
 
@@ -77,6 +79,9 @@ nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
 }
 
 void CheckArguments(const sCompareOptions& pOptions) {
+  if (pOptions.fA == kStandardStream && pOptions.fB == kStandardStream) {
+    throw cFailure(eExitCode_Usage, "", "standard input (-) can be A or B, not both");
+  }
   if (pOptions.fOutput.empty()) return;
   if (GetEnding(pOptions.fOutput) != ".png") {
     throw cFailure(eExitCode_Usage, pOptions.fOutput, "the picture of the comparison is a .png");
@@ -93,7 +98,8 @@ void Run(const sCompareOptions& pOptions) {
   const sLdrPicture b = Read(pOptions.fB);
   CheckSizes(pOptions, a, b);
   if (a.fProfile != b.fProfile) {
-    PrintWarnings(pOptions.fB, {"its colour profile is not that of " + pOptions.fA + "; codes are compared"});
+    PrintWarnings(GetSpokenName(pOptions.fB), {"its colour profile is not that of " +
+                                               GetSpokenName(pOptions.fA) + "; codes are compared"});
   }
   const sPictureDifference difference = ComparePictures(*a.fBitmap, *b.fBitmap);
   if (!pOptions.fOutput.empty()) {
@@ -115,7 +121,9 @@ void AddCompareCommand(CLI::App& pProgram) {
   CLI::App* const verb =
       pProgram.add_subcommand(kVerb, "Tells how far two finished pictures of one size are apart.");
   verb->add_option("A", options->fA, "A picture of 8 or 16 bits")->required()->option_text(" ");
-  verb->add_option("B", options->fB, "Another")->required()->option_text(" ");
+  verb->add_option("B", options->fB, "Another; A or B may be -, standard input")
+      ->required()
+      ->option_text(" ");
   verb->add_option("-o,--output", options->fOutput,
                    "Draws A, B and their amplified difference side by side; a .png")
       ->option_text("FILE");

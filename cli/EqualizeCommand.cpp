@@ -1,5 +1,7 @@
 #include "cli/EqualizeCommand.h"
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
@@ -18,6 +20,7 @@
 #include "cli/Picture.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
+#include "cli/StandardStreams.h"
 #include "cli/SvgDrawing.h"
 #include "cli/VipsLibrary.h"
 #include "engine/cColorEqRenderer.h"
@@ -30,6 +33,7 @@ constexpr char kVerb[] = "equalize";
 struct sEqualizeOptions {
   std::string fInput;
   std::string fOutput;
+  std::string fFormat;  ///< Of standard output, as an ending without its point; "" for png.
   std::string fPlot;
   sHueCurveOptions fCurves;
   int fDepth = 0;  ///< 0 for the input's.
@@ -56,16 +60,20 @@ cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOpt
 }
 
 cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, int pDepth) {
-  return NameFailures(eExitCode_Processing, pOptions.fInput, "equalize",
+  return NameFailures(eExitCode_Processing, GetSpokenName(pOptions.fInput), "equalize",
                       [&] { return RenderCurves(pPicture, pDepth, pOptions.fCurves); });
 }
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {
   const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
-  const eOutputFormat format = ChooseOutputFormat(pOptions.fOutput, leastDepth, pOptions.fFile);
-  sLdrPicture picture = ReadLdrPicture(pOptions.fInput, kVerb);
-  PrintWarnings(pOptions.fInput, picture.fWarnings);
-  CheckRowLength(pOptions.fInput, picture.fBitmap->GetWidth(), TmEngine::kHueChannels);
+  const std::string name = pOptions.fOutput != kStandardStream
+                               ? pOptions.fOutput
+                               : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
+  const eOutputFormat format = ChooseOutputFormat(name, leastDepth, pOptions.fFile);
+  const cInputFile input(pOptions.fInput);
+  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
+  PrintWarnings(GetSpokenName(pOptions.fInput), picture.fWarnings);
+  CheckRowLength(GetSpokenName(pOptions.fInput), picture.fBitmap->GetWidth(), TmEngine::kHueChannels);
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   // before the work, so that a place that cannot be written to is told early
@@ -73,7 +81,7 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
                             std::move(picture.fAlpha), picture.fProfile, picture.fMetadata};
   picture.fBitmap.reset();
-  PrintWarnings(pOptions.fInput, WritePicture(finished, format, pOptions.fFile, file));
+  PrintWarnings(GetSpokenName(pOptions.fInput), WritePicture(finished, format, pOptions.fFile, file));
 }
 
 /// Whether two names lead to one file, which need not exist.
@@ -91,6 +99,13 @@ void CheckArguments(const sEqualizeOptions& pOptions) {
   if (hasPicture && pOptions.fOutput.empty()) throw CLI::RequiredError("--output");
   if (pOptions.fCurves.AreNeutral()) {
     throw CLI::RequiredError("A curve (--hue-shift, --saturation or --lightness)");
+  }
+  const bool isStream = pOptions.fOutput == kStandardStream;
+  if (!isStream && !pOptions.fFormat.empty()) {
+    throw CLI::ValidationError("--format", "goes with -o -; other results get their format by OUT");
+  }
+  if (isStream && isatty(STDOUT_FILENO) != 0) {
+    throw cFailure(eExitCode_Usage, "", "-o -: a picture is not written to a terminal");
   }
 }
 
@@ -174,10 +189,15 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   CLI::App* const verb = pProgram.add_subcommand(
       kVerb, "Changes hue, saturation and lightness of a finished picture, each by a curve over hue.");
   verb->add_option("IN", options->fInput,
-                   "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content")
+                   "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content;\n"
+                   "- for standard input")
       ->option_text(" ");
-  verb->add_option("-o,--output", options->fOutput, "The result: .png, .tif, .jpg, .webp, .avif or .jxl")
+  verb->add_option("-o,--output", options->fOutput,
+                   "The result: .png, .tif, .jpg, .webp, .avif or .jxl; - for standard output")
       ->option_text("OUT")
+      ->group("Result");
+  verb->add_option("--format", options->fFormat, "Format of a result on standard output")
+      ->option_text("png|tif|jpg|webp|avif|jxl [png]")
       ->group("Result");
   verb->add_flag("--overwrite", options->fOverwrite,
                  "Replace a result and a plot that exist (refused otherwise)")

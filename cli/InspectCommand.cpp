@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -15,6 +16,7 @@
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/SettingsOptions.h"
+#include "cli/StandardStreams.h"
 #include "cli/SvgDrawing.h"
 #include "cli/TonePlot.h"
 #include "cli/VipsLibrary.h"
@@ -53,8 +55,10 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
 }
 
 void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
-  sInspection inspection = InspectPicture(pFile);
-  PrintWarnings(pFile, inspection.fPicture.fWarnings);
+  const cInputFile input(pFile);
+  sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath()); });
+  inspection.fFile = pOptions.fJson ? pFile : GetSpokenName(pFile);
+  PrintWarnings(GetSpokenName(pFile), inspection.fPicture.fWarnings);
   // names need not be UTF-8
   const std::string text =
       pOptions.fJson
@@ -65,6 +69,9 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
 }
 
 void CheckArguments(const sInspectOptions& pOptions) {
+  if (std::count(pOptions.fFiles.begin(), pOptions.fFiles.end(), kStandardStream) > 1) {
+    throw cFailure(eExitCode_Usage, "", "standard input (-) can be read only once");
+  }
   if (pOptions.fPlot.empty()) return;
   if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
   ChoosePlotFormat(pOptions.fPlot);
@@ -100,7 +107,8 @@ void AddInspectCommand(CLI::App& pProgram) {
   CLI::App* const verb = pProgram.add_subcommand(
       "inspect",
       "Tells what a photograph holds: size, format, light, bad pixels, metadata, sliders that suit it.");
-  verb->add_option("FILE", options->fFiles, "The photographs, of any format that tonemap reads")
+  verb->add_option("FILE", options->fFiles,
+                   "The photographs, of any format that tonemap reads; - for standard input")
       ->required()
       ->option_text(" ");
   verb->add_flag("--json", options->fJson, "One JSON object a photograph, a line each");

@@ -7,6 +7,7 @@
 #include <vips/vips8>
 
 #include "cli/Failure.h"
+#include "cli/StandardStreams.h"
 #include "cli/TiffWriter.h"
 #include "cli/VipsLibrary.h"
 
@@ -146,7 +147,7 @@ void RefuseToWrite(const cTempFile& pFile) {
 
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
-  if (std::filesystem::equivalent(pInput, pOutput, error)) {
+  if (pOutput != kStandardStream && std::filesystem::equivalent(pInput, pOutput, error)) {
     throw cFailure(eExitCode_Usage, pOutput, "is the input itself; give the result another name");
   }
 }

@@ -103,7 +103,8 @@ void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
 
 void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
   std::error_code error;
-  if (!pMayReplace && std::filesystem::is_regular_file(pTarget, error)) RefuseExisting(pTarget);
+  const bool isFile = pTarget != kStandardStream && std::filesystem::is_regular_file(pTarget, error);
+  if (isFile && !pMayReplace) RefuseExisting(pTarget);
 }
 
 cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)

@@ -135,20 +135,6 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   }
 }
 
-/// Failures name the stream, not the place where its bytes were kept.
-sPictureReport TonemapStandardInput(const sTonemapJob& pJob) {
-  const cStandardInput input;
-  sTonemapJob job = pJob;
-  job.fInput = input.GetPath();
-  try {
-    return Tonemap(job);
-  } catch (const cFailure& failure) {
-    const std::string text = failure.what();
-    if (!text.starts_with(job.fInput + ": ")) throw;
-    throw cFailure(failure.GetExitCode(), "standard input", text.substr(job.fInput.size() + 2));
-  }
-}
-
 }  // namespace
 
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob) {
@@ -163,7 +149,10 @@ bool HasTarget(const sTonemapJob& pJob) {
 }
 
 sPictureReport TonemapPicture(const sTonemapJob& pJob) {
-  return pJob.fInput == kStandardStream ? TonemapStandardInput(pJob) : Tonemap(pJob);
+  const cInputFile input(pJob.fInput);
+  sTonemapJob job = pJob;
+  job.fInput = input.GetPath();
+  return input.Read([&] { return Tonemap(job); });
 }
 
 }  // namespace Cli
