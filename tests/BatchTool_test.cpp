@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <csignal>
@@ -282,6 +283,45 @@ TEST_F(BatchTool, SurvivesTheDeathOfAWorker) {
   }
 }
 
+TEST_F(BatchTool, GivesUpPicturesThatTakeTooLong) {
+  MakeLargePicture();
+  mkfifo("later.pfm", 0600);
+  const sRun single = Run("tonemap later.pfm -o a.png --timeout 0.3");  // nobody writes to it
+  EXPECT_EQ(single.fExitCode, 5);
+  EXPECT_EQ(single.fErrors.rfind("quorvane: later.pfm: took longer than --timeout 0.3 seconds;", 0), 0u)
+      << single.fErrors;
+  // memory for one at a time: while the second one waits for it, the first one's worker hangs
+  const std::string options = " --out-dir out --depth 16 --format tif -j 2 --memory-limit 760M --timeout 5";
+  const cRunningTool tool("in/large.png later.pfm" + options);
+  WaitUntil([] { return IsInWork(); });
+  ASSERT_EQ(tool.ListWorkers().size(), 2u);
+  kill(tool.ListWorkers().front(), SIGSTOP);
+  WritePfm("later.pfm", MakeScene());
+  EXPECT_EQ(tool.Wait(), 1);
+  const std::string errors = ReadText("errors.txt");
+  EXPECT_NE(errors.find("in/large.png: took longer than --timeout 5 s"), std::string::npos) << errors;
+  EXPECT_EQ(List("out"), (std::set<std::string>{"later_tm.tif"}));
+}
+
+TEST_F(BatchTool, WorksWithWhatTheSystemLets) {
+  MakePictures(8, 32);
+  const sRun run = Run("tonemap -r in --out-dir out -j 40", "ulimit -n 14;");
+  EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+  EXPECT_NE(run.fErrors.find("limit of open files (ulimit -n)"), std::string::npos) << run.fErrors;
+  EXPECT_EQ(List("out").size(), 8u);
+  // an answer that is longer than a socket holds
+  sExrKind kind{{}};
+  for (int i = 0; i < 1500; ++i) kind.fChannels.push_back(std::string(240, 'x') + std::to_string(i));
+  sTestPicture wide = MakeScene(8, 4);
+  wide.fSamples.resize(2000);  // a channel's samples begin where those of the one before do, plus one
+  WriteExr("names.exr", wide, kind);
+  const sRun names = Run("tonemap names.exr in/100.pfm --out-dir out --overwrite");
+  EXPECT_EQ(names.fExitCode, 1);
+  EXPECT_EQ(names.fErrors.rfind("quorvane: names.exr: it has neither", 0), 0u)
+      << names.fErrors.substr(0, 200);
+  EXPECT_LT(names.fErrors.size(), 4000u);
+}
+
 TEST_F(BatchTool, EndsAtOnceWhenInterrupted) {
   MakeLargePicture();
   WritePfm("in/100.pfm", MakeScene());
@@ -314,6 +354,15 @@ TEST_F(BatchTool, EndsAtOnceWhenInterrupted) {
     EXPECT_NE(ReadText("errors.txt").find(row.fWords), std::string::npos) << ReadText("errors.txt");
     fs::remove_all("out");
   }
+  // a signal to all, which the worker gets and obeys first
+  const cRunningTool tool("-r in" + options);
+  WaitUntil([] { return List("out").count("100.tif") == 1 && IsInWork(); });
+  const std::vector<pid_t> workers = tool.ListWorkers();
+  for (const pid_t worker : workers) kill(worker, SIGTERM);
+  WaitUntil([&] { return std::none_of(workers.begin(), workers.end(), IsAlive); });
+  kill(tool.fProcess, SIGTERM);
+  EXPECT_EQ(tool.Wait(), 130);
+  EXPECT_EQ(ReadText("errors.txt").find("failed"), std::string::npos) << ReadText("errors.txt");
 }
 
 TEST_F(BatchTool, GoesOnAfterBeingKilled) {
