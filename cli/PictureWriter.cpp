@@ -141,10 +141,6 @@ std::string GetIccProfile(eColorSpaceID pColorSpace) {
   return {reinterpret_cast<const char*>(profile.fData), static_cast<std::size_t>(profile.fSize)};
 }
 
-void RefuseToWrite(const cTempFile& pFile) {
-  throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "writing failed (" + TakeVipsError() + ")");
-}
-
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
   if (pOutput != kStandardStream && std::filesystem::equivalent(pInput, pOutput, error)) {
@@ -159,12 +155,11 @@ std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat 
   try {
     warnings = WriteInto(pFile.GetPath(), pPicture, pFormat, pOptions);
   } catch (const vips::VError&) {
-    RefuseToWrite(pFile);
+    pFile.Refuse(TakeVipsError());
   } catch (const std::bad_alloc&) {
     throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "not enough memory to write it");
   } catch (const std::runtime_error& error) {
-    throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(),
-                   "writing failed (" + std::string(error.what()) + ")");
+    pFile.Refuse(error.what());
   }
   pFile.Commit();
   return warnings;

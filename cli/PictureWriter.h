@@ -32,7 +32,4 @@ std::string GetIccProfile(TmEngine::eColorSpaceID pColorSpace);
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile);
 
-/// Throws the cFailure for what libvips could not write.
-[[noreturn]] void RefuseToWrite(const cTempFile& pFile);
-
 }  // namespace Cli

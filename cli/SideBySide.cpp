@@ -7,9 +7,9 @@
 #include <vector>
 #include <vips/vips8>
 
-#include "cli/PictureWriter.h"
 #include "cli/Printf.h"
 #include "cli/SvgDrawing.h"
+#include "cli/VipsLibrary.h"
 
 namespace Cli {
 namespace {
@@ -85,7 +85,7 @@ void WriteSideBySide(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB, int pFa
     }
     image.pngsave(pFile.GetPath().c_str());
   } catch (const vips::VError&) {
-    RefuseToWrite(pFile);
+    pFile.Refuse(TakeVipsError());
   }
   pFile.Commit();
 }

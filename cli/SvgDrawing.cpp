@@ -1,15 +1,13 @@
 #include "cli/SvgDrawing.h"
 
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <vips/vips8>
 
 #include "cli/Failure.h"
 #include "cli/OutputFormat.h"
-#include "cli/PictureWriter.h"
+#include "cli/VipsLibrary.h"
 
 namespace Cli {
 namespace {
@@ -60,15 +58,11 @@ void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {
       vips_area_unref(VIPS_AREA(text));
       image.flatten(vips::VImage::option()->set("background", 255.0)).pngsave(pFile.GetPath().c_str());
     } catch (const vips::VError&) {
-      RefuseToWrite(pFile);
+      pFile.Refuse(TakeVipsError());
     }
   } else {
-    errno = 0;
     std::ofstream stream(pFile.GetPath(), std::ios::binary);
-    if (!(stream << pSvg).flush()) {
-      throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(),
-                     "writing failed (" + std::string(std::strerror(errno)) + ")");
-    }
+    if (!(stream << pSvg).flush()) pFile.Refuse("no reason given");
   }
   pFile.Commit();
 }

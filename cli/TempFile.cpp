@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 #include "cli/Failure.h"
 #include "cli/Interrupt.h"
@@ -108,7 +109,7 @@ void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
 }
 
 cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
-    : fTarget(pTarget), fMayReplace(pMayReplace) {
+    : fTarget(pTarget == kStandardStream ? "standard output" : pTarget), fMayReplace(pMayReplace) {
   if (pTarget == kStandardStream) {
     OpenInMemory();
   } else {
@@ -121,7 +122,7 @@ cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
 
 void cTempFile::OpenInMemory() {
   fHandle = memfd_create("result", MFD_CLOEXEC);
-  if (fHandle < 0) throw cFailure(eExitCode_CannotWrite, "standard output", std::strerror(errno));
+  if (fHandle < 0) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(errno));
   fPath = "/proc/self/fd/" + std::to_string(fHandle);
 }
 
@@ -159,12 +160,33 @@ void cTempFile::Commit() {
   fPath.clear();
 }
 
+/// What keeps the file from growing: ENOSPC, EFBIG, EDQUOT; 0 for nothing.
+int cTempFile::FindError() const {
+  const std::vector<char> block(std::size_t{1} << 16);
+  struct stat status = {};
+  if (fstat(fHandle, &status) != 0) return errno;
+  for (std::size_t done = 0; done < block.size();) {
+    const off_t at = status.st_size + static_cast<off_t>(done);
+    const ssize_t written = pwrite(fHandle, block.data(), block.size() - done, at);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    done += static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+void cTempFile::Refuse(const std::string& pReason) const {
+  const int error = FindError();
+  throw cFailure(eExitCode_CannotWrite, fTarget,
+                 "writing failed (" + (error != 0 ? std::strerror(error) : pReason) + ")");
+}
+
 void cTempFile::CopyToOutput() {
   const int file = open(fPath.c_str(), O_RDONLY | O_CLOEXEC);
   const bool isCopied = file >= 0 && CopyStream(file, STDOUT_FILENO);
   const int error = errno;
   close(file);
-  if (!isCopied) throw cFailure(eExitCode_CannotWrite, "standard output", std::strerror(error));
+  if (!isCopied) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(error));
 }
 
 void cTempFile::TakePlace() {

@@ -22,9 +22,13 @@ class cTempFile {
   cTempFile& operator=(const cTempFile&) = delete;
   ~cTempFile();
 
-  const std::string& GetTarget() const { return fTarget; }
+  const std::string& GetTarget() const { return fTarget; }  ///< As people call it.
   const std::string& GetPath() const { return fPath; }
   void Commit();  ///< The file becomes the target. Throws cFailure.
+
+  /// Throws the cFailure for what could not be written into the file. Those who write rarely say why: where
+  /// the system takes no more bytes, its reason stands in place of pReason.
+  [[noreturn]] void Refuse(const std::string& pReason) const;
 
   /// Removes what ended processes left behind for the target.
   static void RemoveLeftovers(const std::string& pTarget);
@@ -33,9 +37,10 @@ class cTempFile {
   void OpenBesideTarget();
   void OpenInMemory();
   void CopyToOutput();
+  int FindError() const;
   void TakePlace();
 
-  std::string fTarget;  ///< As the user names it.
+  std::string fTarget;
   bool fMayReplace;
   std::string fPlace;  ///< Where that leads: a symbolic link is followed, not replaced. Empty for the output.
   std::string fPath;   ///< Empty once there is nothing to remove.

@@ -384,4 +384,54 @@ TEST_F(WritingTool, RefusesOptionsThatDoNotFit) {
             std::string::npos);
 }
 
+/// For runs that end in the same way for every kind of file that the tool writes: pBefore as in Run, pFolder
+/// ends in a slash.
+class FullDiskTool : public cToolTest {
+ protected:
+  static void ExpectRefused(const std::string& pBefore, const std::string& pFolder,
+                            const std::string& pReason) {
+    WritePfm("scene.pfm", MakeScene(400, 300));
+    Run("tonemap scene.pfm -o a.png --overwrite");
+    const std::pair<const char*, const char*> cases[] = {
+        {"tonemap scene.pfm --overwrite -o ", "a.tif"},
+        {"tonemap scene.pfm --overwrite -o ", "b.png"},
+        {"tonemap scene.pfm --overwrite -o ", "c.jpg"},
+        {"tonemap scene.pfm --overwrite -o ", "d.webp"},
+        {"tonemap scene.pfm --overwrite -o ", "e.avif"},
+        {"tonemap scene.pfm --overwrite -o ", "f.jxl"},
+        {"inspect scene.pfm --overwrite --plot ", "g.svg"},
+        {"inspect scene.pfm --overwrite --plot ", "h.png"},
+        {"compare a.png a.png --overwrite -o ", "i.png"},
+        {"equalize a.png --saturation 0:0.4 --overwrite -o ", "j.tif"},
+        {"equalize --saturation 0:0.4 --overwrite --plot ", "k.svg"}};
+    for (const auto& [command, file] : cases) {
+      const std::string target = pFolder + file;
+      std::ofstream(target) << "old";
+      const sRun run = Run(command + target, pBefore);
+      EXPECT_EQ(run.fExitCode, 4) << target;
+      EXPECT_EQ(run.fErrors, "quorvane: " + target + ": writing failed (" + pReason + ")\n");
+      EXPECT_EQ(ReadText(target), "old");
+      fs::remove(target);
+    }
+    EXPECT_EQ(ListFolder(), (std::set<std::string>{"a.png", "full", "scene.pfm"}));
+    EXPECT_TRUE(fs::is_empty("full"));
+  }
+};
+
+TEST_F(FullDiskTool, NamesTheTargetAndTheReason) {
+  fs::create_directory("full");
+  ExpectRefused("ulimit -f 8;", "", "File too large");
+  const sRun stream = Run("tonemap scene.pfm -o -", "ulimit -f 8;");
+  EXPECT_EQ(stream.fErrors, "quorvane: standard output: writing failed (File too large)\n");
+  EXPECT_EQ(
+      std::system("'" QUORVANE_TOOL "' equalize a.png --saturation 0:0.4 -o - >/dev/full 2>errors") / 256, 4);
+  EXPECT_EQ(ReadText("errors"), "quorvane: standard output: No space left on device\n");
+  fs::remove("errors");
+  if (std::system("mount -t tmpfs -o size=12k none full 2>/dev/null") != 0) {
+    GTEST_SKIP() << "no file system can be mounted here: a full one is left out";
+  }
+  ExpectRefused("", "full/", "No space left on device");
+  EXPECT_EQ(std::system("umount full"), 0);
+}
+
 }  // namespace
