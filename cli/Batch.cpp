@@ -24,14 +24,7 @@
 namespace Cli {
 namespace {
 
-constexpr double kShareOfMemory = 0.8;
-
 using tJobs = std::vector<sTonemapJob>;
-
-std::int64_t ChooseMemoryLimit(const sBatchOptions& pOptions) {
-  if (pOptions.fMemoryLimit > 0) return pOptions.fMemoryLimit;
-  return static_cast<std::int64_t>(kShareOfMemory * static_cast<double>(GetAvailableMemory()));
-}
 
 int CountCores() {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -173,7 +166,7 @@ bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t
 int RunBatch(const sBatchOptions& pOptions) {
   const tJobs jobs = PlanBatch(pOptions);
   if (pOptions.fDryRun) return ShowPlan(jobs);
-  const std::int64_t memory = ChooseMemoryLimit(pOptions);
+  const std::int64_t memory = ChooseMemoryLimit(pOptions.fMemoryLimit);
   cReport report(pOptions, jobs.size());
   try {
     if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {

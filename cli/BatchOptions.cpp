@@ -82,13 +82,10 @@ void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
       ->check(CLI::Range(1, 1024))
       ->option_text("1..1024 [the cores]")
       ->group(kGroup);
-  pVerb
-      .add_option_function<std::string>(
-          "--memory-limit",
-          [&pOptions](const std::string& pText) { pOptions.fMemoryLimit = ParseMemorySize(pText); },
-          "What the pictures in work may take together: 4G, 500M; a picture that needs more fails")
-      ->option_text("SIZE [80 % of what is free]")
-      ->group(kGroup);
+  AddMemoryLimit(pVerb,
+                 "What the pictures in work may take together: 4G, 500M; a picture that needs more fails",
+                 pOptions.fMemoryLimit);
+  pVerb.get_option("--memory-limit")->group(kGroup);
   pVerb
       .add_option("--timeout", pOptions.fTimeout,
                   "Give up pictures that take longer than this, and go on with the next; time in which a\n"

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -10,6 +11,7 @@
 
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
+#include "cli/MemoryBudget.h"
 #include "cli/OutputFormat.h"
 #include "cli/Picture.h"
 #include "cli/PictureDifference.h"
@@ -23,6 +25,7 @@ namespace Cli {
 namespace {
 
 constexpr char kVerb[] = "compare";
+constexpr std::int64_t kBytesPerPixel = 32;  // of both pictures, and of what is drawn of them; measured
 constexpr const char* kChannels[] = {"red", "green", "blue"};
 
 struct sCompareOptions {
@@ -32,9 +35,12 @@ struct sCompareOptions {
   bool fOverwrite = false;
   std::optional<double> fFailAbove;
   bool fJson = false;
+  std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
 };
 
-sLdrPicture Read(const std::string& pFile) {
+/// pLimit: of memory, for both pictures together.
+sLdrPicture Read(const std::string& pFile, std::int64_t pLimit) {
+  SetSingleMemoryGate(kBytesPerPixel, pLimit);
   const cInputFile input(pFile);
   sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
   PrintWarnings(GetSpokenName(pFile), picture.fWarnings);
@@ -94,8 +100,9 @@ void CheckArguments(const sCompareOptions& pOptions) {
 void Run(const sCompareOptions& pOptions) {
   CheckArguments(pOptions);
   const cVipsLibrary library;
-  const sLdrPicture a = Read(pOptions.fA);
-  const sLdrPicture b = Read(pOptions.fB);
+  const std::int64_t limit = ChooseMemoryLimit(pOptions.fMemoryLimit);
+  const sLdrPicture a = Read(pOptions.fA, limit);
+  const sLdrPicture b = Read(pOptions.fB, limit);
   CheckSizes(pOptions, a, b);
   if (a.fProfile != b.fProfile) {
     PrintWarnings(GetSpokenName(pOptions.fB), {"its colour profile is not that of " +
@@ -133,6 +140,8 @@ void AddCompareCommand(CLI::App& pProgram) {
                    "Exit with 1 when the largest difference is above N 8-bit codes")
       ->check(CLI::Range(0.0, 255.0))
       ->option_text("N");
+  AddMemoryLimit(*verb, "What the work may take of memory: 4G, 500M; a picture that needs more is refused",
+                 options->fMemoryLimit);
   verb->add_flag("--json", options->fJson, "One JSON object instead of words");
   verb->footer(
       "Differences are counted in 8-bit codes; a 16-bit code is 1/257 of one. Samples are compared as they "

@@ -15,6 +15,7 @@
 #include "cli/CurvePoints.h"
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
+#include "cli/MemoryBudget.h"
 #include "cli/Options.h"
 #include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
@@ -39,6 +40,7 @@ struct sEqualizeOptions {
   int fDepth = 0;  ///< 0 for the input's.
   sFileOptions fFile;
   bool fOverwrite = false;
+  std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
 };
 
 /// Renders into pPicture's own pixels where the depth stays.
@@ -70,6 +72,10 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
                                ? pOptions.fOutput
                                : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
   const eOutputFormat format = ChooseOutputFormat(name, leastDepth, pOptions.fFile);
+  SetMemoryGate([&](const std::string& pFile, std::int64_t pPixels) {
+    // a deeper input makes a deeper result
+    CheckMemoryLimit(pFile, EstimateMemory(pPixels, format, 16), ChooseMemoryLimit(pOptions.fMemoryLimit));
+  });
   const cInputFile input(pOptions.fInput);
   sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
   PrintWarnings(GetSpokenName(pOptions.fInput), picture.fWarnings);
@@ -202,6 +208,8 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   verb->add_flag("--overwrite", options->fOverwrite,
                  "Replace a result and a plot that exist (refused otherwise)")
       ->group("Result");
+  AddMemoryLimit(*verb, "What the work may take of memory: 4G, 500M; a picture that needs more is refused",
+                 options->fMemoryLimit);
   AddCurveOptions(*verb, options->fCurves);
   AddDepthOption(*verb, options->fDepth, "the input's, or the most that the format holds");
   AddFileOptions(*verb, options->fFile);

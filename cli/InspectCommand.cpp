@@ -13,6 +13,7 @@
 #include "cli/AutoSettings.h"
 #include "cli/Failure.h"
 #include "cli/Inspection.h"
+#include "cli/MemoryBudget.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/SettingsOptions.h"
@@ -30,6 +31,7 @@ struct sInspectOptions {
   bool fAuto = false;      ///< the others are the suggested ones.
   std::string fPlot;
   bool fOverwrite = false;
+  std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
   bool fJson = false;
 };
 
@@ -55,6 +57,8 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
 }
 
 void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
+  // measured: the picture and its decoder; the engine renders it for a plot
+  SetSingleMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
   const cInputFile input(pFile);
   sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath()); });
   inspection.fFile = pOptions.fJson ? pFile : GetSpokenName(pFile);
@@ -117,6 +121,8 @@ void AddInspectCommand(CLI::App& pProgram) {
                    "tone curve into an .svg or .png; the sliders below apply to it")
       ->option_text("FILE");
   verb->add_flag("--overwrite", options->fOverwrite, "Replace a plot that exists (refused otherwise)");
+  AddMemoryLimit(*verb, "What the work may take of memory: 4G, 500M; a picture that needs more is refused",
+                 options->fMemoryLimit);
   verb->add_flag("--auto", options->fAuto, "Take the suggested sliders for the plot where none are given")
       ->group("Sliders");
   AddSliderOptions(*verb, options->fGiven);

@@ -120,6 +120,7 @@ sLdrPicture Read(const std::string& pFile, const std::string& pVerb) {
   sLdrPicture picture;
   const VImage image = OpenIntegers(pFile, pVerb);
   const int colours = CountColours(pFile, image);
+  CheckSize(pFile, image.width(), image.height());
   picture.fFileDepth = image.format() == VIPS_FORMAT_USHORT ? 16 : 8;
   picture.fMetadata = ReadMetadata(pFile, image);
   const auto decoder = MakeDecoder(image, colours, picture.fWarnings);

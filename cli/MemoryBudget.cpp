@@ -6,11 +6,10 @@
 #include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <utility>
 
+#include "cli/AvailableMemory.h"
 #include "cli/Failure.h"
 
 namespace Cli {
@@ -23,39 +22,6 @@ double gGateSeconds = 0.0;
 tMemoryGate& Gate() {
   static tMemoryGate gate;
   return gate;
-}
-
-/// The number behind a word, "MemAvailable: 123 kB"; pElse where there is none.
-std::int64_t ReadNumber(const std::string& pFile, const std::string& pWord, std::int64_t pElse) {
-  std::ifstream stream(pFile);
-  std::int64_t number = 0;
-  if (pWord.empty()) return stream >> number ? number : pElse;
-  for (std::string word; stream >> word;) {
-    if (word == pWord) return stream >> number ? number : pElse;
-  }
-  return pElse;
-}
-
-/// What one control group leaves; what it keeps of files only can be had back.
-std::int64_t RoomInGroup(const std::string& pGroup) {
-  const std::int64_t most = ReadNumber(pGroup + "/memory.max", "", kUnlimited);
-  if (most == kUnlimited) return kUnlimited;
-  const std::int64_t used = ReadNumber(pGroup + "/memory.current", "", 0);
-  return most - used + ReadNumber(pGroup + "/memory.stat", "inactive_file", 0);
-}
-
-/// A limit may be set on the process's own group or on any above it.
-std::int64_t RoomInGroups() {
-  std::ifstream stream("/proc/self/cgroup");
-  std::int64_t room = kUnlimited;
-  for (std::string line; std::getline(stream, line);) {
-    if (!line.starts_with("0::/")) continue;
-    for (std::filesystem::path group = line.substr(3);; group = group.parent_path()) {
-      room = std::min(room, RoomInGroup("/sys/fs/cgroup" + group.string()));
-      if (!group.has_relative_path()) break;
-    }
-  }
-  return room;
 }
 
 }  // namespace
@@ -81,6 +47,9 @@ void cMemoryBudget::GiveBack(int pWorker) {
   fHeld.erase(held);
 }
 
+namespace {
+
+/// Reads "4G", "500M", "1.5g" or bytes; units of 1024. Throws CLI::ValidationError.
 std::int64_t ParseMemorySize(const std::string& pText) {
   constexpr char kUnits[] = "kmgt";
   double size = 0.0;
@@ -97,6 +66,28 @@ std::int64_t ParseMemorySize(const std::string& pText) {
   return static_cast<std::int64_t>(size);
 }
 
+/// Beside its pixels, what a process takes to read, render and write a picture.
+std::int64_t AddProcess(std::int64_t pPixels, std::int64_t pBytes) {
+  constexpr std::int64_t kProcess = std::int64_t{64} << 20;
+  return pPixels > (kUnlimited - kProcess) / pBytes ? kUnlimited : kProcess + pPixels * pBytes;
+}
+
+}  // namespace
+
+void AddMemoryLimit(CLI::App& pVerb, const std::string& pMeaning, std::int64_t& pLimit) {
+  pVerb
+      .add_option_function<std::string>(
+          "--memory-limit", [&pLimit](const std::string& pText) { pLimit = ParseMemorySize(pText); },
+          pMeaning)
+      ->option_text("SIZE [80 % of what is free]");
+}
+
+std::int64_t ChooseMemoryLimit(std::int64_t pGiven) {
+  constexpr double kShare = 0.8;
+  if (pGiven > 0) return pGiven;
+  return static_cast<std::int64_t>(kShare * static_cast<double>(GetAvailableMemory()));
+}
+
 std::string MemoryToText(std::int64_t pBytes) {
   constexpr double kMiB = 1 << 20;
   const double size = static_cast<double>(pBytes) / kMiB;
@@ -106,16 +97,16 @@ std::string MemoryToText(std::int64_t pBytes) {
   return text;
 }
 
-std::int64_t GetAvailableMemory() {
-  const std::int64_t machine = ReadNumber("/proc/meminfo", "MemAvailable:", kUnlimited / 1024) * 1024;
-  return std::max<std::int64_t>(std::min(machine, RoomInGroups()), 1);
-}
-
 std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth) {
-  constexpr std::int64_t kProcess = std::int64_t{64} << 20;
-  const bool isDeepAvif = pFormat == eOutputFormat::kAvif && pDepth > 8;
-  const std::int64_t bytes = pFormat == eOutputFormat::kJxl ? 110 : isDeepAvif ? 66 : 44;  // a pixel
-  return pPixels > (kUnlimited - kProcess) / bytes ? kUnlimited : kProcess + pPixels * bytes;
+  const bool isDeep = pDepth > 8;
+  switch (pFormat) {
+    case eOutputFormat::kAvif:
+      return AddProcess(pPixels, isDeep ? 80 : 60);
+    case eOutputFormat::kJxl:
+      return AddProcess(pPixels, 110);
+    default:
+      return AddProcess(pPixels, 44);
+  }
 }
 
 void SetMemoryGate(tMemoryGate pGate) {
@@ -139,6 +130,12 @@ void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_
   throw cFailure(eExitCode_Processing, pFile,
                  "needs about " + MemoryToText(pBytes) + " of memory, and the limit is " +
                      MemoryToText(pLimit) + "; a larger --memory-limit lets it through");
+}
+
+void SetSingleMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
+  SetMemoryGate([=](const std::string& pFile, std::int64_t pPixels) {
+    CheckMemoryLimit(pFile, AddProcess(pPixels, pBytes), pLimit);
+  });
 }
 
 }  // namespace Cli

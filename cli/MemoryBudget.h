@@ -10,6 +10,10 @@
 
 #include "cli/OutputFormat.h"
 
+namespace CLI {
+class App;
+}
+
 namespace Cli {
 
 /// Shares out memory to workers, in the order in which they ask.
@@ -30,15 +34,14 @@ class cMemoryBudget {
   std::deque<std::pair<int, std::int64_t>> fWaiting;
 };
 
-/// Reads "4G", "500M", "1.5g" or bytes; units of 1024. Throws CLI::ValidationError.
-std::int64_t ParseMemorySize(const std::string& pText);
+/// Adds --memory-limit, in bytes; pLimit stays 0 where it is not given.
+void AddMemoryLimit(CLI::App& pVerb, const std::string& pMeaning, std::int64_t& pLimit);
+
+/// The limit that was given, or for 0 a share of what is available.
+std::int64_t ChooseMemoryLimit(std::int64_t pGiven);
 
 /// "1.5 GiB".
 std::string MemoryToText(std::int64_t pBytes);
-
-/// What this process may use without pressing others out, in bytes: what the machine has available, or less
-/// where a control group sets a limit.
-std::int64_t GetAvailableMemory();
 
 /// The most that a process holds while it reads, renders and writes a picture, in bytes; measured. Encoders
 /// of some formats need more than the engine does.
@@ -54,5 +57,9 @@ double TakeGateSeconds();
 
 /// Throws the cFailure for a picture that alone needs more than the limit.
 void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_t pLimit);
+
+/// A gate for the next picture alone, which waits for no others: with pBytes a pixel it has to fit into
+/// pLimit (see ChooseMemoryLimit).
+void SetSingleMemoryGate(std::int64_t pBytes, std::int64_t pLimit);
 
 }  // namespace Cli

@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-#include "cli/MemoryBudget.h"
+#include "cli/AvailableMemory.h"
 
 namespace Cli {
 namespace {

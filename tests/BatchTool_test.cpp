@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "cli/AvailableMemory.h"
 #include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
 
@@ -229,6 +230,44 @@ TEST_F(BatchTool, ReadsAndWritesStandardStreams) {
   EXPECT_EQ(std::system("'" QUORVANE_TOOL "' tonemap scene.pfm -o - >/dev/full 2>/dev/null") / 256, 4);
 }
 
+TEST_F(BatchTool, TakesStreamsInEveryVerb) {
+  WritePfm("scene.pfm", MakeScene());
+  Run("tonemap scene.pfm -o a.png");
+  const std::string curve = " --saturation 0:0.4 -o ";
+  Run("equalize a.png" + curve + "b.png");
+  mkfifo("pipe.hdr", 0600);
+  const struct {
+    std::string fStart, fEnd;  ///< Around the input's name.
+    std::string fInput;
+    std::string fResult;  ///< What is on standard output; "" for what the input's file itself gives.
+  } cases[] = {{"tonemap ", " -o -", "scene.pfm", "a.png"},
+               {"equalize ", curve + "-", "a.png", "b.png"},
+               {"inspect --json ", "", "scene.pfm", ""},
+               {"compare --fail-above 0 ", " a.png", "a.png", ""},
+               {"compare --fail-above 0 a.png ", "", "a.png", ""}};
+  for (const auto& row : cases) {
+    const auto run = [&](const std::string& pName, const std::string& pBefore) {
+      const sRun result = Run(row.fStart + pName + row.fEnd, pBefore);
+      EXPECT_EQ(result.fExitCode, 0) << row.fStart << result.fErrors;
+      EXPECT_EQ(result.fErrors, "");
+      const std::size_t name = result.fOutput.find("\"" + pName + "\"");  // in JSON
+      return name == std::string::npos ? result.fOutput : result.fOutput.substr(name + pName.size() + 2);
+    };
+    const std::string expected = row.fResult.empty() ? run(row.fInput, "") : ReadText(row.fResult);
+    EXPECT_TRUE(run("pipe.hdr", "cat " + row.fInput + " >pipe.hdr &") == expected) << row.fStart;
+    EXPECT_TRUE(run("-", "exec <" + row.fInput + ";") == expected) << row.fStart;
+    const sRun cut = Run(row.fStart + "pipe.hdr" + row.fEnd, "head -c 30 " + row.fInput + " >pipe.hdr &");
+    EXPECT_EQ(cut.fExitCode, 3) << row.fStart;
+    EXPECT_EQ(cut.fErrors.rfind("quorvane: pipe.hdr: ", 0), 0u) << cut.fErrors;
+  }
+  // nobody writes: what only looks does not open it
+  EXPECT_EQ(Run("tonemap pipe.hdr -o c.png --dry-run").fOutput, "pipe.hdr -> c.png\n");
+  EXPECT_EQ(Run("tonemap -r . --out-dir out --dry-run").fOutput.find("pipe"), std::string::npos);
+  for (const char* const twice :
+       {"compare - -", "inspect - -", "equalize a.png --saturation 0:1 -o c.png --format png"})
+    EXPECT_EQ(Run(twice).fExitCode, 2) << twice;
+}
+
 TEST_F(BatchTool, KeepsToItsMemory) {
   MakePictures(6, 400);
   fs::create_directory("more");
@@ -243,6 +282,53 @@ TEST_F(BatchTool, KeepsToItsMemory) {
   // what a picture was let in with comes back, whatever is made of it
   EXPECT_EQ(Run("tonemap -r in --out-dir small -j 3 --preview 100 --memory-limit 80M").fExitCode, 0);
   EXPECT_EQ(Run("tonemap more/wide.pfm -o a.png --memory-limit 80M").fExitCode, 5);
+  // AVIF needs more than others, and every verb keeps to the limit
+  EXPECT_EQ(Run("tonemap more/wide.pfm -o a.avif --memory-limit 170M").fExitCode, 5);
+  EXPECT_EQ(Run("tonemap more/wide.pfm -o a.png --memory-limit 170M").fExitCode, 0);
+  for (const std::string verb :
+       {"inspect more/wide.pfm", "compare a.png a.png", "equalize a.png -o b.png --saturation 0:0.4"}) {
+    const sRun refused = Run(verb + " --memory-limit 100M");
+    EXPECT_EQ(refused.fExitCode, 5) << verb;
+    EXPECT_NE(refused.fErrors.find("and the limit is 100 MiB"), std::string::npos) << refused.fErrors;
+    EXPECT_EQ(Run(verb + " --memory-limit 200M").fExitCode, 0) << verb;
+  }
+}
+
+TEST_F(BatchTool, FindsTheMemoryThatItMayUse) {
+  constexpr std::int64_t kMachine = 1000 * 1024;
+  const struct {
+    std::string fGroups;
+    std::map<std::string, std::string> fFiles;  ///< Below sys/fs/cgroup.
+    std::int64_t fBytes;
+  } cases[] = {
+      {"0::/\n", {}, kMachine},
+      {"0::/a/b\n", {{"a/memory.max", "max"}, {"a/b/memory.max", "max"}}, kMachine},
+      {"0::/a/b\n",
+       {{"a/memory.max", "9000"}, {"a/memory.current", "5000"}, {"a/memory.stat", "inactive_file 1000"}},
+       5000},
+      {"9:cpu:/\n4:hugetlb,memory:/a\n0::/\n",
+       {{"memory/a/memory.limit_in_bytes", "8000"},
+        {"memory/a/memory.usage_in_bytes", "5000"},
+        {"memory/a/memory.stat", "inactive_file 7\ntotal_inactive_file 500"},
+        {"memory/memory.limit_in_bytes", "9223372036854771712"}},
+       3500},
+      // in a container, which does not see the group's own path
+      {"4:memory:/docker/0123\n", {{"memory/memory.limit_in_bytes", "7000"}}, 7000},
+      {"4:memory:/a\n",
+       {{"memory/a/memory.limit_in_bytes", "9"}, {"memory/a/memory.usage_in_bytes", "10"}},
+       1}};
+  for (const auto& row : cases) {
+    const std::string root = "root" + std::to_string(&row - cases);
+    fs::create_directories(root + "/proc/self");
+    std::ofstream(root + "/proc/meminfo") << "MemTotal: 9 kB\nMemAvailable: 1000 kB\n";
+    std::ofstream(root + "/proc/self/cgroup") << row.fGroups;
+    for (const auto& [file, text] : row.fFiles) {
+      const fs::path path = root + "/sys/fs/cgroup/" + file;
+      fs::create_directories(path.parent_path());
+      std::ofstream(path) << text;
+    }
+    EXPECT_EQ(Cli::GetAvailableMemory(root), row.fBytes) << row.fGroups;
+  }
 }
 
 TEST_F(BatchTool, StopsAtTheFirstFailureWhereAsked) {
