@@ -12,6 +12,7 @@
 #include "cli/HelpText.h"
 #include "cli/ManPage.h"
 #include "cli/Presets.h"
+#include "cli/Version.h"
 
 namespace Cli {
 namespace {
@@ -34,7 +35,7 @@ void Write(const std::filesystem::path& pFile, const std::string& pText) {
 void WriteAll(const CLI::App& pProgram, const std::filesystem::path& pFolder) {
   const sHelpPage program = MakeHelpPage(pProgram);
   const auto writeManPage = [&](const sHelpPage& pPage) {
-    Write(pFolder / "man/man1" / (GetManName(pPage) + ".1"), MakeManPage(program, pPage, pProgram.version()));
+    Write(pFolder / "man/man1" / (GetManName(pPage) + ".1"), MakeManPage(program, pPage, GetVersion()));
   };
   writeManPage(program);
   for (const sHelpPage& verb : program.fVerbs) writeManPage(verb);

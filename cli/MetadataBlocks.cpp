@@ -282,6 +282,10 @@ bool HasExiv2() {
   return true;
 }
 
+std::string GetExiv2Version() {
+  return Exiv2::versionString();
+}
+
 std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, const VImage& pImage,
                                                   std::vector<std::string>& pWarnings) {
   StartExiv2();

@@ -21,6 +21,8 @@ struct sCorrections {
 
 /// Whether the tool was built with Exiv2.
 bool HasExiv2();
+/// Empty without it.
+std::string GetExiv2Version();
 
 /// What the file holds; of formats that Exiv2 does not read, what libvips found.
 std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, const vips::VImage& pImage,

@@ -37,6 +37,10 @@ bool HasExiv2() {
   return false;
 }
 
+std::string GetExiv2Version() {
+  return "";
+}
+
 std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string&, const vips::VImage&,
                                                   std::vector<std::string>&) {
   return nullptr;

@@ -12,6 +12,8 @@
 #include "cli/InspectCommand.h"
 #include "cli/Interrupt.h"
 #include "cli/TonemapCommand.h"
+#include "cli/UsageError.h"
+#include "cli/Version.h"
 
 namespace {
 
@@ -24,7 +26,8 @@ int RunProgram(int pCount, char** pArguments) {
   CLI::App program("Tone mapping for high-dynamic-range photographs, and colour curves over hue.",
                    "quorvane");
   program.require_subcommand(1);
-  program.set_version_flag("--version", QUORVANE_VERSION);
+  program.set_version_flag("--version", Cli::DescribeVersion,
+                           "Print the versions of program and libraries, the formats and the licence");
   program.footer(
       "Exit codes:\n"
       "  0 done, 1 a picture failed, 2 usage, 3 cannot read, 4 cannot write, 5 processing,\n"
@@ -48,7 +51,7 @@ int RunProgram(int pCount, char** pArguments) {
     if (error.get_exit_code() == 0) return program.exit(error);  // help or version, on standard output
     const std::vector<CLI::App*> verbs = program.get_subcommands();
     const std::string verb = verbs.empty() ? "" : verbs.front()->get_name() + " ";
-    return Report(std::string(error.what()) + "\nRun 'quorvane " + verb + "--help' for what it takes.",
+    return Report(Cli::DescribeUsageError(program, error) + "\nRun 'quorvane " + verb + "--help' for what it takes.",
                   Cli::eExitCode_Usage);
   }
   return Cli::eExitCode_Done;

@@ -327,8 +327,14 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
     int fExitCode;
     const char* fText;  // what follows "quorvane: "
   } cases[] = {
-      {"", 2, "A subcommand is required"},
-      {"sharpen a -o b.png", 2, "A subcommand is required"},
+      {"", 2, "A verb is required: tonemap, equalize, "},
+      {"sharpen a -o b.png", 2, "'sharpen' is not a verb; the verbs are tonemap, "},
+      {"tonmap a -o b.png", 2, "'tonmap' is not a verb; did you mean 'tonemap'?"},
+      {"--verison", 2, "--verison: a verb comes first (tonemap, "},
+      {"inspetc scene.pfm", 2, "'inspetc' is not a verb; did you mean 'inspect'?"},
+      {"tonemap a -o b.png --stregth=3", 2,
+       "The following argument was not expected: --stregth=3; did you mean --strength?"},
+      {"tonemap a -o b.png --sharpness 3", 2, "The following argument was not expected: --sharpness\n"},
       {"tonemap scene.pfm", 2, "Where to? Give -o FILE for one picture, or --out-dir DIR"},
       {"tonemap -o b.png", 2, "INPUT is required"},
       {"tonemap scene.pfm -o b.png --strength 151", 2, "--strength: 151 is not a number from -200 to 150"},

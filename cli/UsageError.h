@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+class ParseError;
+}  // namespace CLI
+
+namespace Cli {
+
+/// What is wrong with a command line that pProgram refused, with what was probably meant.
+std::string DescribeUsageError(const CLI::App& pProgram, const CLI::ParseError& pError);
+
+}  // namespace Cli
