@@ -3,16 +3,17 @@
 #include <vips/vips.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <thread>
 #include <utility>
 
 #include "cli/BatchPlan.h"
+#include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/FileKind.h"
 #include "cli/Interrupt.h"
+#include "cli/Json.h"
 #include "cli/MemoryBudget.h"
 #include "cli/PictureRecord.h"
 #include "cli/Progress.h"
@@ -40,8 +41,7 @@ class cReport {
 
   void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
     if (fJson) {
-      std::puts(ToLine(pRecord).c_str());
-      std::fflush(stdout);
+      Print(ToLine(pRecord) + "\n");
     }
     fProgress.Tell(pJob, pRecord);
     if (!pRecord.contains("error")) return;
@@ -79,7 +79,7 @@ int ShowPlan(const tJobs& pJobs) {
     const std::string note = isSkipped          ? " (skipped: exists)"
                              : obstacle.empty() ? ""
                                                 : " (refused: " + obstacle + ")";
-    std::printf("%s -> %s%s\n", job.fInput.c_str(), job.fOutput.c_str(), note.c_str());
+    Print(NameForOutput(job.fInput) + " -> " + NameForOutput(job.fOutput) + NameForOutput(note) + "\n");
   }
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
@@ -109,7 +109,7 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
 /// A worker that ends because the whole run is interrupted is no failure of its picture.
 void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
   const sTonemapJob& job = pJobs[pEnd.fTask];
-  if (pEnd.fIsAnswered) return pReport.Tell(job, tPictureRecord::parse(pEnd.fText));
+  if (pEnd.fIsAnswered) return pReport.Tell(job, FromLine(pEnd.fText));
   cTempFile::RemoveLeftovers(job.fOutput);
   if (pIsInterrupted) return;
   pReport.Tell(job, MakeFailedRecord(job, eExitCode_Processing, job.fInput + ": " + pEnd.fText));

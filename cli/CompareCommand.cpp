@@ -3,13 +3,14 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
+#include "cli/Console.h"
 #include "cli/Failure.h"
+#include "cli/Json.h"
 #include "cli/LdrReader.h"
 #include "cli/MemoryBudget.h"
 #include "cli/OutputFormat.h"
@@ -113,7 +114,7 @@ void Run(const sCompareOptions& pOptions) {
     cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
     WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
   }
-  std::fputs((pOptions.fJson ? ToJson(difference).dump() + "\n" : Describe(difference)).c_str(), stdout);
+  Print(pOptions.fJson ? ToLine(ToJson(difference)) + "\n" : Describe(difference));
   if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {
     throw cFailure(
         eExitCode_PictureFailed, "",

@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "cli/Completion.h"
+#include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/HelpText.h"
 #include "cli/ManPage.h"
@@ -52,7 +52,7 @@ void AddHelpOptions(CLI::App& pProgram) {
         return MakeHelpText(MakeHelpPage(*pApp));
       }));
   const auto print = [&pProgram](const std::string& pShell) {
-    std::fputs(MakeCompletion(MakeHelpPage(pProgram), pShell).c_str(), stdout);
+    Print(MakeCompletion(MakeHelpPage(pProgram), pShell));
     throw CLI::Success();
   };
   pProgram
@@ -64,7 +64,7 @@ void AddHelpOptions(CLI::App& pProgram) {
   pProgram
       .add_flag_callback("--complete-presets",
                          [] {
-                           std::fputs(ListPresetsForShells().c_str(), stdout);
+                           Print(ListPresetsForShells());
                            throw CLI::Success();
                          })
       ->group("");

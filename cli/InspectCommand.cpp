@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -11,11 +10,14 @@
 #include <vector>
 
 #include "cli/AutoSettings.h"
+#include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/Inspection.h"
+#include "cli/Json.h"
 #include "cli/MemoryBudget.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
+#include "cli/Printable.h"
 #include "cli/SettingsOptions.h"
 #include "cli/StandardStreams.h"
 #include "cli/SvgDrawing.h"
@@ -51,8 +53,8 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
   sRenderingReport report;
   RenderWith(*renderer, pInspection.fFile, pInspection.fPicture, settings, {}, false, report);
-  WritePlot(DrawToneFigure(std::filesystem::path(pInspection.fFile).filename(), DescribeSettings(settings),
-                           pInspection.fStatistics, *renderer),
+  WritePlot(DrawToneFigure(ToPrintable(std::filesystem::path(pInspection.fFile).filename()),
+                           DescribeSettings(settings), pInspection.fStatistics, *renderer),
             format, file);
 }
 
@@ -61,14 +63,15 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   SetSingleMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
   const cInputFile input(pFile);
   sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath()); });
-  inspection.fFile = pOptions.fJson ? pFile : GetSpokenName(pFile);
-  PrintWarnings(GetSpokenName(pFile), inspection.fPicture.fWarnings);
-  // names need not be UTF-8
-  const std::string text =
-      pOptions.fJson
-          ? ToJson(inspection).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n"
-          : DescribeInspection(inspection, GetTerminal());
-  std::fputs(text.c_str(), stdout);
+  inspection.fFile = GetSpokenName(pFile);
+  PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
+  if (pOptions.fJson) {
+    nlohmann::ordered_json json = ToJson(inspection);
+    PutName(json, "input", pFile);
+    Print(ToLine(json) + "\n");
+  } else {
+    Print(DescribeInspection(inspection, GetTerminal()));
+  }
   if (!pOptions.fPlot.empty()) WriteFigure(inspection, pOptions);
 }
 
@@ -93,9 +96,9 @@ void Run(const sInspectOptions& pOptions) {
     try {
       Inspect(file, pOptions);
     } catch (const cFailure& failure) {
+      if (failure.GetExitCode() == eExitCode_CannotWrite) throw;  // the output, not a picture
       ++failed;
-      std::fflush(stdout);
-      std::fprintf(stderr, "quorvane: %s\n", failure.what());
+      Say(std::string("quorvane: ") + failure.what());
     }
   }
   if (failed == 0) return;

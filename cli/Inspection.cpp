@@ -5,7 +5,9 @@
 #include <cmath>
 
 #include "cli/AutoSettings.h"
+#include "cli/Console.h"
 #include "cli/PictureReader.h"
+#include "cli/Printable.h"
 #include "cli/Printf.h"
 #include "cli/TextHistogram.h"
 
@@ -15,7 +17,7 @@ namespace {
 constexpr double kStopsPerDecade = 3.321928094887362;
 
 void AddLine(std::string& pTo, const char* pName, const std::string& pText) {
-  if (!pText.empty()) pTo += Printf("  %-15s", pName) + pText + "\n";
+  if (!pText.empty()) pTo += Printf("  %-15s", pName) + ToPrintable(pText) + "\n";
 }
 
 std::string DescribeSize(const sPicture& pPicture) {
@@ -122,7 +124,7 @@ std::string ToOptions(const sSettings& pSettings) {
 
 std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal) {
   const sPicture& picture = pInspection.fPicture;
-  std::string text = pInspection.fFile + "\n";
+  std::string text = NameForOutput(pInspection.fFile) + "\n";
   AddLine(text, "Size", DescribeSize(picture));
   AddLine(text, "Format", DescribeFormat(picture));
   AddLine(text, "Colour space", picture.fColorSpace);
@@ -155,7 +157,7 @@ nlohmann::ordered_json ToJson(const sInspection& pInspection) {
           {"metadata", MetadataToJson(pInspection)},
           {"suggested", SlidersToJson(pInspection.fSuggested)},
           {"options", ToOptions(pInspection.fSuggested)},
-          {"warnings", picture.fWarnings}};
+          {"warnings", ToPrintable(picture.fWarnings)}};
 }
 
 }  // namespace Cli

@@ -1,10 +1,10 @@
 #include "cli/Picture.h"
 
 #include <cstddef>
-#include <cstdio>
 #include <limits>
 #include <new>
 
+#include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/MemoryBudget.h"
 #include "engine/BitmapRows.h"
@@ -72,7 +72,7 @@ void AddAlpha(const std::string& pFile, sPicture& pPicture) {
 
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
   for (const std::string& warning : pWarnings) {
-    std::fprintf(stderr, "quorvane: %s: warning: %s\n", pFile.c_str(), warning.c_str());
+    Say("quorvane: " + pFile + ": warning: " + warning);
   }
 }
 

@@ -9,6 +9,8 @@
 
 #include "cli/ColorSpaceName.h"
 #include "cli/Failure.h"
+#include "cli/Json.h"
+#include "cli/Printable.h"
 #include "cli/ShortText.h"
 #include "cli/TempFile.h"
 
@@ -42,7 +44,11 @@ std::string GetSpaceName(TmEngine::eColorSpaceID pSpace) {
 }
 
 tPictureRecord MakeRecord(const sTonemapJob& pJob, const char* pStatus) {
-  return {{"input", pJob.fInput}, {"output", pJob.fOutput}, {"status", pStatus}};
+  tPictureRecord record;
+  PutName(record, "input", pJob.fInput);
+  PutName(record, "output", pJob.fOutput);
+  record["status"] = pStatus;
+  return record;
 }
 
 tPictureRecord MakeSettings(const sSettings& pSettings) {
@@ -99,7 +105,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
       {"nan", repairs.fNaN}, {"infinite", repairs.fInfinite}, {"negative", repairs.fNegative}};
   record["milliseconds"] = MakeMilliseconds(pReport);
   record["peak_memory"] = GetPeakMemory();
-  record["warnings"] = ShortenWarnings(pReport.fWarnings);
+  record["warnings"] = ToPrintable(ShortenWarnings(pReport.fWarnings));
   return record;
 }
 
@@ -122,12 +128,8 @@ tPictureRecord DoPicture(const sTonemapJob& pJob) {
 
 tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage) {
   tPictureRecord record = MakeRecord(pJob, "failed");
-  record["error"] = {{"code", pExitCode}, {"message", pMessage}};
+  record["error"] = {{"code", pExitCode}, {"message", ToPrintable(pMessage)}};
   return record;
-}
-
-std::string ToLine(const tPictureRecord& pRecord) {
-  return pRecord.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 }  // namespace Cli

@@ -9,7 +9,8 @@
 namespace Cli {
 
 /// What is told of a picture, as an object for other programs:
-///   input, output, status ("done", "skipped", "failed"), and
+///   input, output (and input_base64, output_base64 of names that are not UTF-8),
+///   status ("done", "skipped", "failed"), and
 ///   of a done one  width, height, format, depth, color_space (of the file), result (depth, color_space),
 ///                  settings, wrap, dynamic_range (decades), black_point, white_point, black_share,
 ///                  white_share (0 to 1), repaired (nan, infinite, negative), milliseconds (a stage each),
@@ -22,8 +23,5 @@ using tPictureRecord = nlohmann::ordered_json;
 tPictureRecord DoPicture(const sTonemapJob& pJob);
 
 tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage);
-
-/// On one line. Bytes of names that are not UTF-8 become U+FFFD.
-std::string ToLine(const tPictureRecord& pRecord);
 
 }  // namespace Cli

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cli/Failure.h"
+#include "cli/Printable.h"
 
 namespace Cli {
 namespace {
@@ -49,6 +50,10 @@ bool IsFile(const fs::path& pFile) {
 fs::path FindPreset(const std::string& pNameOrFile) {
   if (IsFile(pNameOrFile)) return pNameOrFile;
   if (IsFileName(pNameOrFile)) {
+    std::error_code error;
+    if (fs::exists(pNameOrFile, error) && !fs::is_directory(pNameOrFile, error)) {
+      throw cFailure(eExitCode_Usage, pNameOrFile, "is not a regular file; store the preset in one first");
+    }
     throw cFailure(eExitCode_Usage, pNameOrFile, "there is no preset file of that name");
   }
   for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
@@ -64,7 +69,8 @@ fs::path FindPreset(const std::string& pNameOrFile) {
 sPreset ReadPreset(const fs::path& pFile) {
   constexpr std::uintmax_t kLargest = 1 << 20;  // a photograph that was named by mistake is not read
   std::error_code error;
-  if (fs::file_size(pFile, error) > kLargest) {
+  const std::uintmax_t size = fs::file_size(pFile, error);
+  if (!error && size > kLargest) {
     throw cFailure(eExitCode_Usage, pFile.string(), "is no preset: it is too large for one");
   }
   std::ifstream stream(pFile, std::ios::binary);
@@ -86,8 +92,9 @@ std::vector<sFound> FindPresets() {
   for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
     std::error_code error;
     std::set<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(folder, error)) {
-      if (entry.path().extension() == kEnding && IsFile(entry.path())) files.insert(entry.path());
+    for (fs::directory_iterator entry(folder, error); !error && entry != fs::end(entry);
+         entry.increment(error)) {
+      if (entry->path().extension() == kEnding && IsFile(entry->path())) files.insert(entry->path());
     }
     for (const fs::path& file : files) {
       const bool isHidden = !names.insert(file.stem()).second;
@@ -110,8 +117,8 @@ std::string Describe(const fs::path& pFile, const std::string& pPlace) {
   std::ostringstream line;
   line.width(16);
   line << std::left << pFile.stem().string() << ' ';
-  line << text << (text.empty() ? "(" : " (") << pPlace << ")\n";
-  return line.str();
+  line << text << (text.empty() ? "(" : " (") << pPlace << ")";
+  return ToPrintable(line.str()) + "\n";
 }
 
 /// What a preset without a description of its own is about: "strength 90, contrast 40".

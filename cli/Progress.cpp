@@ -10,6 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "cli/Console.h"
+#include "cli/Json.h"
 #include "cli/Picture.h"
 
 namespace Cli {
@@ -116,8 +118,8 @@ void cProgress::Interrupt(eExisting pExisting) {
   }
   if (HasBar()) std::fputs(kClearLine, stderr);
   const char* const instead = pExisting == eExisting::kReplace ? " in place of --overwrite" : "";
-  Say("quorvane: interrupted: " + Summarise() + "\nTo go on, run the same command with --skip-existing" +
-      instead + ".");
+  Say("quorvane: interrupted: " + Summarise());
+  Say(std::string("To go on, run the same command with --skip-existing") + instead + ".");
 }
 
 std::string cProgress::Summarise() const {
@@ -131,8 +133,7 @@ std::string cProgress::Summarise() const {
 }
 
 void cProgress::Say(const std::string& pLine, const char* pColour) const {
-  const bool isColoured = fHasColour && *pColour != '\0';
-  std::fprintf(stderr, "%s%s%s\n", isColoured ? pColour : "", pLine.c_str(), isColoured ? "\033[0m" : "");
+  Cli::Say(pLine, fHasColour ? pColour : "");
 }
 
 void cProgress::SayEvent(const char* pEvent, const std::string& pInput) const {

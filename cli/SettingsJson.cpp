@@ -9,6 +9,7 @@
 
 #include "cli/ColorSpaceName.h"
 #include "cli/Failure.h"
+#include "cli/Json.h"
 
 namespace Cli {
 namespace {
@@ -49,10 +50,16 @@ class cReader {
     Refuse("\"" + pKey + "\": " + Show(pValue) + " is not " + pWanted);
   }
 
-  /// The file's object. A key that stands twice is refused: one of the two would be ignored.
+  /// The file's object. A key that stands twice is refused: one of the two would be ignored. Nesting is
+  /// limited before there is a value: what shows it takes stack for each level.
   tJson Parse(const std::string& pText) const {
     std::vector<std::set<std::string>> keys;
-    const auto watch = [&](int, tJson::parse_event_t pEvent, tJson& pValue) {
+    const auto watch = [&](int pDepth, tJson::parse_event_t pEvent, tJson& pValue) {
+      const bool isStart =
+          pEvent == tJson::parse_event_t::object_start || pEvent == tJson::parse_event_t::array_start;
+      if (isStart && pDepth >= kDeepestJson) {
+        Refuse("cannot be used: it is nested deeper than " + std::to_string(kDeepestJson) + " levels");
+      }
       if (pEvent == tJson::parse_event_t::object_start) keys.emplace_back();
       if (pEvent == tJson::parse_event_t::object_end) keys.pop_back();
       if (pEvent == tJson::parse_event_t::key && !keys.back().insert(pValue.get<std::string>()).second) {

@@ -2,9 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <filesystem>
 
+#include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/OutputFormat.h"
 #include "cli/Picture.h"
@@ -50,6 +50,15 @@ void TakeNearestDepth(const std::string& pOutput, const std::string& pResult, co
   PrintWarnings(pOutput, {"written with " + std::to_string(depth) + " bits a sample, since " + pFormat.fName +
                           " does not hold the " + std::to_string(pDepth) + " of " + pResult});
   pDepth = depth;
+}
+
+/// Opening anything but a file might wait for ever.
+void CheckIsResult(const std::string& pFile) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(pFile, error);
+  if (error) throw cFailure(eExitCode_CannotRead, pFile, error.message());
+  if (std::filesystem::is_regular_file(status)) return;
+  throw cFailure(eExitCode_CannotRead, pFile, "is not a regular file; --settings-from takes a stored result");
 }
 
 }  // namespace
@@ -116,16 +125,14 @@ void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGrou
     Apply(GetChange(pOptions), change);
     SavePreset(pOptions.fSaveAs, change);
   }
-  if (pOptions.fList) std::fputs(ListPresets().c_str(), stdout);
+  if (pOptions.fList) Print(ListPresets());
 }
 
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
                     sSettings& pSettings, sOutputOptions& pResult) {
   const std::string& file = pOptions.fFromResult;
   if (file.empty()) return;
-  if (!std::filesystem::exists(file)) {
-    throw cFailure(eExitCode_CannotRead, file, "No such file or directory");
-  }
+  CheckIsResult(file);
   const std::string text = ReadStoredSettingsApart(file);
   if (text.empty()) {
     throw cFailure(eExitCode_Usage, file, "carries no settings; name a result of 'quorvane tonemap'");

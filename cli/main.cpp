@@ -1,11 +1,12 @@
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/CompareCommand.h"
+#include "cli/Console.h"
 #include "cli/EqualizeCommand.h"
 #include "cli/Failure.h"
 #include "cli/HelpOptions.h"
@@ -18,8 +19,16 @@
 namespace {
 
 int Report(const std::string& pText, Cli::eExitCode pExitCode) {
-  std::fprintf(stderr, "quorvane: %s\n", pText.c_str());
+  Cli::Say("quorvane: " + pText);
   return pExitCode;
+}
+
+/// For what ends the parsing without a fault: help or version.
+int PrintAnswer(const CLI::App& pProgram, const CLI::ParseError& pAnswer) {
+  std::ostringstream text;
+  const int exitCode = pProgram.exit(pAnswer, text, text);
+  Cli::Print(text.str());
+  return exitCode;
 }
 
 int RunProgram(int pCount, char** pArguments) {
@@ -48,11 +57,12 @@ int RunProgram(int pCount, char** pArguments) {
   } catch (const CLI::RuntimeError& end) {
     return end.get_exit_code();  // everything was told
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return program.exit(error);  // help or version, on standard output
+    if (error.get_exit_code() == 0) return PrintAnswer(program, error);
     const std::vector<CLI::App*> verbs = program.get_subcommands();
     const std::string verb = verbs.empty() ? "" : verbs.front()->get_name() + " ";
-    return Report(Cli::DescribeUsageError(program, error) + "\nRun 'quorvane " + verb + "--help' for what it takes.",
-                  Cli::eExitCode_Usage);
+    Report(Cli::DescribeUsageError(program, error), Cli::eExitCode_Usage);
+    Cli::Say("Run 'quorvane " + verb + "--help' for what it takes.");
+    return Cli::eExitCode_Usage;
   }
   return Cli::eExitCode_Done;
 }
@@ -60,9 +70,12 @@ int RunProgram(int pCount, char** pArguments) {
 }  // namespace
 
 int main(int pCount, char** pArguments) {
+  Cli::OpenMissingStreams();
   Cli::CatchInterrupts();
   try {
     return RunProgram(pCount, pArguments);
+  } catch (const Cli::sOutputClosed&) {
+    return Cli::eExitCode_CannotWrite;  // who closed it knows
   } catch (const Cli::cFailure& failure) {
     return Report(failure.what(), failure.GetExitCode());
   } catch (const std::exception& exception) {

@@ -24,6 +24,19 @@ class PresetTool : public cToolTest {
   }
   static std::string UserFile(const std::string& pName) { return "config/quorvane/presets/" + pName; }
 
+  /// Makes the strength that a result remembers an array of arrays.
+  static void NestStoredSettings(const std::string& pFile) {
+    VImage image = VImage::new_from_file(pFile.c_str()).copy_memory();
+    std::size_t size = 0;
+    const void* const data = image.get_blob(VIPS_META_XMP_NAME, &size);
+    std::string packet(static_cast<const char*>(data), size);
+    const std::size_t at = packet.find("strength&quot;: ");
+    ASSERT_NE(at, std::string::npos) << packet;
+    packet.insert(packet.find(' ', at) + 1, std::string(80000, '['));
+    image.set(VIPS_META_XMP_NAME, nullptr, packet.data(), packet.size());
+    image.pngsave(pFile.c_str());
+  }
+
   /// The result's bytes; expects success without a word.
   static std::string Make(const std::string& pArguments, const std::string& pOutput = "result.png") {
     const sRun run = Run("tonemap scene.pfm -o " + pOutput + " " + pArguments);
@@ -69,11 +82,12 @@ TEST_F(PresetTool, ShipsPresetsThatLookDifferent) {
   }
   WriteText(UserFile("night.json"), Preset(R"("strength": 1)"));
   WriteText(UserFile("broken.json"), "{");
+  WriteText(UserFile("deep.json"), std::string(80000, '['));
   const sRun list = Run("tonemap --list-presets");
   EXPECT_EQ(list.fExitCode, 0) << list.fErrors;
   for (const std::string& name : names) EXPECT_NE(list.fOutput.find("\n" + name), std::string::npos) << name;
-  for (const std::string text :
-       {"(built in)", "(built in, hidden by yours)", "broken           cannot be used"}) {
+  for (const std::string text : {"(built in)", "(built in, hidden by yours)",
+                                 "broken           cannot be used", "deep             cannot be used"}) {
     EXPECT_NE(list.fOutput.find(text), std::string::npos) << text << '\n' << list.fOutput;
   }
 }
@@ -112,11 +126,17 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
       {Preset(R"("wrap": "vertical")"), "\"wrap\": \"vertical\" is not none, horizontal or auto"},
       {Preset(R"("wrap": 1)"), "\"wrap\": 1 is not none, horizontal or auto"},
       {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" stands there twice"},
+      {std::string(80000, '['), "cannot be used: it is nested deeper than 64 levels"},
+      {Preset(R"("strength": )" + std::string(61, '[') + std::string(61, ']')),
+       "\"strength\": the given value is not a number"},  // as deep as is read
       {std::string(2 << 20, ' '), "is no preset: it is too large for one"},
   };
   WriteText("plain.png", "no picture");
   ToVips8(MakeScene()).pngsave("camera.png");
   ASSERT_EQ(Run("tonemap scene.pfm -o kept.tif").fExitCode, 0);
+  ASSERT_EQ(Run("tonemap scene.pfm -o nested.png").fExitCode, 0);
+  NestStoredSettings("nested.png");
+  ASSERT_EQ(mkfifo("pipe.json", 0600), 0);  // nobody will ever write to it
   const std::set<std::string> before = ListFolder();
   const auto expect = [&](const std::string& pArguments, int pExitCode, const std::string& pStart) {
     const sRun run = Run("tonemap scene.pfm -o b.png " + pArguments);
@@ -132,6 +152,9 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
   expect("--preset no/thing", 2, "no/thing: there is no preset file of that name");
   expect("--preset config", 2, "--preset: there is neither a file nor a preset 'config'");
   expect("--sharpness=3", 2, "The following argument was not expected: --sharpness=3");
+  expect("--preset pipe.json", 2, "pipe.json: is not a regular file");
+  expect("--settings-from pipe.json", 3, "pipe.json: is not a regular file");
+  expect("--settings-from nested.png", 2, "nested.png: cannot be used: it is nested deeper than 64 levels");
   expect("--settings-from missing.png", 3, "missing.png: No such file or directory");
   expect("--settings-from plain.png", 2, "plain.png: carries no settings");
   expect("--settings-from camera.png", 2, "camera.png: carries no settings");
