@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <exception>
 #include <nlohmann/json.hpp>
 #include <thread>
 #include <utility>
@@ -34,29 +35,64 @@ int CountCores() {
 /// Takes what is told of each picture, and knows the exit code in the end.
 class cReport {
  public:
-  cReport(const sBatchOptions& pOptions, std::size_t pPictures)
+  cReport(const sBatchOptions& pOptions, const sBatchPlan& pPlan)
       : fJson(pOptions.fJson),
-        fPictures(pPictures),
-        fProgress(ChooseProgress(pOptions.fProgress, pPictures), pPictures) {}
+        fIsSingle(pPlan.fJobs.size() == 1 && pPlan.fUnreadable.empty()),
+        fIsRecursive(pOptions.fInputs.fRecursive),
+        fProgress(ChooseProgress(pOptions.fProgress, pPlan.fJobs.size() == 1 && !fIsRecursive),
+                  pPlan.fJobs.size(), fIsRecursive ? &pPlan.fLeftOut : nullptr) {
+    for (const sUnreadableFolder& folder : pPlan.fUnreadable) {
+      Write(MakeFolderRecord(folder));
+      fProgress.NoteFolder(folder);
+      fExitCode = eExitCode_PictureFailed;
+    }
+  }
 
   void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
-    if (fJson) {
-      Print(ToLine(pRecord) + "\n");
-    }
+    Write(pRecord);
     fProgress.Tell(pJob, pRecord);
     if (!pRecord.contains("error")) return;
     const int code = pRecord["error"]["code"];
-    fExitCode = fPictures == 1 ? code : eExitCode_PictureFailed;
+    fExitCode = fIsSingle ? code : eExitCode_PictureFailed;
+  }
+
+  /// Returns the exit code. Throws what kept standard output from taking all objects.
+  int Finish() {
+    if (fIsRecursive) Write(fProgress.MakeSummary());
+    fProgress.Finish();
+    if (fOutputFault) std::rethrow_exception(fOutputFault);
+    return fExitCode;
   }
 
   cProgress& GetProgress() { return fProgress; }
-  int GetExitCode() const { return fExitCode; }
+  /// Whether another picture would make things worse: it would not be in the report.
+  bool HasLostOutput() const { return fOutputFault != nullptr; }
 
  private:
+  static tPictureRecord MakeFolderRecord(const sUnreadableFolder& pFolder) {
+    sTonemapJob job;
+    job.fInput = pFolder.fFolder;
+    tPictureRecord record =
+        MakeFailedRecord(job, eExitCode_CannotRead, pFolder.fFolder + ": " + pFolder.fReason);
+    record.erase("output");
+    return record;
+  }
+
+  void Write(const tPictureRecord& pRecord) {
+    if (!fJson || HasLostOutput()) return;
+    try {
+      Print(ToLine(pRecord) + "\n");
+    } catch (...) {
+      fOutputFault = std::current_exception();
+    }
+  }
+
   bool fJson;
-  std::size_t fPictures;
+  bool fIsSingle;
+  bool fIsRecursive;
   cProgress fProgress;
   int fExitCode = eExitCode_Done;
+  std::exception_ptr fOutputFault;
 };
 
 /// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
@@ -70,9 +106,9 @@ std::string FindObstacle(const sTonemapJob& pJob) {
   }
 }
 
-int ShowPlan(const tJobs& pJobs) {
-  bool hasObstacles = false;
-  for (const sTonemapJob& job : pJobs) {
+int ShowPlan(const sBatchPlan& pPlan) {
+  bool hasObstacles = !pPlan.fUnreadable.empty();
+  for (const sTonemapJob& job : pPlan.fJobs) {
     const bool isSkipped = job.fExisting == eExisting::kSkip && HasTarget(job);
     const std::string obstacle = isSkipped ? "" : FindObstacle(job);
     hasObstacles = hasObstacles || !obstacle.empty();
@@ -80,6 +116,12 @@ int ShowPlan(const tJobs& pJobs) {
                              : obstacle.empty() ? ""
                                                 : " (refused: " + obstacle + ")";
     Print(NameForOutput(job.fInput) + " -> " + NameForOutput(job.fOutput) + NameForOutput(note) + "\n");
+  }
+  for (const sUnreadableFolder& folder : pPlan.fUnreadable) {
+    Say("quorvane: " + folder.fFolder + ": " + folder.fReason);
+  }
+  if (const std::string leftOut = DescribeLeftOut(pPlan.fLeftOut); !leftOut.empty()) {
+    Say("left out: " + leftOut);
   }
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
@@ -120,7 +162,8 @@ bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pR
   const cInterruptWatch interrupt;
   const int tick = pReport.GetProgress().HasBar() ? 250 : -1;
   for (std::size_t next = 0;;) {
-    const bool isOver = next == pJobs.size() || (pFailFast && pReport.GetProgress().HasFailed());
+    const bool isOver =
+        next == pJobs.size() || pReport.HasLostOutput() || (pFailFast && pReport.GetProgress().HasFailed());
     if (isOver && !pPool.IsBusy()) return false;
     if (!isOver && pPool.HasRoom()) {
       const std::optional<std::string> fault = pPool.Begin(next);
@@ -164,21 +207,21 @@ bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t
 }  // namespace
 
 int RunBatch(const sBatchOptions& pOptions) {
-  const tJobs jobs = PlanBatch(pOptions);
-  if (pOptions.fDryRun) return ShowPlan(jobs);
+  const sBatchPlan plan = PlanBatch(pOptions);
+  if (pOptions.fDryRun) return ShowPlan(plan);
+  const tJobs& jobs = plan.fJobs;
   const std::int64_t memory = ChooseMemoryLimit(pOptions.fMemoryLimit);
-  cReport report(pOptions, jobs.size());
+  cReport report(pOptions, plan);
   try {
     if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
       report.GetProgress().Interrupt(pOptions.fJob.fExisting);
       return eExitCode_Interrupted;
     }
   } catch (const cFailure&) {  // no worker can be started any more
-    report.GetProgress().Finish();
+    report.Finish();
     throw;
   }
-  report.GetProgress().Finish();
-  return report.GetExitCode();
+  return report.Finish();
 }
 
 }  // namespace Cli

@@ -28,11 +28,15 @@ void AddInputs(CLI::App& pVerb, sBatchOptions& pOptions) {
                   "Photographs, told by their content; folders with -r; - for standard input")
       ->option_text("INPUT...");
   pVerb.add_flag("-r,--recursive", pOptions.fInputs.fRecursive,
-                 "Take the pictures in folders and below; sub-folders are kept below --out-dir");
+                 "Take the pictures in folders and below, known by extension or content; sub-folders are\n"
+                 "kept below --out-dir");
+  CLI::Option* const list = pVerb.add_option("--files-from", pOptions.fInputs.fFilesFrom,
+                                             "A file of more inputs, one a line; - for standard input");
+  list->option_text("FILE");
   pVerb
-      .add_option("--files-from", pOptions.fInputs.fFilesFrom,
-                  "A file of more inputs, one a line; - for standard input")
-      ->option_text("FILE");
+      .add_flag("-0,--null", pOptions.fInputs.fNulSeparated,
+                "Names in --files-from end with a NUL byte, as 'find -print0' writes them")
+      ->needs(list);
   pVerb
       .add_option_function<std::string>(
           "--shard", [&pOptions](const std::string& pText) { ParseShard(pText, pOptions); },
@@ -113,7 +117,10 @@ void AddReports(CLI::App& pVerb, sBatchOptions& pOptions) {
       ->check(CLI::IsMember({"auto", "bar", "plain", "json", "none"}))
       ->option_text("auto|bar|plain|json|none [auto]")
       ->group(kGroup);
-  pVerb.add_flag("--json", pOptions.fJson, "One JSON object a picture, a line each, on standard output")
+  pVerb
+      .add_flag("--json", pOptions.fJson,
+                "One JSON object a picture, a line each, on standard output; with -r, a last one counts\n"
+                "what was left out")
       ->group(kGroup);
 }
 

@@ -80,6 +80,18 @@ void LeaveOutResults(std::vector<sPlanned>& pPairs) {
   });
 }
 
+/// A file that is a picture by its content alone may be a copy of one beside it, such as a.exr_old of a.exr:
+/// it does not compete for a result's name. Returns how many give way.
+std::size_t LeaveOutCopies(std::vector<sPlanned>& pPairs) {
+  std::set<std::string> targets;
+  for (const sPlanned& pair : pPairs) {
+    if (!pair.fInput->fIsKnownByContent) targets.insert(pair.fTargetKey);
+  }
+  return std::erase_if(pPairs, [&](const sPlanned& pPair) {
+    return pPair.fInput->fIsKnownByContent && !targets.insert(pPair.fTargetKey).second;
+  });
+}
+
 void CheckTargets(const std::vector<sPlanned>& pPairs) {
   std::map<std::string, const sPlanned*> inputs;
   std::map<std::string, const sPlanned*> targets;
@@ -119,20 +131,24 @@ void CheckBatch(const sBatchOptions& pOptions) {
 
 std::string NameAnyTarget(const sBatchOptions& pOptions) {
   if (pOptions.fOutput == kStandardStream) return "result." + EndingOf(pOptions);
-  return pOptions.fOutput.empty() ? ChooseTarget(pOptions, {"picture", "", false}, 1) : pOptions.fOutput;
+  return pOptions.fOutput.empty() ? ChooseTarget(pOptions, {"picture", "", false, false}, 1)
+                                  : pOptions.fOutput;
 }
 
-std::vector<sTonemapJob> PlanBatch(const sBatchOptions& pOptions) {
-  const std::vector<sInput> inputs = ListInputs(pOptions.fInputs, pOptions.fOutputFolder);
+sBatchPlan PlanBatch(const sBatchOptions& pOptions) {
+  const sInputList list = ListInputs(pOptions.fInputs, pOptions.fOutputFolder);
+  const std::vector<sInput>& inputs = list.fInputs;
   if (inputs.size() > 1 && !pOptions.fOutput.empty()) {
     RefuseCall("-o is for one picture; give --out-dir DIR for " + std::to_string(inputs.size()));
   }
   std::vector<sPlanned> pairs = PairUp(pOptions, inputs);
   LeaveOutResults(pairs);
+  sBatchPlan plan{{}, list.fLeftOut, list.fUnreadable};
+  plan.fLeftOut.fUnknown += LeaveOutCopies(pairs);
   CheckTargets(pairs);
-  std::vector<sTonemapJob> jobs = TakeShard(pOptions, pairs);
-  for (const sTonemapJob& job : jobs) ChooseJobFormat(job);
-  return jobs;
+  plan.fJobs = TakeShard(pOptions, pairs);
+  for (const sTonemapJob& job : plan.fJobs) ChooseJobFormat(job);
+  return plan;
 }
 
 }  // namespace Cli

@@ -1,19 +1,19 @@
 #include "cli/InputList.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
 #include <iterator>
 #include <set>
+#include <span>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include "cli/Failure.h"
 #include "cli/FileKeys.h"
+#include "cli/NameList.h"
 #include "cli/OutputFormat.h"
+#include "cli/PictureStart.h"
 #include "cli/StandardStreams.h"
 
 namespace Cli {
@@ -21,61 +21,89 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a file in a folder must end in to be taken for a picture. Its content decides later.
+/// What a file in a folder may end in to be taken for a picture. Its content decides later.
 constexpr std::string_view kEndings[] = {".hdr", ".pic",  ".rgbe", ".exr",  ".pfm",  ".png",  ".tif", ".tiff",
                                          ".jpg", ".jpeg", ".webp", ".heic", ".heif", ".avif", ".jxl"};
 
-bool HasKnownEnding(const fs::path& pFile) {
-  return std::find(std::begin(kEndings), std::end(kEndings), GetEnding(pFile.string())) != std::end(kEndings);
+/// Raw files of cameras are not read, though many begin as TIFF files do.
+constexpr std::string_view kRawEndings[] = {".3fr", ".arw", ".cr2", ".dcr", ".dng", ".erf", ".fff", ".gpr",
+                                            ".iiq", ".k25", ".kdc", ".mef", ".mos", ".nef", ".nrw", ".orf",
+                                            ".pef", ".raw", ".rw2", ".rwl", ".sr2", ".srf", ".srw"};
+
+bool HasEndingOf(std::span<const std::string_view> pEndings, const fs::path& pFile) {
+  return std::find(pEndings.begin(), pEndings.end(), GetEnding(pFile.string())) != pEndings.end();
 }
 
 bool IsHidden(const fs::path& pFile) {
   return pFile.filename().string().starts_with(".");
 }
 
-void Walk(const fs::path& pFolder, const std::string& pResults, std::vector<sInput>& pInputs) {
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(pFolder); entry != fs::end(entry); ++entry) {
-    const fs::path& file = entry->path();
-    if (entry->is_directory(error) && !entry->is_symlink(error)) {
-      const bool isResults = !pResults.empty() && fs::equivalent(file, pResults, error);
-      if (IsHidden(file) || isResults) entry.disable_recursion_pending();
-    } else if (!IsHidden(file) && HasKnownEnding(file) && entry->is_regular_file(error)) {
-      const fs::path folder = file.parent_path().lexically_relative(pFolder);
-      pInputs.push_back({file.string(), folder == "." ? "" : folder.string(), true});
+/// The pictures in a folder and below it.
+class cFolderWalk {
+ public:
+  cFolderWalk(const fs::path& pRoot, const std::string& pResults, sInputList& pList)
+      : fRoot(pRoot), fResults(pResults), fList(pList) {}
+
+  /// A folder below that cannot be read is noted; the root throws cFailure.
+  void Walk() {
+    fFolders = {fRoot};
+    while (!fFolders.empty()) {
+      const fs::path folder = std::move(fFolders.back());
+      fFolders.pop_back();
+      std::error_code error;
+      for (fs::directory_iterator entry(folder, error); !error && entry != fs::end(entry);
+           entry.increment(error)) {
+        Take(*entry);
+      }
+      if (!error) continue;
+      if (folder == fRoot) throw cFailure(eExitCode_CannotRead, folder.string(), error.message());
+      fList.fUnreadable.push_back({folder.string(), error.message()});
     }
   }
-}
 
-void TakeFolder(const std::string& pFolder, bool pRecursive, const std::string& pResults,
-                std::vector<sInput>& pInputs) {
+ private:
+  void Take(const fs::directory_entry& pEntry) {
+    std::error_code error;
+    const fs::path& file = pEntry.path();
+    const bool isLink = pEntry.is_symlink(error);
+    if (IsHidden(file)) {
+      ++fList.fLeftOut.fHidden;
+    } else if (pEntry.is_directory(error)) {
+      if (isLink) ++fList.fLeftOut.fLinks;
+      if (!isLink && !IsResults(file)) fFolders.push_back(file);
+    } else if (pEntry.is_regular_file(error)) {
+      TakeFile(file);
+    } else {
+      ++(isLink ? fList.fLeftOut.fLinks : fList.fLeftOut.fSpecial);
+    }
+  }
+
+  void TakeFile(const fs::path& pFile) {
+    const bool isKnown = HasEndingOf(kEndings, pFile);
+    if (!isKnown && (HasEndingOf(kRawEndings, pFile) || !HoldsPicture(pFile.string()))) {
+      ++fList.fLeftOut.fUnknown;
+      return;
+    }
+    const fs::path folder = pFile.parent_path().lexically_relative(fRoot);
+    fList.fInputs.push_back({pFile.string(), folder == "." ? "" : folder.string(), true, !isKnown});
+  }
+
+  bool IsResults(const fs::path& pFolder) const {
+    std::error_code error;
+    return !fResults.empty() && fs::equivalent(pFolder, fResults, error);
+  }
+
+  const fs::path& fRoot;
+  const std::string& fResults;
+  sInputList& fList;
+  std::vector<fs::path> fFolders;  ///< Yet to be read.
+};
+
+void TakeFolder(const std::string& pFolder, bool pRecursive, const std::string& pResults, sInputList& pList) {
   if (!pRecursive) throw cFailure(eExitCode_Usage, pFolder, "is a folder; -r takes the pictures below it");
   fs::path folder = fs::path(pFolder).lexically_normal();
   if (!folder.has_filename()) folder = folder.parent_path();  // a slash at the end
-  try {
-    Walk(folder, pResults, pInputs);
-  } catch (const fs::filesystem_error& failure) {
-    throw cFailure(eExitCode_CannotRead, failure.path1().string(), failure.code().message());
-  }
-}
-
-std::vector<std::string> ReadLines(std::istream& pStream) {
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(pStream, line);) {
-    if (!line.empty()) lines.push_back(line);
-  }
-  return lines;
-}
-
-std::vector<std::string> ReadNames(const std::string& pFile) {
-  if (pFile == kStandardStream) return ReadLines(std::cin);
-  errno = 0;
-  std::ifstream stream(pFile);
-  std::error_code error;
-  if (!stream || fs::is_directory(pFile, error)) {
-    throw cFailure(eExitCode_CannotRead, pFile, errno != 0 ? std::strerror(errno) : "is a folder");
-  }
-  return ReadLines(stream);
+  cFolderWalk(folder, pResults, pList).Walk();
 }
 
 void SortAndKeepEachOnce(std::vector<sInput>& pInputs) {
@@ -89,26 +117,26 @@ void SortAndKeepEachOnce(std::vector<sInput>& pInputs) {
 
 }  // namespace
 
-std::vector<sInput> ListInputs(const sInputNames& pNames, const std::string& pResults) {
+sInputList ListInputs(const sInputNames& pNames, const std::string& pResults) {
   std::vector<std::string> names = pNames.fNames;
   if (!pNames.fFilesFrom.empty()) {
-    std::ranges::move(ReadNames(pNames.fFilesFrom), std::back_inserter(names));
+    std::ranges::move(ReadNames(pNames.fFilesFrom, pNames.fNulSeparated), std::back_inserter(names));
   }
   if (names.size() > 1 && std::find(names.begin(), names.end(), kStandardStream) != names.end()) {
     throw cFailure(eExitCode_Usage, "",
                    "standard input (-) is one picture, and no others can be given with it");
   }
-  std::vector<sInput> inputs;
+  sInputList list;
   std::error_code error;
   for (const std::string& name : names) {
     if (fs::is_directory(name, error)) {
-      TakeFolder(name, pNames.fRecursive, pResults, inputs);
+      TakeFolder(name, pNames.fRecursive, pResults, list);
     } else {
-      inputs.push_back({name, "", false});
+      list.fInputs.push_back({name, "", false, false});
     }
   }
-  SortAndKeepEachOnce(inputs);
-  return inputs;
+  SortAndKeepEachOnce(list.fInputs);
+  return list;
 }
 
 }  // namespace Cli

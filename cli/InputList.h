@@ -9,18 +9,39 @@ namespace Cli {
 struct sInputNames {
   std::vector<std::string> fNames;  ///< Files, folders, or "-" alone for standard input.
   bool fRecursive = false;          ///< Folders stand for the pictures below them.
-  std::string fFilesFrom;  ///< A file of more names, one a line; "-" for standard input, "" for none.
+  std::string fFilesFrom;      ///< A file of more names, one a line; "-" for standard input, "" for none.
+  bool fNulSeparated = false;  ///< A NUL byte ends each of them instead.
 };
 
 struct sInput {
   std::string fFile;
-  std::string fFolder;    ///< Below the folder that was named: "2024/june"; empty for files.
-  bool fIsFound = false;  ///< In a folder: nobody named it.
+  std::string fFolder;             ///< Below the folder that was named: "2024/june"; empty for files.
+  bool fIsFound = false;           ///< In a folder: nobody named it.
+  bool fIsKnownByContent = false;  ///< Its name does not say that it is a picture.
 };
 
-/// The pictures, each once, in the order of the bytes of their names. Of folders, files with the ending of a
-/// known format are taken; hidden ones are not, nor what lies in pResults where that is a folder below. A
-/// file that is named is taken as it is, whether it exists or not. Throws cFailure.
-std::vector<sInput> ListInputs(const sInputNames& pNames, const std::string& pResults);
+/// How many files and folders were passed over in the folders that were named.
+struct sLeftOut {
+  std::size_t fUnknown = 0;  ///< Of no known format.
+  std::size_t fHidden = 0;
+  std::size_t fLinks = 0;    ///< To folders, or to nothing.
+  std::size_t fSpecial = 0;  ///< Pipes, sockets and devices.
+};
+
+struct sUnreadableFolder {
+  std::string fFolder;
+  std::string fReason;
+};
+
+struct sInputList {
+  std::vector<sInput> fInputs;  ///< Each once, in the order of the bytes of their names.
+  sLeftOut fLeftOut;
+  std::vector<sUnreadableFolder> fUnreadable;  ///< Below those that were named.
+};
+
+/// The pictures. Of folders, files with the ending or the content of a known format are taken; hidden ones
+/// are not, nor what lies in pResults where that is a folder below. A file that is named is taken as it is,
+/// whether it exists or not. Throws cFailure.
+sInputList ListInputs(const sInputNames& pNames, const std::string& pResults);
 
 }  // namespace Cli

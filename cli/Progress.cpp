@@ -49,23 +49,45 @@ std::string TimeToText(double pSeconds) {
 
 }  // namespace
 
-eProgress ChooseProgress(eProgress pAsked, std::size_t pPictures) {
+eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed) {
   if (pAsked != eProgress::kAuto) return pAsked;
-  if (pPictures == 1) return eProgress::kNone;
+  if (pIsOneNamed) return eProgress::kNone;
   return isatty(STDERR_FILENO) != 0 ? eProgress::kBar : eProgress::kPlain;
 }
 
-cProgress::cProgress(eProgress pWay, std::size_t pPictures)
-    : fWay(pWay), fHasColour(CanColour()), fPictures(pPictures) {}
+std::string DescribeLeftOut(const sLeftOut& pLeftOut) {
+  std::string text;
+  const auto add = [&](std::size_t pCount, const char* pWhat) {
+    if (pCount > 0) text += (text.empty() ? "" : ", ") + Format("%s (%zu)", pWhat, pCount);
+  };
+  add(pLeftOut.fUnknown, "unknown format");
+  add(pLeftOut.fHidden, "hidden");
+  add(pLeftOut.fLinks, "linked folders and broken links");
+  add(pLeftOut.fSpecial, "pipes, sockets and devices");
+  return text;
+}
+
+cProgress::cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut)
+    : fWay(pWay), fHasColour(CanColour()), fPictures(pPictures), fLeftOut(pLeftOut) {}
+
+void cProgress::NoteFolder(const sUnreadableFolder& pFolder) {
+  ++fFolders;
+  fFailedInputs.push_back(pFolder.fFolder);
+  Fail(pFolder.fFolder + ": " + pFolder.fReason);
+}
 
 void cProgress::Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
   const std::string status = pRecord["status"];
   Count(pJob, status);
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (pRecord.contains("warnings")) PrintWarnings(pJob.fInput, pRecord["warnings"]);
-  if (status == "failed") Say("quorvane: " + pRecord["error"]["message"].get<std::string>(), kRed);
+  if (status == "failed") Fail(pRecord["error"]["message"].get<std::string>());
   if (fWay == eProgress::kPlain) TellPlainly(pJob, status);
-  if (fWay == eProgress::kJson) SayEvent("picture", pJob.fInput);
+  if (fWay == eProgress::kJson) Say(ToLine(MakeEvent("picture", pJob.fInput)));
+}
+
+void cProgress::Fail(const std::string& pMessage) const {
+  Say("quorvane: " + pMessage, fHasColour ? kRed : "");
 }
 
 void cProgress::Warn(const std::string& pText) {
@@ -103,8 +125,8 @@ void cProgress::Draw() {
 void cProgress::Finish() {
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (fWay == eProgress::kNone) return;
-  if (fWay == eProgress::kJson) return SayEvent("summary", "");
-  if (fPictures == 1 && fFailed == 1) return;  // told already
+  if (fWay == eProgress::kJson) return Say(ToLine(MakeSummary()));
+  if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // told already
   Say(Summarise());
   constexpr std::size_t kMost = 20;
   for (std::size_t i = 0; i < std::min(kMost, fFailedInputs.size()); ++i)
@@ -123,22 +145,33 @@ void cProgress::Interrupt(eExisting pExisting) {
 }
 
 std::string cProgress::Summarise() const {
-  if (fPictures == 0) return "no pictures";
+  const std::string leftOut = fLeftOut != nullptr ? DescribeLeftOut(*fLeftOut) : "";
+  const std::string end = leftOut.empty() ? "" : "; left out: " + leftOut;
+  const std::string folders =
+      fFolders > 0 ? Format(", %zu folder%s not read", fFolders, fFolders > 1 ? "s" : "") : "";
+  if (fPictures == 0) return "no pictures" + folders + end;
   std::string text = Format("%zu of %zu pictures done", fDone, fPictures);
   if (fSkipped > 0) text += Format(", %zu skipped as they exist", fSkipped);
   if (fFailed > 0) text += Format(", %zu failed", fFailed);
   const std::size_t ended = fDone + fSkipped + fFailed;
   if (ended < fPictures) text += Format(", %zu not begun or not ended", fPictures - ended);
-  return text + Format(" in %.1f s (%.2f a second)", GetSeconds(), GetRate());
+  return text + folders + Format(" in %.1f s (%.2f a second)", GetSeconds(), GetRate()) + end;
 }
 
-void cProgress::Say(const std::string& pLine, const char* pColour) const {
-  Cli::Say(pLine, fHasColour ? pColour : "");
+tPictureRecord cProgress::MakeSummary() const {
+  tPictureRecord summary = MakeEvent("summary");
+  if (fLeftOut == nullptr) return summary;
+  summary["unreadable_folders"] = fFolders;
+  summary["left_out"] = {{"unknown", fLeftOut->fUnknown},
+                         {"hidden", fLeftOut->fHidden},
+                         {"links", fLeftOut->fLinks},
+                         {"special", fLeftOut->fSpecial}};
+  return summary;
 }
 
-void cProgress::SayEvent(const char* pEvent, const std::string& pInput) const {
+tPictureRecord cProgress::MakeEvent(const char* pEvent, const std::string& pInput) const {
   tPictureRecord event = {{"event", pEvent}};
-  if (!pInput.empty()) event["input"] = pInput;
+  if (!pInput.empty()) PutName(event, "input", pInput);
   event["pictures"] = fPictures;
   event["done"] = fDone;
   event["skipped"] = fSkipped;
@@ -146,7 +179,7 @@ void cProgress::SayEvent(const char* pEvent, const std::string& pInput) const {
   event["seconds"] = GetSeconds();
   event["rate"] = GetRate();
   event["seconds_left"] = GetSecondsLeft();
-  std::fprintf(stderr, "%s\n", ToLine(event).c_str());
+  return event;
 }
 
 double cProgress::GetSeconds() const {

@@ -14,23 +14,26 @@ namespace Cli {
 /// for. A bar is one line that is drawn anew.
 class cProgress {
  public:
-  /// pWay: not kAuto, see ChooseProgress.
-  cProgress(eProgress pWay, std::size_t pPictures);
+  /// pWay: not kAuto, see ChooseProgress. pLeftOut: null where no folders were searched.
+  cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut);
 
+  void NoteFolder(const sUnreadableFolder& pFolder);  ///< One that could not be read.
   void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord);
   void Warn(const std::string& pText);  ///< Of the run, not of a picture.
   void Draw();                          ///< The bar, with the time that is left by now.
   void Finish();                        ///< The summary.
   void Interrupt(eExisting pExisting);  ///< The summary of what was done, and how to go on.
 
-  bool HasFailed() const { return fFailed > 0; }
+  tPictureRecord MakeSummary() const;  ///< For other programs.
+
+  bool HasFailed() const { return fFailed + fFolders > 0; }
   bool HasBar() const { return fWay == eProgress::kBar; }
 
  private:
   void Count(const sTonemapJob& pJob, const std::string& pStatus);
   void TellPlainly(const sTonemapJob& pJob, const std::string& pStatus) const;
-  void Say(const std::string& pLine, const char* pColour = "") const;
-  void SayEvent(const char* pEvent, const std::string& pInput) const;
+  void Fail(const std::string& pMessage) const;
+  tPictureRecord MakeEvent(const char* pEvent, const std::string& pInput = "") const;
   std::string Summarise() const;
   double GetSeconds() const;
   double GetRate() const;
@@ -42,11 +45,16 @@ class cProgress {
   std::size_t fDone = 0;
   std::size_t fSkipped = 0;
   std::size_t fFailed = 0;
+  std::size_t fFolders = 0;  ///< That could not be read.
+  const sLeftOut* fLeftOut;
   std::vector<std::string> fFailedInputs;
   std::chrono::steady_clock::time_point fStart = std::chrono::steady_clock::now();
 };
 
-/// What kAuto stands for: nothing for one picture, a bar on a terminal, else lines.
-eProgress ChooseProgress(eProgress pAsked, std::size_t pPictures);
+/// What kAuto stands for: nothing for one picture that was named, a bar on a terminal, else lines.
+eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed);
+
+/// "unknown format (2), hidden (1)"; "" for nothing.
+std::string DescribeLeftOut(const sLeftOut& pLeftOut);
 
 }  // namespace Cli

@@ -73,12 +73,13 @@ class BatchTool : public cToolTest {
     for (const std::string& file : List(pFolder)) contents[file] = ReadText(pFolder + "/" + file);
     return contents;
   }
-  /// The objects of a run with --json, by their input.
+  /// The objects of a run with --json, by their input; the summary by "".
   static std::map<std::string, json> Parse(const std::string& pLines) {
     std::map<std::string, json> records;
     std::istringstream lines(pLines);
     for (std::string line; std::getline(lines, line);) {
-      const json record = json::parse(line);
+      json record = json::parse(line);
+      if (record.contains("event")) record["input"] = "";
       EXPECT_TRUE(records.emplace(record["input"], record).second) << "told twice: " << line;
     }
     return records;
@@ -121,7 +122,8 @@ TEST_F(BatchTool, GoesOnPastBrokenPicturesAndTellsOfEach) {
   EXPECT_EQ(List("in/out/deep"),
             (std::set<std::string>{"100_tm.png", "101_tm.png", "102_tm.png", "sub/nan_tm.png"}));
   std::map<std::string, json> records = Parse(run.fOutput);
-  ASSERT_EQ(records.size(), 6u);
+  ASSERT_EQ(records.size(), 7u);
+  EXPECT_EQ(records[""]["left_out"], json::parse(R"({"unknown": 1, "hidden": 1, "links": 0, "special": 0})"));
   EXPECT_EQ(records["nowhere.hdr"]["error"]["code"], 3);
   EXPECT_EQ(records["in/broken.exr"]["status"], "failed");
   const json& done = records["in/102.pfm"];
@@ -136,7 +138,7 @@ TEST_F(BatchTool, GoesOnPastBrokenPicturesAndTellsOfEach) {
   EXPECT_GT(done["peak_memory"].get<double>(), 1e6);
   EXPECT_EQ(records["in/sub/nan.exr"]["warnings"].size(), 1u);
   // a second run finds the results below its folder, and a picture alone gives the same bytes
-  EXPECT_EQ(Parse(Run(arguments + "--skip-existing").fOutput).size(), 6u);
+  EXPECT_EQ(Parse(Run(arguments + "--skip-existing").fOutput).size(), 7u);
   Run("tonemap in/102.pfm -o alone.png --depth 16 --strength 33.3 --wrap horizontal");
   EXPECT_EQ(ReadText("alone.png"), ReadText("in/out/deep/102_tm.png"));
 }
@@ -211,6 +213,97 @@ TEST_F(BatchTool, SharesAListOutAmongSeveralRuns) {
   EXPECT_EQ(Contents("some"), Contents("all"));
   EXPECT_EQ(List("all").count("0005-104.pfm.png"), 1u);
   EXPECT_EQ(Run("tonemap -r in --out-dir some --shard 9/9").fExitCode, 0);
+}
+
+TEST_F(BatchTool, TakesPicturesInFoldersByTheirContent) {
+  MakePictures(1, 48);
+  ToVips8(MakeScene()).jpegsave("in/photo.dat");
+  ToVips16(MakeScene()).tiffsave("in/raw.NEF");   // raw files begin like that
+  fs::copy("in/100.pfm", "in/100.pfm_original");  // a copy does not compete with its picture
+  std::ofstream("in/letter") << "PF, dear reader";
+  std::ofstream("in/film") << std::string(
+      "\0\0\0\x20"
+      "ftypisom\0\0\0\0",
+      16);
+  ASSERT_EQ(mkfifo("in/pipe", 0600) + mkfifo("in/pipe.png", 0600), 0);  // nobody will ever write to them
+  fs::create_directory_symlink("..", "in/loop");
+  fs::create_symlink("missing", "in/broken.png");
+  fs::create_symlink("100.pfm", "in/link.pfm");
+  // a folder that nobody can list, whoever runs this: its path is too long
+  const int start = open(".", O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(chdir("in"), 0);
+  const std::string part(250, 'd');
+  for (int i = 0; i < 17; ++i) ASSERT_EQ(mkdir(part.c_str(), 0700) + chdir(part.c_str()), 0);
+  ASSERT_EQ(fchdir(start) + close(start), 0);
+  const sRun run = Run("tonemap -r in --out-dir out --json");
+  EXPECT_EQ(run.fExitCode, 1) << run.fErrors;
+  EXPECT_EQ(List("out"), (std::set<std::string>{"100_tm.png", "link_tm.png", "photo_tm.png"}));
+  const std::string words = "3 of 3 pictures done, 1 folder not read in ";
+  EXPECT_NE(run.fErrors.find(words), std::string::npos) << run.fErrors;
+  EXPECT_NE(run.fErrors.find("; left out: unknown format (4), linked folders and broken links (2), pipes, "
+                             "sockets and devices (2)\n"),
+            std::string::npos)
+      << run.fErrors;
+  std::map<std::string, json> records = Parse(run.fOutput);
+  EXPECT_EQ(records.size(), 5u);
+  const auto folder = std::find_if(records.begin(), records.end(),
+                                   [](const auto& pRecord) { return pRecord.first.starts_with("in/d"); });
+  ASSERT_NE(folder, records.end());
+  EXPECT_EQ(folder->second["error"]["code"], 3);
+  EXPECT_NE(run.fErrors.find("quorvane: " + folder->first + ": File name too long"), std::string::npos);
+  EXPECT_EQ(records[""]["left_out"], json::parse(R"({"unknown": 4, "hidden": 0, "links": 2, "special": 2})"));
+  EXPECT_EQ(Run("tonemap -r in --out-dir new --fail-fast").fExitCode, 1);
+  EXPECT_FALSE(fs::exists("new"));
+  fs::remove_all("in/" + part);
+  EXPECT_EQ(Run("tonemap -r in --out-dir out --skip-existing").fExitCode, 0);
+}
+
+TEST_F(BatchTool, TakesListsOfEveryKindOrNothing) {
+  const auto plan = [](const std::string& pArguments, const std::string& pList) {
+    std::ofstream("list", std::ios::binary) << pList;
+    return Run("tonemap --out-dir out --dry-run " + pArguments);
+  };
+  for (const char* name : {"a b.pfm", "a\nb.pfm", "c.pfm\r"}) WritePfm(name, MakeScene());
+  EXPECT_EQ(plan("--files-from list",
+                 "\xef\xbb\xbf"
+                 "a b.pfm\r\n\r\nd.pfm")
+                .fOutput,
+            "a b.pfm -> out/a b_tm.png\nd.pfm -> out/d_tm.png (refused: d.pfm: No such file or directory)\n");
+  const std::string nul("a b.pfm\0a\nb.pfm\0c.pfm\r\0", 23);
+  EXPECT_EQ(plan("-0 --files-from - <list", nul).fOutput,
+            "a\nb.pfm -> out/a\nb_tm.png\na b.pfm -> out/a b_tm.png\nc.pfm\r -> out/c_tm.png\n");
+  const struct {
+    const char* fArguments;
+    int fExitCode;
+    const char* fText;
+  } refused[] = {
+      {"--files-from list", 2, "list: holds NUL bytes, and names in it end with their lines; -0 takes"},
+      {"--files-from - <list", 2, "standard input: holds NUL bytes"},
+      {"--files-from /dev/zero", 2, "/dev/zero: holds NUL bytes"},
+      {"--files-from /proc/self/mem", 3, "/proc/self/mem: Input/output error"},
+      {"--files-from - <.", 3, "standard input: Is a directory"},
+      {"--files-from .", 3, ".: Is a directory"},
+      {"--files-from none", 3, "none: No such file or directory"},
+      {"-0 'a b.pfm'", 2, "--null requires --files-from"},
+  };
+  for (const auto& row : refused) {
+    const sRun run = plan(row.fArguments, nul);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments << run.fErrors;
+    EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + row.fText, 0), 0u) << run.fErrors;
+    EXPECT_EQ(run.fOutput, "");
+  }
+}
+
+TEST_F(BatchTool, EndsEarlyWhenItsReportIsLost) {
+  MakePictures(6, 32);
+  EXPECT_EQ(
+      std::system("'" QUORVANE_TOOL "' tonemap -r in --out-dir out -j 1 --json >/dev/full 2>errors.txt") /
+          256,
+      4);
+  const std::string errors = ReadText("errors.txt");
+  EXPECT_NE(errors.find("1 of 6 pictures done, 5 not begun"), std::string::npos) << errors;
+  EXPECT_NE(errors.find("quorvane: standard output: No space left on device\n"), std::string::npos) << errors;
+  EXPECT_EQ(List("out"), std::set<std::string>{"100_tm.png"});
 }
 
 TEST_F(BatchTool, ReadsAndWritesStandardStreams) {
