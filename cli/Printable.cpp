@@ -57,6 +57,7 @@ std::string ToPrintable(const std::string& pText) {
 
 std::vector<std::string> ToPrintable(const std::vector<std::string>& pTexts) {
   std::vector<std::string> texts;
+  texts.reserve(pTexts.size());
   for (const std::string& text : pTexts) texts.push_back(ToPrintable(text));
   return texts;
 }

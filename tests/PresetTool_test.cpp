@@ -24,6 +24,9 @@ class PresetTool : public cToolTest {
   }
   static std::string UserFile(const std::string& pName) { return "config/quorvane/presets/" + pName; }
 
+  static std::string Nest(std::size_t pLevels) {
+    return std::string(pLevels, '[') + std::string(pLevels, ']');
+  }
   /// Makes the strength that a result remembers an array of arrays.
   static void NestStoredSettings(const std::string& pFile) {
     VImage image = VImage::new_from_file(pFile.c_str()).copy_memory();
@@ -32,7 +35,7 @@ class PresetTool : public cToolTest {
     std::string packet(static_cast<const char*>(data), size);
     const std::size_t at = packet.find("strength&quot;: ");
     ASSERT_NE(at, std::string::npos) << packet;
-    packet.insert(packet.find(' ', at) + 1, std::string(80000, '['));
+    packet.replace(packet.find(' ', at) + 1, 2, Nest(80000));
     image.set(VIPS_META_XMP_NAME, nullptr, packet.data(), packet.size());
     image.pngsave(pFile.c_str());
   }
@@ -82,7 +85,7 @@ TEST_F(PresetTool, ShipsPresetsThatLookDifferent) {
   }
   WriteText(UserFile("night.json"), Preset(R"("strength": 1)"));
   WriteText(UserFile("broken.json"), "{");
-  WriteText(UserFile("deep.json"), std::string(80000, '['));
+  WriteText(UserFile("deep.json"), Preset(R"("strength": )" + Nest(80000)));
   const sRun list = Run("tonemap --list-presets");
   EXPECT_EQ(list.fExitCode, 0) << list.fErrors;
   for (const std::string& name : names) EXPECT_NE(list.fOutput.find("\n" + name), std::string::npos) << name;
@@ -126,8 +129,8 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
       {Preset(R"("wrap": "vertical")"), "\"wrap\": \"vertical\" is not none, horizontal or auto"},
       {Preset(R"("wrap": 1)"), "\"wrap\": 1 is not none, horizontal or auto"},
       {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" stands there twice"},
-      {std::string(80000, '['), "cannot be used: it is nested deeper than 64 levels"},
-      {Preset(R"("strength": )" + std::string(61, '[') + std::string(61, ']')),
+      {Preset(R"("strength": )" + Nest(80000)), "cannot be used: it is nested deeper than 64 levels"},
+      {Preset(R"("strength": )" + Nest(61)),
        "\"strength\": the given value is not a number"},  // as deep as is read
       {std::string(2 << 20, ' '), "is no preset: it is too large for one"},
   };
