@@ -163,6 +163,28 @@ void MakeJxl(const std::string& pFolder) {
   Cli::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
 }
 
+void MakeSettings(const std::string& pFolder) {
+  const std::string start = R"({"quorvane-preset": 1, "name": "x", "settings": {"strength": )";
+  for (const int levels : {3, 60, 100, 20000}) {  // some are read, some are refused
+    const auto count = static_cast<std::size_t>(levels);
+    std::ofstream(pFolder + "arrays" + std::to_string(levels))
+        << start + std::string(count, '[') + "1" + std::string(count, ']') + "}}";
+  }
+  std::string objects;
+  for (int i = 0; i < 5000; ++i) objects += R"({"a":)";
+  std::ofstream(pFolder + "objects") << objects;
+}
+
+void MakeNameList(const std::string& pFolder) {
+  const std::string lines = "a b.hdr\r\nsub/\xc3\xa9.exr\n\n-\r\r\nlast";
+  std::ofstream(pFolder + "lines", std::ios::binary) << "0" + lines;
+  std::ofstream(pFolder + "marked", std::ios::binary) << "0\xef\xbb\xbf" + lines;
+  std::string names = lines;
+  std::replace(names.begin(), names.end(), '\n', '\0');
+  std::ofstream(pFolder + "nul", std::ios::binary) << "1" + names;
+  std::ofstream(pFolder + "mixed", std::ios::binary) << "0" + names + "\n";
+}
+
 void MakeNoise(const std::string& pFolder) {
   std::mt19937 random(1);
   for (const int size : {20, 50, 100, 200, 500, 1000}) {
@@ -185,6 +207,8 @@ void MakeAll(const std::string& pFolder) {
   make("ReadJpeg", MakeJpeg);
   make("ReadTiff", MakeTiff);
   make("JxlContainer", MakeJxl);
+  make("ReadSettings", MakeSettings);
+  make("NameList", MakeNameList);
 }
 
 }  // namespace
