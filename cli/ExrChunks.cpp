@@ -6,6 +6,7 @@
 #include <OpenEXR/ImfTileDescription.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "cli/Failure.h"
 
@@ -33,13 +34,20 @@ int CountLines(Imf::Compression pCompression) {
   }
 }
 
-/// Of a pixel as it is stored without compression. Subsampled channels, which nobody reads here, do not
-/// count.
-double CountBytes(const Imf::ChannelList& pChannels) {
+/// How many of the coordinates from pFirst to pLast are multiples of pStep.
+double CountMultiples(int pFirst, int pLast, int pStep) {
+  const auto floor = [pStep](std::int64_t pV) { return pV >= 0 ? pV / pStep : -((pStep - 1 - pV) / pStep); };
+  return static_cast<double>(floor(pLast) - floor(std::int64_t{pFirst} - 1));
+}
+
+/// Of an area as it is stored without compression.
+double CountBytes(const Imf::ChannelList& pChannels, const Imath::Box2i& pArea) {
   double bytes = 0.0;
   for (auto channel = pChannels.begin(); channel != pChannels.end(); ++channel) {
     const Imf::Channel& stored = channel.channel();
-    if (stored.xSampling == 1 && stored.ySampling == 1) bytes += stored.type == Imf::HALF ? 2.0 : 4.0;
+    bytes += (stored.type == Imf::HALF ? 2.0 : 4.0) *
+             CountMultiples(pArea.min.x, pArea.max.x, stored.xSampling) *
+             CountMultiples(pArea.min.y, pArea.max.y, stored.ySampling);
   }
   return bytes;
 }
@@ -50,14 +58,13 @@ class cChunkCheck {
       : fName(pFile),
         fFrom(pFrom),
         fWindow(pFrom.header().dataWindow()),
-        fExtent(fWindow.size() + Imath::V2i(1)),
-        fPixelBytes(CountBytes(pFrom.header().channels())) {}
+        fExtent(fWindow.size() + Imath::V2i(1)) {}
 
   void CheckLines() {
     const int lines = CountChunkLines(fFrom.header());
     for (int y = 0; y < fExtent.y; y += lines) {
       fFrom.rawPixelData(fWindow.min.y + y, fData, fSize);
-      Check(fExtent.x, std::min(lines, fExtent.y - y));
+      Check(0, y, fExtent.x, std::min(lines, fExtent.y - y));
     }
   }
 
@@ -69,16 +76,18 @@ class cChunkCheck {
       for (int x = 0; x < fExtent.x; x += width) {
         int place[] = {x / width, y / height, 0, 0};
         fFrom.rawTileData(place[0], place[1], place[2], place[3], fData, fSize);
-        Check(std::min(width, fExtent.x - x), std::min(height, fExtent.y - y));
+        Check(x, y, std::min(width, fExtent.x - x), std::min(height, fExtent.y - y));
       }
     }
   }
 
  private:
-  /// What is compressed is known to need some byte.
-  void Check(int pWidth, int pHeight) const {
+  /// A chunk from the pixel at pX, pY of the window on. What is compressed is known to need some byte.
+  void Check(int pX, int pY, int pWidth, int pHeight) const {
     const bool isPlain = fFrom.header().compression() == Imf::NO_COMPRESSION;
-    if (fSize >= (isPlain ? fPixelBytes * pWidth * pHeight : 1.0)) return;
+    const Imath::V2i corner = fWindow.min + Imath::V2i(pX, pY);
+    const Imath::Box2i area(corner, corner + Imath::V2i(pWidth - 1, pHeight - 1));
+    if (fSize >= (isPlain ? CountBytes(fFrom.header().channels(), area) : 1.0)) return;
     throw cFailure(eExitCode_CannotRead, fName, "cut short: it holds fewer pixels than its header promises");
   }
 
@@ -86,7 +95,6 @@ class cChunkCheck {
   Imf::InputPart& fFrom;
   Imath::Box2i fWindow;
   Imath::V2i fExtent;
-  double fPixelBytes;
   const char* fData = nullptr;
   int fSize = 0;  ///< Of the chunk that was read last, in the file.
 };

@@ -2,13 +2,12 @@
 
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfChromaticitiesAttribute.h>
-#include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfInputPart.h>
 #include <OpenEXR/ImfMultiPartInputFile.h>
-#include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -16,64 +15,15 @@
 
 #include "cli/Alpha.h"
 #include "cli/ExrChunks.h"
+#include "cli/ExrLines.h"
 #include "cli/ExrMetadata.h"
+#include "cli/ExrParts.h"
 #include "cli/Failure.h"
 #include "cli/LightRows.h"
+#include "cli/Printf.h"
 
 namespace Cli {
 namespace {
-
-bool HasColours(const Imf::ChannelList& pChannels) {
-  const auto has = [&](const char* pName) { return pChannels.findChannel(pName) != nullptr; };
-  return (has("R") && has("G") && has("B")) || (has("Y") && !has("RY") && !has("BY"));
-}
-
-bool IsFlat(const Imf::Header& pHeader) {
-  return !pHeader.hasType() || Imf::isImage(pHeader.type());
-}
-
-/// What the parts hold instead of a picture, and what to do about it.
-std::string TellWhatIsMissing(const Imf::MultiPartInputFile& pFile) {
-  std::string list;
-  for (int part = 0; part < pFile.parts(); ++part) {
-    if (!IsFlat(pFile.header(part))) return "its samples are deep (several a pixel); flatten it first";
-    const Imf::ChannelList& channels = pFile.header(part).channels();
-    if (channels.findChannel("RY") != nullptr || channels.findChannel("BY") != nullptr) {
-      return "its colours are stored as luminance and chroma (Y, RY, BY); convert it to R, G, B";
-    }
-    for (auto channel = channels.begin(); channel != channels.end(); ++channel) {
-      list += (list.empty() ? "" : ", ") + std::string(channel.name());
-    }
-  }
-  return "it has neither the channels R, G, B nor a channel Y (it has: " + (list.empty() ? "none" : list) +
-         ")";
-}
-
-/// The first part that is a picture with colours.
-int ChoosePart(const std::string& pFile, const Imf::MultiPartInputFile& pFrom) {
-  for (int part = 0; part < pFrom.parts(); ++part) {
-    if (IsFlat(pFrom.header(part)) && HasColours(pFrom.header(part).channels())) return part;
-  }
-  throw cFailure(eExitCode_CannotRead, pFile, TellWhatIsMissing(pFrom));
-}
-
-bool IsWhole(const Imf::Channel& pChannel) {
-  return pChannel.xSampling == 1 && pChannel.ySampling == 1;
-}
-
-/// The channels that make the picture: R, G, B, or Y alone.
-std::vector<std::string> ChooseChannels(const std::string& pFile, const Imf::ChannelList& pChannels) {
-  std::vector<std::string> chosen = {"R", "G", "B"};
-  if (std::any_of(chosen.begin(), chosen.end(),
-                  [&](const auto& pName) { return pChannels.findChannel(pName) == nullptr; })) {
-    chosen = {"Y"};
-  }
-  for (const std::string& name : chosen) {
-    if (IsWhole(pChannels[name])) continue;
-    throw cFailure(eExitCode_CannotRead, pFile, "its channel " + name + " is subsampled; convert it first");
-  }
-  return chosen;
-}
 
 std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
   if (!Imf::hasChromaticities(pHeader)) return std::nullopt;
@@ -90,117 +40,194 @@ auto NameRefusals(const std::string& pFile, const tDo& pDo) {
   });
 }
 
-/// A part that has been opened, and the file that it belongs to.
+/// A source that has been opened, and the file that it belongs to.
 struct sOpenPart {
   Imf::MultiPartInputFile fFile;
+  sExrSource fSource;
   Imf::InputPart fPart;
 
-  explicit sOpenPart(const std::string& pFile)
-      : fFile(pFile.c_str()), fPart(fFile, ChoosePart(pFile, fFile)) {}
+  sOpenPart(const std::string& pFile, const sPictureChoice& pChoice)
+      : fFile(pFile.c_str()), fSource(ChooseExrSource(pFile, fFile, pChoice)), fPart(fFile, fSource.fPart) {}
   const Imf::Header& GetHeader() const { return fPart.header(); }
 };
 
-bool HasAlphaChannel(const Imf::ChannelList& pChannels) {
-  const Imf::Channel* const alpha = pChannels.findChannel("A");
-  return alpha != nullptr && IsWhole(*alpha);
+/// A window, without the overflows of its ends.
+struct sWindow {
+  std::int64_t fX;
+  std::int64_t fY;
+  std::int64_t fWidth;
+  std::int64_t fHeight;
+
+  explicit sWindow(const Imath::Box2i& pBox)
+      : fX(pBox.min.x),
+        fY(pBox.min.y),
+        fWidth(std::int64_t{pBox.max.x} - pBox.min.x + 1),
+        fHeight(std::int64_t{pBox.max.y} - pBox.min.y + 1) {}
+  bool operator==(const sWindow&) const = default;
+
+  double CountPixels() const { return static_cast<double>(fWidth) * static_cast<double>(fHeight); }
+  bool Meets(const sWindow& pOther) const {
+    return fX < pOther.fX + pOther.fWidth && pOther.fX < fX + fWidth && fY < pOther.fY + pOther.fHeight &&
+           pOther.fY < fY + fHeight;
+  }
+  bool Covers(const sWindow& pOther) const {
+    return fX <= pOther.fX && fY <= pOther.fY && fX + fWidth >= pOther.fX + pOther.fWidth &&
+           fY + fHeight >= pOther.fY + pOther.fHeight;
+  }
+};
+
+std::string SizeOf(const sWindow& pWindow) {
+  return Printf("%lld x %lld", static_cast<long long>(pWindow.fWidth),
+                static_cast<long long>(pWindow.fHeight));
 }
 
-/// The rows of a part, which are read a few at a time.
+/// What of the two windows is the picture.
+sWindow ChooseWindow(const Imf::Header& pHeader, std::vector<std::string>& pWarnings) {
+  constexpr double kLarge = 1 << 25;  // pixels
+  constexpr double kMostTimesLarger = 64;
+  const sWindow data(pHeader.dataWindow());
+  const sWindow display(pHeader.displayWindow());
+  if (Imf::hasEnvmap(pHeader) || data == display) return data;
+  if (display.fWidth < 1 || display.fHeight < 1 || !data.Meets(display)) {
+    pWarnings.emplace_back("its pixels lie outside its display window; all of them are taken");
+    return data;
+  }
+  if (display.CountPixels() > kLarge && display.CountPixels() > kMostTimesLarger * data.CountPixels()) {
+    pWarnings.push_back("its display window of " + SizeOf(display) + " is far too large for its " +
+                        SizeOf(data) + " pixels; only these are taken");
+    return data;
+  }
+  if (!display.Covers(data)) {
+    pWarnings.push_back("cropped to its display window, " + SizeOf(display) + " of " + SizeOf(data) +
+                        " stored pixels");
+  } else {
+    pWarnings.push_back("its " + SizeOf(data) + " pixels fill a part of its display window, " +
+                        SizeOf(display) + "; the rest is transparent");
+  }
+  return display;
+}
+
+/// The rows of the picture, whose lines are read a few at a time.
 class cExrRows : public cPictureRows {
  public:
-  cExrRows(const std::string& pFile, std::unique_ptr<sOpenPart> pPart, std::vector<std::string> pChannels,
+  cExrRows(const std::string& pFile, std::unique_ptr<sOpenPart> pPart, const sWindow& pWindow, bool pHasAlpha,
            const sLight& pLight)
-      : cPictureRows(CountColumns(*pPart), CountRows(*pPart), HasAlphaChannel(pPart->GetHeader().channels())),
+      : cPictureRows(static_cast<int>(pWindow.fWidth), static_cast<int>(pWindow.fHeight), pHasAlpha),
         fFile(pFile),
         fPart(std::move(pPart)),
-        fChannels(std::move(pChannels)),
+        fReader(OpenExrLines(pFile, fPart->fPart, fPart->fSource)),
+        fData(fPart->GetHeader().dataWindow()),
+        fDown(pWindow.fY - fData.fY),
+        fRight(pWindow.fX - fData.fX),
+        fHasAlphaChannel(HasAlphaChannel(fPart->GetHeader(), fPart->fSource)),
         fLight(pLight),
         fLines(std::max(CountChunkLines(fPart->GetHeader()), 16)) {}
 
-  static int CountColumns(const sOpenPart& pPart) {
-    const Imath::Box2i& window = pPart.GetHeader().dataWindow();
-    return window.max.x - window.min.x + 1;
-  }
-  static int CountRows(const sOpenPart& pPart) {
-    const Imath::Box2i& window = pPart.GetHeader().dataWindow();
-    return window.max.y - window.min.y + 1;
-  }
-
   bool Read(int pY, float* pTo, std::uint16_t* pToAlpha) override {
-    const int line = pY % fLines;
-    if (line == 0) NameRefusals(fFile, [&] { ReadLines(pY, std::min(fLines, GetHeight() - pY)); });
-    std::copy_n(&fColours[3 * FirstOf(line)], 3 * GetWidth(), pTo);
-    if (fChannels.size() == 1) SpreadGrey(pTo, GetWidth());
-    if (pToAlpha != nullptr) TakeAlpha(&fAlpha[FirstOf(line)], pTo, pToAlpha);
+    const std::int64_t line = pY + fDown;
+    const std::int64_t first = std::clamp<std::int64_t>(-fRight, 0, GetWidth());
+    const std::int64_t end = std::clamp<std::int64_t>(fData.fWidth - fRight, first, GetWidth());
+    const bool isStored = line >= 0 && line < fData.fHeight;
+    if (!isStored || end - first < GetWidth()) {
+      std::fill_n(pTo, 3 * std::ptrdiff_t{GetWidth()}, 0.0f);
+      if (pToAlpha != nullptr) std::fill_n(pToAlpha, GetWidth(), std::uint16_t{0});
+    }
+    if (isStored) Copy(FindLine(static_cast<int>(line)), first, end, pTo, pToAlpha);
     return fLight.Take(pTo, GetWidth());
   }
 
-  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+  void Hold() override { fLight.Hold(); }
+  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
 
  private:
-  std::size_t FirstOf(int pLine) const {
-    return static_cast<std::size_t>(pLine) * static_cast<std::size_t>(GetWidth());
+  /// The place of a line in what has been read last.
+  std::size_t FindLine(int pLine) {
+    const int first = pLine - pLine % fLines;
+    if (first != fFirst) {
+      const int count = static_cast<int>(std::min<std::int64_t>(fLines, fData.fHeight - first));
+      NameRefusals(fFile, [&] { ReadLines(first, count); });
+      fFirst = first;
+    }
+    return static_cast<std::size_t>(pLine - first) * static_cast<std::size_t>(fData.fWidth);
   }
 
-  void ReadLines(int pY, int pCount) {
-    const Imath::V2i& corner = fPart->GetHeader().dataWindow().min;
-    const Imath::V2i origin(corner.x, corner.y + pY);
-    const std::size_t rowBytes = 3 * sizeof(float) * FirstOf(1);
-    fColours.resize(3 * FirstOf(pCount));
-    Imf::FrameBuffer frame;
-    float* sample = fColours.data();
-    for (const std::string& name : fChannels) {
-      frame.insert(name, Imf::Slice::Make(Imf::FLOAT, sample++, origin, GetWidth(), pCount, 3 * sizeof(float),
-                                          rowBytes));
-    }
-    if (HasAlpha()) {
-      fAlpha.resize(FirstOf(pCount));
-      frame.insert("A", Imf::Slice::Make(Imf::FLOAT, fAlpha.data(), origin, GetWidth(), pCount));
-    }
-    fPart->fPart.setFrameBuffer(frame);
-    fPart->fPart.readPixels(origin.y, origin.y + pCount - 1);
+  void ReadLines(int pFirst, int pCount) {
+    const std::size_t pixels = static_cast<std::size_t>(pCount) * static_cast<std::size_t>(fData.fWidth);
+    fColours.resize(3 * pixels);
+    if (HasAlpha() && fHasAlphaChannel) fAlpha.resize(pixels);
+    fReader->Read(static_cast<int>(fData.fY + pFirst), pCount, fColours.data(),
+                  fAlpha.empty() ? nullptr : fAlpha.data());
   }
 
-  /// Colours were multiplied by alpha.
-  void TakeAlpha(const float* pAlpha, float* pPixel, std::uint16_t* pTo) const {
-    for (int x = 0; x < GetWidth(); ++x, pPixel += 3) {
-      pTo[x] = AlphaOfFloat(pAlpha[x]);
-      if (!(pAlpha[x] > 0.0f && pAlpha[x] < 1.0f)) continue;
-      for (int i = 0; i < 3; ++i) pPixel[i] /= pAlpha[x];
+  /// To the columns from pX to pEnd.
+  void Copy(std::size_t pFrom, std::int64_t pX, std::int64_t pEnd, float* pTo,
+            std::uint16_t* pToAlpha) const {
+    const std::size_t from = pFrom + static_cast<std::size_t>(pX + fRight);
+    std::copy_n(&fColours[3 * from], 3 * (pEnd - pX), pTo + 3 * pX);
+    if (pToAlpha == nullptr) return;
+    for (std::int64_t x = pX; x < pEnd; ++x) {
+      pToAlpha[x] = fAlpha.empty() ? std::uint16_t{65535}
+                                   : AlphaOfFloat(fAlpha[from + static_cast<std::size_t>(x - pX)]);
     }
   }
 
   std::string fFile;
   std::unique_ptr<sOpenPart> fPart;
-  std::vector<std::string> fChannels;
+  std::unique_ptr<cExrLines> fReader;
+  sWindow fData;
+  std::int64_t fDown;   ///< The line of the first row, and the place in a line of the first column;
+  std::int64_t fRight;  ///< below 0 where the picture begins before its data.
+  bool fHasAlphaChannel;
   cLightRows fLight;
-  int fLines;                   ///< That are read together.
-  std::vector<float> fColours;  ///< Of the lines that were read last.
+  int fLines;       ///< That are read together.
+  int fFirst = -1;  ///< Of the lines that were read last.
+  std::vector<float> fColours;
   std::vector<float> fAlpha;
 };
 
-sPicture OpenChecked(const std::string& pFile) {
-  auto part = std::make_unique<sOpenPart>(pFile);
+void WarnOfShape(const Imf::Header& pHeader, std::vector<std::string>& pWarnings) {
+  const auto aspect = static_cast<double>(pHeader.pixelAspectRatio());
+  if (!(aspect > 0.0) || std::fabs(aspect - 1.0) < 1e-3) return;
+  pWarnings.push_back(
+      Printf("its pixels are %.4g times as wide as high; they are kept as they are, so that the "
+             "result looks %s where pixels are square",
+             aspect, aspect > 1.0 ? "too narrow" : "too wide"));
+}
+
+/// The size in memory is that of the larger one of picture and data.
+void CheckWindows(const std::string& pFile, const sWindow& pPicture, const sWindow& pData) {
+  const sWindow& larger = pPicture.CountPixels() > pData.CountPixels() ? pPicture : pData;
+  CheckSize(pFile, larger.fWidth, larger.fHeight);
+}
+
+sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
+  auto part = std::make_unique<sOpenPart>(pFile, pChoice);
   const Imf::Header& header = part->GetHeader();
-  std::vector<std::string> channels = ChooseChannels(pFile, header.channels());
-  const Imath::Box2i& window = header.dataWindow();
-  CheckSize(pFile, std::int64_t{window.max.x} - window.min.x + 1,
-            std::int64_t{window.max.y} - window.min.y + 1);
-  CheckExrChunks(pFile, part->fPart);
   sPicture picture;
+  picture.fParts = ListExrParts(part->fFile);
+  const std::string leftOut = DescribeLeftOut(picture.fParts, part->fSource);
+  if (!leftOut.empty()) picture.fWarnings.push_back(leftOut);
+  const sWindow data(header.dataWindow());
+  const sWindow window = ChooseWindow(header, picture.fWarnings);
+  WarnOfShape(header, picture.fWarnings);
+  CheckWindows(pFile, window, data);
+  CheckExrChunks(pFile, part->fPart);
+  const bool isRgb = part->fSource.fColours == eExrColours::kRgb;
   picture.fFormat = "OpenEXR";
-  picture.fFileDepth = header.channels()[channels.front()].type == Imf::HALF ? 16 : 32;
+  picture.fFileDepth = header.channels()[part->fSource.NameOf(isRgb ? "R" : "Y")].type == Imf::HALF ? 16 : 32;
   picture.fIsPanorama = Imf::hasEnvmap(header) && Imf::envmap(header) == Imf::ENVMAP_LATLONG;
   picture.fMetadata = ReadExrMetadata(header);
   const sLight light = LightOf(StatedPrimaries(header), picture.fWarnings);
-  picture.fRows = std::make_unique<cExrRows>(pFile, std::move(part), std::move(channels), light);
+  const bool hasAlpha = HasAlphaChannel(header, part->fSource) || !data.Covers(window);
+  picture.fIsPremultiplied = hasAlpha && !pChoice.fIgnoresAlpha;
+  picture.fRows = std::make_unique<cExrRows>(pFile, std::move(part), window, picture.fIsPremultiplied, light);
   return picture;
 }
 
 }  // namespace
 
-sPicture OpenExr(const std::string& pFile) {
-  return NameRefusals(pFile, [&] { return OpenChecked(pFile); });
+sPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice) {
+  return NameRefusals(pFile, [&] { return OpenChecked(pFile, pChoice); });
 }
 
 }  // namespace Cli

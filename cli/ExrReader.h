@@ -3,14 +3,18 @@
 #include <string>
 
 #include "cli/Picture.h"
+#include "cli/PictureChoice.h"
 
 namespace Cli {
 
-/// Opens an OpenEXR picture, whose rows are read in full float: of several parts the first one with colours,
-/// which are R, G, B or a single Y, stored in lines or tiles (the level of full size), the whole data window.
-/// Primaries come from the chromaticities attribute. Alpha (A) is kept, and what it was multiplied into is
-/// undone for 0 < A < 1; where A is 0, colours stay as they are. Other channels (depth) are left out. Throws
-/// cFailure.
-sPicture OpenExr(const std::string& pFile);
+/// Opens an OpenEXR picture, whose rows are read in full float: the part and layer of pChoice, with the
+/// channels R, G, B, a single Y, or Y with RY and BY, stored in lines or tiles (the level of full size).
+/// Primaries come from the chromaticities attribute. Alpha (A) is kept; colours are premultiplied.
+///
+/// The picture is the display window: what is stored beyond it is cut off, what is missing in it is black and
+/// transparent. Environment maps are their whole data window, as is a picture whose display window is
+/// elsewhere, or far too large for it (which leaves a warning). Further parts and layers, and pixels that are
+/// not square, leave a warning. Throws cFailure.
+sPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice = {});
 
 }  // namespace Cli

@@ -15,6 +15,7 @@
 #include "cli/Inspection.h"
 #include "cli/Json.h"
 #include "cli/MemoryBudget.h"
+#include "cli/Options.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/Printable.h"
@@ -29,6 +30,7 @@ namespace {
 
 struct sInspectOptions {
   std::vector<std::string> fFiles;
+  sPictureChoice fSource;
   sSettingsChange fGiven;  ///< Sliders of the plot;
   bool fAuto = false;      ///< the others are the suggested ones.
   std::string fPlot;
@@ -62,7 +64,7 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   // measured: the picture and its decoder; the engine renders it for a plot
   SetSingleMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
   const cInputFile input(pFile);
-  sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath()); });
+  sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath(), pOptions.fSource); });
   inspection.fFile = GetSpokenName(pFile);
   PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
   if (pOptions.fJson) {
@@ -118,6 +120,7 @@ void AddInspectCommand(CLI::App& pProgram) {
                    "The photographs, of any format that tonemap reads; - for standard input")
       ->required()
       ->option_text(" ");
+  AddChoiceOptions(*verb, options->fSource);
   verb->add_flag("--json", options->fJson, "One JSON object a photograph, a line each");
   verb->add_option("--plot", options->fPlot,
                    "Draws the distribution of luminance, the curves of base and detail layer and the\n"

@@ -4,8 +4,10 @@
 
 #include <cmath>
 
+#include "cli/Alpha.h"
 #include "cli/AutoSettings.h"
 #include "cli/Console.h"
+#include "cli/Panorama.h"
 #include "cli/PictureReader.h"
 #include "cli/Printable.h"
 #include "cli/Printf.h"
@@ -38,9 +40,10 @@ std::string DescribeRange(double pDecades) {
 }
 
 std::string DescribeRepairs(const sRepairs& pRepairs) {
-  if (pRepairs.fNaN + pRepairs.fInfinite + pRepairs.fNegative == 0) return "none";
-  return Printf("%lld not a number, %lld infinite, %lld negative", static_cast<long long>(pRepairs.fNaN),
-                static_cast<long long>(pRepairs.fInfinite), static_cast<long long>(pRepairs.fNegative));
+  if (pRepairs.fNaN + pRepairs.fInfinite + pRepairs.fOutliers + pRepairs.fNegative == 0) return "none";
+  return Printf("%lld not a number, %lld infinite, %lld outliers, %lld negative",
+                static_cast<long long>(pRepairs.fNaN), static_cast<long long>(pRepairs.fInfinite),
+                static_cast<long long>(pRepairs.fOutliers), static_cast<long long>(pRepairs.fNegative));
 }
 
 void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
@@ -54,6 +57,36 @@ void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
   if (pStatistics.fDark > 0) AddLine(pTo, "Without light", std::to_string(pStatistics.fDark) + " pixels");
 }
 
+const char* NameWrapReason(const sInspection& pInspection) {
+  if (!pInspection.fWraps) return "none";
+  return pInspection.fPicture.fIsPanorama ? "metadata" : "edges";
+}
+
+std::string DescribeWrap(const sInspection& pInspection) {
+  if (!pInspection.fWraps) return "do not meet";
+  return pInspection.fPicture.fIsPanorama ? "meet, as the metadata say; tonemap wraps around"
+                                          : "look as if they met; tonemap wraps around";
+}
+
+/// "0 (depth): Z"; nothing for files of one part and layer.
+void AddParts(std::string& pTo, const sPicture& pPicture) {
+  const std::vector<sPicturePart>& parts = pPicture.fParts;
+  if (parts.size() < 2 && (parts.empty() || parts.front().fLayers.size() < 2)) return;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    std::string text = std::to_string(i) + (parts[i].fName.empty() ? "" : " (" + parts[i].fName + ")") + ":";
+    for (const std::string& channel : parts[i].fChannels) text += " " + channel;
+    AddLine(pTo, i == 0 ? "Parts" : "", text);
+  }
+}
+
+nlohmann::ordered_json PartsToJson(const std::vector<sPicturePart>& pParts) {
+  auto json = nlohmann::ordered_json::array();
+  for (const sPicturePart& part : pParts) {
+    json.push_back({{"name", part.fName}, {"channels", part.fChannels}, {"layers", part.fLayers}});
+  }
+  return json;
+}
+
 void AddMetadata(std::string& pTo, const sInspection& pInspection) {
   const sMetadataSummary& metadata = pInspection.fMetadata;
   AddLine(pTo, "Camera", metadata.fCamera);
@@ -65,6 +98,7 @@ void AddMetadata(std::string& pTo, const sInspection& pInspection) {
   AddLine(pTo, "Copyright", metadata.fCopyright);
   AddLine(pTo, "GPS position", metadata.fPosition.empty() ? "no" : metadata.fPosition);
   AddLine(pTo, "Panorama", pInspection.fPicture.fIsPanorama ? "yes" : "not stated");
+  AddLine(pTo, "Edges", DescribeWrap(pInspection));
 }
 
 nlohmann::ordered_json LightToJson(const sPictureStatistics& pStatistics) {
@@ -100,14 +134,16 @@ nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {
 
 }  // namespace
 
-sInspection InspectPicture(const std::string& pFile) {
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice) {
   sInspection inspection;
   inspection.fFile = pFile;
-  inspection.fPicture = ReadPicture(pFile);
+  inspection.fPicture = ReadPicture(pFile, pChoice);
   const std::vector<std::string>& warnings = inspection.fPicture.fMetadata.GetWarnings();
   inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(), warnings.end());
   inspection.fStatistics = MeasurePicture(inspection.fPicture);
   inspection.fMetadata = SummariseMetadata(inspection.fPicture.fMetadata);
+  SettleAlpha(inspection.fPicture);  // what is measured above is what the file holds
+  inspection.fWraps = ChooseWrap(eWrap::kAuto, inspection.fPicture);
   inspection.fSuggested = SuggestSettings(SamplePicture(inspection.fPicture));
   return inspection;
 }
@@ -128,6 +164,7 @@ std::string DescribeInspection(const sInspection& pInspection, const sTerminal& 
   AddLine(text, "Size", DescribeSize(picture));
   AddLine(text, "Format", DescribeFormat(picture));
   AddLine(text, "Colour space", picture.fColorSpace);
+  AddParts(text, picture);
   AddLight(text, pInspection.fStatistics);
   AddLine(text, "Bad pixels", DescribeRepairs(picture.fRepairs));
   AddMetadata(text, pInspection);
@@ -146,15 +183,18 @@ nlohmann::ordered_json ToJson(const sInspection& pInspection) {
           {"format", picture.fFormat},
           {"depth", picture.fFileDepth},
           {"alpha", !picture.fAlpha.empty()},
+          {"parts", PartsToJson(picture.fParts)},
           {"color_space", picture.fColorSpace},
           {"pixels", pInspection.fStatistics.fPixels},
           {"dark", pInspection.fStatistics.fDark},
           {"repaired",
            {{"nan", picture.fRepairs.fNaN},
             {"infinite", picture.fRepairs.fInfinite},
+            {"outliers", picture.fRepairs.fOutliers},
             {"negative", picture.fRepairs.fNegative}}},
           {"log_luminance", LightToJson(pInspection.fStatistics)},
           {"metadata", MetadataToJson(pInspection)},
+          {"wrap", {{"horizontal", pInspection.fWraps}, {"reason", NameWrapReason(pInspection)}}},
           {"suggested", SlidersToJson(pInspection.fSuggested)},
           {"options", ToOptions(pInspection.fSuggested)},
           {"warnings", ToPrintable(picture.fWarnings)}};

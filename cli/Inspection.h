@@ -18,10 +18,11 @@ struct sInspection {
   sPictureStatistics fStatistics;
   sMetadataSummary fMetadata;
   sSettings fSuggested;
+  bool fWraps = false;  ///< Whether tonemap takes the left and right edges to meet, by metadata or edges.
 };
 
 /// Reads the whole picture. libvips must be running. Throws cFailure.
-sInspection InspectPicture(const std::string& pFile);
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
 
 /// The sliders that differ from their defaults, as options to type: "--strength 86 --contrast 10"; "" for
 /// none.

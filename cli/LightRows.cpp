@@ -4,48 +4,41 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <string>
 
 namespace Cli {
 namespace {
 
-/// Far above any light, and far enough below the largest float for the sums of a colour matrix.
-constexpr float kLargestSample = 1e30f;
+constexpr int kGroup = 3 * 8;  // samples of neighbouring pixels
+constexpr std::int32_t kInfinity = 0x7f800000;
 
-/// What a row holds. In the bits of floats, read as integers, larger is larger above 0, and NaN is largest.
-struct sRowScan {
-  std::int32_t fLargest = 0;
-  std::int32_t fLargestMagnitude = 0;
-  std::int32_t fSigns = 0;
+/// In the bits of floats, read as integers, larger is larger above 0, infinity is above what is finite, and
+/// NaN above all.
+std::int32_t Magnitude(float pSample) {
+  return std::bit_cast<std::int32_t>(pSample) & 0x7fffffff;
+}
 
-  sRowScan(const float* pRow, int pSamples) {
-    for (int i = 0; i < pSamples; ++i) {
-      const auto bits = std::bit_cast<std::int32_t>(pRow[i]);
-      const std::int32_t magnitude = bits & 0x7fffffff;
-      fLargest = bits > fLargest ? bits : fLargest;
-      fLargestMagnitude = magnitude > fLargestMagnitude ? magnitude : fLargestMagnitude;
-      fSigns |= bits;
-    }
+std::int32_t LargestFinite(const float* pSamples, int pCount) {
+  std::int32_t largest = 0;
+  for (int i = 0; i < pCount; ++i) {
+    const std::int32_t magnitude = Magnitude(pSamples[i]);
+    if (magnitude < kInfinity) largest = std::max(largest, magnitude);
   }
-  bool IsSound() const { return std::bit_cast<float>(fLargestMagnitude) <= kLargestSample; }
-  bool HasNegative() const { return fSigns < 0; }
-};
-
-/// The larger one of pLargest and the samples in range.
-float FindLargest(const float* pRow, int pSamples, float pLargest) {
-  for (int i = 0; i < pSamples; ++i) {
-    if (pRow[i] > pLargest && pRow[i] <= kLargestSample) pLargest = pRow[i];
-  }
-  return pLargest;
+  return largest;
 }
 
 bool HasInfinity(const float* pRow, int pSamples) {
   return std::any_of(pRow, pRow + pSamples, [](float pV) { return std::isinf(pV) && pV > 0.0f; });
 }
 
-float RepairSample(float pSample, float pLargest) {
+float RepairSample(float pSample, float pBound, float pLargest) {
   if (std::isnan(pSample)) return 0.0f;
-  if (std::isinf(pSample)) return pSample > 0.0f ? pLargest : 0.0f;
-  return std::clamp(pSample, -kLargestSample, kLargestSample);
+  if (std::fabs(pSample) <= pBound) return pSample;
+  return pSample > 0.0f ? pLargest : 0.0f;
+}
+
+std::string CountPixels(std::int64_t pCount) {
+  return std::to_string(pCount) + (pCount == 1 ? " pixel" : " pixels");
 }
 
 /// As the engine's transform of whole pictures does it: the order of the sum decides its last bits.
@@ -75,51 +68,104 @@ cLightRows::cLightRows(const sLight& pLight) : fLight(pLight), fSurface(GetSurfa
   fIsInside = fLight.fToXYZ && IsPositive(fSurface.fToRGB * *fLight.fToXYZ);
 }
 
+bool cLightRows::sPart::IsSound(float pBound) const {
+  return std::bit_cast<float>(fLargest) <= pBound;
+}
+
 bool cLightRows::Take(float* pRow, int pCount) {
-  const sPart part = {pRow, pCount};
   if (fLight.fIsSound) {
-    Convert(part, false);
+    Convert({pRow, pCount, 0, false}, false);
     return true;
   }
-  const int samples = 3 * pCount;
-  const sRowScan scan(pRow, samples);
-  if (scan.IsSound()) {
-    fLargest = std::max(fLargest, std::bit_cast<float>(scan.fLargest));
-    Convert(part, scan.HasNegative());
-    return true;
-  }
-  fLargest = FindLargest(pRow, samples, fLargest);
-  if (HasInfinity(pRow, samples)) {
+  const sPart part = Scan(pRow, pCount);
+  if (fHolds || IsOdd(part)) {
     fWaiting.push_back(part);
     return false;
   }
-  Repair(part, fLargest);
-  Convert(part, true);
+  FinishPart(part, cLightLevels::kLargestSample, 0.0f);
   return true;
 }
 
-void cLightRows::Finish(sPicture& pPicture) {
-  for (const sPart& part : fWaiting) {
-    Repair(part, fLargest > 0.0f ? fLargest : 1.0f);
-    Convert(part, true);
-  }
+bool cLightRows::Finish(sPicture& pPicture) {
+  const float bound = fLevels.FindBound();
+  if (!fHolds && std::bit_cast<float>(fLargest) > bound) return false;
+  const bool isSound = std::all_of(fWaiting.begin(), fWaiting.end(),
+                                   [bound](const sPart& pPart) { return pPart.IsSound(bound); });
+  const float largest = isSound ? 0.0f : FindLargest(bound);
+  for (const sPart& part : fWaiting) FinishPart(part, bound, largest);
   fWaiting.clear();
   pPicture.fColorSpace = fLight.fColorSpace;
   pPicture.fRepairs = fRepairs;
-  const std::int64_t count = fRepairs.fNaN + fRepairs.fInfinite;
-  if (count == 0) return;
-  pPicture.fWarnings.push_back("repaired " + std::to_string(count) + (count == 1 ? " pixel" : " pixels") +
-                               " with values that are not finite (" + std::to_string(fRepairs.fNaN) +
-                               " not a number, " + std::to_string(fRepairs.fInfinite) + " infinite)");
+  if (const std::int64_t count = fRepairs.fNaN + fRepairs.fInfinite; count > 0) {
+    pPicture.fWarnings.push_back("repaired " + CountPixels(count) + " with values that are not finite (" +
+                                 std::to_string(fRepairs.fNaN) + " not a number, " +
+                                 std::to_string(fRepairs.fInfinite) + " infinite)");
+  }
+  if (fRepairs.fOutliers > 0) {
+    pPicture.fWarnings.push_back("repaired " + CountPixels(fRepairs.fOutliers) +
+                                 " with values millions of times above all others");
+  }
+  return true;
 }
 
-void cLightRows::Repair(const sPart& pPart, float pLargest) {
+cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {
+  sPart part = {pRow, pCount, 0, false};
+  std::int32_t signs = 0;
+  const int samples = 3 * pCount;
+  for (int start = 0; start < samples; start += kGroup) {
+    const int count = std::min(kGroup, samples - start);
+    std::int32_t largest = 0;
+    for (int i = start; i < start + count; ++i) {
+      const auto bits = std::bit_cast<std::int32_t>(pRow[i]);
+      const std::int32_t magnitude = bits & 0x7fffffff;
+      largest = magnitude > largest ? magnitude : largest;
+      signs |= bits;
+    }
+    part.fLargest = std::max(part.fLargest, largest);
+    fLevels.Add(largest < kInfinity ? largest : LargestFinite(pRow + start, count));
+  }
+  part.fHasNegative = signs < 0;
+  return part;
+}
+
+/// Whether the picture as a whole decides what becomes of it. Whatever else turns out to be an outlier is
+/// found at the end.
+bool cLightRows::IsOdd(const sPart& pPart) {
+  const int samples = 3 * pPart.fCount;
+  const bool isFinite = pPart.fLargest < kInfinity;
+  const std::int32_t largest = isFinite ? pPart.fLargest : LargestFinite(pPart.fPixels, samples);
+  const bool isBrightest = largest > fLargest;
+  fLargest = std::max(fLargest, largest);
+  if (!isFinite && HasInfinity(pPart.fPixels, samples)) return true;
+  return isBrightest && std::bit_cast<float>(largest) > fLevels.FindBound();
+}
+
+/// The brightest sample of the picture that is light.
+float cLightRows::FindLargest(float pBound) const {
+  float largest = 0.0f;
+  for (const sPart& part : fWaiting) {
+    for (int i = 0; i < 3 * part.fCount; ++i) {
+      const float sample = part.fPixels[i];
+      if (sample > largest && sample <= pBound) largest = sample;
+    }
+  }
+  return largest > 0.0f ? largest : 1.0f;
+}
+
+void cLightRows::FinishPart(const sPart& pPart, float pBound, float pLargest) {
+  const bool isSound = pPart.IsSound(pBound);
+  if (!isSound) Repair(pPart, pBound, pLargest);
+  Convert(pPart, pPart.fHasNegative || !isSound);
+}
+
+void cLightRows::Repair(const sPart& pPart, float pBound, float pLargest) {
   float* pixel = pPart.fPixels;
   for (int x = 0; x < pPart.fCount; ++x, pixel += 3) {
-    if (std::all_of(pixel, pixel + 3, [](float pV) { return std::fabs(pV) <= kLargestSample; })) continue;
+    if (std::all_of(pixel, pixel + 3, [=](float pV) { return std::fabs(pV) <= pBound; })) continue;
     const bool isNaN = std::any_of(pixel, pixel + 3, [](float pV) { return std::isnan(pV); });
-    ++(isNaN ? fRepairs.fNaN : fRepairs.fInfinite);
-    for (int i = 0; i < 3; ++i) pixel[i] = RepairSample(pixel[i], pLargest);
+    const bool isInfinite = std::any_of(pixel, pixel + 3, [](float pV) { return std::isinf(pV); });
+    ++(isNaN ? fRepairs.fNaN : isInfinite ? fRepairs.fInfinite : fRepairs.fOutliers);
+    for (int i = 0; i < 3; ++i) pixel[i] = RepairSample(pixel[i], pBound, pLargest);
   }
 }
 

@@ -40,6 +40,13 @@ sMetadataKinds ParseKinds(const std::string& pText) {
   return kinds;
 }
 
+/// Throws CLI::ValidationError.
+sAlphaChoice ReadAlpha(const std::string& pText) {
+  if (const auto choice = ParseAlpha(pText)) return *choice;
+  throw CLI::ValidationError(
+      "--alpha", "'" + pText + "' is neither keep nor ignore, nor a colour such as white or ffd040");
+}
+
 }  // namespace
 
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
@@ -76,6 +83,18 @@ void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
       ->group("Result");
 }
 
+void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice) {
+  pVerb
+      .add_option("--part", pChoice.fPart,
+                  "The part of an OpenEXR file, by its number from 0 on or by its name; the first one with\n"
+                  "colours otherwise")
+      ->option_text("N|NAME");
+  pVerb
+      .add_option("--layer", pChoice.fLayer,
+                  "The layer of an OpenEXR file: diffuse stands for diffuse.R, diffuse.G and diffuse.B")
+      ->option_text("NAME");
+}
+
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
   AddDepthOption(pVerb, pOptions.fDepth, "8");
   AddFileOptions(pVerb, pOptions.fFile);
@@ -88,6 +107,14 @@ void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
           "Colour space of the result, whose profile is embedded")
       ->check(CLI::IsMember({"srgb", "adobergb", "prophoto"}))
       ->option_text("srgb|adobergb|prophoto [srgb]")
+      ->group("Result");
+  pVerb
+      .add_option_function<std::string>(
+          "--alpha", [&pOptions](const std::string& pText) { pOptions.fAlpha = ReadAlpha(pText); },
+          "Transparency: keep writes it beside the colours, ignore takes the stored colours as they are,\n"
+          "and a colour (black, white, grey, or digits of sRGB such as ffd040) is what the result is laid\n"
+          "over. Light without cover, as of flames and glow in OpenEXR, stays light in all cases")
+      ->option_text("keep|ignore|COLOUR [keep]")
       ->group("Result");
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "cli/OutputOptions.h"
+#include "cli/PictureChoice.h"
 
 namespace CLI {
 class App;
@@ -14,6 +15,7 @@ namespace Cli {
 /// the parsing. pDefault: what the help says of the depth where none is asked for.
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
 void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions);
+void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);
 
 }  // namespace Cli

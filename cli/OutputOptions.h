@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/AlphaChoice.h"
 #include "cli/OutputFormat.h"
 #include "engine/cColorSpace.h"
 
@@ -10,6 +11,7 @@ struct sOutputOptions {
   int fDepth = 8;
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;
   int fPreview = 0;  ///< The most pixels on its longer side; 0 for as many as the picture has.
+  sAlphaChoice fAlpha;
   sFileOptions fFile;
 };
 

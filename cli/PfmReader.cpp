@@ -68,7 +68,8 @@ class cPfmRows : public cPictureRows {
     return fLight.Take(pTo, GetWidth());
   }
 
-  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+  void Hold() override { fLight.Hold(); }
+  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
 
  private:
   /// Of a row in the file's order.

@@ -53,6 +53,7 @@ void LoadRows(const std::string& pFile, sPicture& pPicture) {
   cPictureRows& rows = *pPicture.fRows;
   pPicture.fBitmap = MakeBitmap(pFile, rows.GetWidth(), rows.GetHeight());
   if (rows.HasAlpha()) AddAlpha(pFile, pPicture);
+  rows.Hold();
   for (int y = 0; y < rows.GetHeight(); ++y) {
     rows.Read(y, GetRow(pPicture, y), rows.HasAlpha() ? GetAlphaRow(pPicture, y) : nullptr);
   }

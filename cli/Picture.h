@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/Metadata.h"
+#include "cli/PictureChoice.h"
 #include "cli/PictureRows.h"
 #include "engine/cBitmapXYZ32.h"
 
@@ -15,7 +16,8 @@ namespace Cli {
 /// Pixels whose samples had to be put right before the engine may see them.
 struct sRepairs {
   std::int64_t fNaN = 0;       ///< With a sample that is not a number.
-  std::int64_t fInfinite = 0;  ///< Others with an infinite sample, or one beyond any light.
+  std::int64_t fInfinite = 0;  ///< Others with an infinite sample.
+  std::int64_t fOutliers = 0;  ///< Others with a sample far above all that is light (see cLightLevels).
   std::int64_t fNegative = 0;  ///< Of colours that no surface has, as dark noise makes them.
 };
 
@@ -27,6 +29,8 @@ struct sPicture {
   /// For a reduced picture: pixels of the whole one, which tell where black and white lie. Null for others.
   std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
   std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
+  bool fIsPremultiplied = false;      ///< Its light is what is seen over black: alpha is no part of it.
+  std::vector<sPicturePart> fParts;   ///< Of a file that can hold several; empty for others.
   std::string fFormat;                ///< In words: "OpenEXR", "TIFF".
   std::string fColorSpace;            ///< In words: "Display P3 (ICC)".
   int fFileDepth = 32;                ///< Bits a sample; 32 for Radiance.

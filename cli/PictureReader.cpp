@@ -1,25 +1,24 @@
 #include "cli/PictureReader.h"
 
 #include "cli/ExrReader.h"
+#include "cli/Failure.h"
 #include "cli/FileKind.h"
 #include "cli/PfmReader.h"
 #include "cli/VipsReader.h"
 
 namespace Cli {
 
-sPicture OpenPicture(const std::string& pFile) {
-  switch (TellFileKind(pFile)) {
-    case eFileKind::kExr:
-      return OpenExr(pFile);
-    case eFileKind::kPfm:
-      return OpenPfm(pFile);
-    default:
-      return OpenWithVips(pFile);
+sPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice) {
+  const eFileKind kind = TellFileKind(pFile);
+  if (kind == eFileKind::kExr) return OpenExr(pFile, pChoice);
+  if (!pChoice.IsDefault()) {
+    throw cFailure(eExitCode_CannotRead, pFile, "is not OpenEXR, whose parts --part and --layer choose");
   }
+  return kind == eFileKind::kPfm ? OpenPfm(pFile) : OpenWithVips(pFile, pChoice.fIgnoresAlpha);
 }
 
-sPicture ReadPicture(const std::string& pFile) {
-  sPicture picture = OpenPicture(pFile);
+sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice) {
+  sPicture picture = OpenPicture(pFile, pChoice);
   LoadRows(pFile, picture);
   return picture;
 }

@@ -101,8 +101,10 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
   record["white_point"] = rendering.fWhite;
   record["black_share"] = rendering.fBlackShare;
   record["white_share"] = rendering.fWhiteShare;
-  record["repaired"] = {
-      {"nan", repairs.fNaN}, {"infinite", repairs.fInfinite}, {"negative", repairs.fNegative}};
+  record["repaired"] = {{"nan", repairs.fNaN},
+                        {"infinite", repairs.fInfinite},
+                        {"outliers", repairs.fOutliers},
+                        {"negative", repairs.fNegative}};
   record["milliseconds"] = MakeMilliseconds(pReport);
   record["peak_memory"] = GetPeakMemory();
   record["warnings"] = ToPrintable(ShortenWarnings(pReport.fWarnings));

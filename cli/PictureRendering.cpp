@@ -78,7 +78,7 @@ cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pF
     SetUpRenderer(pRenderer, pSettings, pReport.fWrap, pVerbose);
     if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
     cResultPixels result = Render(pRenderer, source, start, pOutput, pReport);
-    BlackenTransparent(result, pPicture.fAlpha);
+    BlackenTransparent(result, pPicture);
     return result;
   });
 }

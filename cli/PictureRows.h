@@ -20,11 +20,14 @@ class cPictureRows {
   bool HasAlpha() const { return fHasAlpha; }
 
   /// Writes row pY as sPicture holds it, each once, from top to bottom; pToAlpha is for pictures with alpha
-  /// only. False for a row that holds +infinity: it becomes what it should when Finish is called, as the
-  /// largest sample of the picture takes that place. Throws cFailure.
+  /// only. False for a row that is not done before Finish: it holds +infinity or an outlier, whose place the
+  /// largest sample of the picture takes. Throws cFailure.
   virtual bool Read(int pY, float* pTo, std::uint16_t* pToAlpha) = 0;
-  /// After the last row: tells pPicture what the rows were found to hold.
-  virtual void Finish(sPicture& pPicture) = 0;
+  /// Before the first row: all rows stay where they are written until Finish.
+  virtual void Hold() = 0;
+  /// After the last row: pPicture gets what the rows were found to hold. False when one of those that were
+  /// done turns out to hold an outlier: then the picture must be read again, with Hold.
+  virtual bool Finish(sPicture& pPicture) = 0;
 
  private:
   int fWidth;

@@ -40,7 +40,8 @@ sPictureStatistics Measure(const sPicture& pPicture, cLuminanceSampler pSampler)
   for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
     const bool hasAlpha = !pPicture.fAlpha.empty();
     pSampler.TakeRow(y, GetRow(pPicture, y),
-                     hasAlpha ? &pPicture.fAlpha[static_cast<std::size_t>(y) * width] : nullptr);
+                     hasAlpha ? &pPicture.fAlpha[static_cast<std::size_t>(y) * width] : nullptr,
+                     pPicture.fIsPremultiplied);
   }
   return pSampler.Get();
 }
@@ -96,10 +97,13 @@ cLuminanceSampler cLuminanceSampler::OfPart(int pWidth, int pHeight) {
   return {pWidth, std::max(pWidth / kSide, 1), std::max(pHeight / kSide, 1)};
 }
 
-void cLuminanceSampler::TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha) {
+void cLuminanceSampler::TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha,
+                                bool pIsPremultiplied) {
   if (pY % fStepY != fStepY / 2) return;
   for (int x = fStepX / 2; x < fWidth; x += fStepX) {
-    if (pAlpha == nullptr || pAlpha[x] > 0) AddLuminance(fSum, pRow[3 * x + 1]);
+    const float luminance = pRow[3 * x + 1];
+    const bool isSeen = pAlpha == nullptr || pAlpha[x] > 0 || (pIsPremultiplied && luminance > 0.0f);
+    if (isSeen) AddLuminance(fSum, luminance);
   }
 }
 

@@ -8,7 +8,7 @@
 namespace Cli {
 
 /// How the luminance of a picture is distributed. Logarithms are decimal, of linear luminance with 1 for the
-/// file's white. Fully transparent pixels do not count.
+/// file's white. Fully transparent pixels do not count, but for premultiplied ones with light.
 struct sPictureStatistics {
   static constexpr double kLowest = -40.0;  ///< Floats end there; the bins reach as far the other way.
   static constexpr int kBinsPerDecade = 100;
@@ -40,7 +40,7 @@ class cLuminanceSampler {
   static cLuminanceSampler OfPart(int pWidth, int pHeight);
 
   /// Row pY, XYZ. pAlpha: of a picture with alpha, else null.
-  void TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha);
+  void TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha, bool pIsPremultiplied = false);
   sPictureStatistics Get() const;
 
  private:

@@ -7,6 +7,7 @@
 #include <vips/vips8>
 
 #include "cli/Failure.h"
+#include "cli/ResultAlpha.h"
 #include "cli/StandardStreams.h"
 #include "cli/TiffWriter.h"
 #include "cli/VipsLibrary.h"
@@ -50,7 +51,7 @@ VImage ViewPicture(sFinishedPicture& pPicture, bool pWithAlpha) {
 
 /// pQuality, pCompression: as the user or the format wants them. Efforts are chosen by time: 24 megapixels of
 /// AVIF at the library's own take half a minute, and are a twentieth smaller.
-void Save(const VImage& pImage, eOutputFormat pFormat, int pQuality, int pCompression,
+void Save(const VImage& pImage, eOutputFormat pFormat, int pQuality, int pCompression, bool pIsPremultiplied,
           const std::string& pPath) {
   const char* const path = pPath.c_str();
   vips::VOption* const options = VImage::option();
@@ -61,7 +62,7 @@ void Save(const VImage& pImage, eOutputFormat pFormat, int pQuality, int pCompre
           path, options->set("compression", pCompression)->set("filter", VIPS_FOREIGN_PNG_FILTER_SUB));
     case eOutputFormat::kTiff:
       delete options;
-      return WriteTiff(pImage, pCompression, pPath);
+      return WriteTiff(pImage, pCompression, pIsPremultiplied, pPath);
     case eOutputFormat::kJpeg:
       return pImage.jpegsave(
           path, options->set("optimize_coding", true)->set("subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF));
@@ -109,14 +110,29 @@ bool HasOpenPixels(const std::vector<std::uint16_t>& pAlpha) {
   return std::any_of(pAlpha.begin(), pAlpha.end(), [](std::uint16_t pA) { return pA != 65535; });
 }
 
+/// TIFF holds premultiplied samples, and light that is above its alpha.
+void MakeStraight(sFinishedPicture& pPicture, eOutputFormat pFormat, std::vector<std::string>& pWarnings) {
+  if (!pPicture.fIsPremultiplied || pPicture.fAlpha.empty() || pFormat == eOutputFormat::kTiff) return;
+  pPicture.fIsPremultiplied = false;
+  const std::int64_t raised = DivideByAlpha(pPicture.fPixels, pPicture.fAlpha);
+  if (raised == 0) return;
+  pWarnings.push_back(
+      "light without cover: alpha is raised in " + std::to_string(raised) +
+      (raised == 1 ? " pixel" : " pixels") + ", since " + GetTraits(pFormat).fName +
+      " holds no light above it; over black the picture is the same, .tif keeps alpha as it is");
+}
+
 std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& pPicture,
                                    eOutputFormat pFormat, const sFileOptions& pOptions) {
   std::vector<std::string> warnings;
   const sFormatTraits& traits = GetTraits(pFormat);
   if (!traits.fHasAlpha && HasOpenPixels(pPicture.fAlpha)) {
-    warnings.push_back(std::string(traits.fName) +
-                       " holds no transparency: colours are written as they are, alpha is left out");
+    const std::string what = pPicture.fIsPremultiplied
+                                 ? "the picture over black is written, alpha is left out"
+                                 : "colours are written as they are, alpha is left out";
+    warnings.push_back(std::string(traits.fName) + " holds no transparency: " + what);
   }
+  if (traits.fHasAlpha) MakeStraight(pPicture, pFormat, warnings);
   const VImage image = ViewPicture(pPicture, traits.fHasAlpha && !pPicture.fAlpha.empty());
   const sPictureFacts facts{image.width(), image.height(), GetExifColorSpace(pPicture.fProfile)};
   pPicture.fMetadata.Keep(pOptions.fMetadata);
@@ -124,7 +140,8 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
   vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pPicture.fProfile.data(),
                            pPicture.fProfile.size());
   Save(image, pFormat, ChooseQuality(pPicture.fProfile, pFormat, pOptions.fQuality, warnings),
-       pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPath);
+       pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPicture.fIsPremultiplied,
+       pPath);
   if (IsCompleted(pFormat)) pPicture.fMetadata.Complete(pPath, image, facts, warnings);
   if (pFormat == eOutputFormat::kJxl) CompleteJxl(pPath, image);
   return warnings;

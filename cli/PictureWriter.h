@@ -18,6 +18,7 @@ struct sFinishedPicture {
   std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
   std::string fProfile;               ///< ICC, of the samples.
   cMetadata fMetadata;
+  bool fIsPremultiplied = false;  ///< The samples are what is seen over black, and may be above alpha.
 };
 
 /// Throws cFailure when the result would replace the input.

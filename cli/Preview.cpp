@@ -10,7 +10,7 @@
 namespace Cli {
 namespace {
 
-/// What an area gathers: light times opacity, and opacity.
+/// What an area gathers: light times opacity (unless it is premultiplied), and opacity.
 struct sGathered {
   double fLight[3] = {};
   double fOpacity = 0.0;
@@ -43,7 +43,11 @@ std::vector<sPlace> MakePlaces(int pFrom, int pTo) {
 // elsewhere.
 constexpr double kLeastOpacity = 1e-9;
 
-sGathered Weigh(const float* pPixel, double pOpacity) {
+sGathered Weigh(const float* pPixel, double pOpacity, bool pIsPremultiplied) {
+  if (pIsPremultiplied) {
+    return {{static_cast<double>(pPixel[0]), static_cast<double>(pPixel[1]), static_cast<double>(pPixel[2])},
+            pOpacity};
+  }
   const double opacity = pOpacity + kLeastOpacity;
   return {{opacity * static_cast<double>(pPixel[0]), opacity * static_cast<double>(pPixel[1]),
            opacity * static_cast<double>(pPixel[2])},
@@ -58,7 +62,7 @@ void GatherRow(const sPicture& pFrom, int pY, const std::vector<sPlace>& pPlaces
   for (std::size_t x = 0; x < pPlaces.size(); ++x, pixel += 3) {
     const sPlace& place = pPlaces[x];
     const double opacity = pFrom.fAlpha.empty() ? 1.0 : pFrom.fAlpha[first + x] / 65535.0;
-    const sGathered weighed = Weigh(pixel, opacity);
+    const sGathered weighed = Weigh(pixel, opacity, pFrom.fIsPremultiplied);
     pTo[place.fTo].Add(weighed, place.fFirst);
     if (place.fRest > 0.0) pTo[place.fTo + 1].Add(weighed, place.fRest);
   }
@@ -67,7 +71,8 @@ void GatherRow(const sPicture& pFrom, int pY, const std::vector<sPlace>& pPlaces
 void FinishRow(const std::vector<sGathered>& pFrom, int pY, sPicture& pTo) {
   float* pixel = GetRow(pTo, pY);
   for (std::size_t x = 0; x < pFrom.size(); ++x, pixel += 3) {
-    for (int i = 0; i < 3; ++i) pixel[i] = static_cast<float>(pFrom[x].fLight[i] / pFrom[x].fOpacity);
+    const double weight = pTo.fIsPremultiplied ? 1.0 : pFrom[x].fOpacity;
+    for (int i = 0; i < 3; ++i) pixel[i] = static_cast<float>(pFrom[x].fLight[i] / weight);
     if (pTo.fAlpha.empty()) continue;
     const double alpha = std::clamp(pFrom[x].fOpacity * 65535.0, 0.0, 65535.0);
     pTo.fAlpha[static_cast<std::size_t>(pY) * pFrom.size() + x] =
@@ -135,6 +140,7 @@ sPicture ReducePicture(const std::string& pFile, sPicture pPicture, int pLongSid
   sPicture reduced = MakePicture(pFile, shorten(width), shorten(height));
   reduced.fAlpha.resize(pPicture.fAlpha.empty() ? 0
                                                 : static_cast<std::size_t>(shorten(width) * shorten(height)));
+  reduced.fIsPremultiplied = pPicture.fIsPremultiplied;
   Reduce(pPicture, reduced);
   reduced.fSample = TakeSample(pFile, pPicture);
   pPicture.fSample = std::move(reduced.fSample);

@@ -191,6 +191,16 @@ constexpr sResultField kResultFields[] = {
        return false;
      },
      "srgb, adobergb or prophoto"},
+    {"alpha",
+     [](const sOutputOptions& pResult) {
+       return pResult.fAlpha == sAlphaChoice() ? "" : Quote(ToText(pResult.fAlpha));
+     },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       const auto choice = ParseAlpha(pValue.is_string() ? pValue.get<std::string>() : "");
+       if (choice) pResult.fAlpha = *choice;
+       return choice.has_value();
+     },
+     "keep, ignore or a colour such as #808080"},
     {"preview", [](const sOutputOptions& pResult) { return WriteUnless(0, pResult.fPreview); },
      [](const tJson& pValue, sOutputOptions& pResult) {
        return ReadInteger(pValue, 1, 65535, pResult.fPreview);

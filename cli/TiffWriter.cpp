@@ -29,7 +29,7 @@ const char* ChooseMode(const VImage& pImage) {
   return static_cast<double>(GetRowBytes(pImage)) * pImage.height() > kSafeSize ? "w8" : "w";
 }
 
-void SetShape(TIFF* pTiff, const VImage& pImage, int pCompression) {
+void SetShape(TIFF* pTiff, const VImage& pImage, int pCompression, bool pIsPremultiplied) {
   constexpr double kMillimetresPerInch = 25.4;
   TIFFSetField(pTiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(pImage.width()));
   TIFFSetField(pTiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(pImage.height()));
@@ -42,7 +42,7 @@ void SetShape(TIFF* pTiff, const VImage& pImage, int pCompression) {
   TIFFSetField(pTiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
   TIFFSetField(pTiff, TIFFTAG_XRESOLUTION, pImage.xres() * kMillimetresPerInch);
   TIFFSetField(pTiff, TIFFTAG_YRESOLUTION, pImage.yres() * kMillimetresPerInch);
-  const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
+  const std::uint16_t alpha = pIsPremultiplied ? EXTRASAMPLE_ASSOCALPHA : EXTRASAMPLE_UNASSALPHA;
   if (pImage.bands() == 4) TIFFSetField(pTiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
   TIFFSetField(pTiff, TIFFTAG_COMPRESSION, pCompression == 0 ? COMPRESSION_NONE : COMPRESSION_ADOBE_DEFLATE);
   if (pCompression == 0) return;
@@ -91,10 +91,10 @@ void WriteStrips(TIFF* pTiff, const VImage& pImage) {
 
 }  // namespace
 
-void WriteTiff(const VImage& pImage, int pCompression, const std::string& pPath) {
+void WriteTiff(const VImage& pImage, int pCompression, bool pIsPremultiplied, const std::string& pPath) {
   const tTiff tiff(TIFFOpen(pPath.c_str(), ChooseMode(pImage)));
   if (tiff == nullptr) throw vips::VError();
-  SetShape(tiff.get(), pImage, pCompression);
+  SetShape(tiff.get(), pImage, pCompression, pIsPremultiplied);
   SetBlocks(tiff.get(), pImage);
   WriteStrips(tiff.get(), pImage);
   if (TIFFFlush(tiff.get()) == 0) throw vips::VError();

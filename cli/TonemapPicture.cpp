@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "cli/Alpha.h"
 #include "cli/AutoSettings.h"
 #include "cli/Failure.h"
 #include "cli/FileSource.h"
@@ -11,6 +12,7 @@
 #include "cli/Panorama.h"
 #include "cli/PictureReader.h"
 #include "cli/Preview.h"
+#include "cli/ResultAlpha.h"
 #include "cli/SettingsJson.h"
 #include "cli/StandardStreams.h"
 
@@ -58,6 +60,7 @@ bool CanBeStreamed(const sTonemapJob& pJob, const sPicture& pPicture) {
 void Load(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) {
   const auto start = tClock::now();
   LoadRows(pJob.fInput, pPicture);
+  SettleAlpha(pPicture);
   pReport.fReadSeconds += SecondsSince(start);
   const sPictureStatistics statistics = SamplePicture(pPicture);
   TellRange(statistics, pReport);
@@ -74,12 +77,25 @@ cResultPixels RenderStreamed(const sTonemapJob& pJob, sPicture& pPicture, sPictu
   const cFileSource source(*pPicture.fRows);
   cResultPixels result =
       RenderRows(pJob.fInput, source, pReport.fSettings, pJob.fResult, pJob.fVerbose, pReport.fRendering);
-  pPicture.fRows->Finish(pPicture);
+  if (!pPicture.fRows->Finish(pPicture)) throw sNeedsWholePicture();
   pPicture.fRows.reset();
   TellRange(source.GetSample(), pReport);
   pReport.fReadSeconds += source.GetSeconds();
   pReport.fRendering.fSeconds.fPreparation -= source.GetSeconds();
   return result;
+}
+
+sPictureChoice ChooseSource(const sTonemapJob& pJob) {
+  sPictureChoice choice = pJob.fSource;
+  choice.fIgnoresAlpha = pJob.fResult.fAlpha.fMode == eAlpha::kIgnore;
+  return choice;
+}
+
+/// Of an opaque picture nothing is left to lay over anything.
+void LayOverColour(const sOutputOptions& pOptions, sPicture& pPicture, cResultPixels& pResult) {
+  if (pOptions.fAlpha.fMode != eAlpha::kColour || pPicture.fAlpha.empty()) return;
+  LayOver(pOptions.fAlpha.fColour, pOptions.fColorSpace, pPicture.fIsPremultiplied, pPicture.fAlpha, pResult);
+  pPicture.fAlpha.clear();
 }
 
 void TellOfPicture(const sPicture& pPicture, sPictureReport& pReport) {
@@ -99,7 +115,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
   report.fSettings = GetGivenSettings(pJob);
   TakeGateSeconds();
   const auto start = tClock::now();
-  sPicture picture = OpenPicture(pJob.fInput);
+  sPicture picture = OpenPicture(pJob.fInput, ChooseSource(pJob));
   report.fReadSeconds = SecondsSince(start) - TakeGateSeconds();
   const bool isStreamed = pMayStream && CanBeStreamed(pJob, picture);
   if (!isStreamed) Load(pJob, picture, report);
@@ -119,8 +135,10 @@ sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
   picture.fMetadata.PutSettings(ToJson(report.fSettings, pJob.fResult));
   const auto rendered = tClock::now();
+  LayOverColour(pJob.fResult, picture, result);
   sFinishedPicture finished{std::move(result), std::move(picture.fAlpha),
-                            GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata};
+                            GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata,
+                            picture.fIsPremultiplied};
   const std::vector<std::string> leftOut = WritePicture(finished, format, pJob.fResult.fFile, file);
   report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
   report.fWriteSeconds = SecondsSince(rendered);

@@ -24,6 +24,7 @@ struct sTonemapJob {
   sSettings fSettings;        ///< The ground,
   bool fAuto = false;         ///< or chosen from the picture instead,
   sSettingsChange fChange;    ///< and what is laid over it.
+  sPictureChoice fSource;     ///< Its fIgnoresAlpha follows from fResult.
   sOutputOptions fResult;
   bool fVerbose = false;
 };

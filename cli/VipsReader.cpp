@@ -161,8 +161,7 @@ bool IsSound(const sLayout& pLayout) {
   const auto isSound = [&](const std::vector<float>& pTable) {
     return std::all_of(pTable.begin(), pTable.end(), isLight);
   };
-  return pLayout.fIsRgbe ||
-         (!pLayout.IsOfFloats() && std::all_of(pLayout.fTables, pLayout.fTables + 4, isSound));
+  return !pLayout.IsOfFloats() && std::all_of(pLayout.fTables, pLayout.fTables + 4, isSound);
 }
 
 /// Takes back what the file's exposure lines say was multiplied in.
@@ -211,8 +210,9 @@ void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vect
 /// Streams the rows: no more of the file's own pixels than a strip is in memory.
 class cVipsRows : public cPictureRows {
  public:
-  cVipsRows(const std::string& pFile, const VImage& pImage, sLayout pLayout, const sLight& pLight)
-      : cPictureRows(pImage.width(), pImage.height(), pLayout.fSamples > pLayout.fColours),
+  cVipsRows(const std::string& pFile, const VImage& pImage, sLayout pLayout, bool pHasAlpha,
+            const sLight& pLight)
+      : cPictureRows(pImage.width(), pImage.height(), pHasAlpha),
         fFile(pFile),
         fLayout(std::move(pLayout)),
         fLight(pLight),
@@ -239,7 +239,8 @@ class cVipsRows : public cPictureRows {
     return isDone;
   }
 
-  void Finish(sPicture& pPicture) override { fLight.Finish(pPicture); }
+  void Hold() override { fLight.Hold(); }
+  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
 
  private:
   std::string fFile;
@@ -257,7 +258,7 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
   pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata.GetXmpPacket());
 }
 
-sPicture OpenChecked(const std::string& pFile) {
+sPicture OpenChecked(const std::string& pFile, bool pIgnoresAlpha) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
   const VImage stored = OpenUpright(pFile, header.fOrientation);
   VImage image = Uncode(stored);
@@ -270,16 +271,17 @@ sPicture OpenChecked(const std::string& pFile) {
   layout.fIsRgbe = IsCoded(stored);
   sLight light = ChooseLight(layout, header, picture);
   light.fIsSound = IsSound(layout);
+  const bool hasAlpha = layout.fSamples > layout.fColours && !pIgnoresAlpha;
   picture.fRows =
-      std::make_unique<cVipsRows>(pFile, layout.fIsRgbe ? stored : image, std::move(layout), light);
+      std::make_unique<cVipsRows>(pFile, layout.fIsRgbe ? stored : image, std::move(layout), hasAlpha, light);
   return picture;
 }
 
 }  // namespace
 
-sPicture OpenWithVips(const std::string& pFile) {
+sPicture OpenWithVips(const std::string& pFile, bool pIgnoresAlpha) {
   try {
-    return OpenChecked(pFile);
+    return OpenChecked(pFile, pIgnoresAlpha);
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   }

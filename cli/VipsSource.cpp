@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 
 #include "cli/Failure.h"
+#include "cli/RestartedFile.h"
 #include "cli/VipsLibrary.h"
 
 namespace Cli {
@@ -51,9 +53,20 @@ const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource
       ".avif .jxl)");
 }
 
+/// Radiance files begin with the name of the program that wrote them, of which libvips knows one.
+vips::VSource OpenSource(const std::string& pFile) {
+  const std::string shortName = "#?RGBE";
+  std::string start(shortName.size() + 1, '\0');
+  std::ifstream(pFile, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
+  if (start == shortName + "\n" || start == shortName + "\r") {
+    return OpenRestarted(pFile, shortName.size(), "#?RADIANCE");
+  }
+  return vips::VSource::new_from_file(pFile.c_str());
+}
+
 /// From a source, not a name: libvips takes a "[" in a name for the start of options.
 VImage Open(const std::string& pFile, VipsAccess pAccess) {
-  const vips::VSource source = vips::VSource::new_from_file(pFile.c_str());
+  const vips::VSource source = OpenSource(pFile);
   const sFormat& format = FindFormat(pFile, source);
   VImage image = VImage::new_from_source(
       source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
