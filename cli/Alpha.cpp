@@ -83,7 +83,7 @@ struct sCoveredLight {
 }  // namespace
 
 void SettleAlpha(sPicture& pPicture) {
-  if (!pPicture.fIsPremultiplied) return;
+  if (!pPicture.fIsPremultiplied || pPicture.fHasOwnLight) return;
   const sCoveredLight covered(pPicture);
   pPicture.fIsPremultiplied = !ForEachPixel(
       pPicture, [&](const float* pPixel, float pAlpha) { return covered.Explains(pPixel, pAlpha); });

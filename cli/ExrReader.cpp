@@ -97,13 +97,10 @@ sWindow ChooseWindow(const Imf::Header& pHeader, std::vector<std::string>& pWarn
                         SizeOf(data) + " pixels; only these are taken");
     return data;
   }
-  if (!display.Covers(data)) {
-    pWarnings.push_back("cropped to its display window, " + SizeOf(display) + " of " + SizeOf(data) +
-                        " stored pixels");
-  } else {
-    pWarnings.push_back("its " + SizeOf(data) + " pixels fill a part of its display window, " +
-                        SizeOf(display) + "; the rest is transparent");
-  }
+  const std::string sizes = "its " + SizeOf(data) + " pixels and its display window of " + SizeOf(display);
+  pWarnings.push_back(sizes + " differ: " + (display.Covers(data) ? "" : "what lies outside is cut off") +
+                      (display.Covers(data) || data.Covers(display) ? "" : ", ") +
+                      (data.Covers(display) ? "" : "what is missing is transparent"));
   return display;
 }
 

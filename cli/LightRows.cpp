@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -79,7 +80,7 @@ bool cLightRows::Take(float* pRow, int pCount) {
   }
   const sPart part = Scan(pRow, pCount);
   if (fHolds || IsOdd(part)) {
-    fWaiting.push_back(part);
+    Wait(part);
     return false;
   }
   FinishPart(part, cLightLevels::kLargestSample, 0.0f);
@@ -126,6 +127,18 @@ cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {
   }
   part.fHasNegative = signs < 0;
   return part;
+}
+
+/// Short rows that follow each other wait as one.
+void cLightRows::Wait(const sPart& pPart) {
+  constexpr int kLong = 1024;
+  const bool follows = !fWaiting.empty() && fWaiting.back().fCount < kLong &&
+                       fWaiting.back().fPixels + std::ptrdiff_t{3} * fWaiting.back().fCount == pPart.fPixels;
+  if (!follows || pPart.fCount >= kLong) return fWaiting.push_back(pPart);
+  sPart& last = fWaiting.back();
+  last.fCount += pPart.fCount;
+  last.fLargest = std::max(last.fLargest, pPart.fLargest);
+  last.fHasNegative = last.fHasNegative || pPart.fHasNegative;
 }
 
 /// Whether the picture as a whole decides what becomes of it. Whatever else turns out to be an outlier is

@@ -43,6 +43,7 @@ class cLightRows {
   };
 
   sPart Scan(float* pRow, int pCount);
+  void Wait(const sPart& pPart);
   bool IsOdd(const sPart& pPart);
   float FindLargest(float pBound) const;
   void FinishPart(const sPart& pPart, float pBound, float pLargest);

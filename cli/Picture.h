@@ -30,6 +30,7 @@ struct sPicture {
   std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
   std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
   bool fIsPremultiplied = false;      ///< Its light is what is seen over black: alpha is no part of it.
+  bool fHasOwnLight = false;          ///< And some of that is known to be above what alpha covers.
   std::vector<sPicturePart> fParts;   ///< Of a file that can hold several; empty for others.
   std::string fFormat;                ///< In words: "OpenEXR", "TIFF".
   std::string fColorSpace;            ///< In words: "Display P3 (ICC)".

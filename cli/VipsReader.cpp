@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vips/vips8>
 
@@ -12,6 +13,7 @@
 #include "cli/LightRows.h"
 #include "cli/Panorama.h"
 #include "cli/RadianceHeader.h"
+#include "cli/TiffAlpha.h"
 #include "cli/VipsSource.h"
 #include "engine/PixelRows.h"
 
@@ -258,9 +260,36 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
   pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata.GetXmpPacket());
 }
 
+/// Integers cannot be above their alpha when straight ones were multiplied by it; rounding is a step.
+bool HasOwnLight(const std::string& pFile, const sAmendment& pAmendment) {
+  const VImage image = OpenUpright(pFile, 1, &pAmendment);
+  if (image.format() == VIPS_FORMAT_FLOAT || image.format() == VIPS_FORMAT_DOUBLE) return false;
+  const int colours = CountColours(pFile, image);
+  if (colours == 4 || image.bands() == colours) return false;
+  const VImage samples = image.extract_band(0, VImage::option()->set("n", colours));
+  return (samples > image.extract_band(colours) + 1.0).max() > 0.0;
+}
+
+/// How a file is read whose alpha is associated, if it is. What libvips divides by alpha is as good as
+/// straight, unless that loses light.
+struct sAssociatedAlpha {
+  std::optional<sAmendment> fAmendment;
+  bool fHasOwnLight = false;
+
+  sAssociatedAlpha(const std::string& pFile, bool pIgnoresAlpha) : fAmendment(FindAssociatedAlpha(pFile)) {
+    if (!fAmendment || pIgnoresAlpha) return;
+    fHasOwnLight = HasOwnLight(pFile, *fAmendment);
+    const VipsBandFormat format = OpenUpright(pFile, 1, &*fAmendment).format();
+    const bool isLinear = format == VIPS_FORMAT_FLOAT || format == VIPS_FORMAT_DOUBLE;
+    if (!isLinear && !fHasOwnLight) fAmendment.reset();
+  }
+  const sAmendment* Get() const { return fAmendment ? &*fAmendment : nullptr; }
+};
+
 sPicture OpenChecked(const std::string& pFile, bool pIgnoresAlpha) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
-  const VImage stored = OpenUpright(pFile, header.fOrientation);
+  const sAssociatedAlpha associated(pFile, pIgnoresAlpha);
+  const VImage stored = OpenUpright(pFile, header.fOrientation, associated.Get());
   VImage image = Uncode(stored);
   CheckSize(pFile, image.width(), image.height());
   sPicture picture;
@@ -272,6 +301,8 @@ sPicture OpenChecked(const std::string& pFile, bool pIgnoresAlpha) {
   sLight light = ChooseLight(layout, header, picture);
   light.fIsSound = IsSound(layout);
   const bool hasAlpha = layout.fSamples > layout.fColours && !pIgnoresAlpha;
+  picture.fIsPremultiplied = hasAlpha && associated.Get() != nullptr;
+  picture.fHasOwnLight = picture.fIsPremultiplied && associated.fHasOwnLight;
   picture.fRows =
       std::make_unique<cVipsRows>(pFile, layout.fIsRgbe ? stored : image, std::move(layout), hasAlpha, light);
   return picture;

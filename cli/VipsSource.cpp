@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "cli/Failure.h"
-#include "cli/RestartedFile.h"
 #include "cli/VipsLibrary.h"
 
 namespace Cli {
@@ -54,19 +53,20 @@ const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource
 }
 
 /// Radiance files begin with the name of the program that wrote them, of which libvips knows one.
-vips::VSource OpenSource(const std::string& pFile) {
+vips::VSource OpenSource(const std::string& pFile, const sAmendment* pAmendment) {
+  if (pAmendment != nullptr) return OpenAmended(pFile, *pAmendment);
   const std::string shortName = "#?RGBE";
   std::string start(shortName.size() + 1, '\0');
   std::ifstream(pFile, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
   if (start == shortName + "\n" || start == shortName + "\r") {
-    return OpenRestarted(pFile, shortName.size(), "#?RADIANCE");
+    return OpenAmended(pFile, {0, static_cast<std::int64_t>(shortName.size()), "#?RADIANCE"});
   }
   return vips::VSource::new_from_file(pFile.c_str());
 }
 
 /// From a source, not a name: libvips takes a "[" in a name for the start of options.
-VImage Open(const std::string& pFile, VipsAccess pAccess) {
-  const vips::VSource source = OpenSource(pFile);
+VImage Open(const std::string& pFile, VipsAccess pAccess, const sAmendment* pAmendment) {
+  const vips::VSource source = OpenSource(pFile, pAmendment);
   const sFormat& format = FindFormat(pFile, source);
   VImage image = VImage::new_from_source(
       source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
@@ -96,10 +96,10 @@ int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {
 
 }  // namespace
 
-VImage OpenUpright(const std::string& pFile, int pOrientation) {
-  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL);
+VImage OpenUpright(const std::string& pFile, int pOrientation, const sAmendment* pAmendment) {
+  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL, pAmendment);
   const int orientation = pOrientation > 1 ? pOrientation : vips_image_get_orientation(image.get_image());
-  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM);
+  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM, pAmendment);
   if (orientation <= 1) return image;
   image = Uncode(image).copy();
   image.set(VIPS_META_ORIENTATION, orientation);

@@ -5,15 +5,16 @@
 #include <vector>
 #include <vips/vips8>
 
+#include "cli/AmendedFile.h"
 #include "cli/IccDecoder.h"
 
 namespace Cli {
 
 /// Opens a Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF or JPEG XL file and turns the picture upright; rows
 /// are streamed unless they must be turned. Pixels of Radiance that stand as they are stay coded.
-/// pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. Throws cFailure and
-/// vips::VError.
-vips::VImage OpenUpright(const std::string& pFile, int pOrientation);
+/// pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. pAmendment: of the
+/// file's bytes, or null. Throws cFailure and vips::VError.
+vips::VImage OpenUpright(const std::string& pFile, int pOrientation, const sAmendment* pAmendment = nullptr);
 
 /// Whether each pixel is four bytes: samples of red, green and blue, and their common exponent.
 bool IsCoded(const vips::VImage& pImage);

@@ -1,6 +1,8 @@
 // Writes the inputs that the fuzzers start from, a folder a door: small pictures, and noise.
 //   MakeSeeds FOLDER
 
+#include <OpenEXR/ImfRgbaFile.h>
+
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -34,10 +36,18 @@ void MakeExr(const std::string& pFolder) {
                           Imf::PXR24_COMPRESSION, Imf::B44_COMPRESSION, Imf::DWAA_COMPRESSION}) {
     WriteExr(pFolder + "kind" + std::to_string(kind) + ".exr", small, {{"R", "G", "B"}, false, {}, kind});
   }
+  WriteExr(pFolder + "window.exr", small,
+           {.fAlpha = std::vector<float>(30, 0.5f), .fAt = {3, -2}, .fDisplay = {{0, 0}, {7, 7}}});
+  WriteExr(pFolder + "layers.exr", small, {.fChannels = {"R", "a.G", "a.B"}});
+  Imf::RgbaOutputFile chroma((pFolder + "chroma.exr").c_str(), Imf::Header(6, 4), Imf::WRITE_YCA);
+  const std::vector<Imf::Rgba> pixels(24, Imf::Rgba(0.5f, 2.0f, 0.25f, 0.5f));
+  chroma.setFrameBuffer(pixels.data(), 1, 6);
+  chroma.writePixels(4);
 }
 
 void MakeHdr(const std::string& pFolder) {
   WriteRadiance(pFolder + "flat.hdr", MakeScene(7, 5));
+  WriteRadiance(pFolder + "short.hdr", MakeScene(4, 3), "", "", "#?RGBE");
   WriteRadiance(pFolder + "lines.hdr", MakeScene(5, 7),
                 "FORMAT=32-bit_rle_xyze\nEXPOSURE=2.5\nCOLORCORR=1 2 0.5\n"
                 "PRIMARIES=.64 .33 .3 .6 .15 .06 .3127 .329\n",

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/Alpha.h"
 #include "cli/Failure.h"
 #include "cli/LdrReader.h"
 #include "cli/PictureReader.h"
@@ -90,7 +91,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   const std::string_view content(reinterpret_cast<const char*>(pBytes), pSize);
   if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
   const cMemoryFile file(content);
-  Try([&] { CheckIsFinite(Cli::ReadPicture(file.Name())); });
+  Try([&] {
+    Cli::sPicture picture = Cli::ReadPicture(file.Name());
+    CheckIsFinite(picture);
+    Cli::SettleAlpha(picture);
+    CheckIsFinite(picture);
+  });
   if (!IsOfIntegers(FUZZ_FORMAT)) return 0;
   Try([&] {
     Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize");

@@ -57,7 +57,8 @@ TEST_F(InspectTool, MeasuresLight) {
   picture.GetPixel(2, 8)[0] = std::numeric_limits<float>::infinity();
   picture.GetPixel(2, 9)[1] = -1.0f;
   WritePfm("bad.pfm", picture);
-  EXPECT_EQ(Inspect("bad.pfm")["repaired"], nlohmann::json({{"nan", 1}, {"infinite", 1}, {"negative", 1}}));
+  EXPECT_EQ(Inspect("bad.pfm")["repaired"],
+            nlohmann::json({{"nan", 1}, {"infinite", 1}, {"outliers", 0}, {"negative", 1}}));
 
   sTestPicture black{7, 3, std::vector<float>(63, 0.0f)};
   WritePfm("black.pfm", black);
@@ -111,6 +112,33 @@ TEST_F(InspectTool, TellsMetadataAndGoesOnAfterAFailure) {
   EXPECT_EQ(std::count(run.fOutput.begin(), run.fOutput.end(), '\n'), 2);
   EXPECT_NE(run.fErrors.find("missing.jpg: No such file"), std::string::npos);
   EXPECT_NE(run.fErrors.find("1 of 3 pictures failed"), std::string::npos);
+}
+
+TEST_F(InspectTool, SaysWhatTonemapWillDo) {
+  const sTestPicture flat{200, 100, std::vector<float>(60000, 0.5f)};
+  const sTestPicture scene = MakeScene(200, 100);
+  WriteExr("edges.exr", flat);
+  WriteExr("stated.exr", scene, {.fIsPanorama = true});
+  WriteExr("none.exr", scene);
+  for (const char* const reason : {"edges", "stated", "none"}) {
+    const std::string file = std::string(reason) + ".exr";
+    const bool wraps = std::string(reason) != "none";
+    const nlohmann::json told = Inspect(file)["wrap"];
+    EXPECT_EQ(told["horizontal"], wraps);
+    EXPECT_EQ(told["reason"], std::string(reason) == "stated" ? "metadata" : reason);
+    EXPECT_EQ(Expect(0, "inspect " + file).find("tonemap wraps around") != std::string::npos, wraps);
+    EXPECT_EQ(nlohmann::json::parse(Expect(0, "tonemap --json --overwrite -o a.png " + file))["wrap"], wraps);
+  }
+  // what is in the file is measured, not what alpha makes of it
+  sExrKind kind{.fAlpha = std::vector<float>(20000, 0.25f)};
+  kind.fAlpha[0] = 1e-6f;
+  WriteExr("alpha.exr", scene, kind);
+  EXPECT_EQ(Inspect("alpha.exr")["log_luminance"]["max"], Inspect("none.exr")["log_luminance"]["max"]);
+  WriteExrParts("parts.exr", scene, false);
+  const nlohmann::json parts = Inspect("parts.exr --part colour")["parts"];
+  EXPECT_EQ(parts.size(), 3u);
+  EXPECT_EQ(parts[0],
+            nlohmann::json({{"name", "depth"}, {"channels", {"Z"}}, {"layers", nlohmann::json::array()}}));
 }
 
 TEST_F(InspectTool, PlotsWhatTheEngineDoes) {

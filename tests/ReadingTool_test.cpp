@@ -1,4 +1,4 @@
-#include <OpenEXR/ImfEnvmap.h>
+#include <OpenEXR/ImfRgbaFile.h>
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -111,7 +111,8 @@ TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
     EXPECT_EQ(picture.fFileDepth, row.fDepth) << row.fFile;
     EXPECT_EQ(picture.fColorSpace, row.fColorSpace) << row.fFile;
     EXPECT_LE(Compare(expected, picture), row.fTolerance) << row.fFile;
-    EXPECT_TRUE(picture.fWarnings.empty()) << row.fFile << picture.fWarnings.front();
+    const bool hasParts = picture.fParts.size() > 1;  // which are left out
+    EXPECT_EQ(picture.fWarnings.size(), hasParts ? 1u : 0u) << row.fFile << picture.fWarnings.front();
   }
 }
 
@@ -193,30 +194,129 @@ TEST_F(ReadingTool, KeepsAlphaToTheBit) {
   }
 }
 
-TEST_F(ReadingTool, UndoesWhatExrMultipliesIntoItsColours) {
-  sTestPicture stored{4, 1, {0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f}};
-  std::vector<float> alpha = {0.25f, 0.0f, 1.0f, kNaN};
-  Imf::Header header(4, 1);
-  Imf::FrameBuffer frame;
-  for (int i = 0; i < 3; ++i) {
-    const char* const name = i == 0 ? "R" : i == 1 ? "G" : "B";
-    header.channels().insert(name, Imf::Channel(Imf::FLOAT));
-    frame.insert(name, Imf::Slice(Imf::FLOAT, reinterpret_cast<char*>(&stored.fSamples[0] + i), 12, 48));
+TEST_F(ReadingTool, KnowsCoveredLightFromLightOfItsOwn) {
+  const sTestPicture stored{4, 1, std::vector<float>(12, 0.5f)};
+  sExrKind kind;
+  const struct {
+    std::vector<float> fAlpha;
+    std::vector<float> fLight;  // of the settled picture
+  } cases[] = {{{0.5f, 0.5f, 1.0f, 0.75f}, {1.0f, 1.0f, 0.5f, 2.0f / 3.0f}},
+               {{0.25f, 0.2f, 0.25f, 0.2f}, {2.0f, 2.5f, 2.0f, 2.5f}},
+               {{0.5f, 0.0f, 1.0f, kNaN}, {0.5f, 0.5f, 0.5f, 0.5f}},  // alpha 0, and far too small
+               {{1.0f, 0.001f, 1.0f, 1.0f}, {0.5f, 0.5f, 0.5f, 0.5f}},
+               {{0.0f, 0.0f, 0.0f, 0.0f}, {0.5f, 0.5f, 0.5f, 0.5f}}};
+  for (const auto& row : cases) {
+    kind.fAlpha = row.fAlpha;
+    WriteExr("a.exr", stored, kind);
+    sPicture picture = ReadPicture("a.exr");
+    for (int x = 0; x < 4; ++x) EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], 0.5f, 1e-5f);  // the file's
+    Cli::SettleAlpha(picture);
+    for (int x = 0; x < 4; ++x) {
+      EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], row.fLight[static_cast<std::size_t>(x)], 1e-3f) << x;
+    }
+    EXPECT_EQ(picture.fIsPremultiplied, row.fLight[0] == 0.5f);
   }
-  header.channels().insert("A", Imf::Channel(Imf::FLOAT));
-  frame.insert("A", Imf::Slice(Imf::FLOAT, reinterpret_cast<char*>(alpha.data()), 4, 16));
-  Imf::addEnvmap(header, Imf::ENVMAP_LATLONG);
-  {
-    Imf::OutputFile file("a.exr", header);
-    file.setFrameBuffer(frame);
-    file.writePixels(1);
+  sTestPicture hidden = stored;  // nothing there
+  std::fill_n(hidden.GetPixel(1, 0), 3, 0.0f);
+  kind.fAlpha = {0.5f, 0.0f, 1.0f, 0.75f};
+  WriteExr("a.exr", hidden, kind);
+  sPicture picture = ReadPicture("a.exr");
+  Cli::SettleAlpha(picture);
+  EXPECT_FALSE(picture.fIsPremultiplied);
+  EXPECT_EQ(picture.fAlpha, (std::vector<std::uint16_t>{32768, 0, 65535, 49151}));
+}
+
+/// A flame above a candle that covers a few pixels.
+sTestPicture MakeCandle(sExrKind& pKind) {
+  sTestPicture scene = MakeScene(90, 60);
+  pKind.fAlpha.assign(90 * 60, 0.0f);
+  for (int y = 0; y < 60; ++y) {
+    for (int x = 0; x < 90; ++x) {
+      const float distance = std::hypot(static_cast<float>(x - 45), static_cast<float>(y - 20) / 2.0f);
+      const float light = 30.0f * std::exp(-distance / 3.0f);
+      for (int i = 0; i < 3; ++i) scene.GetPixel(x, y)[i] = light * (1.0f - 0.3f * static_cast<float>(i));
+      if (y < 30 || std::abs(x - 45) > 6) continue;
+      std::fill_n(scene.GetPixel(x, y), 3, 0.2f + 0.01f * static_cast<float>(y % 7));
+      pKind.fAlpha[static_cast<std::size_t>(y * 90 + x)] = 1.0f;
+    }
   }
-  const sPicture picture = ReadPicture("a.exr");
-  const float* const row = Cli::GetRow(picture, 0);
-  EXPECT_NEAR(row[1], 2.0f, 1e-5f);
-  for (int x = 1; x < 4; ++x) EXPECT_NEAR(row[3 * x + 1], 0.5f, 1e-5f);
-  EXPECT_EQ(picture.fAlpha, (std::vector<std::uint16_t>{16384, 0, 65535, 0}));
-  EXPECT_TRUE(picture.fIsPanorama);
+  return scene;
+}
+
+TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
+  sExrKind kind;
+  const sTestPicture scene = MakeCandle(kind);
+  WriteExr("plain.exr", scene);
+  WriteExr("candle.exr", scene, kind);
+  const auto tonemap = [](const std::string& pArguments, const std::string& pFile) {
+    const sRun run = Run("tonemap " + pArguments + " --overwrite -o " + pFile);
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    return run.fErrors;
+  };
+  const auto overBlack = [](const std::string& pFile) {
+    return VImage::new_from_file(pFile.c_str()).flatten().cast(VIPS_FORMAT_DOUBLE);
+  };
+  for (const std::string options : {"--depth 8", "--depth 16", "--preview 45"}) {
+    tonemap("plain.exr " + options, "plain.png");
+    const VImage expected = VImage::new_from_file("plain.png").cast(VIPS_FORMAT_DOUBLE);
+    EXPECT_NE(tonemap("candle.exr " + options, "a.png").find("alpha is raised in "), std::string::npos);
+    EXPECT_LE((overBlack("a.png") - expected).abs().max(), 1.0) << options;
+    EXPECT_EQ(tonemap("candle.exr --alpha ignore " + options, "b.png"), "");
+    EXPECT_EQ((VImage::new_from_file("b.png") - expected).abs().max(), 0.0) << options;
+    EXPECT_EQ(tonemap("candle.exr " + options, "a.tif"), "");
+    tonemap("candle.exr --alpha black " + options, "c.png");
+    EXPECT_EQ((VImage::new_from_file("c.png") - expected).abs().max(), 0.0) << options;
+  }
+  // premultiplied, and says so
+  const std::string tiff = ReadText("a.tif");
+  EXPECT_NE(tiff.find(std::string("\x52\x01\x03\x00\x01\x00\x00\x00\x01\x00", 10)), std::string::npos);
+  // and is read as it was written
+  tonemap("candle.exr --depth 16", "a.tif");
+  tonemap("candle.exr --depth 16 --alpha ignore", "b.tif");
+  EXPECT_EQ(SamplesOf(ReadPicture("a.tif")), SamplesOf(ReadPicture("b.tif")));
+  EXPECT_TRUE(ReadPicture("a.tif").fHasOwnLight);
+  EXPECT_NE(tonemap("candle.exr", "a.jpg").find("JPEG holds no transparency: the picture over black"),
+            std::string::npos);
+}
+
+TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
+  const sTestPicture scene = MakeScene(90, 60);
+  sTestPicture multiplied = scene;
+  sExrKind kind;
+  std::vector<float> straight;
+  for (int i = 0; i < 90 * 60; ++i) {
+    const float alpha = std::clamp(static_cast<float>(i % 90 - 30) / 20.0f, 0.0f, 1.0f);
+    kind.fAlpha.push_back(alpha);
+    for (int k = 0; k < 3; ++k) {
+      float& sample = multiplied.fSamples[static_cast<std::size_t>(3 * i + k)];
+      straight.push_back(alpha > 0.0f ? sample : 7.0f);  // hidden
+      sample *= alpha;
+    }
+    straight.push_back(alpha);
+  }
+  WriteExr("a.exr", multiplied, kind);
+  ToVips(straight, 90, 4, VIPS_FORMAT_FLOAT)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB))
+      .tiffsave("a.tif");
+  for (const char* const file : {"a.exr", "a.tif"}) {
+    ASSERT_EQ(Run(std::string("tonemap ") + file + " --overwrite -o " + file + ".png").fErrors, "");
+  }
+  const VImage kept = VImage::new_from_file("a.exr.png");
+  EXPECT_LE((kept - VImage::new_from_file("a.tif.png")).abs().max(), 1.0);
+  for (const std::string colour : {"'#ff8000'", "ff8000"}) {
+    ASSERT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha " + colour).fErrors, "");
+    const VImage over = kept.flatten(VImage::option()->set("background", std::vector<double>{255, 128, 0}));
+    EXPECT_LE((VImage::new_from_file("over.png") - over).abs().max(), 1.0);
+  }
+  ASSERT_EQ(
+      Run("tonemap a.exr --overwrite -o over.tif --depth 16 --colorspace prophoto --alpha ff8000").fErrors,
+      "");
+  const auto corner = VImage::new_from_file("over.tif").icc_transform("srgb").getpoint(0, 0);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(corner[static_cast<std::size_t>(i)], 255 - 127.5 * i, 1.5) << i;
+  EXPECT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha orange").fExitCode, 2);
+  // and the choice is kept with the result
+  ASSERT_EQ(Run("tonemap a.tif --overwrite -o again.png --settings-from over.png").fErrors, "");
+  EXPECT_EQ(Load("again.png").fShape[2], 3);
 }
 
 /// What lies under full transparency is never seen, and what is seen does not depend on it.
@@ -261,11 +361,53 @@ TEST_F(ReadingTool, CountsWhatItRepairs) {
   WriteExr("a.exr", scene);
   const sPicture picture = ReadPicture("a.exr");
   EXPECT_EQ(picture.fRepairs.fNaN, 1);
-  EXPECT_EQ(picture.fRepairs.fInfinite, 3);
+  EXPECT_EQ(picture.fRepairs.fInfinite, 2);
+  EXPECT_EQ(picture.fRepairs.fOutliers, 1);
   EXPECT_GE(picture.fRepairs.fNegative, 2);
   EXPECT_NEAR(Cli::GetRow(picture, 2)[3 * 5 + 1], 500.0f, 0.01f);
-  EXPECT_EQ(picture.fWarnings.size(), 1u);
+  EXPECT_EQ(picture.fWarnings.size(), 2u);
   for (const float sample : SamplesOf(picture)) ASSERT_TRUE(std::isfinite(sample) && sample > -1e-6f);
+}
+
+/// An outlier becomes what +infinity does; the sun, and what is no single spot, stay.
+TEST_F(ReadingTool, OutliersAreNoLight) {
+  const auto write = [](const sTestPicture& pPicture, const std::string& pFile) {
+    if (pFile.ends_with(".pfm")) WritePfm(pFile, pPicture);
+    if (pFile.ends_with(".exr")) WriteExr(pFile, pPicture);
+    if (pFile.ends_with(".hdr")) WriteRadiance(pFile, pPicture);
+    if (pFile.ends_with(".tif")) ToVipsFloat(pPicture).tiffsave(pFile.c_str());
+  };
+  const sTestPicture scene = MakeScene(60, 80);
+  const auto spot = [&](float pLight, int pRow) {
+    sTestPicture other = scene;
+    std::fill_n(other.GetPixel(31, pRow), 3, pLight);
+    return other;
+  };
+  WritePfm("infinite.pfm", spot(kInfinity, 40));
+  const std::vector<float> expected = SamplesOf(ReadPicture("infinite.pfm"));
+  for (const char* const file : {"a.pfm", "a.exr", "a.hdr", "a.tif"}) {
+    for (const float light : {1e9f, 1e20f, 1e38f}) {
+      write(spot(light, 40), file);
+      const sPicture picture = ReadPicture(file);
+      EXPECT_EQ(picture.fRepairs.fOutliers, 1) << file << light;
+      EXPECT_EQ(picture.fRepairs.fInfinite, 0) << file << light;
+      ASSERT_EQ(picture.fWarnings.size(), 1u) << file;
+      if (file[2] == 'h') continue;  // which rounds
+      EXPECT_EQ(SamplesOf(picture), expected) << file << light;
+    }
+    write(spot(1e6f, 40), file);
+    const sPicture sun = ReadPicture(file);
+    EXPECT_EQ(sun.fRepairs.fOutliers, 0) << file;
+    EXPECT_NEAR(Cli::GetRow(sun, 40)[3 * 31 + 1], 1e6f, 1e4f) << file;
+  }
+  sTestPicture many = scene;
+  for (int y = 0; y < 20; ++y) std::fill_n(many.GetPixel(0, y), 60, 1e20f);
+  WriteExr("many.exr", many);
+  EXPECT_EQ(ReadPicture("many.exr").fRepairs.fOutliers, 0);
+  sTestPicture dark = spot(-1e20f, 40);
+  WriteExr("dark.exr", dark);
+  EXPECT_EQ(ReadPicture("dark.exr").fRepairs.fOutliers, 1);
+  EXPECT_NEAR(Cli::GetRow(ReadPicture("dark.exr"), 40)[3 * 31 + 1], 0.0f, 1e-6f);
 }
 
 TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
@@ -277,8 +419,15 @@ TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
     job.fExisting = Cli::eExisting::kReplace;
     return Cli::TonemapPicture(job);
   };
-  for (const float odd : {0.5f, std::nanf(""), kInfinity}) {  // which needs all rows first
-    scene.GetPixel(123, 456)[1] = odd;
+  // the last of them need all rows first
+  for (const auto& [odd, y] : {std::pair{0.5f, 456},
+                               {std::nanf(""), 456},
+                               {kInfinity, 456},
+                               {1e20f, 0},
+                               {1e20f, 456},
+                               {1e38f, 899}}) {
+    scene = MakeScene(300, 900);
+    scene.GetPixel(123, y)[1] = odd;
     WritePfm("whole.pfm", scene);
     ToVipsFloat(scene).tiffsave("rows.tif");
     const Cli::sPictureReport whole = tonemap("whole.pfm");
@@ -289,6 +438,110 @@ TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
     EXPECT_EQ(rows.fColorSpace, whole.fColorSpace);
     EXPECT_EQ(rows.fRendering.fWhiteShare, whole.fRendering.fWhiteShare) << odd;
     EXPECT_GE(rows.fRendering.fSeconds.fPreparation, 0.0);
+  }
+}
+
+TEST_F(ReadingTool, ExrPicturesAreTheirDisplayWindow) {
+  const sTestPicture scene = MakeScene(48, 32);
+  WriteExr("whole.exr", scene);
+  const sPicture whole = ReadPicture("whole.exr");
+  const struct {
+    Imath::V2i fAt;
+    Imath::Box2i fDisplay;
+    Imath::V2i fSize;
+    bool fHasAlpha;
+    std::size_t fWarnings;
+  } cases[] = {{{-5, 7}, {{-5, 7}, {42, 38}}, {48, 32}, false, 0},
+               {{-5, 7}, {{0, 9}, {30, 20}}, {31, 12}, false, 1},
+               {{10, 20}, {{0, 0}, {99, 79}}, {100, 80}, true, 1},
+               {{10, 20}, {{30, 0}, {99, 40}}, {70, 41}, true, 1},
+               {{0, 0}, {{500, 500}, {600, 600}}, {48, 32}, false, 1},
+               {{0, 0}, {{0, 0}, {100000, 100000}}, {48, 32}, false, 1}};
+  for (const auto& row : cases) {
+    for (const bool isTiled : {false, true}) {
+      WriteExr("a.exr", scene, {.fTiled = isTiled, .fAt = row.fAt, .fDisplay = row.fDisplay});
+      const sPicture picture = ReadPicture("a.exr");
+      ASSERT_EQ(picture.fBitmap->GetWidth(), row.fSize.x);
+      ASSERT_EQ(picture.fBitmap->GetHeight(), row.fSize.y);
+      EXPECT_EQ(!picture.fAlpha.empty(), row.fHasAlpha);
+      EXPECT_EQ(picture.fWarnings.size(), row.fWarnings);
+      const bool isWhole = row.fSize == Imath::V2i(48, 32);
+      for (int y = 0; y < row.fSize.y; ++y) {
+        for (int x = 0; x < row.fSize.x; ++x) {
+          const Imath::V2i at = isWhole ? Imath::V2i(x, y) : row.fDisplay.min + Imath::V2i(x, y) - row.fAt;
+          const bool isStored = at.x >= 0 && at.x < 48 && at.y >= 0 && at.y < 32;
+          const float expected = isStored ? Cli::GetRow(whole, at.y)[3 * at.x + 1] : 0.0f;
+          ASSERT_EQ(Cli::GetRow(picture, y)[3 * x + 1], expected) << x << ' ' << y;
+          if (!row.fHasAlpha) continue;
+          ASSERT_EQ(picture.fAlpha[static_cast<std::size_t>(y * row.fSize.x + x)], isStored ? 65535 : 0);
+        }
+      }
+    }
+  }
+  // an environment map is its data window, whatever is displayed
+  WriteExr("a.exr", scene, {.fDisplay = {{4, 4}, {9, 9}}, .fIsPanorama = true});
+  EXPECT_TRUE(ReadPicture("a.exr").fIsPanorama);
+  EXPECT_EQ(ReadPicture("a.exr").fBitmap->GetWidth(), 48);
+  WriteExr("a.exr", scene, {.fAspect = 2.0f});
+  EXPECT_NE(ReadPicture("a.exr").fWarnings.at(0).find("2 times as wide as high"), std::string::npos);
+}
+
+TEST_F(ReadingTool, ChoosesPartsAndLayersOfExr) {
+  const sTestPicture scene = MakeScene(48, 32);
+  WriteExr("plain.exr", scene);
+  const sPicture plain = ReadPicture("plain.exr");
+  sTestPicture half = scene;
+  for (float& sample : half.fSamples) sample *= 0.5f;
+  WriteExr("layers.exr", half, {.fChannels = {"spec.R", "spec.G", "spec.B"}});
+  EXPECT_NEAR(Compare(plain, ReadPicture("layers.exr", {"", "spec"})), 0.5, 1e-3);
+  WriteExrParts("parts.exr", scene, false);
+  EXPECT_NE(ReadPicture("parts.exr").fWarnings.at(0).find("part 0 (depth), part 2 (small)"),
+            std::string::npos);
+  for (const char* const part : {"1", "colour"}) {
+    EXPECT_LE(Compare(plain, ReadPicture("parts.exr", {part, ""})), 1e-3) << part;
+  }
+  const struct {
+    const char* fArguments;
+    const char* fSaid;
+  } refused[] = {
+      {"parts.exr --part 3", "has no part 3; it has part 0 (depth), part 1 (colour), part 2 (small)"},
+      {"parts.exr --part 0", "(it has: Z)"},
+      {"parts.exr --layer spec", "has no layer spec with colours"},
+      {"layers.exr", "layers with colours: spec; --layer chooses one"},
+      {"layers.exr --layer diffuse", "layers with colours: spec"},
+      {"plain.hdr --part 1", "is not OpenEXR"}};
+  WriteRadiance("plain.hdr", scene);
+  for (const auto& row : refused) {
+    const sRun run = Run(std::string("tonemap -o out.png ") + row.fArguments);
+    EXPECT_EQ(run.fExitCode, 3) << row.fArguments;
+    EXPECT_NE(run.fErrors.find(row.fSaid), std::string::npos) << run.fErrors;
+  }
+  EXPECT_NE(Run("inspect --layer spec layers.exr").fOutput.find("Parts"), 0u);
+}
+
+/// Chroma at half the resolution, and Radiance by another name.
+TEST_F(ReadingTool, ReadsLuminanceChromaAndShortRadianceNames) {
+  const sTestPicture scene = MakeScene(64, 48);
+  WriteExr("plain.exr", scene);
+  {
+    Imf::RgbaOutputFile file("chroma.exr", Imf::Header(64, 48), Imf::WRITE_YCA);
+    std::vector<Imf::Rgba> pixels;
+    for (std::size_t i = 0; i < scene.fSamples.size(); i += 3) {
+      pixels.emplace_back(scene.fSamples[i], scene.fSamples[i + 1], scene.fSamples[i + 2], 1.0f);
+    }
+    file.setFrameBuffer(pixels.data(), 1, 64);
+    file.writePixels(48);
+  }
+  const sPicture chroma = ReadPicture("chroma.exr");
+  EXPECT_LE(Compare(ReadPicture("plain.exr"), chroma), 0.02);
+  EXPECT_EQ(chroma.fFileDepth, 16);
+  WriteRadiance("a.hdr", scene);
+  for (const char* const name : {"#?RGBE", "#?RGBE\r"}) {
+    for (const char* const order : {"-Y 48 +X 64", "+Y 48 +X 64"}) {
+      WriteRadiance("a.hdr", scene, "", order);
+      WriteRadiance("b.hdr", scene, "", order, name);
+      EXPECT_EQ(Compare(ReadPicture("a.hdr"), ReadPicture("b.hdr")), 0.0) << name << order;
+    }
   }
 }
 

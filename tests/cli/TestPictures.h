@@ -2,6 +2,7 @@
 
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfChromaticitiesAttribute.h>
+#include <OpenEXR/ImfEnvmap.h>
 #include <OpenEXR/ImfFloatAttribute.h>
 #include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfHeader.h>
@@ -74,10 +75,11 @@ inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
 
 /// pLines: header lines, each with its end. pResolution: the picture's own where it is empty.
 inline void WriteRadiance(const std::string& pFile, const sTestPicture& pPicture,
-                          const std::string& pLines = "", const std::string& pResolution = "") {
+                          const std::string& pLines = "", const std::string& pResolution = "",
+                          const std::string& pName = "#?RADIANCE") {
   std::ofstream stream(pFile, std::ios::binary);
   const std::string own = "-Y " + std::to_string(pPicture.fHeight) + " +X " + std::to_string(pPicture.fWidth);
-  stream << "#?RADIANCE\n" << (pLines.empty() ? "FORMAT=32-bit_rle_rgbe\n" : pLines) << "\n";
+  stream << pName << "\n" << (pLines.empty() ? "FORMAT=32-bit_rle_rgbe\n" : pLines) << "\n";
   stream << (pResolution.empty() ? own : pResolution) << "\n";
   for (std::size_t i = 0; i < pPicture.fSamples.size(); i += 3) {
     int exponent = 0;
@@ -96,18 +98,27 @@ struct sExrKind {
   Imf::Compression fCompression = Imf::ZIP_COMPRESSION;
   std::vector<std::pair<const char*, std::string>> fTexts{};  ///< Attributes of these names.
   std::vector<std::pair<const char*, float>> fNumbers{};
+  std::vector<float> fAlpha{};  ///< A value per pixel, or none; the colours are stored as they are.
+  Imath::V2i fAt{0, 0};         ///< Where the data window begins.
+  Imath::Box2i fDisplay{};      ///< Empty for the data window.
+  float fAspect = 1.0f;
+  bool fIsPanorama = false;
 };
 
 inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, const sExrKind& pKind = {}) {
-  Imf::Header header(pPicture.fWidth, pPicture.fHeight);
+  const Imath::Box2i data(pKind.fAt, pKind.fAt + Imath::V2i(pPicture.fWidth - 1, pPicture.fHeight - 1));
+  Imf::Header header(pKind.fDisplay.isEmpty() ? data : pKind.fDisplay, data, pKind.fAspect);
   header.compression() = pKind.fCompression;
+  if (pKind.fIsPanorama) Imf::addEnvmap(header, Imf::ENVMAP_LATLONG);
   Imf::FrameBuffer frame;
-  auto* base = reinterpret_cast<char*>(const_cast<float*>(pPicture.fSamples.data()));
-  for (const std::string& channel : pKind.fChannels) {
-    header.channels().insert(channel, Imf::Channel(Imf::FLOAT));
-    frame.insert(channel, Imf::Slice(Imf::FLOAT, base, 12, static_cast<std::size_t>(12 * pPicture.fWidth)));
-    base += sizeof(float);
-  }
+  const auto add = [&](const std::string& pName, const float* pFirst, std::size_t pStep) {
+    header.channels().insert(pName, Imf::Channel(Imf::FLOAT));
+    frame.insert(pName, Imf::Slice::Make(Imf::FLOAT, pFirst, data, pStep,
+                                         pStep * static_cast<std::size_t>(pPicture.fWidth)));
+  };
+  const float* base = pPicture.fSamples.data();
+  for (const std::string& channel : pKind.fChannels) add(channel, base++, 3 * sizeof(float));
+  if (!pKind.fAlpha.empty()) add("A", pKind.fAlpha.data(), sizeof(float));
   if (const std::vector<float>& c = pKind.fChromaticities; !c.empty()) {
     Imf::addChromaticities(header,
                            Imf::Chromaticities({c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}));

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vips/vips8>
+
+namespace Cli {
+
+/// Other bytes in place of some of a file's.
+struct sAmendment {
+  std::int64_t fAt = 0;
+  std::int64_t fLength = 0;  ///< Of the bytes that are replaced.
+  std::string fBytes;
+};
+
+/// A file as a source of libvips, with some of its bytes replaced. Throws vips::VError.
+vips::VSource OpenAmended(const std::string& pFile, const sAmendment& pAmendment);
+
+}  // namespace Cli
