@@ -18,9 +18,9 @@ bool IsWhole(const Imf::Channel& pChannel) {
   return pChannel.xSampling == 1 && pChannel.ySampling == 1;
 }
 
-void CheckIsWhole(const std::string& pFile, const Imf::ChannelList& pChannels, const std::string& pName) {
-  if (IsWhole(pChannels[pName])) return;
-  throw cFailure(eExitCode_CannotRead, pFile, "its channel " + pName + " is subsampled; convert it first");
+std::vector<std::string> NameChannels(const sExrSource& pSource) {
+  if (pSource.fColours != eExrColours::kRgb) return {pSource.NameOf("Y")};
+  return {pSource.NameOf("R"), pSource.NameOf("G"), pSource.NameOf("B")};
 }
 
 int CountColumns(const Imf::Header& pHeader) {
@@ -30,12 +30,8 @@ int CountColumns(const Imf::Header& pHeader) {
 /// Red, green and blue, or grey, each in a channel of its own.
 class cPlainLines : public cExrLines {
  public:
-  cPlainLines(const std::string& pFile, Imf::InputPart& pPart, const sExrSource& pSource)
-      : fPart(pPart), fSource(pSource), fWidth(CountColumns(pPart.header())) {
-    for (const char* const name : {"R", "G", "B"}) fNames.push_back(pSource.NameOf(name));
-    if (pSource.fColours == eExrColours::kGrey) fNames = {pSource.NameOf("Y")};
-    for (const std::string& name : fNames) CheckIsWhole(pFile, pPart.header().channels(), name);
-  }
+  cPlainLines(Imf::InputPart& pPart, const sExrSource& pSource)
+      : fPart(pPart), fSource(pSource), fWidth(CountColumns(pPart.header())), fNames(NameChannels(pSource)) {}
 
   void Read(int pY, int pCount, float* pTo, float* pToAlpha) override {
     const Imath::V2i origin(fPart.header().dataWindow().min.x, pY);
@@ -66,9 +62,7 @@ class cPlainLines : public cExrLines {
 class cChromaLines : public cExrLines {
  public:
   cChromaLines(const std::string& pFile, const Imf::Header& pHeader, const sExrSource& pSource)
-      : fFile(pFile.c_str(), pSource.fLayer), fX(pHeader.dataWindow().min.x), fWidth(CountColumns(pHeader)) {
-    CheckIsWhole(pFile, pHeader.channels(), pSource.NameOf("Y"));
-  }
+      : fFile(pFile.c_str(), pSource.fLayer), fX(pHeader.dataWindow().min.x), fWidth(CountColumns(pHeader)) {}
 
   void Read(int pY, int pCount, float* pTo, float* pToAlpha) override {
     fLines.resize(static_cast<std::size_t>(fWidth) * static_cast<std::size_t>(pCount));
@@ -100,14 +94,19 @@ bool HasAlphaChannel(const Imf::Header& pHeader, const sExrSource& pSource) {
   return alpha != nullptr && IsWhole(*alpha);
 }
 
+void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const sExrSource& pSource) {
+  for (const std::string& name : NameChannels(pSource)) {
+    if (IsWhole(pHeader.channels()[name])) continue;
+    throw cFailure(eExitCode_CannotRead, pFile, "its channel " + name + " is subsampled; convert it first");
+  }
+  if (pSource.fColours != eExrColours::kChroma || pSource.fPart == 0) return;
+  throw cFailure(eExitCode_CannotRead, pFile,
+                 "luminance and chroma (Y, RY, BY) are read from the first part only; convert it to R, G, B");
+}
+
 std::unique_ptr<cExrLines> OpenExrLines(const std::string& pFile, Imf::InputPart& pPart,
                                         const sExrSource& pSource) {
-  if (pSource.fColours != eExrColours::kChroma) return std::make_unique<cPlainLines>(pFile, pPart, pSource);
-  if (pSource.fPart != 0) {
-    throw cFailure(
-        eExitCode_CannotRead, pFile,
-        "luminance and chroma (Y, RY, BY) are read from the first part only; convert it to R, G, B");
-  }
+  if (pSource.fColours != eExrColours::kChroma) return std::make_unique<cPlainLines>(pPart, pSource);
   return std::make_unique<cChromaLines>(pFile, pPart.header(), pSource);
 }
 

@@ -26,8 +26,11 @@ class cExrLines {
 /// Whether the source has an alpha that belongs to its pixels.
 bool HasAlphaChannel(const Imf::Header& pHeader, const sExrSource& pSource);
 
-/// pPart stays the caller's. Luminance and chroma become RGB. Throws cFailure in the name of pFile, and what
-/// the library throws.
+/// Refuses sources whose colours are not stored as their kind should be. Throws cFailure in the name of
+/// pFile.
+void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const sExrSource& pSource);
+
+/// pPart stays the caller's. Luminance and chroma become RGB. Throws what the library throws.
 std::unique_ptr<cExrLines> OpenExrLines(const std::string& pFile, Imf::InputPart& pPart,
                                         const sExrSource& pSource);
 

@@ -200,6 +200,7 @@ void CheckWindows(const std::string& pFile, const sWindow& pPicture, const sWind
 sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
   auto part = std::make_unique<sOpenPart>(pFile, pChoice);
   const Imf::Header& header = part->GetHeader();
+  CheckExrSource(pFile, header, part->fSource);
   sPicture picture;
   picture.fParts = ListExrParts(part->fFile);
   const std::string leftOut = DescribeLeftOut(picture.fParts, part->fSource);

@@ -104,7 +104,7 @@ bool cLightRows::Finish(sPicture& pPicture) {
   }
   if (fRepairs.fOutliers > 0) {
     pPicture.fWarnings.push_back("repaired " + CountPixels(fRepairs.fOutliers) +
-                                 " with values millions of times above all others");
+                                 " too far above all other light (outliers)");
   }
   return true;
 }
