@@ -1,6 +1,5 @@
 #include "cli/ExrLines.h"
 
-#include <OpenEXR/ImfArray.h>
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfRgbaFile.h>
