@@ -496,8 +496,7 @@ TEST_F(BatchTool, WorksWithWhatTheSystemLets) {
   WriteExr("names.exr", wide, kind);
   const sRun names = Run("tonemap names.exr in/100.pfm --out-dir out --overwrite");
   EXPECT_EQ(names.fExitCode, 1);
-  EXPECT_EQ(names.fErrors.rfind("quorvane: names.exr: it has neither", 0), 0u)
-      << names.fErrors.substr(0, 200);
+  EXPECT_NE(names.fErrors.find("quorvane: names.exr: it has neither"), std::string::npos) << names.fErrors;
   EXPECT_LT(names.fErrors.size(), 4000u);
 }
 
