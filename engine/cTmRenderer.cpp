@@ -14,6 +14,7 @@
 #include "engine/cMemUtils.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/BaseLayer.h"
+#include "engine/stages/BilateralGrid.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
@@ -27,12 +28,10 @@ static constexpr char kSourceFile[] = ".\\cTmRenderer.cpp";
 namespace {
 
 /// Cell size in pixels: one to ten per cent of the picture's larger side over the control's range.
-float SpatialSigma(float pLargerSide, float pMicrocontrast, bool pWrap) {
+float SpatialSigma(float pLargerSide, float pMicrocontrast) {
   const float scale = pMicrocontrast < 100.0f ? (pMicrocontrast - 10.0f) * 15.0f / 90.0f + 10.0f
                                               : (pMicrocontrast - 100.0f) * 75.0f / 100.0f + 25.0f;
-  const float sigma = std::max(pLargerSide / 1000.0f * scale, pLargerSide / 1000.0f);
-  // With wrap the grid sees three sigmas more on each side: without a limit, that margin has no end.
-  return pWrap ? std::min(sigma, pLargerSide) : sigma;
+  return std::max(pLargerSide / 1000.0f * scale, pLargerSide / 1000.0f);
 }
 
 /// Cell size in decades of luminance.
@@ -234,12 +233,16 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
   const float largerSide = static_cast<float>(std::max(width, height));
-  const sBaseFilter filter = {SpatialSigma(largerSide, fMicrocontrast, fHorizontalWrap),
+  const sBaseFilter filter = {SpatialSigma(largerSide, fMicrocontrast),
                               RangeSigma(fLighting),
                               fLuminance.fLogMin,
                               fLuminance.fLogMax,
                               fLocalContrast / 100.0f,
                               fHorizontalWrap};
+  TM_CHECK(cBilateralGrid::IsWithinBounds(width, height, filter.fSigmaS, filter.fSigmaR, filter.fRangeMin,
+                                          filter.fRangeMax),
+           cOutOfMemoryException,
+           "Microcontrast and Lighting ask for a grid far larger than the picture.");
   FormBaseLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers);
   if (IsSet(pAborted)) return;
   if (fVerbose) {

@@ -84,7 +84,8 @@ class cTmRenderer {
   void InvalidateOutputEncoding();  ///< The output's encoding table, and final rendering.
 
   /// Runs the stale stages. Throws cInvalidOperationException for a missing image or sizes that differ,
-  /// cArgumentException for a NaN in Microcontrast or Lighting, and cOutOfMemoryException or std::bad_alloc.
+  /// cArgumentException for a NaN in Microcontrast or Lighting, and cOutOfMemoryException or std::bad_alloc;
+  /// the former also for sliders that ask for a grid beyond cBilateralGrid::IsWithinBounds.
   /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
   /// and those after it run at the next call. All stages look at *pCancel before each row of the picture and
   /// of the grid (for rows that make up a run of 1024 pixels together, before the first of them); tables of

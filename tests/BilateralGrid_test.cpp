@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <new>
 #include <vector>
 
+#include "engine/stages/BilateralGrid.h"
 #include "tests/Numbers.h"
 #include "tests/Pictures.h"
 
@@ -67,6 +69,46 @@ TEST(BilateralGrid, LetsOneEdgeSeeTheOtherOnlyWithWrap) {
   const auto left = [&](bool pWrap) { return Filter(lit, width, height, {4.0f, 1.0f, pWrap})[0]; };
   EXPECT_EQ(left(false), 0.0f);
   EXPECT_GT(left(true), 0.002f);
+}
+
+TEST(BilateralGrid, TakesNoLongerForWrapInTallPictures) {
+  const int height = 20000;
+  const tFloats from = Edge(1, height);
+  const auto seconds = [&](bool pWrap) {
+    const std::clock_t start = std::clock();
+    Filter(from, 1, height, {500.0f, 0.3f, pWrap});
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+  };
+  seconds(false);
+  EXPECT_LT(seconds(true),
+            20.0 * seconds(false));  // a margin of three cells instead of three widths: 500 times
+}
+
+/// Cells: 7 * 7 * (7 + the range in units of pSigmaR = 1) here, as the spatial cells are larger than any
+/// picture.
+TEST(BilateralGrid, IsBoundedByThePictureAndWhatSlidersAreMeantFor) {
+  const auto isWithin = [](int pWidth, int pHeight, float pRange) {
+    return cBilateralGrid::IsWithinBounds(pWidth, pHeight, 1e9f, 1.0f, 0.0f, pRange);
+  };
+  EXPECT_TRUE(isWithin(1, 1, 2040809.0f));
+  EXPECT_FALSE(isWithin(1, 1, 2040810.0f));
+  EXPECT_TRUE(isWithin(3000, 4000, 2040809.0f));
+  EXPECT_FALSE(isWithin(3000, 4000, 2040810.0f));
+  EXPECT_TRUE(isWithin(4000, 4000, 2612237.0f));
+  EXPECT_FALSE(isWithin(4000, 4000, 2612238.0f));
+  for (const float range : {kNaN, kInfinity}) EXPECT_FALSE(isWithin(4000, 4000, range));
+
+  // Half as far out again as sliders go, over all luminances of floats; and the finest cells of any slider.
+  const int sizes[][2] = {{1, 1},       {9, 6},         {100, 100},  {1001, 1001},
+                          {6000, 4000}, {20000, 20000}, {748980, 1}, {1, 748980}};
+  for (const auto& [width, height] : sizes) {
+    const float side = static_cast<float>(std::max(width, height));
+    EXPECT_TRUE(cBilateralGrid::IsWithinBounds(width, height, side * 0.0025f, 0.14f, -38.54f, 38.54f))
+        << width;
+    EXPECT_EQ(cBilateralGrid::IsWithinBounds(width, height, side * 0.001f, 0.01f, 0.0f, 5.0f),
+              width == 1 || height == 1 || width == 20000)
+        << width;
+  }
 }
 
 TEST(BilateralGrid, SmoothsOnceMoreForLocalContrast) {

@@ -263,6 +263,23 @@ TEST(LargePictures, AgreeToTheBit) {
   }
 }
 
+/// Margins of up to three widths, over rows of one pixel to several runs; cells up to all of the picture, or,
+/// where 25 x 1000 have microcontrast 0, exactly as wide.
+TEST(WrappedShapes, AgreeToTheBit) {
+  const int sizes[][2] = {{1, 900},  {2, 501}, {5, 700},  {25, 1000},
+                          {40, 600}, {64, 64}, {300, 40}, {2100, 3}};
+  for (const auto& [width, height] : sizes) {
+    for (const float microcontrast : {0.0f, -9.0f, -40.0f, -130.0f, -1e30f}) {
+      sCase wrapped = MakeCase(width);
+      wrapped.fImage = {width, height, 3, 16, 16, 0, 3 * width, 0, {}};
+      wrapped.fPicture = width % 2 == 0 ? ePicture::kGradient : ePicture::kRandom;
+      wrapped.fSettings.microcontrast = microcontrast;
+      wrapped.fSettings.horizontal_wrap = 1.0f;
+      ExpectSame(wrapped);
+    }
+  }
+}
+
 TEST(WaysOut, AgreeInResultTextAndLines) {
   const struct {
     int fInputBits, fOutputBits, fColorSpace, fSamples;

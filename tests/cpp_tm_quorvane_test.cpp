@@ -59,6 +59,9 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
            TM_ARG("Argument pMicrocontrast is out of range.", image = HostImage(4, 4, 8, 8),
                   settings.microcontrast = settings.lighting = kNaN, run(in, out)),
            TM_ARG("Argument pLighting is out of range.", settings.microcontrast = 0.0f, run(in, out)),
+           TM_MEMORY("Microcontrast and Lighting ask for a grid far larger than the picture.",
+                     settings.microcontrast = settings.lighting = 1e4f, good.fSettings = settings,
+                     good.fImage = HostImage(9, 6, 32, 8), good.Run()),
            TM_STATE("Scanline width exceeds max tile size.", image = HostImage(748981, 1, 32, 8),
                     settings.lighting = 0.0f, run(wide.data(), wideOut.data()))});
   EXPECT_TRUE(good.OutputUntouched());

@@ -11,14 +11,14 @@ struct sBaseFilter {
   float fRangeMin;  ///< Range of the log luminance.
   float fRangeMax;
   float fLocalContrast;  ///< Local Contrast / 100: above 0, the base is smoothed once more.
-  bool fWrap;            ///< Left and right edges meet: the picture continues around them for three fSigmaS.
+  bool fWrap;            ///< Left and right edges meet: see cBilateralGrid::Splat.
 };
 
 /// Smooths the log luminance with a bilateral grid (see cBilateralGrid) into pBase, and with a box where
 /// Local Contrast asks for it, and measures base and detail. Planes are pWidth * pHeight floats, row-major,
 /// no padding. Polls pCancel before each row of the picture and of the grid; when it is set, sets pAborted
-/// and leaves pBase unfinished. Throws std::bad_alloc when the grid cannot be had, a range without end
-/// included; nothing else.
+/// and leaves pBase unfinished. Throws std::bad_alloc without memory for the grid, and for a grid beyond
+/// cBilateralGrid::IsWithinBounds; nothing else.
 void FormBaseLayer(const bool* pCancel, bool* pAborted, const float* pLogLuminance, float* pBase, int pWidth,
                    int pHeight, const sBaseFilter& pFilter, sLayerStatistics& pStatistics);
 

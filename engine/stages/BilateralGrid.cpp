@@ -17,10 +17,13 @@ constexpr float kMargin = 3.0f;  // cells on the low side of each axis
 constexpr int kSpareCells = 7;   // that margin, the blur kernel's reach and the upper neighbour
 constexpr int kSlack = 16;       // elements that a kernel may touch behind a row
 
-int AxisCells(float pExtentInCells) {
-  const float cells = std::trunc(pExtentInCells + 0.5f) + static_cast<float>(kSpareCells);
-  if (!(cells < 16777216.0f)) throw std::bad_alloc();  // also for what is not a number
-  return static_cast<int>(cells);
+/// Cells along an axis; a whole number, infinity or NaN.
+float AxisCells(float pExtent, float pSigma) {
+  return std::trunc(pExtent / pSigma + 0.5f) + static_cast<float>(kSpareCells);
+}
+
+int CountOf(float pCells) {
+  return ClampToIndex(pCells, 1 << 30);  // the constructor refuses what is clamped
 }
 
 int NearestCell(float pPosition, float pSigmaS, int pCells) {
@@ -45,6 +48,16 @@ float Kernel(const float* pAt, std::ptrdiff_t pStep) {
 
 }  // namespace
 
+bool cBilateralGrid::IsWithinBounds(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin,
+                                    float pRangeMax) {
+  constexpr double kAlways = 1e8, kPerPixel = 8.0;
+  // Of three axes, 64 bits may not hold the product; a double does without loss of what matters.
+  const double cells = static_cast<double>(AxisCells(static_cast<float>(pWidth - 1), pSigmaS)) *
+                       static_cast<double>(AxisCells(static_cast<float>(pHeight - 1), pSigmaS)) *
+                       static_cast<double>(AxisCells(pRangeMax - pRangeMin, pSigmaR));
+  return cells <= std::max(kAlways, kPerPixel * pWidth * pHeight);  // false for NaN
+}
+
 cBilateralGrid::cBilateralGrid(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin,
                                float pRangeMax)
     : fWidth(pWidth),
@@ -52,39 +65,69 @@ cBilateralGrid::cBilateralGrid(int pWidth, int pHeight, float pSigmaS, float pSi
       fSigmaS(pSigmaS),
       fSigmaR(pSigmaR),
       fRangeMin(pRangeMin),
-      fCellsX(AxisCells(static_cast<float>(pWidth - 1) / pSigmaS)),
-      fCellsY(AxisCells(static_cast<float>(pHeight - 1) / pSigmaS)),
-      fCellsZ(AxisCells((pRangeMax - pRangeMin) / pSigmaR)),
-      fCells(AllocCells()),
-      fScratch(AllocCells()) {
+      fCellsX(CountOf(AxisCells(static_cast<float>(pWidth - 1), pSigmaS))),
+      fCellsY(CountOf(AxisCells(static_cast<float>(pHeight - 1), pSigmaS))),
+      fCellsZ(CountOf(AxisCells(pRangeMax - pRangeMin, pSigmaR))) {
+  if (!IsWithinBounds(pWidth, pHeight, pSigmaS, pSigmaR, pRangeMin, pRangeMax)) throw std::bad_alloc();
+  fCells.reset(AllocCells());
+  fScratch.reset(AllocCells());
   FindSliceColumns();
 }
 
 float* cBilateralGrid::AllocCells() const {
-  // Three axes of less than 2^24 cells each can exceed 64 bits; a double tells without loss of what matters.
-  const double bytes = static_cast<double>(fCellsX) * fCellsY * fCellsZ * (2 * sizeof(float));
-  if (bytes > static_cast<double>(PTRDIFF_MAX / 2)) throw std::bad_alloc();
   const std::size_t cells = static_cast<std::size_t>(Cell(0, 0, fCellsZ));
   auto* const block = static_cast<float*>(std::calloc(cells, 2 * sizeof(float)));
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
 
+namespace {
+
+/// The first whole number from pFirst to pEnd that pHolds does not hold for; it holds for those before only.
+template <class tHolds>
+std::int64_t FirstBeyond(std::int64_t pFirst, std::int64_t pEnd, const tHolds& pHolds) {
+  while (pFirst < pEnd) {
+    const std::int64_t middle = pFirst + (pEnd - pFirst) / 2;
+    if (pHolds(middle)) {
+      pFirst = middle + 1;
+    } else {
+      pEnd = middle;
+    }
+  }
+  return pFirst;
+}
+
+/// Columns that a row is summed over, counted on beyond its edges.
+struct sExtent {
+  std::int64_t fFirst;
+  std::int64_t fEnd;
+};
+
+sExtent WrappedExtent(std::int64_t pWidth, float pSigmaS) {
+  const float width = static_cast<float>(pWidth);
+  const float margin = 3.0f * pSigmaS;
+  const auto first = static_cast<std::int64_t>(std::max(1.0f - margin, -3.0f * width));
+  const float end = width + margin - 1.0f;
+  const auto isBefore = [=](std::int64_t pX) { return static_cast<float>(pX) < end; };
+  return {first, FirstBeyond(first, 4 * pWidth, isBefore)};
+}
+
+}  // namespace
+
 std::vector<cBilateralGrid::sColumns> cBilateralGrid::SplatColumns(bool pWrap) const {
   const auto width = static_cast<std::int64_t>(fWidth);
-  const float margin = 3.0f * fSigmaS;
-  const std::int64_t first = pWrap ? static_cast<std::int64_t>(1.0f - margin) : 0;
-  const float end = pWrap ? static_cast<float>(width) + margin - 1.0f : static_cast<float>(width);
+  const sExtent extent = pWrap ? WrappedExtent(width, fSigmaS) : sExtent{0, width};
+  const auto cellOf = [this](std::int64_t pX) {
+    return NearestCell(static_cast<float>(pX), fSigmaS, fCellsX);
+  };
   std::vector<sColumns> columns;
-  for (std::int64_t x = first; pWrap ? static_cast<float>(x) < end : x < width; ++x) {
-    const int source = static_cast<int>(((x + 3 * width) % width + width) % width);
-    const int cell = NearestCell(static_cast<float>(x), fSigmaS, fCellsX);
-    sColumns* const last = columns.empty() ? nullptr : &columns.back();
-    if (last != nullptr && last->fCell == cell && last->fFirst + last->fCount == source) {
-      ++last->fCount;
-    } else {
-      columns.push_back({source, 1, cell});
-    }
+  for (std::int64_t x = extent.fFirst; x < extent.fEnd;) {
+    const std::int64_t source = (x % width + width) % width;
+    const int cell = cellOf(x);
+    const std::int64_t next = FirstBeyond(x + 1, std::min(extent.fEnd, x - source + width),
+                                          [=](std::int64_t pX) { return cellOf(pX) == cell; });
+    columns.push_back({static_cast<int>(source), static_cast<int>(next - x), cell});
+    x = next;
   }
   return columns;
 }
@@ -102,14 +145,40 @@ struct sSplat {
   std::ptrdiff_t fStepZ;
   float fMin;
 
-  void Add(int pIndex) const {
-    float* const cell = fCells + fCellsZ[pIndex] * fStepZ;
+  float* CellOf(int pIndex) const { return fCells + fCellsZ[pIndex] * fStepZ; }
+  tSums SumsOf(int pIndex) const { return tSums{fValues[pIndex] - fMin, 1.0f}; }
+  static tSums Load(const float* pCell) {
     tSums sums;
-    __builtin_memcpy(&sums, cell, sizeof sums);
-    sums += tSums{fValues[pIndex] - fMin, 1.0f};
-    __builtin_memcpy(cell, &sums, sizeof sums);
+    __builtin_memcpy(&sums, pCell, sizeof sums);
+    return sums;
+  }
+  static void Store(float* pCell, tSums pSums) { __builtin_memcpy(pCell, &pSums, sizeof pSums); }
+
+  void Add(int pIndex) const { Store(CellOf(pIndex), Load(CellOf(pIndex)) + SumsOf(pIndex)); }
+
+  /// Adds the first pCount values. A cell's sums wait until another cell's turn comes: where that is seldom,
+  /// an addition is faster than one that waits for the memory of the one before.
+  void AddStretches(int pCount) const {
+    float* cell = CellOf(0);
+    tSums sums = Load(cell);
+    for (int i = 0; i < pCount; ++i) {
+      if (CellOf(i) != cell) {
+        Store(cell, sums);
+        cell = CellOf(i);
+        sums = Load(cell);
+      }
+      sums += SumsOf(i);
+    }
+    Store(cell, sums);
   }
 };
+
+/// Whether neighbours mostly fall into the same cell.
+bool HasLongStretches(const int* pCells, int pCount) {
+  int changes = 0;
+  for (int i = 1; i < pCount; ++i) changes += pCells[i] != pCells[i - 1] ? 1 : 0;
+  return changes <= pCount / 8;
+}
 
 }  // namespace
 
@@ -144,15 +213,42 @@ void cBilateralGrid::SplatRow(const float* pFrom, const int* pCellsZ, const std:
   }
 }
 
+/// A row that is summed several times over, mostly into few cells, so that each addition to a cell would wait
+/// for the one before.
+bool cBilateralGrid::SplatRepeatedRow(const bool* pCancel, const float* pFrom, const int* pCellsZ,
+                                      const std::vector<sColumns>& pColumns, float* pRow) {
+  const std::ptrdiff_t stepZ = 2 * Cell(0, 0, 1);
+  const bool hasLongStretches = HasLongStretches(pCellsZ, fWidth);
+  for (const sColumns& run : pColumns) {
+    if (IsSet(pCancel)) return false;
+    const sSplat splat = {pFrom + run.fFirst, pCellsZ + run.fFirst, pRow + std::ptrdiff_t{2} * run.fCell,
+                          stepZ, fRangeMin};
+    if (hasLongStretches) {
+      splat.AddStretches(run.fCount);
+    } else {
+      for (int i = 0; i < run.fCount; ++i) splat.Add(i);
+    }
+  }
+  return true;
+}
+
 bool cBilateralGrid::Splat(const bool* pCancel, const float* pFrom, bool pWrap) {
   const sKernels& kernels = Kernels();
   const std::vector<sColumns> columns = SplatColumns(pWrap);
+  std::int64_t columnsOfRow = 0;
+  for (const sColumns& run : columns) columnsOfRow += run.fCount;
+  const bool isRepeated = columnsOfRow > std::int64_t{2} * fWidth;
   for (int y = 0; y < fHeight; ++y) {
     if (IsSet(pCancel)) return false;
     const float* const row = pFrom + RowStart(y, fWidth);
     kernels.fNearestCells(row, fRangeMin, fSigmaR, fCellsZ - 1, fRowCells.data(), fWidth);
     const int cellY = NearestCell(static_cast<float>(y), fSigmaS, fCellsY);
-    SplatRow(row, fRowCells.data(), columns, fCells.get() + 2 * Cell(0, cellY, 0));
+    float* const cells = fCells.get() + 2 * Cell(0, cellY, 0);
+    if (!isRepeated) {
+      SplatRow(row, fRowCells.data(), columns, cells);
+    } else if (!SplatRepeatedRow(pCancel, row, fRowCells.data(), columns, cells)) {
+      return false;
+    }
   }
   return true;
 }

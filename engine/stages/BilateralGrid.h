@@ -12,16 +12,25 @@ namespace TmEngine {
 /// value), the grid is blurred with a binomial kernel along each axis, normalised, and read back at each
 /// pixel: Splat, Blur, then SliceRow for the rows wanted.
 ///
-/// Splat and Blur poll pCancel before each row, of the picture or of the grid, and return false when it is
-/// set. All throw std::bad_alloc, nothing else.
+/// Splat and Blur poll pCancel before each row, of the picture or of the grid (with wrap, where a row is
+/// summed several times over, each time), and return false when it is set. All throw std::bad_alloc, nothing
+/// else.
 class cBilateralGrid {
  public:
   /// For a picture of pWidth * pHeight values between pRangeMin and pRangeMax. pSigmaS: cell size in pixels,
-  /// pSigmaR: in units of the values, both above 0. Ranges without end are more than memory holds.
+  /// pSigmaR: in units of the values, both above 0. Throws for what IsWithinBounds refuses as well.
   cBilateralGrid(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin, float pRangeMax);
 
+  /// Whether such a grid has at most 100 million cells (of 16 bytes, with those of the blur), or at most
+  /// eight for each pixel of a larger picture. A pixel falls into one cell and a blur reaches its neighbours:
+  /// a grid beyond is as good as empty. What is refused is finer by far than sliders are meant for: half as
+  /// far again as documented they give 92 million cells at the utmost, in square pictures whose luminances
+  /// span all that floats hold (77 decades). Ranges without end and NaN are refused, too.
+  static bool IsWithinBounds(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin,
+                             float pRangeMax);
+
   /// Sums each pixel into its nearest cell. pFrom: row-major, no padding. pWrap: the left and right edges
-  /// meet, and the picture continues around them for three pSigmaS.
+  /// meet, and the picture continues around them for three pSigmaS, but for no more than three widths.
   bool Splat(const bool* pCancel, const float* pFrom, bool pWrap);
   bool Blur(const bool* pCancel);
   /// Interpolates between the cells around each pixel of row pY. pTo is not pFrom.
@@ -41,6 +50,8 @@ class cBilateralGrid {
   float* AllocCells() const;
   std::vector<sColumns> SplatColumns(bool pWrap) const;
   void SplatRow(const float* pFrom, const int* pCellsZ, const std::vector<sColumns>& pColumns, float* pRow);
+  bool SplatRepeatedRow(const bool* pCancel, const float* pFrom, const int* pCellsZ,
+                        const std::vector<sColumns>& pColumns, float* pRow);
   void FindSliceColumns();
   template <class tRow>
   bool ForEachInteriorRow(const bool* pCancel, const tRow& pRow) const;

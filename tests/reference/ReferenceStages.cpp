@@ -93,9 +93,7 @@ float SpatialSigma(const sJob& pJob) {
   Check(!std::isnan(m), "Argument pMicrocontrast is out of range.");
   const float g = m < 100.0f ? (m - 10.0f) * 15.0f / 90.0f + 10.0f : (m - 100.0f) * 75.0f / 100.0f + 25.0f;
   const float smallest = pJob.LongerSide() / 1000.0f;
-  const float sigma = std::max(smallest * g, smallest);
-  // A wrapped margin is walked column by column, so it must end.
-  return pJob.fValues.fWrap ? std::min(sigma, pJob.LongerSide()) : sigma;
+  return std::max(smallest * g, smallest);
 }
 
 float RangeSigma(const sJob& pJob) {
@@ -129,10 +127,11 @@ std::int64_t GridSize(float pExtent, float pSigma) {
 void SplatRow(const sJob& pJob, sGrid& pGrid, int y, float pSigmaS, float pSigmaR) {
   const int width = pJob.fWidth;
   const bool wrap = pJob.fValues.fWrap;
-  const int begin = wrap ? static_cast<int>(1.0f - 3.0f * pSigmaS) : 0;
   const float end = wrap ? static_cast<float>(width) + 3.0f * pSigmaS - 1.0f : static_cast<float>(width);
-  for (int x = begin; static_cast<float>(x) < end; ++x) {
-    const int column = ((x % width) + width) % width;
+  for (int x = -3 * width; x < 4 * width; ++x) {  // further out there is no column
+    const float begin = wrap ? std::trunc(1.0f - 3.0f * pSigmaS) : 0.0f;
+    if (static_cast<float>(x) < begin || static_cast<float>(x) >= end) continue;
+    const int column = (x + 3 * width) % width;
     const float d = pJob.fLogY[std::int64_t{y} * width + column] - pJob.fStatistics.fLogMinY;
     pGrid.Splat(static_cast<float>(x) / pSigmaS, static_cast<float>(y) / pSigmaS, d / pSigmaR, d);
   }
