@@ -71,16 +71,16 @@ bool cMatrix33::Inverse(cMatrix33& pTo) const {
   return Invert(*this, pTo);
 }
 
-cMatrix33 operator*(const cMatrix33& pA, const cMatrix33& pB) {
-  return Product(pA, pB);
+cMatrix33& cMatrix33::Multiply(const cMatrix33& pB, cMatrix33& pTo) const {
+  return pTo = Product(*this, pB);
 }
 
-cVector3 operator*(const cMatrix33& pM, const cVector3& pV) {
-  return Apply(pM, pV);
+cVector3& cMatrix33::Multiply(const cVector3& pV, cVector3& pTo) const {
+  return pTo = Apply(*this, pV);
 }
 
-cMatrix33 operator/(const cMatrix33& pM, float pScalar) {
-  return Quotient(pM, pScalar);
+cMatrix33& cMatrix33::Divide(float pScalar, cMatrix33& pTo) const {
+  return pTo = Quotient(*this, pScalar);
 }
 
 double cMatrix33d::Determinant() const {
@@ -101,16 +101,16 @@ cMatrix33 cMatrix33d::ToFloat() const {
   return rounded;
 }
 
-cMatrix33d operator*(const cMatrix33d& pA, const cMatrix33d& pB) {
-  return Product(pA, pB);
+cMatrix33d& cMatrix33d::Multiply(const cMatrix33d& pB, cMatrix33d& pTo) const {
+  return pTo = Product(*this, pB);
 }
 
-cVector3d operator*(const cMatrix33d& pM, const cVector3d& pV) {
-  return Apply(pM, pV);
+cVector3d& cMatrix33d::Multiply(const cVector3d& pV, cVector3d& pTo) const {
+  return pTo = Apply(*this, pV);
 }
 
-cMatrix33d operator/(const cMatrix33d& pM, double pScalar) {
-  return Quotient(pM, pScalar);
+cMatrix33d& cMatrix33d::Divide(double pScalar, cMatrix33d& pTo) const {
+  return pTo = Quotient(*this, pScalar);
 }
 
 }  // namespace TmEngine

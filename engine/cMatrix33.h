@@ -18,7 +18,12 @@ class cMatrix33 {
   const float* Elements() const { return fM; }  ///< Nine of them.
 
   float Determinant() const;
-  /// Writes the transposed cofactor matrix to pTo (which may be this matrix) and returns it.
+  // What follows writes its result to pTo, which may be an operand, and returns pTo.
+  cMatrix33& Copy(cMatrix33& pTo) const { return pTo = *this; }
+  cMatrix33& Multiply(const cMatrix33& pB, cMatrix33& pTo) const;
+  cVector3& Multiply(const cVector3& pV, cVector3& pTo) const;
+  cMatrix33& Divide(float pScalar, cMatrix33& pTo) const;  ///< Every element divided, not multiplied by 1/s.
+  /// The transposed cofactor matrix.
   cMatrix33& Adjugate(cMatrix33& pTo) const;
   /// Writes the inverse to pTo (which may be this matrix). False, and pTo untouched, when the determinant is
   /// exactly 0; a nearly singular matrix is inverted.
@@ -28,9 +33,18 @@ class cMatrix33 {
   float fM[9] = {};
 };
 
-cMatrix33 operator*(const cMatrix33& pA, const cMatrix33& pB);
-cVector3 operator*(const cMatrix33& pM, const cVector3& pV);
-cMatrix33 operator/(const cMatrix33& pM, float pScalar);  ///< Every element divided, not multiplied by 1/s.
+inline cMatrix33 operator*(const cMatrix33& pA, const cMatrix33& pB) {
+  cMatrix33 product;
+  return pA.Multiply(pB, product);
+}
+inline cVector3 operator*(const cMatrix33& pM, const cVector3& pV) {
+  cVector3 product;
+  return pM.Multiply(pV, product);
+}
+inline cMatrix33 operator/(const cMatrix33& pM, float pScalar) {
+  cMatrix33 quotient;
+  return pM.Divide(pScalar, quotient);
+}
 
 /// The double-precision twin, in which matrices of colour spaces are derived.
 class cMatrix33d {
@@ -44,6 +58,10 @@ class cMatrix33d {
   constexpr double& operator[](int pIndex) { return fM[pIndex]; }
 
   double Determinant() const;
+  cMatrix33d& Copy(cMatrix33d& pTo) const { return pTo = *this; }
+  cMatrix33d& Multiply(const cMatrix33d& pB, cMatrix33d& pTo) const;
+  cVector3d& Multiply(const cVector3d& pV, cVector3d& pTo) const;
+  cMatrix33d& Divide(double pScalar, cMatrix33d& pTo) const;
   cMatrix33d& Adjugate(cMatrix33d& pTo) const;
   bool Inverse(cMatrix33d& pTo) const;
   /// Every element rounded to the nearest float.
@@ -53,8 +71,17 @@ class cMatrix33d {
   double fM[9] = {};
 };
 
-cMatrix33d operator*(const cMatrix33d& pA, const cMatrix33d& pB);
-cVector3d operator*(const cMatrix33d& pM, const cVector3d& pV);
-cMatrix33d operator/(const cMatrix33d& pM, double pScalar);
+inline cMatrix33d operator*(const cMatrix33d& pA, const cMatrix33d& pB) {
+  cMatrix33d product;
+  return pA.Multiply(pB, product);
+}
+inline cVector3d operator*(const cMatrix33d& pM, const cVector3d& pV) {
+  cVector3d product;
+  return pM.Multiply(pV, product);
+}
+inline cMatrix33d operator/(const cMatrix33d& pM, double pScalar) {
+  cMatrix33d quotient;
+  return pM.Divide(pScalar, quotient);
+}
 
 }  // namespace TmEngine

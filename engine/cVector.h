@@ -7,6 +7,7 @@ class cVector2 {
  public:
   constexpr cVector2() = default;
   constexpr cVector2(float pX, float pY) : fX(pX), fY(pY) {}
+  constexpr cVector2& Copy(cVector2& pTo) const { return pTo = *this; }
 
   float fX = 0.0f;
   float fY = 0.0f;
@@ -17,6 +18,7 @@ class cVector2d {
  public:
   constexpr cVector2d() = default;
   constexpr cVector2d(double pX, double pY) : fX(pX), fY(pY) {}
+  constexpr cVector2d& Copy(cVector2d& pTo) const { return pTo = *this; }
 
   double fX = 0.0;
   double fY = 0.0;
@@ -27,6 +29,7 @@ class cVector3 {
  public:
   constexpr cVector3() = default;
   constexpr cVector3(float p0, float p1, float p2) : fV{p0, p1, p2} {}
+  constexpr cVector3& Copy(cVector3& pTo) const { return pTo = *this; }
 
   constexpr float operator[](int pIndex) const { return fV[pIndex]; }
   constexpr float& operator[](int pIndex) { return fV[pIndex]; }
@@ -40,6 +43,7 @@ class cVector3d {
  public:
   constexpr cVector3d() = default;
   constexpr cVector3d(double p0, double p1, double p2) : fV{p0, p1, p2} {}
+  constexpr cVector3d& Copy(cVector3d& pTo) const { return pTo = *this; }
 
   constexpr double operator[](int pIndex) const { return fV[pIndex]; }
   constexpr double& operator[](int pIndex) { return fV[pIndex]; }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace TmEngine {
 namespace {
 
@@ -33,6 +35,33 @@ TYPED_TEST(cMatrix33Both, CalculatesWithWholeNumbers) {
   ExpectSame(inPlace, inverse);
   inPlace = a;
   ExpectSame(inPlace.Adjugate(inPlace), adjugate);
+}
+
+TYPED_TEST(cMatrix33Both, WritesToADestinationThatMayBeAnOperand) {
+  const TypeParam a(2, 0, 1, 3, -1, 4, 5, 6, 7), b(1, 2, 3, 4, 5, 6, 7, 8, 10);
+  TypeParam left = a, right = b, both = a, halves, copy;
+  EXPECT_EQ(&left.Multiply(b, left), &left);
+  ExpectSame(left, a * b);
+  EXPECT_EQ(&a.Multiply(right, right), &right);
+  ExpectSame(right, left);
+  ExpectSame(both.Multiply(both, both), a * a);
+  EXPECT_EQ(&a.Divide(2, halves), &halves);
+  EXPECT_EQ(halves[7], 3);
+  ExpectSame(halves.Divide(2, halves), a / 4);
+  EXPECT_EQ(&a.Copy(copy), &copy);
+  ExpectSame(copy, a);
+  auto vector = [] {
+    if constexpr (std::is_same_v<TypeParam, cMatrix33>) {
+      return cVector3(1, -2, 3);
+    } else {
+      return cVector3d(1, -2, 3);
+    }
+  }();
+  auto sameVector = vector;
+  EXPECT_EQ(&vector.Copy(sameVector), &sameVector);
+  EXPECT_EQ(&a.Multiply(sameVector, sameVector), &sameVector);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(sameVector[i], (a * vector)[i]);
+  EXPECT_EQ(sameVector[1], 17);
 }
 
 TYPED_TEST(cMatrix33Both, InvertsAllButTheExactlySingular) {
