@@ -29,18 +29,23 @@ void PowerRow(const float* pX, float* pTo, int pCount, double pExponent, const t
   }
 }
 
-/// One value, as a row has it.
-float EvaluateOne(const cTransfer& pTransfer, float pX) {
-  pTransfer.EvaluateRow(&pX, &pX, 1);
-  return pX;
-}
-
 }  // namespace
 
 cTransfer::~cTransfer() = default;
 
 void cTransfer::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+  if (const auto* const rows = dynamic_cast<const cRowTransfer*>(this)) return rows->FillRow(pX, pTo, pCount);
   for (int i = 0; i < pCount; ++i) pTo[i] = Evaluate(pX[i]);
+}
+
+float cRowTransfer::Evaluate(float pX) const {
+  FillRow(&pX, &pX, 1);
+  return pX;
+}
+
+void CheckTransfer(const cTransfer* pTransfer, const char* pSignature) {
+  const char* const kSignature = pSignature;
+  TM_CHECK(pTransfer != nullptr, cArgumentNullException, "Argument pTransfer cannot be null.");
 }
 
 cTransferGamma::cTransferGamma(float pGamma) : fGamma(pGamma) {}
@@ -51,11 +56,7 @@ cTransfer* cTransferGamma::Clone() const {
   return new cTransferGamma(fGamma);
 }
 
-float cTransferGamma::Evaluate(float pX) const {
-  return EvaluateOne(*this, pX);
-}
-
-void cTransferGamma::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+void cTransferGamma::FillRow(const float* pX, float* pTo, int pCount) const {
   PowerRow(
       pX, pTo, pCount, 1.0 / static_cast<double>(fGamma), [](float pValue) { return double{pValue}; },
       [](float, double pPower) { return static_cast<float>(pPower); });
@@ -69,12 +70,8 @@ cTransfer* cTransfer_sRGBToLinear::Clone() const {
   return new cTransfer_sRGBToLinear;
 }
 
-float cTransfer_sRGBToLinear::Evaluate(float pX) const {
-  return EvaluateOne(*this, pX);
-}
-
 // Both sRGB curves continue their straight part below 0 and send NaN through the power.
-void cTransfer_sRGBToLinear::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+void cTransfer_sRGBToLinear::FillRow(const float* pX, float* pTo, int pCount) const {
   PowerRow(
       pX, pTo, pCount, 2.4, [](float pValue) { return (double{pValue} + 0.055) / 1.055; },
       [](float pValue, double pPower) {
@@ -90,11 +87,7 @@ cTransfer* cTransferLinearTo_sRGB::Clone() const {
   return new cTransferLinearTo_sRGB;
 }
 
-float cTransferLinearTo_sRGB::Evaluate(float pX) const {
-  return EvaluateOne(*this, pX);
-}
-
-void cTransferLinearTo_sRGB::EvaluateRow(const float* pX, float* pTo, int pCount) const {
+void cTransferLinearTo_sRGB::FillRow(const float* pX, float* pTo, int pCount) const {
   constexpr double kExponent = 0.4166666666666667;  // 1 / 2.4
   PowerRow(
       pX, pTo, pCount, kExponent, [](float pValue) { return double{pValue}; },

@@ -11,42 +11,51 @@ class cTransfer {
   virtual ~cTransfer();
   virtual cTransfer* Clone() const = 0;  ///< A new copy, owned by the caller.
   virtual float Evaluate(float pX) const = 0;
-  /// Evaluate of each of pCount values. pTo may be pX.
-  virtual void EvaluateRow(const float* pX, float* pTo, int pCount) const;
+  /// Evaluate of each of pCount values. pTo may be pX. Not virtual: hosts know the virtual operations of
+  /// transfers and curves by their places, and this one has none among them (see cRowTransfer).
+  void EvaluateRow(const float* pX, float* pTo, int pCount) const;
+};
+
+/// A transfer that works on rows: a value by itself is a row of one.
+class cRowTransfer : public cTransfer {
+ public:
+  float Evaluate(float pX) const override;
+  virtual void FillRow(const float* pX, float* pTo, int pCount) const = 0;  ///< What EvaluateRow does.
 };
 
 /// x to the power 1 / gamma: a field of 2.2 encodes, a field of 1/2.2 decodes.
-class cTransferGamma : public cTransfer {
+class cTransferGamma : public cRowTransfer {
  public:
   explicit cTransferGamma(float pGamma);
   ~cTransferGamma() override;
   cTransfer* Clone() const override;
-  float Evaluate(float pX) const override;
-  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
+  void FillRow(const float* pX, float* pTo, int pCount) const override;
 
  private:
   float fGamma;
 };
 
 /// sRGB decoding (IEC 61966-2-1): encoded value to linear light.
-class cTransfer_sRGBToLinear : public cTransfer {
+class cTransfer_sRGBToLinear : public cRowTransfer {
  public:
   cTransfer_sRGBToLinear();
   ~cTransfer_sRGBToLinear() override;
   cTransfer* Clone() const override;
-  float Evaluate(float pX) const override;
-  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
+  void FillRow(const float* pX, float* pTo, int pCount) const override;
 };
 
 /// sRGB encoding (IEC 61966-2-1): linear light to encoded value.
-class cTransferLinearTo_sRGB : public cTransfer {
+class cTransferLinearTo_sRGB : public cRowTransfer {
  public:
   cTransferLinearTo_sRGB();
   ~cTransferLinearTo_sRGB() override;
   cTransfer* Clone() const override;
-  float Evaluate(float pX) const override;
-  void EvaluateRow(const float* pX, float* pTo, int pCount) const override;
+  void FillRow(const float* pX, float* pTo, int pCount) const override;
 };
+
+/// The check of the tables made of transfers: cArgumentNullException for null, in the name of pSignature. It
+/// stands in the source of the transfers, which is the one that their exceptions name.
+void CheckTransfer(const cTransfer* pTransfer, const char* pSignature);
 
 /// Linear interpolation in a table of equally spaced samples over [0, 1].
 class cTransfer_Table : public cTransfer {
