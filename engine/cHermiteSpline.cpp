@@ -332,4 +332,12 @@ void cHermiteSpline::ReplacePoints(eSplineInterpolationMode pMode, int pCount,
   }
 }
 
+void CheckKeyFrames(int pControlPointCount, int pKeyFrameCount, const void* pCPs,
+                    const sKeyFrameTexts& pTexts, const char* pSignature) {
+  const char* const kSignature = pSignature;
+  TM_CHECK(pControlPointCount >= 2, cArgumentException, pTexts.fPointCount);
+  TM_CHECK(pKeyFrameCount >= 1, cArgumentException, pTexts.fKeyFrameCount);
+  TM_CHECK(pCPs != nullptr, cArgumentNullException, "Argument pCPs cannot be null.");
+}
+
 }  // namespace TmEngine

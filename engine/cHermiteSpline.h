@@ -95,4 +95,16 @@ class cHermiteSpline : public cTransfer {
   mutable bool f8BitTableValid = false;
 };
 
+/// Texts of the checks of key frames.
+struct sKeyFrameTexts {
+  const char* fPointCount;
+  const char* fKeyFrameCount;
+};
+
+/// The checks of cInterpolatedHermiteSpline's key frames, in the name of pSignature: cArgumentException for
+/// the counts, cArgumentNullException. They stand in the source of the base, which is the one that their
+/// exceptions name.
+void CheckKeyFrames(int pControlPointCount, int pKeyFrameCount, const void* pCPs,
+                    const sKeyFrameTexts& pTexts, const char* pSignature);
+
 }  // namespace TmEngine

@@ -14,7 +14,7 @@
 namespace TmEngine {
 namespace {
 
-constexpr char kSourceFile[] = ".\\cImageUtils.cpp";  // the class's name, as in every exception of it
+constexpr char kSourceFile[] = ".\\cImageUtilsArithmetic.cpp";
 
 /// A rectangle's place in two images.
 struct sRectangle {

@@ -13,7 +13,7 @@
 namespace TmEngine {
 namespace {
 
-constexpr char kSourceFile[] = ".\\cImageUtils.cpp";  // the class's name, as in every exception of it
+constexpr char kSourceFile[] = ".\\cImageUtilsFormats.cpp";
 
 /// Source and destination not null, then of one size.
 void CheckPair(const cBitmap* pFrom, const char* pFromName, const cBitmap* pTo, const char* pToName,

@@ -4,31 +4,17 @@
 #include <cstddef>
 #include <utility>
 
-#include "engine/TmCheck.h"
-
 namespace TmEngine {
 namespace {
 
-constexpr char kSourceFile[] = ".\\cHermiteSpline.cpp";  // the errors of both curves name the base
 constexpr int kInitialKeyFrames = 2;
 constexpr int kFloatsPerPoint = 6;
 
 // The two forms of SetKeyFrames check the same, in other words.
-struct sKeyFrameTexts {
-  const char* fPointCount;
-  const char* fKeyFrameCount;
-};
 constexpr sKeyFrameTexts kRecordTexts = {"Argument pControlPointCount must be greater than or equal to two.",
                                          "Argument pKeyFrameCount must be greater than or equal to one."};
 constexpr sKeyFrameTexts kFloatTexts = {"Argument pControlPointCount must be greater or equal than two.",
                                         "Argument pKeyFrameCount must be greater or equal than one."};
-
-void CheckKeyFrames(int pControlPointCount, int pKeyFrameCount, const void* pCPs,
-                    const sKeyFrameTexts& pTexts, const sThrowPlace& pPlace) {
-  TM_CHECK_AT(pPlace, pControlPointCount >= 2, cArgumentException, pTexts.fPointCount);
-  TM_CHECK_AT(pPlace, pKeyFrameCount >= 1, cArgumentException, pTexts.fKeyFrameCount);
-  TM_CHECK_AT(pPlace, pCPs != nullptr, cArgumentNullException, "Argument pCPs cannot be null.");
-}
 
 std::size_t RecordCount(int pControlPointCount, int pKeyFrameCount) {
   return static_cast<std::size_t>(pControlPointCount) * static_cast<std::size_t>(pKeyFrameCount);
@@ -79,7 +65,7 @@ void cInterpolatedHermiteSpline::SetKeyFrames(eSplineInterpolationMode pMode, in
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cInterpolatedHermiteSpline::SetKeyFrames(enum "
       "TmEngine::eSplineInterpolationMode,int,int,const struct TmEngine::sControlPoint *)";
-  CheckKeyFrames(pControlPointCount, pKeyFrameCount, pCPs, kRecordTexts, TM_HERE);
+  CheckKeyFrames(pControlPointCount, pKeyFrameCount, pCPs, kRecordTexts, kSignature);
   const std::size_t count = RecordCount(pControlPointCount, pKeyFrameCount);
   auto keyFrames = std::make_unique<sControlPoint[]>(count);
   std::copy_n(pCPs, count, keyFrames.get());
@@ -91,7 +77,7 @@ void cInterpolatedHermiteSpline::SetKeyFrames(eSplineInterpolationMode pMode, in
   static constexpr char kSignature[] =
       "void __cdecl TmEngine::cInterpolatedHermiteSpline::SetKeyFrames(enum "
       "TmEngine::eSplineInterpolationMode,int,int,const float *)";
-  CheckKeyFrames(pControlPointCount, pKeyFrameCount, pCPs, kFloatTexts, TM_HERE);
+  CheckKeyFrames(pControlPointCount, pKeyFrameCount, pCPs, kFloatTexts, kSignature);
   const std::size_t count = RecordCount(pControlPointCount, pKeyFrameCount);
   auto keyFrames = std::make_unique<sControlPoint[]>(count);
   for (std::size_t i = 0; i < count; ++i) {

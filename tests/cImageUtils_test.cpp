@@ -389,7 +389,7 @@ TEST(cImageUtils, FormatConversionsCheckArgumentsInOrder) {
   check("Convert(" + s8 + "," + s16 + ")", "pFromBGR8", "pToBGR16", "", b8, b16,
         [](t8* a, t16* b) { tU::Convert(a, b); });
   ExpectThrow<cArgumentNullException>([&] { tU::Convert(static_cast<t8*>(nullptr), &b16.fImage); },
-                                      "Argument pFromBGR8 cannot be null.", ".\\cImageUtils.cpp");
+                                      "Argument pFromBGR8 cannot be null.", ".\\cImageUtilsFormats.cpp");
 }
 
 }  // namespace
