@@ -87,9 +87,9 @@ void cColorEqRenderer::Prepare(bool* pCancel, bool* pAborted) {
 
 void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
-  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace());
+  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace(), pCancel);
+  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pCancel)) return SetAborted(pAborted);
   const float* lightness = fHueCurves.Lightness();
-  fHueCurves.BuildHueTable(fHueTable);
   const sEqualiser equaliser = {fHueTable->Elements(), lightness, colorMatrix.Elements()};
   cImageSink sink(*fOutput);
   const auto stops = [=] { return StopRequested(pCancel, pAborted); };

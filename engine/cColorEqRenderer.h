@@ -44,8 +44,8 @@ class cColorEqRenderer {
   /// throw; the stage that threw, and those after it, run at the next call.
   ///
   /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
-  /// and those after it run in full at the next call. Both stages look at *pCancel before each row; rows of
-  /// the output that were not reached stay as they were.
+  /// and those after it run in full at the next call. Both stages look at *pCancel before each row and
+  /// while they build tables; rows of the output that were not reached stay as they were.
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 

@@ -197,6 +197,7 @@ void cTmRenderer::Render(bool* pCancel, bool* pAborted) {
 }
 
 void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
+  static constexpr char kSignature[] = "void __cdecl TmEngine::cTmRenderer::Prepare(bool *,bool *)";
   if (StopRequested(pCancel, pAborted)) return;
   fColorRecords.reset();
   fLogLuminance.reset();
@@ -207,7 +208,8 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
   cLargeRegion region(PixelBytes(width, height));
   auto records = std::make_unique<cBitmapU16T>(width, height, kColorChannels, &region);
   tPlane logLuminance = AllocPlane(width, height, &region);
-  tPlane base = AllocPlane(width, height, &region);
+  tPlane base = logLuminance != nullptr ? AllocPlane(width, height, &region) : nullptr;
+  TM_CHECK(base != nullptr, cOutOfMemoryException, "Cannot alloc bitmap array.");
   fRegion = std::move(region);
   fColorRecords = std::move(records);
   fLogLuminance = std::move(logLuminance);
@@ -241,8 +243,7 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
                               fHorizontalWrap};
   TM_CHECK(cBilateralGrid::IsWithinBounds(width, height, filter.fSigmaS, filter.fSigmaR, filter.fRangeMin,
                                           filter.fRangeMax),
-           cOutOfMemoryException,
-           "Microcontrast and Lighting ask for a grid far larger than the picture.");
+           cOutOfMemoryException, "Microcontrast and Lighting ask for a grid far larger than the picture.");
   FormBaseLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers);
   if (IsSet(pAborted)) return;
   if (fVerbose) {
@@ -258,7 +259,8 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
 
 void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
   const float exponent = GlobalExponent(fStrength);
-  BuildToneTables(exponent, fToneCompression, fLayers, fToneTables);
+  if (!BuildToneTables(exponent, fToneCompression, fLayers, fToneTables, pCancel))
+    return SetAborted(pAborted);
   if (StopRequested(pCancel, pAborted)) return;
   if (!(fLayers.fBaseMax - fLayers.fBaseMin > 0.0f) || !(fLayers.fDetailMax - fLayers.fDetailMin > 0.0f))
     return;
@@ -306,9 +308,9 @@ void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
 
 void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace().GetXYZToRGB() * fWorkingToXYZ;
-  UpdateToneCurve();
-  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace());
-  fHueCurves.BuildHueTable(fHueTable);
+  if (!UpdateToneCurve(pCancel)) return SetAborted(pAborted);
+  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace(), pCancel);
+  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pCancel)) return SetAborted(pAborted);
   if (StopRequested(pCancel, pAborted)) return;
 
   const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
@@ -325,23 +327,26 @@ void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
   EncodeRows(*fOutput, fColorRecords->GetTileHeight(), encoding, stops, fill);
 }
 
-void cTmRenderer::UpdateToneCurve() {
+bool cTmRenderer::UpdateToneCurve(const bool* pCancel) {
   float contrast = (fContrast + 100.0f) / 200.0f;
   if (fStrengthInContrast && fStrength >= 0.0f) {
     contrast = fStrength * 0.35f / 100.0f + contrast;
     if (contrast > 1.0f) contrast = 1.0f;
   }
-  if (contrast == fCachedContrast) return;
+  if (contrast == fCachedContrast) return true;
+  fCachedContrast = kNoContrast;  // until the table is whole
   cContrastCurve curve;
   curve.InterpolateKeyFrames(contrast);
   // The samples of 16 bits, without a table of them.
   const float* samples = curve.GetFloatTable();
   for (int start = 0; start < kTableSize; start += kRunLength) {
+    if (IsSet(pCancel)) return false;
     int codes[kRunLength];
     Kernels().fQuantise(samples + start, 0.0f, 1.0f, codes, kRunLength);
     for (int i = 0; i < kRunLength; ++i) fToneCurve[start + i] = static_cast<float>(codes[i]) / 65535.0f;
   }
   fCachedContrast = contrast;
+  return true;
 }
 
 }  // namespace TmEngine

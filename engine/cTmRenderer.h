@@ -88,8 +88,9 @@ class cTmRenderer {
   /// the former also for sliders that ask for a grid beyond cBilateralGrid::IsWithinBounds.
   /// While *pCancel is set (also by another thread) the running stage stops and sets *pAborted; that stage
   /// and those after it run at the next call. All stages look at *pCancel before each row of the picture and
-  /// of the grid (for rows that make up a run of 1024 pixels together, before the first of them); tables of
-  /// 65,536 entries are built to their end. Rows of the output that were not reached stay as they were.
+  /// of the grid (for rows that make up a run of 1024 pixels together, before the first of them), and about
+  /// every 1024 entries of their tables; a curve renders its own to the end. Rows of the output that were not
+  /// reached stay as they were.
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 
@@ -106,7 +107,7 @@ class cTmRenderer {
   void ToneMapPhase1(bool* pCancel, bool* pAborted);
   void ToneMapPhase2(bool* pCancel, bool* pAborted);
   void FinalRendering(bool* pCancel, bool* pAborted);
-  void UpdateToneCurve();
+  bool UpdateToneCurve(const bool* pCancel);  // false when stopped
 
   const cRowSource* fInput = nullptr;  // not owned, or fInputImage
   cRowSink* fOutput = nullptr;         // not owned, or fOutputImage
@@ -152,7 +153,8 @@ class cTmRenderer {
   bool fPhase1Dirty = true;
   bool fPhase2Dirty = true;
   bool fFinalDirty = true;
-  float fCachedContrast = -1000.0f;  // no contrast value: the first rendering sets the curve
+  static constexpr float kNoContrast = -1000.0f;
+  float fCachedContrast = kNoContrast;  // the first rendering sets the curve
 
   sStageSeconds fSeconds;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "engine/Quantise.h"
 #include "engine/cTransfer.h"
 
@@ -16,6 +18,11 @@ class cTransferLUT {
   virtual void BuildCache(cTransfer* pTransfer) = 0;
 };
 
+/// A new table, but null when *pCancel, which is polled every few entries, is set before it is complete. A
+/// null pCancel is never set.
+template <class tTable>
+std::unique_ptr<tTable> BuildTable(cTransfer* pTransfer, const bool* pCancel);
+
 /// Decodes 8-bit samples to floats: entry i = T(i / 255).
 class cTransferLUT_I8F32 : public cTransferLUT {
  public:
@@ -25,6 +32,10 @@ class cTransferLUT_I8F32 : public cTransferLUT {
   const float* GetTable() const { return fTable; }  ///< 256 entries, indexed by the sample.
 
  private:
+  friend std::unique_ptr<cTransferLUT_I8F32> BuildTable<>(cTransfer* pTransfer, const bool* pCancel);
+  cTransferLUT_I8F32() = default;
+  bool Fill(const cTransfer& pTransfer, const bool* pCancel);
+
   float fTable[256];
 };
 
@@ -37,6 +48,10 @@ class cTransferLUT_I16F32 : public cTransferLUT {
   const float* GetTable() const { return fTable; }  ///< 65,536 entries, indexed by the sample.
 
  private:
+  friend std::unique_ptr<cTransferLUT_I16F32> BuildTable<>(cTransfer* pTransfer, const bool* pCancel);
+  cTransferLUT_I16F32() = default;
+  bool Fill(const cTransfer& pTransfer, const bool* pCancel);
+
   float fTable[kTableSize];
 };
 
@@ -50,6 +65,10 @@ class cTransferLUT_F32I8 : public cTransferLUT {
   const unsigned char* GetTable() const { return fTable; }
 
  private:
+  friend std::unique_ptr<cTransferLUT_F32I8> BuildTable<>(cTransfer* pTransfer, const bool* pCancel);
+  cTransferLUT_F32I8() = default;
+  bool Fill(const cTransfer& pTransfer, const bool* pCancel);
+
   unsigned char fTable[kTableSize];
 };
 
@@ -63,6 +82,10 @@ class cTransferLUT_F32I16 : public cTransferLUT {
   const unsigned short* GetTable() const { return fTable; }
 
  private:
+  friend std::unique_ptr<cTransferLUT_F32I16> BuildTable<>(cTransfer* pTransfer, const bool* pCancel);
+  cTransferLUT_F32I16() = default;
+  bool Fill(const cTransfer& pTransfer, const bool* pCancel);
+
   unsigned short fTable[kTableSize];
 };
 

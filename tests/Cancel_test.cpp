@@ -18,7 +18,11 @@
 #include "engine/cBitmapBGR16.h"
 #include "engine/cBitmapXYZ32.h"
 #include "engine/cColorEqRenderer.h"
+#include "engine/cHermiteSpline.h"
 #include "engine/cTmRenderer.h"
+#include "engine/cTransferLUT.h"
+#include "engine/stages/BilateralGrid.h"
+#include "engine/stages/HueTable.h"
 #include "tests/AllocationHook.h"
 #include "tests/Pictures.h"
 #include "tests/StderrCapture.h"
@@ -110,7 +114,7 @@ class cTripwire {
   std::thread fOther;
 };
 
-enum eBlock { kNone, kInput, kLogLuminance, kBase, kRecords, kOutput, kTaken, kBlocks };
+enum eBlock { kNone, kInput, kLogLuminance, kBase, kRecords, kOutput, kTaken, kToneTables, kBlocks };
 
 /// Which block the wire is stretched over, and when: at the pCount-th block of pBytes (0: of any size) that a
 /// render takes, or before the render.
@@ -132,12 +136,14 @@ class cWatch : public cAllocationHook {
       fNextPlane = kLogLuminance;
     }
     if (pBytes == kPlaneBytes && fNextPlane <= kBase) fBlocks[fNextPlane++] = block;
+    if (pBytes == sizeof(cHueTable)) fHueTable = pBlock;
     const bool counts = fWire.fBytes == 0 || fWire.fBytes == pBytes;
     if (fTripwire != nullptr && counts && ++fCount == fWire.fCount) Stretch();
   }
   void Returned(void* pBlock) override {
     if (pBlock == fStretched) fTripwire->Release();
   }
+  void* HueTable() const { return fHueTable; }
   void Know(eBlock pBlock, void* pStart, std::size_t pBytes) { fBlocks[pBlock] = {pStart, pBytes}; }
   void Begin(cTripwire& pTripwire, const sWire& pWire) {
     fTripwire = &pTripwire;
@@ -164,6 +170,7 @@ class cWatch : public cAllocationHook {
   }
 
   sBlock fBlocks[kBlocks];
+  void* fHueTable = nullptr;
   int fNextPlane = kBlocks;
   cTripwire* fTripwire = nullptr;
   sWire fWire;
@@ -182,9 +189,9 @@ std::ostream& operator<<(std::ostream& pStream, const sCase& pCase) {
   return pStream << pCase.fName;
 }
 
-class Cancel : public testing::TestWithParam<sCase> {
+class CancelRenderer : public testing::Test {
  protected:
-  Cancel() : fInput(kWidth, kHeight), fOutput(kWidth, kHeight, eColorSpaceID_sRGB) {
+  CancelRenderer() : fInput(kWidth, kHeight), fOutput(kWidth, kHeight, eColorSpaceID_sRGB) {
     cRandom random(5);
     float* samples = fInput.GetBitmapData();
     for (int i = 0; i < 3 * kWidth * kHeight; ++i) samples[i] = std::exp2(12.0f * random.Unit() - 9.0f);
@@ -220,6 +227,8 @@ class Cancel : public testing::TestWithParam<sCase> {
   std::unique_ptr<cTmRenderer> fRenderer = std::make_unique<cTmRenderer>();
 };
 
+class Cancel : public CancelRenderer, public testing::WithParamInterface<sCase> {};
+
 TEST_P(Cancel, StopsWithinARowAndRunsInFullAfterwards) {
   const sCase& test = GetParam();
   const bool isInFinal = test.fWire.fBlock == kOutput;
@@ -227,6 +236,7 @@ TEST_P(Cancel, StopsWithinARowAndRunsInFullAfterwards) {
   cWatch watch;
   watch.Know(kInput, fInput.GetBitmapData(), 3 * kPlaneBytes);
   watch.Know(kOutput, fOutput.GetBitmapData(), kOutputBytes);
+  watch.Know(kToneTables, const_cast<sToneTables*>(&fRenderer->GetToneTables()), sizeof(sToneTables));
   bool cancel = false, aborted = false;
   ASSERT_EQ(Render(&cancel, &aborted), "p12");
   const std::vector<unsigned char> expected = Pixels();
@@ -278,11 +288,97 @@ INSTANTIATE_TEST_SUITE_P(
         sCase{
             "in_statistics", &tRenderer::InvalidatePhase1, "12", {kLogLuminance, 1, kPlaneBytes}, 4 * kWidth},
         sCase{"before_phase_2", &tRenderer::InvalidatePhase2, "2", {}},
+        sCase{"in_tone_tables", &tRenderer::InvalidatePhase2, "2", {kToneTables}, 4 * 1024},
         sCase{"in_tone_mapping", &tRenderer::InvalidatePhase2, "2", {kBase}, 4 * kWidth},
         sCase{"in_histogram", &tRenderer::InvalidatePhase2, "2", {kRecords, 1, 4 * 65536}, 14 * kWidth},
         sCase{"before_final_rendering", &tRenderer::InvalidateFinalRendering, "", {}},
+        sCase{"in_output_encoding",
+              &tRenderer::InvalidateOutputEncoding,
+              "",
+              {kTaken, 1, sizeof(cTransferLUT_F32I16)},
+              2 * 1024},
         sCase{"in_final_rendering", &tRenderer::InvalidateFinalRendering, "", {kOutput}, 6 * kWidth}),
     testing::PrintToStringParamName());
+
+// A table that was stopped half-way is none, whatever is asked for next.
+TEST_F(CancelRenderer, BuildsAToneCurveAnewThatWasStopped) {
+  bool cancel = false, aborted = false;
+  const auto setContrast = [this](float pContrast) {
+    fRenderer->SetToneParameters(44.0f, 0.5f, true, pContrast, true, 0.0f, 100.0f, 60.0f, 40.0f, true, false,
+                                 false, 1.0f, 1.0f);
+  };
+  ASSERT_EQ(Render(&cancel, &aborted), "p12");
+  const std::vector<unsigned char> expected = Pixels();
+  setContrast(80.0f);
+  {
+    cTripwire tripwire;
+    tripwire.Stretch(const_cast<float*>(fRenderer->GetToneCurve()), 4 * kTableSize);
+    EXPECT_EQ(Render(tripwire.Cancel(), &aborted), "p12");
+    EXPECT_TRUE(aborted);
+    EXPECT_LE(tripwire.TouchedBytes(), 4 * 1024 + 2 * tripwire.PageBytes());
+  }
+  EXPECT_EQ(Pixels(), expected);
+  setContrast(20.0f);
+  ClearOutput();
+  aborted = false;
+  Render(&cancel, &aborted);
+  EXPECT_EQ(Pixels(), expected);
+}
+
+TEST_F(CancelRenderer, BuildsAHueTableAnewThatWasStopped) {
+  cWatch watch;
+  bool cancel = false, aborted = false;
+  const auto setSaturation = [this](float pSaturation) {
+    const sControlPoint points[] = {{{0.0f, pSaturation}, {}, {}, 0}, {{1.0f, pSaturation}, {}, {}, 0}};
+    cHermiteSpline neutral, curve;
+    curve.SetControlPoints(eSplineInterpolationMode_Flat, 2, points);
+    fRenderer->SetHueCurves(&neutral, &curve, &neutral);
+  };
+  setSaturation(0.25f);
+  Render(&cancel, &aborted);
+  const std::vector<unsigned char> expected = Pixels();
+  setSaturation(0.75f);
+  {
+    cTripwire tripwire;
+    tripwire.Stretch(watch.HueTable(), sizeof(cHueTable));
+    Render(tripwire.Cancel(), &aborted);
+    EXPECT_TRUE(tripwire.IsTouched() && aborted);
+    EXPECT_LE(tripwire.TouchedBytes(), 12 * 1024 + 2 * tripwire.PageBytes());
+  }
+  EXPECT_EQ(Pixels(), expected);
+  aborted = false;
+  Render(&cancel, &aborted);
+  EXPECT_NE(Pixels(), expected);
+  setSaturation(0.25f);
+  Render(&cancel, &aborted);
+  EXPECT_EQ(Pixels(), expected);
+}
+
+// A single row that is summed seven times.
+TEST(CancelGrid, StopsInTheWrappedMargin) {
+  constexpr int kLength = 1 << 16;
+  const auto row = std::make_unique<float[]>(kLength);
+  cBilateralGrid grid(kLength, 1, 1e9f, 0.3f, 0.0f, 1.0f);
+  cTripwire tripwire;
+  tripwire.Stretch(row.get(), sizeof(float) * kLength);
+  EXPECT_FALSE(grid.Splat(tripwire.Cancel(), row.get(), true));
+  EXPECT_TRUE(tripwire.IsTouched());
+}
+
+TEST(CancelTables, StopInTransfers) {
+  cTransferGamma gamma(2.2f);
+  const auto expectStop = [&](auto pBuild, std::size_t pBytes, std::size_t pEntry) {
+    cTripwire tripwire;
+    cWatch watch;
+    watch.Begin(tripwire, {kTaken, 1, pBytes});
+    EXPECT_EQ(pBuild(&gamma, tripwire.Cancel()), nullptr);
+    watch.End();
+    EXPECT_TRUE(tripwire.IsTouched());
+    EXPECT_LE(tripwire.TouchedBytes(), 1024 * pEntry + 2 * tripwire.PageBytes());
+  };
+  expectStop(BuildTable<cTransferLUT_I16F32>, sizeof(cTransferLUT_I16F32), sizeof(float));
+  expectStop(BuildTable<cTransferLUT_F32I8>, sizeof(cTransferLUT_F32I8), 1);
+}
 
 TEST(CancelEqualiser, StopsWithinARowAndRunsInFullAfterwards) {
   cBitmapBGR16 input(kWidth, kHeight, eColorSpaceID_sRGB), output(kWidth, kHeight, eColorSpaceID_sRGB);

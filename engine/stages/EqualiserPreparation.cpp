@@ -26,7 +26,8 @@ void Linearise(const tSample* pFrom, int pCount, const float* pToLinear, float* 
 template <class tSample, class tTransferLUT>
 void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
               cBitmapU16T& pRecords) {
-  const auto toLinear = std::make_unique<tTransferLUT>(pInput.GetColorSpace()->GetToLinear());
+  const auto toLinear = BuildTable<tTransferLUT>(pInput.GetColorSpace()->GetToLinear(), pCancel);
+  if (toLinear == nullptr) return SetAborted(pAborted);
   const int width = pInput.GetWidth();
   float r[kRunLength], g[kRunLength], b[kRunLength];
   const auto stops = [=] { return StopRequested(pCancel, pAborted); };

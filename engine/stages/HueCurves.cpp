@@ -3,6 +3,7 @@
 #include "engine/TmCheck.h"
 #include "engine/cHermiteSpline.h"
 #include "engine/stages/HueTable.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
@@ -40,11 +41,15 @@ void cHueCurves::Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* p
   if (ReplaceIfOther(fHLCurve, *pHLCurve)) pDirty = true;
 }
 
-void cHueCurves::BuildHueTable(std::unique_ptr<cHueTable>& pTable) {
-  if (!fIsTableStale) return;
+bool cHueCurves::BuildHueTable(std::unique_ptr<cHueTable>& pTable, const bool* pCancel) {
+  if (!fIsTableStale) return true;
   if (pTable == nullptr) pTable = std::make_unique<cHueTable>();
-  pTable->Build(fHHCurve->Get16BitTable(), fHSCurve->GetFloatTable());
-  fIsTableStale = false;
+  if (IsSet(pCancel)) return false;
+  const unsigned short* const shift = fHHCurve->Get16BitTable();
+  if (IsSet(pCancel)) return false;
+  const float* const saturation = fHSCurve->GetFloatTable();
+  fIsTableStale = !pTable->Build(shift, saturation, pCancel);
+  return !fIsTableStale;
 }
 
 const float* cHueCurves::Lightness() const {

@@ -21,8 +21,10 @@ class cHueCurves {
                bool& pDirty, const sThrowPlace& pPlace);
 
   /// Builds pTable, which is always the same one, by hue shift and saturation. Neutral curves leave a new
-  /// table as it is, and null where there is none, until other curves came. Throws std::bad_alloc.
-  void BuildHueTable(std::unique_ptr<cHueTable>& pTable);
+  /// table as it is, and null where there is none, until other curves came. Throws std::bad_alloc. Polls
+  /// pCancel before each curve's table and while it builds pTable; returns false, with pTable still to be
+  /// built, when it is set.
+  bool BuildHueTable(std::unique_ptr<cHueTable>& pTable, const bool* pCancel);
   /// The lightness curve's 65,536 samples, 0.5 is neutral. They hold until the next Replace.
   const float* Lightness() const;
 

@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+#include "engine/PixelRows.h"
+#include "engine/stages/StageFlags.h"
+
 namespace TmEngine {
 namespace {
 
@@ -34,11 +37,13 @@ cHueTable::cHueTable() {
   for (int i = 0; i < kTableSize; ++i) fColors[i] = HexconeColor(i, 0.0f);
 }
 
-void cHueTable::Build(const unsigned short* pHueShift, const float* pSaturation) {
+bool cHueTable::Build(const unsigned short* pHueShift, const float* pSaturation, const bool* pCancel) {
   for (int i = 0; i < kTableSize; ++i) {
+    if (i % kRunLength == 0 && IsSet(pCancel)) return false;
     const int hue = (pHueShift[i] + i + 32769) % kTableSize;
     fColors[i] = HexconeColor(hue, 1.0f - 2.0f * pSaturation[i]);
   }
+  return true;
 }
 
 }  // namespace TmEngine

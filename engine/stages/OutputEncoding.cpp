@@ -4,9 +4,9 @@
 
 namespace TmEngine {
 
-const unsigned short* cOutputEncoding::Table(const cColorSpace& pSpace) {
-  if (fTable == nullptr) fTable = std::make_unique<cTransferLUT_F32I16>(pSpace.GetFromLinear());
-  return fTable->GetTable();
+const unsigned short* cOutputEncoding::Table(const cColorSpace& pSpace, const bool* pCancel) {
+  if (fTable == nullptr) fTable = BuildTable<cTransferLUT_F32I16>(pSpace.GetFromLinear(), pCancel);
+  return fTable != nullptr ? fTable->GetTable() : nullptr;
 }
 
 }  // namespace TmEngine

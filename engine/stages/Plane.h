@@ -23,8 +23,7 @@ struct sFreePlane {
 /// One float a pixel, row-major without padding, not cleared.
 using tPlane = std::unique_ptr<float[], sFreePlane>;
 
-/// From pRegion, which must stay as long, where it has room, else from malloc. Throws cOutOfMemoryException
-/// when the block cannot be had.
+/// From pRegion, which must stay as long, where it has room, else from malloc; null without memory.
 tPlane AllocPlane(int pWidth, int pHeight, cLargeRegion* pRegion = nullptr);
 
 /// Index of the first pixel of row pY of a plane.

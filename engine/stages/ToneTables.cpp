@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/kernels/Kernels.h"
+#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {
@@ -32,11 +33,13 @@ void ApplyExponents(const sCompression& pCompression, double* pValues) {
   }
 }
 
-/// Fills a table over [pMin, pMax] and returns its largest entry.
-float FillTable(const sCompression& pCompression, float pMin, float pMax, float* pTable) {
+/// Fills a table over [pMin, pMax] and finds its largest entry. False when stopped.
+bool FillTable(const sCompression& pCompression, float pMin, float pMax, float* pTable, float& pLargest,
+               const bool* pCancel) {
   const sKernels& kernels = Kernels();
   sRange range = {0.0f, 0.0f};
   for (int start = 0; start < kTableSize; start += kRun, pTable += kRun) {
+    if (IsSet(pCancel)) return false;
     double values[kRun];
     for (int i = 0; i < kRun; ++i) {
       const float t = static_cast<float>(start + i) / 65535.0f;
@@ -47,7 +50,8 @@ float FillTable(const sCompression& pCompression, float pMin, float pMax, float*
     for (int i = 0; i < kRun; ++i) pTable[i] = static_cast<float>(values[i]);
     kernels.fWiden(pTable, kRun, range);
   }
-  return range.fMax;
+  pLargest = range.fMax;
+  return true;
 }
 
 }  // namespace
@@ -57,15 +61,16 @@ float GlobalExponent(float pStrength) {
   return s > 0.0f ? 1.0f - s : 1.0f - 3.0f * s;
 }
 
-void BuildToneTables(float pExponent, float pToneCompression, const sLayerStatistics& pLayers,
-                     sToneTables& pTables) {
+bool BuildToneTables(float pExponent, float pToneCompression, const sLayerStatistics& pLayers,
+                     sToneTables& pTables, const bool* pCancel) {
   const auto amount = static_cast<double>(pToneCompression);
   const bool compressed = pToneCompression > 0.0f;
   // The base is always compressed a little harder than the detail.
   const sCompression base{pExponent, compressed, amount / 20.0 + 0.05, pLayers.fBaseMean};
   const sCompression detail{1.0f, compressed, amount / 50.0 + 0.01, pLayers.fDetailMagnitude};
-  pTables.fBaseMax = FillTable(base, pLayers.fBaseMin, pLayers.fBaseMax, pTables.fBase);
-  pTables.fDetailMax = FillTable(detail, pLayers.fDetailMin, pLayers.fDetailMax, pTables.fDetail);
+  return FillTable(base, pLayers.fBaseMin, pLayers.fBaseMax, pTables.fBase, pTables.fBaseMax, pCancel) &&
+         FillTable(detail, pLayers.fDetailMin, pLayers.fDetailMax, pTables.fDetail, pTables.fDetailMax,
+                   pCancel);
 }
 
 }  // namespace TmEngine

@@ -18,8 +18,8 @@ float GlobalExponent(float pStrength);
 
 /// Entries are ten to the power of value times exponent, the exponent being pExponent for the base and 1 for
 /// the detail. With pToneCompression above 0 it falls with the distance of the value from its typical
-/// magnitude.
-void BuildToneTables(float pExponent, float pToneCompression, const sLayerStatistics& pLayers,
-                     sToneTables& pTables);
+/// magnitude. Polls pCancel every few entries; returns false, with the tables unfinished, when it is set.
+bool BuildToneTables(float pExponent, float pToneCompression, const sLayerStatistics& pLayers,
+                     sToneTables& pTables, const bool* pCancel = nullptr);
 
 }  // namespace TmEngine
