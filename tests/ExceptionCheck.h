@@ -2,11 +2,32 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "engine/cException.h"
+
+/// Whether a check stands at pLine of the source that an exception names, or a few lines above, where one
+/// takes several; or the source has a check that hosts know by this number.
+inline bool IsPlaceOfACheck(const std::string& pFile, int pLine) {
+  const std::string name = pFile.starts_with(".\\") ? pFile.substr(2) : "";
+  std::ifstream source;
+  for (const char* folder : {"/../engine/", "/../export/"}) {
+    if (!source.is_open()) source.open(QUORVANE_TESTS_DIR + std::string(folder) + name);
+  }
+  int number = 0, checkedLine = 0;
+  bool isFixed = false;
+  for (std::string line; std::getline(source, line);) {
+    ++number;
+    const bool isCheck =
+        line.find("TM_CHECK(") != std::string::npos || line.find("TM_HERE") != std::string::npos;
+    if (number <= pLine && isCheck) checkedLine = number;
+    if (line.find("TM_CHECK_LINE(" + std::to_string(pLine) + ",") != std::string::npos) isFixed = true;
+  }
+  return isFixed || (checkedLine > 0 && pLine - checkedLine <= 4);
+}
 
 /// Expects that pCall throws exactly tException with the message pText, from the source pFile at pLine (where
 /// they are given), and returns the throw's signature text.
@@ -21,6 +42,8 @@ std::string ExpectThrow(const tCall& pCall, const std::string& pText, const char
     EXPECT_EQ(std::string(exception.GetMessage()), pText);
     EXPECT_STREQ(pFile == nullptr ? nullptr : exception.GetFile(), pFile);
     EXPECT_EQ(pLine == 0 ? 0 : exception.GetLine(), pLine);
+    EXPECT_TRUE(IsPlaceOfACheck(exception.GetFile(), exception.GetLine()))
+        << exception.GetFile() << ":" << exception.GetLine() << ": " << pText;
     return exception.GetFunction() == nullptr ? "" : exception.GetFunction();
   } catch (const std::exception& exception) {
     ADD_FAILURE() << "another exception: " << exception.what() << ", expected: " << pText;
