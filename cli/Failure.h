@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cli/ShortText.h"
+#include "engine/cException.h"
 
 namespace Cli {
 
@@ -45,6 +46,8 @@ auto NameFailures(eExitCode pExitCode, const std::string& pFile, const std::stri
     throw;
   } catch (const std::bad_alloc&) {
     throw cFailure(pExitCode, pFile, "not enough memory to " + pDoing + " it");
+  } catch (const TmEngine::cOutOfMemoryException& exception) {
+    throw cFailure(pExitCode, pFile, "not enough memory to " + pDoing + " it: " + pTell(exception.what()));
   } catch (const std::exception& exception) {
     throw cFailure(pExitCode, pFile, pTell(std::string(exception.what())));
   }

@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 
+#include "cli/Failure.h"
 #include "cli/JxlContainer.h"
 #include "cli/MetadataBlocks.h"
 #include "cli/OutputBitmap.h"
@@ -432,6 +433,19 @@ TEST_F(FullDiskTool, NamesTheTargetAndTheReason) {
   }
   ExpectRefused("", "full/", "No space left on device");
   EXPECT_EQ(std::system("umount full"), 0);
+}
+
+TEST(Failure, NamesFileAndReasonWhenTheEngineIsOutOfMemory) {
+  const auto render = [] {
+    throw TmEngine::cOutOfMemoryException("The grid is too large.", 1, "file", "time", "function");
+  };
+  try {
+    Cli::NameFailures(Cli::eExitCode_Processing, "a.hdr", "tone-map", render);
+    ADD_FAILURE() << "no failure";
+  } catch (const Cli::cFailure& failure) {
+    EXPECT_STREQ(failure.what(), "a.hdr: not enough memory to tone-map it: The grid is too large.");
+    EXPECT_EQ(failure.GetExitCode(), 5);
+  }
 }
 
 }  // namespace
