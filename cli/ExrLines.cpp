@@ -98,7 +98,17 @@ void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const 
     if (IsWhole(pHeader.channels()[name])) continue;
     throw cFailure(eExitCode_CannotRead, pFile, "its channel " + name + " is subsampled; convert it first");
   }
-  if (pSource.fColours != eExrColours::kChroma || pSource.fPart == 0) return;
+  if (pSource.fColours != eExrColours::kChroma) return;
+  const auto isHalf = [&](const char* pName) {
+    const Imf::Channel& chroma = pHeader.channels()[pSource.NameOf(pName)];
+    return chroma.xSampling == 2 && chroma.ySampling == 2;
+  };
+  if (!isHalf("RY") || !isHalf("BY")) {
+    throw cFailure(eExitCode_CannotRead, pFile,
+                   "its colours are stored as luminance and chroma (Y, RY, BY), and chroma not at half the "
+                   "resolution; convert it to R, G, B");
+  }
+  if (pSource.fPart == 0) return;
   throw cFailure(eExitCode_CannotRead, pFile,
                  "luminance and chroma (Y, RY, BY) are read from the first part only; convert it to R, G, B");
 }

@@ -101,7 +101,7 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   }
   if (hasChroma) {
     throw cFailure(eExitCode_CannotRead, pFile,
-                   "its luminance and chroma (Y, RY, BY) are incomplete; convert it to R, G, B");
+                   "its colours are stored as luminance and chroma (Y, RY, BY), and one of them is missing");
   }
   throw cFailure(eExitCode_CannotRead, pFile,
                  "it has neither the channels R, G, B nor a channel Y (it has: " +
