@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <iterator>
+#include <string_view>
 
+#include "cli/BigEndian.h"
+#include "cli/FileReader.h"
 #include "engine/cTransfer.h"
 
 namespace Cli {
@@ -14,8 +16,8 @@ float DecodeSRGB(float pSample) {
   return TmEngine::cTransfer_sRGBToLinear().Evaluate(pSample);
 }
 
-float DecodeLinear(float pSample) {
-  return pSample;
+float DecodePower(float pSample, double pPower) {
+  return pPower == 1.0 ? pSample : static_cast<float>(std::pow(static_cast<double>(pSample), pPower));
 }
 
 /// SMPTE ST 2084.
@@ -55,12 +57,14 @@ const sKnownPrimaries kPrimaries[] = {
 struct sKnownTransfer {
   int fCode;
   const char* fName;
-  float (*fDecode)(float);
+  eEncoding fEncoding;
 };
 constexpr sKnownTransfer kTransfers[] = {
-    {13, "", &DecodeSRGB},         {1, "", &DecodeSRGB},   {2, "", &DecodeSRGB},    {6, "", &DecodeSRGB},
-    {14, "", &DecodeSRGB},         {15, "", &DecodeSRGB},  // Rec. 709 is shown as sRGB is
-    {8, " linear", &DecodeLinear}, {16, " PQ", &DecodePQ}, {18, " HLG", &DecodeHLG}};
+    {13, "", eEncoding::kSRGB},        {1, "", eEncoding::kSRGB},
+    {2, "", eEncoding::kSRGB},         {6, "", eEncoding::kSRGB},
+    {14, "", eEncoding::kSRGB},        {15, "", eEncoding::kSRGB},  // Rec. 709 is shown as sRGB is
+    {8, " linear", eEncoding::kPower}, {16, " PQ", eEncoding::kPQ},
+    {18, " HLG", eEncoding::kHLG}};
 
 /// Null for a code that is not known.
 template <class tKnown, std::size_t tCount>
@@ -70,43 +74,47 @@ const tKnown* Find(const tKnown (&pKnown)[tCount], int pCode) {
   return found == std::end(pKnown) ? nullptr : found;
 }
 
-/// Big-endian.
 int Read16(const std::string& pBytes, std::size_t pAt) {
-  return static_cast<unsigned char>(pBytes[pAt]) << 8 | static_cast<unsigned char>(pBytes[pAt + 1]);
+  return static_cast<int>(ReadBigEndian(std::string_view(pBytes).substr(pAt, 2)));
 }
 
 }  // namespace
 
-std::optional<sCodedColors> ReadCodedColors(const std::string& pFile, std::vector<std::string>& pWarnings) {
-  constexpr std::streamsize kFarthest = 65536;  // properties stand before the pixels
-  const std::string name = "colrnclx";
-  std::string start(kFarthest, '\0');
-  std::ifstream stream(pFile, std::ios::binary);
-  stream.read(start.data(), kFarthest);
-  start.resize(static_cast<std::size_t>(stream.gcount()));
-  const std::size_t at = start.find(name);
-  if (at == std::string::npos || at + name.size() + 4 > start.size()) return std::nullopt;
-  const sCodedColors colors = {Read16(start, at + name.size()), Read16(start, at + name.size() + 2)};
-  if (Find(kPrimaries, colors.fPrimaries) != nullptr && Find(kTransfers, colors.fTransfer) != nullptr) {
-    return colors;
+std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
+                                            std::vector<std::string>& pWarnings) {
+  const sKnownPrimaries* const primaries = Find(kPrimaries, pPrimaries);
+  const sKnownTransfer* const transfer = Find(kTransfers, pTransfer);
+  if (primaries != nullptr && transfer != nullptr) {
+    return sCodedColors{primaries->fPrimaries, transfer->fEncoding, 1.0,
+                        std::string(primaries->fName) + transfer->fName};
   }
   pWarnings.push_back("its colours are of a kind that is not known here (primaries " +
-                      std::to_string(colors.fPrimaries) + ", transfer " + std::to_string(colors.fTransfer) +
-                      "); sRGB is taken");
+                      std::to_string(pPrimaries) + ", transfer " + std::to_string(pTransfer) + "); " +
+                      pInstead);
   return std::nullopt;
 }
 
-sPrimaries PrimariesOf(const sCodedColors& pColors) {
-  return Find(kPrimaries, pColors.fPrimaries)->fPrimaries;
-}
-
-std::string NameColors(const sCodedColors& pColors) {
-  return std::string(Find(kPrimaries, pColors.fPrimaries)->fName) +
-         Find(kTransfers, pColors.fTransfer)->fName;
+std::optional<sCodedColors> ReadHeifColors(const std::string& pFile, std::vector<std::string>& pWarnings) {
+  constexpr std::size_t kFarthest = 65536;  // properties stand before the pixels
+  const std::string name = "colrnclx";
+  const std::string start = cFileReader(pFile).Read(0, kFarthest);
+  const std::size_t at = start.find(name);
+  if (at == std::string::npos || at + name.size() + 4 > start.size()) return std::nullopt;
+  return FindCodedColors(Read16(start, at + name.size()), Read16(start, at + name.size() + 2),
+                         "sRGB is taken", pWarnings);
 }
 
 float DecodeSample(const sCodedColors& pColors, float pSample) {
-  return Find(kTransfers, pColors.fTransfer)->fDecode(pSample);
+  switch (pColors.fEncoding) {
+    case eEncoding::kPower:
+      return DecodePower(pSample, pColors.fPower);
+    case eEncoding::kPQ:
+      return DecodePQ(pSample);
+    case eEncoding::kHLG:
+      return DecodeHLG(pSample);
+    default:
+      return DecodeSRGB(pSample);
+  }
 }
 
 }  // namespace Cli

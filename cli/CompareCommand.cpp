@@ -13,6 +13,7 @@
 #include "cli/Json.h"
 #include "cli/LdrReader.h"
 #include "cli/MemoryBudget.h"
+#include "cli/Options.h"
 #include "cli/OutputFormat.h"
 #include "cli/Picture.h"
 #include "cli/PictureDifference.h"
@@ -33,6 +34,7 @@ struct sCompareOptions {
   std::string fA;
   std::string fB;
   std::string fOutput;
+  sPictureChoice fSource{.fTakesSingle = true};
   bool fOverwrite = false;
   std::optional<double> fFailAbove;
   bool fJson = false;
@@ -40,10 +42,10 @@ struct sCompareOptions {
 };
 
 /// pLimit: of memory, for both pictures together.
-sLdrPicture Read(const std::string& pFile, std::int64_t pLimit) {
+sLdrPicture Read(const std::string& pFile, const sPictureChoice& pChoice, std::int64_t pLimit) {
   SetSingleMemoryGate(kBytesPerPixel, pLimit);
   const cInputFile input(pFile);
-  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
+  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb, pChoice); });
   PrintWarnings(GetSpokenName(pFile), picture.fWarnings);
   return picture;
 }
@@ -102,10 +104,10 @@ void Run(const sCompareOptions& pOptions) {
   CheckArguments(pOptions);
   const cVipsLibrary library;
   const std::int64_t limit = ChooseMemoryLimit(pOptions.fMemoryLimit);
-  const sLdrPicture a = Read(pOptions.fA, limit);
-  const sLdrPicture b = Read(pOptions.fB, limit);
+  const sLdrPicture a = Read(pOptions.fA, pOptions.fSource, limit);
+  const sLdrPicture b = Read(pOptions.fB, pOptions.fSource, limit);
   CheckSizes(pOptions, a, b);
-  if (a.fProfile != b.fProfile) {
+  if (a.fProfile != b.fProfile || a.fBeyondWhite != b.fBeyondWhite) {
     PrintWarnings(GetSpokenName(pOptions.fB), {"its colour profile is not that of " +
                                                GetSpokenName(pOptions.fA) + "; codes are compared"});
   }
@@ -132,6 +134,7 @@ void AddCompareCommand(CLI::App& pProgram) {
   verb->add_option("B", options->fB, "Another; A or B may be -, standard input")
       ->required()
       ->option_text(" ");
+  AddPageOption(*verb, options->fSource);
   verb->add_option("-o,--output", options->fOutput,
                    "Draws A, B and their amplified difference side by side; a .png")
       ->option_text("FILE");

@@ -36,6 +36,7 @@ struct sEqualizeOptions {
   std::string fOutput;
   std::string fFormat;  ///< Of standard output, as an ending without its point; "" for png.
   std::string fPlot;
+  sPictureChoice fSource;
   sHueCurveOptions fCurves;
   int fDepth = 0;  ///< 0 for the input's.
   sFileOptions fFile;
@@ -66,6 +67,14 @@ cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, 
                       [&] { return RenderCurves(pPicture, pDepth, pOptions.fCurves); });
 }
 
+/// Samples that go beyond white are no finished picture.
+void RefuseBeyondWhite(const std::string& pFile, const sLdrPicture& pPicture) {
+  if (pPicture.fBeyondWhite.empty()) return;
+  throw cFailure(eExitCode_CannotRead, pFile,
+                 "its light goes beyond white (" + pPicture.fBeyondWhite +
+                     "); tone-map it first, then equalize the result");
+}
+
 void EqualizeFile(const sEqualizeOptions& pOptions) {
   const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
   const std::string name = pOptions.fOutput != kStandardStream
@@ -77,7 +86,8 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
     CheckMemoryLimit(pFile, EstimateMemory(pPixels, format, 16), ChooseMemoryLimit(pOptions.fMemoryLimit));
   });
   const cInputFile input(pOptions.fInput);
-  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb); });
+  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb, pOptions.fSource); });
+  RefuseBeyondWhite(GetSpokenName(pOptions.fInput), picture);
   PrintWarnings(GetSpokenName(pOptions.fInput), picture.fWarnings);
   CheckRowLength(GetSpokenName(pOptions.fInput), picture.fBitmap->GetWidth(), TmEngine::kHueChannels);
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
@@ -198,6 +208,7 @@ void AddEqualizeCommand(CLI::App& pProgram) {
                    "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content;\n"
                    "- for standard input")
       ->option_text(" ");
+  AddPageOption(*verb, options->fSource);
   verb->add_option("-o,--output", options->fOutput,
                    "The result: .png, .tif, .jpg, .webp, .avif or .jxl; - for standard output")
       ->option_text("OUT")

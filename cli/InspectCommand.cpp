@@ -121,6 +121,7 @@ void AddInspectCommand(CLI::App& pProgram) {
       ->required()
       ->option_text(" ");
   AddChoiceOptions(*verb, options->fSource);
+  AddPageOption(*verb, options->fSource);
   verb->add_flag("--json", options->fJson, "One JSON object a photograph, a line each");
   verb->add_option("--plot", options->fPlot,
                    "Draws the distribution of luminance, the curves of base and detail layer and the\n"

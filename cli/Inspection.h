@@ -5,6 +5,7 @@
 
 #include "cli/MetadataSummary.h"
 #include "cli/Picture.h"
+#include "cli/PictureChoice.h"
 #include "cli/PictureStatistics.h"
 #include "cli/Settings.h"
 #include "cli/Terminal.h"

@@ -5,12 +5,15 @@
 #include <new>
 #include <utility>
 
+#include "cli/CodedProfile.h"
 #include "cli/Failure.h"
 #include "cli/FileKind.h"
+#include "cli/LeftOut.h"
+#include "cli/NamedProfile.h"
 #include "cli/OutputBitmap.h"
 #include "cli/Picture.h"
-#include "cli/PictureWriter.h"
 #include "cli/ProfileSpace.h"
+#include "cli/StatedColors.h"
 #include "cli/VipsReader.h"
 #include "cli/VipsSource.h"
 #include "engine/cBitmapBGR16.h"
@@ -27,9 +30,9 @@ using vips::VImage;
 }
 
 /// The file's picture, upright. Throws cFailure unless its samples are integers of 8 or 16 bits.
-VImage OpenIntegers(const std::string& pFile, const std::string& pVerb) {
+VImage OpenIntegers(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice) {
   if (TellFileKind(pFile) != eFileKind::kVips) RefuseFloats(pFile, pVerb);
-  VImage image = Uncode(OpenUpright(pFile, 1));
+  VImage image = Uncode(OpenUpright(pFile, 1, pChoice));
   switch (image.format()) {
     case VIPS_FORMAT_UCHAR:
     case VIPS_FORMAT_USHORT:
@@ -93,8 +96,9 @@ void TakeSamples(const VImage& pImage, int pColours, TmEngine::cColorSpace* pSpa
 
 /// Reads the file once more, as light, and encodes that in 16 bits, whatever the file has: a wider space
 /// needs finer steps.
-void Convert(const std::string& pFile, eColorSpaceID pSpace, sLdrPicture& pPicture) {
-  sPicture light = ReadWithVips(pFile);
+void Convert(const std::string& pFile, const sPictureChoice& pChoice, eColorSpaceID pSpace,
+             sLdrPicture& pPicture) {
+  sPicture light = ReadWithVips(pFile, pChoice);
   auto bitmap =
       std::make_unique<TmEngine::cBitmapBGR16>(light.fBitmap->GetWidth(), light.fBitmap->GetHeight(), pSpace);
   bitmap->FromXYZ32(light.fBitmap.get());
@@ -104,30 +108,53 @@ void Convert(const std::string& pFile, eColorSpaceID pSpace, sLdrPicture& pPictu
   pPicture.fWarnings = light.fWarnings;
 }
 
-/// The engine's colour space for the samples as they are, and their profile. Null where there is none.
-std::unique_ptr<TmEngine::cColorSpace> FindSpace(const VImage& pImage, int pColours,
-                                                 const cIccDecoder* pDecoder, std::string& pProfile) {
-  if (pDecoder == nullptr && pColours != 4) {
-    pProfile = GetIccProfile(TmEngine::eColorSpaceID_sRGB);
-    return std::make_unique<TmEngine::cColorSpace_sRGB>();
-  }
-  if (pDecoder == nullptr || pColours != 3) return nullptr;
-  pProfile = GetEmbeddedProfile(pImage);
-  return MatchProfile(pProfile, *pDecoder);
+/// What is known of the samples' colours: decoder and space are null where there is none.
+struct sSampleColors {
+  std::string fProfile;
+  int fColours;  ///< Of a pixel, as the decoder takes them.
+  std::unique_ptr<cIccDecoder> fDecoder;
+  std::unique_ptr<TmEngine::cColorSpace> fSpace;  ///< The engine's, for the samples as they are.
+};
+
+/// Grey is spread to red, green and blue, so that RGB profiles are right for it, too.
+sSampleColors FindCodedSpace(const sCodedColors& pCoded) {
+  sSampleColors colors{MakeProfile(pCoded), 3, nullptr, nullptr};
+  colors.fDecoder = cIccDecoder::FromProfile(colors.fProfile.data(), colors.fProfile.size(), 3);
+  if (colors.fDecoder != nullptr) colors.fSpace = MatchProfile(colors.fProfile, *colors.fDecoder);
+  return colors;
 }
 
-sLdrPicture Read(const std::string& pFile, const std::string& pVerb) {
+sSampleColors FindSpace(const sStatedColors& pStated, int pColours, std::vector<std::string>& pWarnings) {
+  sSampleColors colors{pStated.fProfile, pColours, MakeDecoder(pStated.fProfile, pColours, pWarnings),
+                       nullptr};
+  if (colors.fDecoder != nullptr) {
+    if (pColours == 3) colors.fSpace = MatchProfile(colors.fProfile, *colors.fDecoder);
+    return colors;
+  }
+  if (pColours == 4) return colors;
+  const sCodedColors coded = pStated.fCoded.value_or(sCodedColors{});
+  if (!coded.AreSRGB() && !coded.GoesBeyondWhite()) return FindCodedSpace(coded);
+  colors.fProfile = GetIccProfile(TmEngine::eColorSpaceID_sRGB);
+  colors.fSpace = std::make_unique<TmEngine::cColorSpace_sRGB>();
+  return colors;
+}
+
+sLdrPicture Read(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice) {
   sLdrPicture picture;
-  const VImage image = OpenIntegers(pFile, pVerb);
+  const VImage image = OpenIntegers(pFile, pVerb, pChoice);
   const int colours = CountColours(pFile, image);
   CheckSize(pFile, image.width(), image.height());
   picture.fFileDepth = image.format() == VIPS_FORMAT_USHORT ? 16 : 8;
   picture.fMetadata = ReadMetadata(pFile, image);
-  const auto decoder = MakeDecoder(image, colours, picture.fWarnings);
-  if (const auto space = FindSpace(image, colours, decoder.get(), picture.fProfile)) {
-    TakeSamples(image, colours, space.get(), picture);
-  } else if (decoder != nullptr) {
-    Convert(pFile, ChooseWideSpace(*decoder, colours), picture);
+  picture.fWarnings = ListLeftOut(pFile, image, pChoice.fPage);
+  const sStatedColors stated = FindStatedColors(pFile, image, picture.fMetadata, picture.fWarnings);
+  if (stated.fCoded && stated.fCoded->GoesBeyondWhite()) picture.fBeyondWhite = stated.fCoded->fName;
+  sSampleColors colors = FindSpace(stated, colours, picture.fWarnings);
+  if (colors.fSpace != nullptr) {
+    picture.fProfile = colors.fProfile;
+    TakeSamples(image, colours, colors.fSpace.get(), picture);
+  } else if (colors.fDecoder != nullptr) {
+    Convert(pFile, pChoice, ChooseWideSpace(*colors.fDecoder, colors.fColours), picture);
   } else {
     RefuseLayout(pFile, "it is CMYK without a profile");
   }
@@ -136,9 +163,10 @@ sLdrPicture Read(const std::string& pFile, const std::string& pVerb) {
 
 }  // namespace
 
-sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb) {
+sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
+                           const sPictureChoice& pChoice) {
   try {
-    return Read(pFile, pVerb);
+    return Read(pFile, pVerb, pChoice);
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   } catch (const std::bad_alloc&) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/Metadata.h"
+#include "cli/PictureChoice.h"
 #include "engine/cBitmapLDR.h"
 
 namespace Cli {
@@ -14,8 +15,9 @@ namespace Cli {
 struct sLdrPicture {
   std::unique_ptr<TmEngine::cBitmapLDR> fBitmap;  ///< Upright, with the colour space of its samples.
   std::vector<std::uint16_t> fAlpha;              ///< As in sPicture.
-  int fFileDepth = 8;    ///< Of the file; a picture that was converted holds 16 bits.
-  std::string fProfile;  ///< ICC, of fBitmap's samples.
+  int fFileDepth = 8;        ///< Of the file; a picture that was converted holds 16 bits.
+  std::string fProfile;      ///< ICC, of fBitmap's samples.
+  std::string fBeyondWhite;  ///< The name of colours that go beyond white, which no profile is for.
   cMetadata fMetadata;
   std::vector<std::string> fWarnings;
 };
@@ -25,6 +27,7 @@ struct sLdrPicture {
 /// and CMYK, they are converted to the smallest of the engine's named spaces that holds their colours. Alpha
 /// stays as it is. libvips must be running. Throws cFailure; for pictures of floats it says that pVerb does
 /// not take them.
-sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb);
+sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
+                           const sPictureChoice& pChoice = {});
 
 }  // namespace Cli

@@ -18,7 +18,8 @@ double TwiceArea(const cVector2& pA, const cVector2& pB, const cVector2& pC) {
   return (pB.fX - aX) * (pC.fY - aY) - (pC.fX - aX) * (pB.fY - aY);
 }
 
-/// Whether the white lies well inside the triangle of the primaries: then every matrix can be had.
+}  // namespace
+
 bool SpanColorSpace(const sPrimaries& pP) {
   constexpr double kLeast = 1e-4;
   const double area = TwiceArea(pP.fRed, pP.fGreen, pP.fBlue);
@@ -28,6 +29,8 @@ bool SpanColorSpace(const sPrimaries& pP) {
          sign * TwiceArea(pP.fWhite, pP.fGreen, pP.fBlue) > kLeast &&
          sign * TwiceArea(pP.fWhite, pP.fBlue, pP.fRed) > kLeast;
 }
+
+namespace {
 
 bool AreAllZero(const sPrimaries& pP) {
   const cVector2 all[] = {pP.fRed, pP.fGreen, pP.fBlue, pP.fWhite};
@@ -60,6 +63,8 @@ bool AreAlike(const cVector2& pA, const cVector2& pB) {
   return std::fabs(pA.fX - pB.fX) <= kTolerance && std::fabs(pA.fY - pB.fY) <= kTolerance;
 }
 
+}  // namespace
+
 std::string NamePrimaries(const sPrimaries& pP) {
   const auto* const named = std::find_if(std::begin(kNamed), std::end(kNamed), [&](const auto& pNamed) {
     const sPrimaries& other = pNamed.fPrimaries;
@@ -68,8 +73,6 @@ std::string NamePrimaries(const sPrimaries& pP) {
   });
   return named == std::end(kNamed) ? "primaries of the file's own" : named->fName;
 }
-
-}  // namespace
 
 sLight LightOf(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings) {
   sPrimaries primaries;

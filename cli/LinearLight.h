@@ -17,6 +17,11 @@ struct sPrimaries {
   TmEngine::cVector2 fWhite{0.31271f, 0.32902f};
 };
 
+/// Whether the white lies well inside the triangle of the primaries: then every matrix exists.
+bool SpanColorSpace(const sPrimaries& pPrimaries);
+/// "Display P3 primaries"; in other words for those that have no name.
+std::string NamePrimaries(const sPrimaries& pPrimaries);
+
 /// What linear samples mean.
 struct sLight {
   std::optional<TmEngine::cMatrix33> fToXYZ;  ///< From RGB to D50-relative XYZ; none for samples in XYZ.

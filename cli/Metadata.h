@@ -29,7 +29,8 @@ struct sMetadataKinds {
 struct sPictureFacts {
   int fWidth = 0;
   int fHeight = 0;
-  int fExifColorSpace = 0;  ///< 1 sRGB, 65535 another, 0 whatever the input's metadata say.
+  int fExifColorSpace = 0;         ///< 1 sRGB, 65535 another, 0 whatever the input's metadata say.
+  const char* fInteropIndex = "";  ///< Of EXIF: "R98" sRGB, "R03" Adobe RGB (1998), "" another.
 };
 
 /// What a file tells of its picture besides the pixels: EXIF, XMP, IPTC, comments and resolution. Not the

@@ -95,6 +95,15 @@ void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice) {
       ->option_text("NAME");
 }
 
+void AddPageOption(CLI::App& pVerb, sPictureChoice& pChoice) {
+  pVerb
+      .add_option("--page", pChoice.fPage,
+                  "The page of a .tif, or the picture of another file that holds several, counted from 1;\n"
+                  "the first or main one otherwise")
+      ->check(IntegerIn(1, 1000000))
+      ->option_text("N");
+}
+
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
   AddDepthOption(pVerb, pOptions.fDepth, "8");
   AddFileOptions(pVerb, pOptions.fFile);

@@ -16,6 +16,8 @@ namespace Cli {
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault);
 void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions);
 void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice);
+/// Which page of a file that holds several.
+void AddPageOption(CLI::App& pVerb, sPictureChoice& pChoice);
 void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions);
 
 }  // namespace Cli

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "cli/Picture.h"
+#include "cli/PictureChoice.h"
 
 namespace Cli {
 

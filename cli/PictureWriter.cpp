@@ -7,6 +7,7 @@
 #include <vips/vips8>
 
 #include "cli/Failure.h"
+#include "cli/NamedProfile.h"
 #include "cli/ResultAlpha.h"
 #include "cli/StandardStreams.h"
 #include "cli/TiffWriter.h"
@@ -15,7 +16,6 @@
 namespace Cli {
 namespace {
 
-using TmEngine::eColorSpaceID;
 using vips::VImage;
 
 /// Alpha as a band of the picture's depth; 8 bits that were widened come back as they were.
@@ -134,11 +134,13 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
   }
   if (traits.fHasAlpha) MakeStraight(pPicture, pFormat, warnings);
   const VImage image = ViewPicture(pPicture, traits.fHasAlpha && !pPicture.fAlpha.empty());
-  const sPictureFacts facts{image.width(), image.height(), GetExifColorSpace(pPicture.fProfile)};
+  const sPictureFacts facts{image.width(), image.height(), GetExifColorSpace(pPicture.fProfile),
+                            FindInteropIndex(pPicture.fProfile)};
   pPicture.fMetadata.Keep(pOptions.fMetadata);
   pPicture.fMetadata.PutInto(image, facts, IsCompleted(pFormat), warnings);
-  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pPicture.fProfile.data(),
-                           pPicture.fProfile.size());
+  const std::string profile =
+      pFormat == eOutputFormat::kPng ? ToPngProfile(pPicture.fProfile) : pPicture.fProfile;
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
   Save(image, pFormat, ChooseQuality(pPicture.fProfile, pFormat, pOptions.fQuality, warnings),
        pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPicture.fIsPremultiplied,
        pPath);
@@ -149,13 +151,6 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
 
 }  // namespace
 
-std::string GetIccProfile(eColorSpaceID pColorSpace) {
-  const auto profile = pColorSpace == TmEngine::eColorSpaceID_AdobeRGB98
-                           ? TmEngine::cColorSpace_AdobeRGB98::GetIccProfile()
-                       : pColorSpace == TmEngine::eColorSpaceID_ProPhotoRGB
-                           ? TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile()
-                           : TmEngine::cColorSpace_sRGB::GetIccProfile();
-  return {reinterpret_cast<const char*>(profile.fData), static_cast<std::size_t>(profile.fSize)};
 }
 
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {

@@ -8,7 +8,6 @@
 #include "cli/OutputFormat.h"
 #include "cli/ResultPixels.h"
 #include "cli/TempFile.h"
-#include "engine/cColorSpace.h"
 
 namespace Cli {
 
@@ -23,9 +22,6 @@ struct sFinishedPicture {
 
 /// Throws cFailure when the result would replace the input.
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
-
-/// The profile that describes a named colour space.
-std::string GetIccProfile(TmEngine::eColorSpaceID pColorSpace);
 
 /// Writes the picture with its profile, and with its alpha and metadata as far as the format has a place for
 /// them, to pFile and lets it take its target's place. Returns what had to be left out, in words. The same

@@ -7,6 +7,7 @@
 #include <vector>
 #include <vips/vips8>
 
+#include "cli/NamedProfile.h"
 #include "cli/Printf.h"
 #include "cli/SvgDrawing.h"
 #include "cli/VipsLibrary.h"
@@ -81,7 +82,8 @@ void WriteSideBySide(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB, int pFa
             .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     const VImage image = DrawCaptions(width, panel, pFactor).join(pictures, VIPS_DIRECTION_VERTICAL).copy();
     if (!pProfile.empty()) {
-      vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pProfile.data(), pProfile.size());
+      const std::string profile = ToPngProfile(pProfile);
+      vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
     }
     image.pngsave(pFile.GetPath().c_str());
   } catch (const vips::VError&) {

@@ -46,6 +46,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
   sTonemapJob& job = options->fBatch.fJob;
   AddBatchOptions(*verb, options->fBatch);
   AddChoiceOptions(*verb, job.fSource);
+  AddPageOption(*verb, job.fSource);
   AddSettingsOptions(*verb, options->fLook);
   verb->add_flag("--auto", job.fAuto,
                  "Choose the sliders that neither a preset nor an option gives from the picture's light")

@@ -9,6 +9,7 @@
 #include "cli/Failure.h"
 #include "cli/FileSource.h"
 #include "cli/MemoryBudget.h"
+#include "cli/NamedProfile.h"
 #include "cli/Panorama.h"
 #include "cli/PictureReader.h"
 #include "cli/Preview.h"

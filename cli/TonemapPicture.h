@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/OutputOptions.h"
+#include "cli/PictureChoice.h"
 #include "cli/PictureRendering.h"
 #include "cli/PictureWriter.h"
 #include "cli/Settings.h"

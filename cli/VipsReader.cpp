@@ -8,11 +8,12 @@
 #include <vips/vips8>
 
 #include "cli/Alpha.h"
-#include "cli/CodedColors.h"
 #include "cli/IccDecoder.h"
+#include "cli/LeftOut.h"
 #include "cli/LightRows.h"
 #include "cli/Panorama.h"
 #include "cli/RadianceHeader.h"
+#include "cli/StatedColors.h"
 #include "cli/TiffAlpha.h"
 #include "cli/VipsSource.h"
 #include "engine/PixelRows.h"
@@ -32,6 +33,7 @@ struct sLayout {
   std::vector<float> fTables[4];          ///< The float for each integer sample; colours may share one.
   const float* fTableOf[4] = {};          ///< Each colour's.
   std::unique_ptr<cIccDecoder> fDecoder;  ///< Null without a profile.
+  const char* fOrigin = "";               ///< Of the profile.
   sCodedColors fCoded;                    ///< Of integers without one.
   double fScale[3] = {1.0, 1.0, 1.0};     ///< What linear samples were multiplied by.
 
@@ -75,26 +77,25 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   if (!isInteger && (!layout.IsOfFloats() || layout.fColours == 4)) {
     RefuseLayout(pFile, "its kind of samples is not supported");
   }
-  layout.fDecoder = MakeDecoder(pImage, layout.fColours, pPicture.fWarnings);
+  const sStatedColors stated = FindStatedColors(pFile, pImage, pPicture.fMetadata, pPicture.fWarnings);
+  layout.fDecoder = MakeDecoder(stated.fProfile, layout.fColours, pPicture.fWarnings);
+  layout.fOrigin = stated.fOrigin;
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
   if (!isInteger) return layout;
-  const bool isHeif = pPicture.fFormat == "HEIF" || pPicture.fFormat == "AVIF";
-  if (isHeif && layout.fDecoder == nullptr) {
-    layout.fCoded = ReadCodedColors(pFile, pPicture.fWarnings).value_or(sCodedColors{});
-  }
-  const int bits = GetSampleBits(pImage);
-  layout.fFull = static_cast<float>(bits == 8 ? 255 : 65536 - (1 << (16 - bits)));
+  if (layout.fDecoder == nullptr) layout.fCoded = stated.fCoded.value_or(sCodedColors{});
+  layout.fFull = static_cast<float>(GetFullSample(pImage));
   MakeTables(layout);
   return layout;
 }
 
 sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPicture& pPicture) {
   if (pLayout.fDecoder != nullptr) {
-    return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(), pLayout.fDecoder->GetName() + " (ICC)"};
+    return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(),
+            pLayout.fDecoder->GetName() + " (" + pLayout.fOrigin + ")"};
   }
   if (pLayout.IsOfFloats()) return LightOf(pHeader.fPrimaries, pPicture.fWarnings);
-  sLight light = LightOf(PrimariesOf(pLayout.fCoded), pPicture.fWarnings);
-  light.fColorSpace = NameColors(pLayout.fCoded);
+  sLight light = LightOf(pLayout.fCoded.fPrimaries, pPicture.fWarnings);
+  light.fColorSpace = pLayout.fCoded.fName;
   return light;
 }
 
@@ -261,8 +262,8 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
 }
 
 /// Integers cannot be above their alpha when straight ones were multiplied by it; rounding is a step.
-bool HasOwnLight(const std::string& pFile, const sAmendment& pAmendment) {
-  const VImage image = OpenUpright(pFile, 1, &pAmendment);
+bool HasOwnLight(const std::string& pFile, const sPictureChoice& pChoice, const sAmendment& pAmendment) {
+  const VImage image = OpenUpright(pFile, 1, pChoice, &pAmendment);
   if (image.format() == VIPS_FORMAT_FLOAT || image.format() == VIPS_FORMAT_DOUBLE) return false;
   const int colours = CountColours(pFile, image);
   if (colours == 4 || image.bands() == colours) return false;
@@ -276,31 +277,33 @@ struct sAssociatedAlpha {
   std::optional<sAmendment> fAmendment;
   bool fHasOwnLight = false;
 
-  sAssociatedAlpha(const std::string& pFile, bool pIgnoresAlpha) : fAmendment(FindAssociatedAlpha(pFile)) {
-    if (!fAmendment || pIgnoresAlpha) return;
-    fHasOwnLight = HasOwnLight(pFile, *fAmendment);
-    const VipsBandFormat format = OpenUpright(pFile, 1, &*fAmendment).format();
+  sAssociatedAlpha(const std::string& pFile, const sPictureChoice& pChoice)
+      : fAmendment(pChoice.fPage > 1 ? std::nullopt : FindAssociatedAlpha(pFile)) {
+    if (!fAmendment || pChoice.fIgnoresAlpha) return;
+    fHasOwnLight = HasOwnLight(pFile, pChoice, *fAmendment);
+    const VipsBandFormat format = OpenUpright(pFile, 1, pChoice, &*fAmendment).format();
     const bool isLinear = format == VIPS_FORMAT_FLOAT || format == VIPS_FORMAT_DOUBLE;
     if (!isLinear && !fHasOwnLight) fAmendment.reset();
   }
   const sAmendment* Get() const { return fAmendment ? &*fAmendment : nullptr; }
 };
 
-sPicture OpenChecked(const std::string& pFile, bool pIgnoresAlpha) {
+sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
-  const sAssociatedAlpha associated(pFile, pIgnoresAlpha);
-  const VImage stored = OpenUpright(pFile, header.fOrientation, associated.Get());
+  const sAssociatedAlpha associated(pFile, pChoice);
+  const VImage stored = OpenUpright(pFile, header.fOrientation, pChoice, associated.Get());
   VImage image = Uncode(stored);
   CheckSize(pFile, image.width(), image.height());
   sPicture picture;
   TellOfFile(pFile, image, picture);
+  picture.fWarnings = ListLeftOut(pFile, image, pChoice.fPage);
   if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
   sLayout layout = ChooseLayout(pFile, image, picture);
   std::copy_n(header.fScale, 3, layout.fScale);
   layout.fIsRgbe = IsCoded(stored);
   sLight light = ChooseLight(layout, header, picture);
   light.fIsSound = IsSound(layout);
-  const bool hasAlpha = layout.fSamples > layout.fColours && !pIgnoresAlpha;
+  const bool hasAlpha = layout.fSamples > layout.fColours && !pChoice.fIgnoresAlpha;
   picture.fIsPremultiplied = hasAlpha && associated.Get() != nullptr;
   picture.fHasOwnLight = picture.fIsPremultiplied && associated.fHasOwnLight;
   picture.fRows =
@@ -310,16 +313,16 @@ sPicture OpenChecked(const std::string& pFile, bool pIgnoresAlpha) {
 
 }  // namespace
 
-sPicture OpenWithVips(const std::string& pFile, bool pIgnoresAlpha) {
+sPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice) {
   try {
-    return OpenChecked(pFile, pIgnoresAlpha);
+    return OpenChecked(pFile, pChoice);
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   }
 }
 
-sPicture ReadWithVips(const std::string& pFile) {
-  sPicture picture = OpenWithVips(pFile);
+sPicture ReadWithVips(const std::string& pFile, const sPictureChoice& pChoice) {
+  sPicture picture = OpenWithVips(pFile, pChoice);
   LoadRows(pFile, picture);
   return picture;
 }

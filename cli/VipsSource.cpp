@@ -6,12 +6,18 @@
 #include <string_view>
 
 #include "cli/Failure.h"
+#include "cli/NamedProfile.h"
+#include "cli/RawFile.h"
+#include "cli/TiffDirectories.h"
+#include "cli/TiffSamples.h"
 #include "cli/VipsLibrary.h"
 
 namespace Cli {
 namespace {
 
 using vips::VImage;
+
+constexpr char kHeifBits[] = "heif-bitdepth";
 
 /// What libvips reads for us.
 struct sFormat {
@@ -64,12 +70,51 @@ vips::VSource OpenSource(const std::string& pFile, const sAmendment* pAmendment)
   return vips::VSource::new_from_file(pFile.c_str());
 }
 
-/// From a source, not a name: libvips takes a "[" in a name for the start of options.
-VImage Open(const std::string& pFile, VipsAccess pAccess, const sAmendment* pAmendment) {
+void RefuseRawFile(const std::string& pFile) {
+  const std::string kind = NameRawFile(pFile);
+  if (kind.empty()) return;
+  throw cFailure(eExitCode_CannotRead, pFile,
+                 "is " + kind + ", which cannot be read yet; develop it to a 16-bit TIFF first");
+}
+
+/// From a source, not a name: libvips takes a "[" in a name for the start of options. pPage: counted from 1;
+/// 0 for the one that comes first, or is the main one.
+VImage OpenPage(const std::string& /*pFile*/, const vips::VSource& pSource, VipsAccess pAccess, int pPage) {
+  vips::VOption* const options = VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR);
+  if (pPage > 0) options->set("page", pPage - 1);
+  return VImage::new_from_source(pSource, "", options);
+}
+
+/// The same for TIFF, of which libvips does not know all kinds of samples.
+VImage OpenTiffPage(const std::string& pFile, const vips::VSource& pSource, VipsAccess pAccess, int pPage) {
+  const std::vector<sTiffDirectory> pages = ReadTiffDirectories(pFile).fPages;
+  const int index = std::max(pPage - 1, 0);
+  if (static_cast<std::size_t>(index) < pages.size()) {
+    const sTiffDirectory& page = pages[static_cast<std::size_t>(index)];
+    if (AreOddSamples(page)) return OpenTiffSamples(pFile, index, pAccess == VIPS_ACCESS_RANDOM);
+    if (page.fBits > 8 && page.fBits != 16 && page.fBits != 32) {
+      RefuseLayout(pFile, "it has " + std::to_string(page.fBits) + " bits per sample");
+    }
+  }
+  return OpenPage(pFile, pSource, pAccess, pPage);
+}
+
+VImage Open(const std::string& pFile, VipsAccess pAccess, const sPictureChoice& pChoice,
+            const sAmendment* pAmendment) {
+  RefuseRawFile(pFile);
   const vips::VSource source = OpenSource(pFile, pAmendment);
   const sFormat& format = FindFormat(pFile, source);
-  VImage image = VImage::new_from_source(
-      source, "", VImage::option()->set("access", pAccess)->set("fail_on", VIPS_FAIL_ON_ERROR));
+  const auto open = format.fNickname == "tiff" ? &OpenTiffPage : &OpenPage;
+  VImage image = open(pFile, source, pAccess, 0);
+  const int pages = CountPages(image);
+  if (pChoice.fPage > pages && !(pages == 1 && pChoice.fTakesSingle)) {
+    throw cFailure(eExitCode_CannotRead, pFile,
+                   pages == 1 ? "has only one page; leave --page out"
+                              : "has " + std::to_string(pages) + " pages; give --page one of them");
+  }
+  if (pChoice.fPage > 0 && pages > 1) {
+    image = open(pFile, OpenSource(pFile, pAmendment), pAccess, pChoice.fPage);
+  }
   CheckSize(pFile, image);
   if (!format.fIsTurned || vips_image_get_orientation(image.get_image()) == 1) return image;
   image = image.copy();
@@ -96,10 +141,11 @@ int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {
 
 }  // namespace
 
-VImage OpenUpright(const std::string& pFile, int pOrientation, const sAmendment* pAmendment) {
-  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL, pAmendment);
+VImage OpenUpright(const std::string& pFile, int pOrientation, const sPictureChoice& pChoice,
+                   const sAmendment* pAmendment) {
+  VImage image = Open(pFile, VIPS_ACCESS_SEQUENTIAL, pChoice, pAmendment);
   const int orientation = pOrientation > 1 ? pOrientation : vips_image_get_orientation(image.get_image());
-  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM, pAmendment);
+  if (orientation > 1) image = Open(pFile, VIPS_ACCESS_RANDOM, pChoice, pAmendment);
   if (orientation <= 1) return image;
   image = Uncode(image).copy();
   image.set(VIPS_META_ORIENTATION, orientation);
@@ -126,8 +172,12 @@ std::string GetFormatName(const VImage& pImage) {
   return format == std::end(kFormats) ? "unknown" : format->fName;
 }
 
+int CountPages(const VImage& pImage) {
+  return pImage.get_typeof(VIPS_META_N_PAGES) == 0 ? 1 : std::max(pImage.get_int(VIPS_META_N_PAGES), 1);
+}
+
 int GetSampleBits(const VImage& pImage) {
-  constexpr char kHeifBits[] = "heif-bitdepth";
+  if (pImage.get_typeof(kStoredBits) != 0) return pImage.get_int(kStoredBits);
   switch (pImage.format()) {
     case VIPS_FORMAT_UCHAR:
       return 8;
@@ -136,6 +186,11 @@ int GetSampleBits(const VImage& pImage) {
     default:
       return pImage.format() == VIPS_FORMAT_DOUBLE ? 64 : 32;
   }
+}
+
+int GetFullSample(const VImage& pImage) {
+  if (pImage.format() == VIPS_FORMAT_UCHAR) return 255;
+  return pImage.get_typeof(kHeifBits) == 0 ? 65535 : 65536 - (1 << (16 - GetSampleBits(pImage)));
 }
 
 void RefuseDamaged(const std::string& pFile) {
@@ -159,14 +214,14 @@ std::string GetEmbeddedProfile(const VImage& pImage) {
   if (pImage.get_typeof(VIPS_META_ICC_NAME) == 0) return "";
   std::size_t size = 0;
   const void* const data = pImage.get_blob(VIPS_META_ICC_NAME, &size);
-  return {static_cast<const char*>(data), size};
+  return FromPngProfile({static_cast<const char*>(data), size});
 }
 
-std::unique_ptr<cIccDecoder> MakeDecoder(const VImage& pImage, int pColours,
+std::unique_ptr<cIccDecoder> MakeDecoder(const std::string& pProfile, int pColours,
                                          std::vector<std::string>& pWarnings) {
   std::unique_ptr<cIccDecoder> decoder;
-  if (const std::string profile = GetEmbeddedProfile(pImage); !profile.empty()) {
-    decoder = cIccDecoder::FromProfile(profile.data(), profile.size(), pColours);
+  if (!pProfile.empty()) {
+    decoder = cIccDecoder::FromProfile(pProfile.data(), pProfile.size(), pColours);
     if (decoder == nullptr) {
       pWarnings.emplace_back("its colour profile is damaged or unfit; taken as " +
                              std::string(pColours == 4 ? "common CMYK" : "sRGB"));

@@ -7,6 +7,7 @@
 
 #include "cli/AmendedFile.h"
 #include "cli/IccDecoder.h"
+#include "cli/PictureChoice.h"
 
 namespace Cli {
 
@@ -14,7 +15,8 @@ namespace Cli {
 /// are streamed unless they must be turned. Pixels of Radiance that stand as they are stay coded.
 /// pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. pAmendment: of the
 /// file's bytes, or null. Throws cFailure and vips::VError.
-vips::VImage OpenUpright(const std::string& pFile, int pOrientation, const sAmendment* pAmendment = nullptr);
+vips::VImage OpenUpright(const std::string& pFile, int pOrientation, const sPictureChoice& pChoice,
+                         const sAmendment* pAmendment = nullptr);
 
 /// Whether each pixel is four bytes: samples of red, green and blue, and their common exponent.
 bool IsCoded(const vips::VImage& pImage);
@@ -28,8 +30,12 @@ vips::VImage Uncode(const vips::VImage& pImage);
 
 /// The format of the file that the picture was opened from: "TIFF", "JPEG XL".
 std::string GetFormatName(const vips::VImage& pImage);
-/// Bits of a sample in the file. Samples of 10 and 12 bits, which HEIF holds, stand at the upper end of 16.
+/// 1 for files of a single picture.
+int CountPages(const vips::VImage& pImage);
+/// Bits of a sample in the file.
 int GetSampleBits(const vips::VImage& pImage);
+/// The integer sample for full colour. Samples of 10 and 12 bits of HEIF are at the upper end of 16.
+int GetFullSample(const vips::VImage& pImage);
 
 /// The number of a pixel's samples that are colours: 1 grey, 3 RGB, 4 CMYK; one more, alpha, may follow.
 /// Throws cFailure for other layouts.
@@ -38,9 +44,9 @@ int CountColours(const std::string& pFile, const vips::VImage& pImage);
 /// The embedded ICC profile; empty for none.
 std::string GetEmbeddedProfile(const vips::VImage& pImage);
 
-/// Through the embedded profile; for inks without a sound one through the profile that libvips brings along.
-/// Null for the rest, with a warning where an embedded profile is of no use.
-std::unique_ptr<cIccDecoder> MakeDecoder(const vips::VImage& pImage, int pColours,
+/// Through the profile; for inks without a sound one through the profile that libvips brings along. Null for
+/// the rest, with a warning where a profile is of no use.
+std::unique_ptr<cIccDecoder> MakeDecoder(const std::string& pProfile, int pColours,
                                          std::vector<std::string>& pWarnings);
 
 }  // namespace Cli

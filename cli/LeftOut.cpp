@@ -1,0 +1,71 @@
+#include "cli/LeftOut.h"
+
+#include <algorithm>
+
+#include "cli/JpegExtras.h"
+#include "cli/Printf.h"
+#include "cli/TiffDirectories.h"
+#include "cli/VipsSource.h"
+
+namespace Cli {
+namespace {
+
+using vips::VImage;
+
+/// Those that are pictures of their own.
+int CountPictures(const std::string& pFile, const VImage& pImage) {
+  if (GetFormatName(pImage) != "TIFF") return CountPages(pImage);
+  const auto pages = ReadTiffDirectories(pFile).fPages;
+  const auto others = std::count_if(pages.begin() + (pages.empty() ? 0 : 1), pages.end(),
+                                    [](const sTiffDirectory& pPage) { return pPage.IsPicture(); });
+  return 1 + static_cast<int>(others);
+}
+
+/// A first page that calls itself a smaller copy, of a picture that is below it.
+bool IsThumbnail(const sTiffDirectories& pFile) {
+  return !pFile.fPages.empty() && (pFile.fPages.front().fSubfile & 1) != 0 &&
+         std::any_of(pFile.fBelow.begin(), pFile.fBelow.end(),
+                     [](const sTiffDirectory& pOne) { return pOne.IsPicture(); });
+}
+
+/// Where the resolutions differ so that it must be meant, and not so that one of them must be wrong.
+void AddAspect(const VImage& pImage, std::vector<std::string>& pTo) {
+  const double across = pImage.xres();
+  const double down = pImage.yres();
+  const double unknown = 1.0;
+  if (across <= 0.0 || down <= 0.0 || (across == unknown && down == unknown)) return;
+  const double aspect = std::max(across, down) / std::min(across, down);
+  if (aspect < 1.02 || aspect > 4.0) return;
+  constexpr double kMillimetresPerInch = 25.4;
+  pTo.push_back(
+      Printf("its pixels are stated not to be square (%.4g across and %.4g down an inch); they are "
+             "taken as square",
+             across * kMillimetresPerInch, down * kMillimetresPerInch));
+}
+
+void AddExtras(const sJpegExtras& pExtras, std::vector<std::string>& pTo) {
+  if (pExtras.fHasGainMap) {
+    pTo.emplace_back("its gain map is left out: what it adds beyond white is not read");
+  } else if (pExtras.fPictures > 0) {
+    pTo.push_back(Printf("%d further picture%s left out", pExtras.fPictures,
+                         pExtras.fPictures == 1 ? " in the file is" : "s in the file are"));
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> ListLeftOut(const std::string& pFile, const VImage& pImage, int pPage) {
+  std::vector<std::string> leftOut;
+  const std::string format = GetFormatName(pImage);
+  if (const int pictures = CountPictures(pFile, pImage); pPage == 0 && pictures > 1) {
+    leftOut.push_back(Printf("only one of its %d pages is read; --page chooses another", pictures));
+  }
+  if (format == "TIFF" && pPage == 0 && IsThumbnail(ReadTiffDirectories(pFile))) {
+    leftOut.emplace_back("its first page is stated to be a thumbnail; the picture that it shows is left out");
+  }
+  if (format == "JPEG") AddExtras(ReadJpegExtras(pFile), leftOut);
+  if (format == "TIFF" || format == "JPEG") AddAspect(pImage, leftOut);
+  return leftOut;
+}
+
+}  // namespace Cli

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace Cli {
+
+/// What kind of a camera's raw file it is, in words; empty for other files. Raw files of many kinds are TIFF
+/// files of a thumbnail, with the real picture beside it.
+std::string NameRawFile(const std::string& pFile);
+
+}  // namespace Cli
