@@ -16,6 +16,7 @@ using vips::VImage;
 
 constexpr char kExifOrientation[] = "exif-ifd0-Orientation";
 constexpr char kExifColorSpace[] = "exif-ifd2-ColorSpace";
+constexpr char kInteropIndex[] = "exif-ifd4-InteroperabilityIndex";
 constexpr char kThumbnail[] = "jpeg-thumbnail-data";
 constexpr char kComment[] = "png-comment-";
 constexpr std::string_view kExifStart("Exif\0\0", 6);
@@ -74,6 +75,15 @@ std::string GetXmp(VipsImage* pImage) {
 
 void SetXmp(VipsImage* pImage, const std::string& pPacket) {
   vips_image_set_blob_copy(pImage, VIPS_META_XMP_NAME, pPacket.data(), pPacket.size());
+}
+
+/// libvips cuts off the last bracket of a field.
+void SetInteropIndex(VipsImage* pImage, const std::string& pIndex) {
+  if (pIndex.empty()) {
+    vips_image_remove(pImage, kInteropIndex);
+  } else {
+    vips_image_set_string(pImage, kInteropIndex, (pIndex + " (text)").c_str());
+  }
 }
 
 /// The picture with what libvips leaves out of a JPEG XL file. Without Exiv2, libvips would take nothing from
@@ -156,6 +166,10 @@ void cMetadata::PutInto(const VImage& pTo, const sPictureFacts& pFacts, bool pIs
   }
   if (!fFields.is_null()) vips_image_set_int(to, VIPS_META_ORIENTATION, 1);  // over what the EXIF block says
   if (pFacts.fExifColorSpace > 1) vips_image_remove(to, kExifColorSpace);
+  if (vips_image_get_typeof(to, kInteropIndex) != 0) SetInteropIndex(to, pFacts.fInteropIndex);
+  if (const std::string xmp = GetXmp(to); !xmp.empty()) {
+    SetXmp(to, FitPanorama(DropDevelopment(xmp), pFacts.fWidth, pFacts.fHeight));
+  }
   if (!fSettings.empty() && fKinds.fXmp) SetXmp(to, PutSettingsIntoXmp(GetXmp(to), fSettings));
   if (!fHasThumbnail || !fKinds.fExif) return;
   const std::string thumbnail = MakeThumbnail(pTo);

@@ -8,10 +8,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
 #include "cli/BigEndian.h"
 #include "cli/FileHead.h"
+#include "cli/PanoramaSizes.h"
 
 namespace Cli {
 
@@ -139,13 +141,15 @@ bool IsOfInput(const Exiv2::Exifdatum& pDatum) {
          group.starts_with("SubThumb") || group.starts_with("Image");
 }
 
-/// The same of XMP, and of what the result has no part in: a second picture for brighter screens, a film.
+/// The same of XMP, and of what the result has no part in: a second picture for brighter screens, a film; and
+/// of how a raw file was developed, which programs would do to the result again.
 bool IsOfInput(const Exiv2::Xmpdatum& pDatum) {
   constexpr std::string_view kStarts[] = {"hdrgm.",
                                           "Container.",
                                           "GCamera.Motion",
                                           "GCamera.MicroVideo",
                                           "quorvane.",
+                                          "crs.",
                                           "tiff.BitsPerSample",
                                           "tiff.Compression",
                                           "tiff.PhotometricInterpretation",
@@ -176,6 +180,21 @@ void SetWhereThere(tData& pData, const char* pKey, int pValue) {
   if (Has<tKey>(pData, pKey)) pData[pKey] = static_cast<tValue>(pValue);
 }
 
+/// It goes with what EXIF says of the exposure. Adobe RGB (1998) has no other name in EXIF.
+void SetInteropIndex(Exiv2::ExifData& pExif, const std::string& pIndex) {
+  const Exiv2::ExifKey key("Exif.Iop.InteroperabilityIndex");
+  const auto index = pExif.findKey(key);
+  const bool isThere = index != pExif.end();
+  if (pIndex.empty()) {
+    if (isThere) pExif.erase(index);
+    return;
+  }
+  const bool hasPhoto = std::any_of(pExif.begin(), pExif.end(), [](const Exiv2::Exifdatum& pDatum) {
+    return pDatum.groupName() == "Photo";
+  });
+  if (isThere || hasPhoto) pExif[key.key()] = pIndex;
+}
+
 void CorrectExif(Exiv2::ExifData& pExif, const sCorrections& pCorrections) {
   using Exiv2::ExifKey;
   const sPictureFacts& facts = pCorrections.fFacts;
@@ -185,14 +204,26 @@ void CorrectExif(Exiv2::ExifData& pExif, const sCorrections& pCorrections) {
   SetWhereThere<ExifKey, std::uint32_t>(pExif, "Exif.Photo.PixelYDimension", facts.fHeight);
   if (facts.fExifColorSpace != 0) {
     SetWhereThere<ExifKey, std::uint16_t>(pExif, "Exif.Photo.ColorSpace", facts.fExifColorSpace);
-    const auto index = pExif.findKey(ExifKey("Exif.Iop.InteroperabilityIndex"));  // tells sRGB from Adobe RGB
-    if (index != pExif.end() && facts.fExifColorSpace != 1) pExif.erase(index);
   }
+  SetInteropIndex(pExif, facts.fInteropIndex);
   const std::string& thumbnail = pCorrections.fThumbnail;
   if (thumbnail.empty()) return;
   constexpr std::uint16_t kInch = 2;
   Exiv2::ExifThumb(pExif).setJpegThumbnail(BytesOf(thumbnail), static_cast<long>(thumbnail.size()), {72, 1},
                                            {72, 1}, kInch);
+}
+
+void FollowPanorama(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
+  const std::string start = "Xmp.GPano.";
+  const auto get = [&](const std::string& pName) -> std::optional<long> {
+    const auto datum = pXmp.findKey(Exiv2::XmpKey(start + pName));
+    if (datum == pXmp.end() || datum->count() == 0) return std::nullopt;
+    const long number = datum->toLong();
+    return datum->value().ok() ? std::optional(number) : std::nullopt;
+  };
+  for (const auto& [name, number] : FollowSize(get, pFacts.fWidth, pFacts.fHeight)) {
+    pXmp[start + name] = std::to_string(number);
+  }
 }
 
 void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
@@ -209,6 +240,7 @@ void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   for (const auto& row : values) {
     if (row.fValue != 0 && Has<Exiv2::XmpKey>(pXmp, row.fKey)) pXmp[row.fKey] = std::to_string(row.fValue);
   }
+  FollowPanorama(pXmp, pFacts);
 }
 
 /// A PNG with EXIF in its own chunk, behind the header; Exiv2 would hide it in a text that few look into.

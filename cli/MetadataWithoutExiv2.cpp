@@ -14,8 +14,10 @@ namespace {
 
 /// What libvips calls the field.
 std::string GetVipsName(const std::string& pKey) {
-  constexpr std::pair<std::string_view, const char*> kGroups[] = {
-      {"Exif.Image.", "exif-ifd0-"}, {"Exif.Photo.", "exif-ifd2-"}, {"Exif.GPSInfo.", "exif-ifd3-"}};
+  constexpr std::pair<std::string_view, const char*> kGroups[] = {{"Exif.Image.", "exif-ifd0-"},
+                                                                  {"Exif.Photo.", "exif-ifd2-"},
+                                                                  {"Exif.GPSInfo.", "exif-ifd3-"},
+                                                                  {"Exif.Iop.", "exif-ifd4-"}};
   for (const auto& [group, start] : kGroups) {
     if (pKey.starts_with(group)) return start + pKey.substr(group.size());
   }
