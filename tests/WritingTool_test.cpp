@@ -6,6 +6,7 @@
 #include "cli/Failure.h"
 #include "cli/JxlContainer.h"
 #include "cli/MetadataBlocks.h"
+#include "cli/NamedProfile.h"
 #include "cli/OutputBitmap.h"
 #include "cli/PictureWriter.h"
 #include "tests/cli/TestPictures.h"
