@@ -2,6 +2,8 @@
 //   MakeSeeds FOLDER
 
 #include <OpenEXR/ImfRgbaFile.h>
+#include <tiffio.h>
+#include <zlib.h>
 
 #include <cstdio>
 #include <exception>
@@ -9,6 +11,8 @@
 #include <random>
 #include <string>
 
+#include "cli/BigEndian.h"
+#include "cli/FileBytes.h"
 #include "cli/IccHandle.h"
 #include "cli/JxlContainer.h"
 #include "tests/cli/TestPictures.h"
@@ -127,11 +131,34 @@ std::vector<VImage> Kinds() {
           WithProfile(inks, 4)};
 }
 
+/// The file with other bytes behind its first pAt.
+void Insert(const std::string& pFrom, const std::string& pTo, std::size_t pAt, const std::string& pBytes) {
+  std::ofstream(pTo, std::ios::binary) << Cli::ReadBytes(pFrom).insert(pAt, pBytes);
+}
+
+std::string MakeChunk(const std::string& pName, const std::string& pContent) {
+  const std::string body = pName + pContent;
+  std::string chunk;
+  Cli::AppendBigEndian(chunk, pContent.size(), 4);
+  chunk += body;
+  Cli::AppendBigEndian(
+      chunk, crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())), 4);
+  return chunk;
+}
+
 void MakePng(const std::string& pFolder) {
   int number = 0;
   for (const VImage& image : Kinds()) image.pngsave((pFolder + std::to_string(number++) + ".png").c_str());
   ToVips8(Scene()).pngsave((pFolder + "palette.png").c_str(),
                            VImage::option()->set("palette", true)->set("interlace", true));
+  const std::string plain = pFolder + "0.png";
+  Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
+  std::string primaries;
+  for (const unsigned number : {31270u, 32900u, 68000u, 32000u, 26500u, 69000u, 15000u, 6000u}) {
+    Cli::AppendBigEndian(primaries, number, 4);
+  }
+  Insert(plain, pFolder + "numbers.png", 33,
+         MakeChunk("gAMA", std::string("\0\1\x86\xa0", 4)) + MakeChunk("cHRM", primaries));
 }
 
 void MakeJpeg(const std::string& pFolder) {
@@ -141,6 +168,70 @@ void MakeJpeg(const std::string& pFolder) {
     image.jpegsave((name + ".jpg").c_str());
     image.jpegsave((name + "p.jpg").c_str(), VImage::option()->set("interlace", true)->set("strip", true));
   }
+  const std::string index("\xff\xe2\0\x40MPF\0MM\0*\0\0\0\x8\0\1\xb0\2\0\7\0\0\0\x20\0\0\0\x1a", 30);
+  Insert(pFolder + "0p.jpg", pFolder + "index.jpg", 2, index + std::string(36, '\0'));
+}
+
+/// A page of samples that libvips does not read.
+void WriteOddTiff(const std::string& pFile, int pBits, int pFormat, bool pIsTiled) {
+  TIFF* const tiff = TIFFOpen(pFile.c_str(), "w");
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 16);
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 16);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, pBits);
+  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, pFormat);
+  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  if (pIsTiled) {
+    TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16);
+    TIFFSetField(tiff, TIFFTAG_TILELENGTH, 16);
+  }
+  std::string samples;
+  for (int i = 0; i < 16 * 2 * pBits; ++i) samples += static_cast<char>(i % 60);
+  const std::size_t row = std::size_t{2} * static_cast<unsigned>(pBits);
+  for (std::uint32_t y = 0; !pIsTiled && y < 16; ++y) TIFFWriteScanline(tiff, &samples[row * y], y, 0);
+  if (pIsTiled) TIFFWriteTile(tiff, samples.data(), 0, 0, 0, 0);
+  TIFFClose(tiff);
+}
+
+void MakeOddTiff(const std::string& pFolder) {
+  WriteOddTiff(pFolder + "half.tif", 16, SAMPLEFORMAT_IEEEFP, false);
+  WriteOddTiff(pFolder + "double.tif", 64, SAMPLEFORMAT_IEEEFP, false);
+  WriteOddTiff(pFolder + "12.tif", 12, SAMPLEFORMAT_UINT, true);
+  const VImage page = ToVips8(MakeScene(6, 5));
+  VImage pages = page.join(page, VIPS_DIRECTION_VERTICAL).copy();
+  pages.set("page-height", 5);
+  pages.tiffsave((pFolder + "pages.tif").c_str());
+}
+
+void MakeWebp(const std::string& pFolder) {
+  const VImage rgb = ToVips8(Scene());
+  rgb.webpsave((pFolder + "lossy.webp").c_str());
+  rgb.webpsave((pFolder + "lossless.webp").c_str(), VImage::option()->set("lossless", true));
+  rgb.bandjoin(VImage::black(kWidth, kHeight) + 128)
+      .cast(VIPS_FORMAT_UCHAR)
+      .webpsave((pFolder + "alpha.webp").c_str());
+}
+
+void MakeHeif(const std::string& pFolder) {
+  const auto options = [](VipsForeignHeifCompression pCodec, int pBits) {
+    return VImage::option()->set("compression", pCodec)->set("bitdepth", pBits)->set("Q", 50);
+  };
+  const VImage rgb = ToVips8(Scene());
+  rgb.heifsave((pFolder + "8.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
+  rgb.bandjoin(VImage::black(kWidth, kHeight) + 128)
+      .cast(VIPS_FORMAT_UCHAR)
+      .heifsave((pFolder + "alpha.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
+  ToVips16(Scene()).heifsave((pFolder + "12.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 12));
+  rgb.heifsave((pFolder + "8.heic").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_HEVC, 8));
+}
+
+void MakeJxlPictures(const std::string& pFolder) {
+  const VImage rgb = ToVips8(Scene());
+  rgb.jxlsave((pFolder + "lossy.jxl").c_str());
+  rgb.jxlsave((pFolder + "lossless.jxl").c_str(), VImage::option()->set("lossless", true));
+  ToVips16(MakeScene(9, 7)).jxlsave((pFolder + "16.jxl").c_str(), VImage::option()->set("lossless", true));
+  Insert(pFolder + "lossless.jxl", pFolder + "boxes.jxl", 0, "");
+  Cli::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
 }
 
 void MakeTiff(const std::string& pFolder) {
@@ -216,6 +307,10 @@ void MakeAll(const std::string& pFolder) {
   make("ReadPng", MakePng);
   make("ReadJpeg", MakeJpeg);
   make("ReadTiff", MakeTiff);
+  make("ReadTiff", MakeOddTiff);
+  make("ReadWebp", MakeWebp);
+  make("ReadHeif", MakeHeif);
+  make("ReadJxl", MakeJxlPictures);
   make("JxlContainer", MakeJxl);
   make("ReadSettings", MakeSettings);
   make("NameList", MakeNameList);

@@ -1,9 +1,11 @@
-// Renews the checksums of a changed PNG file: nearly every other change would end at the first wrong one.
+// Renews the checksums of a changed PNG file: nearly every other change would end at the first wrong one. Now
+// and then it gets a chunk that states its colours.
 
 #include <zlib.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* pData, std::size_t pSize, std::size_t pMaxSize);
 
@@ -29,11 +31,32 @@ void RenewChecksums(std::uint8_t* pData, std::size_t pSize) {
   }
 }
 
+/// Behind the header. The new size.
+std::size_t InsertChunk(std::uint8_t* pData, std::size_t pSize, std::size_t pMaxSize, unsigned pSeed) {
+  constexpr struct {
+    char fName[5];
+    std::uint8_t fLength;
+  } kChunks[] = {{"cICP", 4}, {"gAMA", 4}, {"cHRM", 32}, {"sRGB", 1}};
+  constexpr std::size_t kHeaderEnd = 33;
+  const auto& chunk = kChunks[pSeed / 16 % 4];
+  const std::size_t whole = chunk.fLength + std::size_t{12};
+  if (pSize < kHeaderEnd || pSize + whole > pMaxSize) return pSize;
+  std::uint8_t* const at = pData + kHeaderEnd;
+  std::memmove(at + whole, at, pSize - kHeaderEnd);
+  Store(chunk.fLength, at);
+  std::memcpy(at + 4, chunk.fName, 4);
+  for (std::size_t i = 0; i < chunk.fLength; ++i) at[8 + i] = static_cast<std::uint8_t>(pSeed >> (i % 4 * 8));
+  if (chunk.fName[1] == 'I' && pSeed % 32 < 16) std::memcpy(at + 8, "\x09\x10\0\1", 4);  // a known kind
+  return pSize + whole;
+}
+
 }  // namespace
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* pData, std::size_t pSize, std::size_t pMaxSize,
-                                               unsigned int /*pSeed*/) {
-  const std::size_t size = LLVMFuzzerMutate(pData, pSize, pMaxSize);
+                                               unsigned int pSeed) {
+  const bool isInserted = pSeed % 16 == 0;
+  const std::size_t size =
+      isInserted ? InsertChunk(pData, pSize, pMaxSize, pSeed / 16) : LLVMFuzzerMutate(pData, pSize, pMaxSize);
   RenewChecksums(pData, size);
   return size;
 }

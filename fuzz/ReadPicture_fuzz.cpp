@@ -22,7 +22,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-enum eFormat { kHdr, kExr, kTiff, kPng, kJpeg, kPfm };
+enum eFormat { kHdr, kExr, kTiff, kPng, kJpeg, kPfm, kWebp, kHeif, kJxl };
 
 /// Other files are the business of other fuzzers.
 bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
@@ -38,6 +38,12 @@ bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
       return starts("\x89PNG\r\n\x1a\n");
     case kJpeg:
       return starts("\xff\xd8\xff");
+    case kWebp:
+      return starts("RIFF") && pFile.substr(0, 12).ends_with("WEBP");
+    case kHeif:
+      return pFile.substr(0, 8).ends_with("ftyp");
+    case kJxl:
+      return starts("\xff\x0a") || starts("\0\0\0\x0cJXL "sv);
     default:
       return starts("PF") || starts("Pf");
   }
@@ -45,12 +51,13 @@ bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
 
 /// Whether 'equalize' takes such files.
 bool IsOfIntegers(eFormat pFormat) {
-  return pFormat == kTiff || pFormat == kPng || pFormat == kJpeg;
+  return pFormat != kHdr && pFormat != kExr && pFormat != kPfm;
 }
 
-/// The ending of a result of the format, which is a PNG where it holds 16 bits.
+/// The ending of a result of the format, which is a PNG where it holds 16 bits or takes long to write.
 const char* EndingOf(eFormat pFormat, int pDepth) {
   if (pFormat == kTiff) return ".tif";
+  if (pFormat == kWebp) return ".webp";
   return pFormat == kJpeg && pDepth == 8 ? ".jpg" : ".png";
 }
 
@@ -91,15 +98,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   const std::string_view content(reinterpret_cast<const char*>(pBytes), pSize);
   if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
   const cMemoryFile file(content);
+  const int page = IsOfIntegers(FUZZ_FORMAT) ? pBytes[pSize - 1] & 3 : 0;
+  const Cli::sPictureChoice choice{.fPage = page, .fTakesSingle = true};
   Try([&] {
-    Cli::sPicture picture = Cli::ReadPicture(file.Name());
+    Cli::sPicture picture = Cli::ReadPicture(file.Name(), choice);
     CheckIsFinite(picture);
     Cli::SettleAlpha(picture);
     CheckIsFinite(picture);
   });
   if (!IsOfIntegers(FUZZ_FORMAT)) return 0;
   Try([&] {
-    Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize");
+    Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize", choice);
     WriteBack(picture);
   });
   return 0;
