@@ -114,9 +114,9 @@ std::string MakeThumbnail(const VImage& pImage) {
 }  // namespace
 
 cMetadata::cMetadata(const VImage& pFrom)
-    : fFields(
-          VImage::black(1, 1).copy(VImage::option()->set("xres", pFrom.xres())->set("yres", pFrom.yres()))),
-      fHasThumbnail(pFrom.get_typeof(kThumbnail) != 0) {
+    : fFields(VImage::black(1, 1).copy()), fHasThumbnail(pFrom.get_typeof(kThumbnail) != 0) {
+  fFields.get_image()->Xres = pFrom.xres();  // an option of copy() would be refused, aloud, where it is odd
+  fFields.get_image()->Yres = pFrom.yres();
   CopyFields(pFrom.get_image(), fFields.get_image(),
              [](std::string_view pName) { return IsKept(pName, {}); });
   if (const std::string xmp = GetXmp(fFields.get_image()); !xmp.empty()) {

@@ -89,7 +89,7 @@ class cTiffSamples {
     const std::lock_guard<std::mutex> lock(fMutex);
     const VipsRect& area = pTo->valid;
     if (fKeepsRows && fRows.empty()) KeepRows();
-    const std::size_t pixelBytes = GetSampleBytes() * fSamples;
+    const std::size_t pixelBytes = GetRowBytes() / static_cast<std::size_t>(fWidth);
     for (int y = area.top; y < area.top + area.height; ++y) {
       const std::uint8_t* const row =
           fKeepsRows ? &fRows[GetRowBytes() * static_cast<std::size_t>(y)] : Seek(y);
@@ -104,7 +104,9 @@ class cTiffSamples {
   }
 
   std::size_t GetSampleBytes() const { return fIsFloat ? sizeof(float) : sizeof(std::uint16_t); }
-  std::size_t GetRowBytes() const { return GetSampleBytes() * fSamples * static_cast<std::size_t>(fWidth); }
+  std::size_t GetRowBytes() const {
+    return GetSampleBytes() * static_cast<std::size_t>(fSamples) * static_cast<std::size_t>(fWidth);
+  }
 
   /// Rows come in blocks: tiles side by side, strips, or single rows of strips that hold whole pixels. Blocks
   /// far larger than the picture are not worth their memory.

@@ -154,8 +154,8 @@ void MakePng(const std::string& pFolder) {
   const std::string plain = pFolder + "0.png";
   Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
   std::string primaries;
-  for (const unsigned number : {31270u, 32900u, 68000u, 32000u, 26500u, 69000u, 15000u, 6000u}) {
-    Cli::AppendBigEndian(primaries, number, 4);
+  for (const unsigned part : {31270u, 32900u, 68000u, 32000u, 26500u, 69000u, 15000u, 6000u}) {
+    Cli::AppendBigEndian(primaries, part, 4);
   }
   Insert(plain, pFolder + "numbers.png", 33,
          MakeChunk("gAMA", std::string("\0\1\x86\xa0", 4)) + MakeChunk("cHRM", primaries));
