@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "cli/BigEndian.h"
 #include "cli/FileReader.h"
@@ -38,16 +40,17 @@ class cTiffFile {
   /// 0 where there is none.
   std::uint64_t GetFirst() const { return fFirst; }
 
-  /// Where the next directory is; 0 for nowhere.
-  std::uint64_t Read(std::uint64_t pAt, sTiffDirectory& pDirectory) {
+  /// Where the next directory is, 0 for nowhere; none where there is no directory.
+  std::optional<std::uint64_t> Read(std::uint64_t pAt, sTiffDirectory& pDirectory) {
     const std::size_t countSize = fWord == 8 ? 8 : 2;
     const std::size_t entrySize = fWord == 8 ? 20 : 12;
     const std::uint64_t count = ReadNumber(pAt, countSize);
-    if (count > kMostEntries) return 0;
+    if (count == 0 || count > kMostEntries) return std::nullopt;
     const std::string entries = fFile.Read(pAt + countSize, static_cast<std::size_t>(count) * entrySize);
     for (std::size_t i = 0; i + entrySize <= entries.size(); i += entrySize) {
       Take(std::string_view(entries).substr(i, entrySize), pDirectory);
     }
+    if (entries.size() < entrySize) return std::nullopt;
     return ReadNumber(pAt + countSize + count * entrySize, fWord);
   }
 
@@ -109,12 +112,17 @@ sTiffDirectories ReadTiffDirectories(const std::string& pFile) {
   std::set<std::uint64_t> seen;
   std::vector<std::uint64_t> below;
   for (std::uint64_t at = file.GetFirst(); at != 0 && seen.size() < kMostPages && seen.insert(at).second;) {
-    at = file.Read(at, directories.fPages.emplace_back());
-    const auto& places = directories.fPages.back().fSubPlaces;
-    below.insert(below.end(), places.begin(), places.end());
+    sTiffDirectory page;
+    const std::optional<std::uint64_t> next = file.Read(at, page);
+    if (!next) break;
+    below.insert(below.end(), page.fSubPlaces.begin(), page.fSubPlaces.end());
+    directories.fPages.push_back(std::move(page));
+    at = *next;
   }
   for (const std::uint64_t at : below) {
-    if (at != 0 && seen.insert(at).second) file.Read(at, directories.fBelow.emplace_back());
+    sTiffDirectory directory;
+    const bool isNew = at != 0 && seen.insert(at).second;
+    if (isNew && file.Read(at, directory)) directories.fBelow.push_back(std::move(directory));
   }
   return directories;
 }

@@ -64,6 +64,8 @@ class cTiffSamples {
     fIsPlanar = GetTag<std::uint16_t>(Tiff(), TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE;
     fPhotometric = GetTag<std::uint16_t>(Tiff(), TIFFTAG_PHOTOMETRIC);
     Check(fWidth > 0 && fHeight > 0 && fWidth < VIPS_MAX_COORD && fHeight < VIPS_MAX_COORD);
+    constexpr int kMostSamples = 8;
+    Check(fSamples > 0 && fSamples <= kMostSamples);
     Check(fIsFloat ? fBits == 16 || fBits == 64 : fBits > 8 && fBits < 16);
     SetBlocks();
   }
@@ -128,9 +130,9 @@ class cTiffSamples {
     const double most = 16.0 * fSamples * (fWidth + 1024.0) * (fHeight + 1024.0);
     Check(size > 0 && fBlockRowBytes > 0 && size >= fBlockRowBytes * fBlockHeight);
     Check(static_cast<double>(size) * fAcross * GetPlanes() <= most);
+    const std::int64_t rowBits = std::int64_t{fBlockWidth} * (fIsPlanar ? 1 : fSamples) * fBits;
+    Check(fBlockRowBytes >= (rowBits + 7) / 8);
     fBlockBytes = static_cast<std::size_t>(size);
-    fBlocks.resize(fBlockBytes * static_cast<std::size_t>(fAcross * GetPlanes()));
-    fRow.resize(GetRowBytes());
   }
   int GetPlanes() const { return fIsPlanar ? fSamples : 1; }
 
@@ -144,6 +146,10 @@ class cTiffSamples {
 
   /// The unpacked row.
   const std::uint8_t* Seek(int pY) {
+    if (fRow.empty()) {  // not before: until now nobody knows whether there is memory for the picture
+      fBlocks.resize(fBlockBytes * static_cast<std::size_t>(fAcross * GetPlanes()));
+      fRow.resize(GetRowBytes());
+    }
     if (pY + 1 < fNext) {  // decoders go downwards
       Check(TIFFSetDirectory(Tiff(), fPage) != 0);
       fNext = 0;

@@ -62,7 +62,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
   verb->add_flag("--verbose", job.fVerbose, "Show what the engine measures and decides");
   verb->footer(
       "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "
-      "others by their embedded profile, else as sRGB.\n\n"
+      "others by the profile or the numbers in them, else as sRGB.\n\n"
       "A result keeps the settings it was made with, so that --settings-from can repeat them. Presets are "
       "JSON files: your own lie in $XDG_CONFIG_HOME/quorvane/presets (~/.config/quorvane/presets) and win "
       "over those that are built in.\n\n"
