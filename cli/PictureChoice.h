@@ -7,9 +7,9 @@ namespace Cli {
 
 /// What is taken of a file that holds more than one picture.
 struct sPictureChoice {
-  std::string
-      fPart;  ///< Of OpenEXR, by its number from 0 on, or its name; "" for the first one with colours.
-  std::string fLayer;          ///< Of OpenEXR; "" for the channels without a layer's name.
+  /// Of OpenEXR, by its number from 0 on, or its name; "" for the first one with colours.
+  std::string fPart = {};
+  std::string fLayer = {};     ///< Of OpenEXR; "" for the channels without a layer's name.
   int fPage = 0;               ///< Of other formats, counted from 1; 0 for the first or main one.
   bool fTakesSingle = false;   ///< Files of a single picture are taken whatever fPage is.
   bool fIgnoresAlpha = false;  ///< The stored colours are the picture, whatever alpha says.

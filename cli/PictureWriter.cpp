@@ -151,8 +151,6 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
 
 }  // namespace
 
-}
-
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
   if (pOutput != kStandardStream && std::filesystem::equivalent(pInput, pOutput, error)) {

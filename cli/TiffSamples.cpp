@@ -295,7 +295,7 @@ VImage OpenTiffSamples(const std::string& pFile, int pPage, bool pIsRandom) {
       vips_image_generate(made, nullptr, &Generate, nullptr, kept, nullptr) != 0) {
     throw vips::VError();
   }
-  return image;
+  return pIsRandom ? image : image.sequential();
 }
 
 }  // namespace Cli
