@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include "cli/FileReader.h"
 #include "cli/TiffDirectories.h"
@@ -39,11 +40,12 @@ std::string NameRawFile(const std::string& pFile) {
   if (directories.fPages.empty()) return "";
   // between the header and the first directory, where no other file has anything
   if (start.substr(4, 7) == std::string_view("\x10\0\0\0CR\2", 7)) return "a raw file (CR2)";
-  const auto& [pages, below] = directories;
-  const bool isRaw = std::any_of(pages.begin(), pages.end(), IsOfSensor) ||
-                     std::any_of(below.begin(), below.end(), IsOfSensor);
+  const auto hasSensor = [](const std::vector<sTiffDirectory>& pAll) {
+    return std::any_of(pAll.begin(), pAll.end(), IsOfSensor);
+  };
+  const bool isRaw = hasSensor(directories.fPages) || hasSensor(directories.fBelow);
   if (!isRaw) return "";
-  return pages.front().fIsDng ? "a raw file (DNG)" : "a raw file of a camera";
+  return directories.fPages.front().fIsDng ? "a raw file (DNG)" : "a raw file of a camera";
 }
 
 }  // namespace Cli

@@ -21,6 +21,7 @@ constexpr std::uint64_t kSubfileTag = 254;
 constexpr std::uint64_t kBitsTag = 258;
 constexpr std::uint64_t kPhotometricTag = 262;
 constexpr std::uint64_t kSubDirectoriesTag = 330;
+constexpr std::uint64_t kExtraSamplesTag = 338;
 constexpr std::uint64_t kSampleFormatTag = 339;
 constexpr std::uint64_t kDngVersionTag = 50706;
 
@@ -37,6 +38,7 @@ class cTiffFile {
     fFirst = ReadNumber(version == 43 ? 8 : 4, fWord);
   }
 
+  bool IsLittleEndian() const { return fIsLittle; }
   /// 0 where there is none.
   std::uint64_t GetFirst() const { return fFirst; }
 
@@ -48,7 +50,9 @@ class cTiffFile {
     if (count == 0 || count > kMostEntries) return std::nullopt;
     const std::string entries = fFile.Read(pAt + countSize, static_cast<std::size_t>(count) * entrySize);
     for (std::size_t i = 0; i + entrySize <= entries.size(); i += entrySize) {
-      Take(std::string_view(entries).substr(i, entrySize), pDirectory);
+      const std::string_view entry = std::string_view(entries).substr(i, entrySize);
+      Take(entry, pDirectory);
+      if (SaysAssociated(entry)) pDirectory.fAssociatedAt = pAt + countSize + i + 4 + fWord;
     }
     if (entries.size() < entrySize) return std::nullopt;
     return ReadNumber(pAt + countSize + count * entrySize, fWord);
@@ -83,6 +87,13 @@ class cTiffFile {
     return values;
   }
 
+  /// Of a single extra sample; one of several may be anything.
+  bool SaysAssociated(std::string_view pEntry) const {
+    constexpr std::uint64_t kShort = 3, kAssociated = 1;
+    return ToNumber(pEntry.substr(0, 2)) == kExtraSamplesTag && ToNumber(pEntry.substr(2, 2)) == kShort &&
+           ToNumber(pEntry.substr(4, fWord)) == 1 && ToNumber(pEntry.substr(4 + fWord, 2)) == kAssociated;
+  }
+
   void Take(std::string_view pEntry, sTiffDirectory& pDirectory) {
     const std::uint64_t tag = ToNumber(pEntry.substr(0, 2));
     if (tag == kDngVersionTag) pDirectory.fIsDng = true;
@@ -109,6 +120,7 @@ class cTiffFile {
 sTiffDirectories ReadTiffDirectories(const std::string& pFile) {
   cTiffFile file(pFile);
   sTiffDirectories directories;
+  directories.fIsLittleEndian = file.IsLittleEndian();
   std::set<std::uint64_t> seen;
   std::vector<std::uint64_t> below;
   for (std::uint64_t at = file.GetFirst(); at != 0 && seen.size() < kMostPages && seen.insert(at).second;) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,15 @@ struct sTiffDirectory {
   std::uint64_t fSampleFormat = 1;
   std::uint64_t fPhotometric = 0;
   bool fIsDng = false;
-  std::vector<std::uint64_t> fSubPlaces;  ///< Where its own directories are.
+  std::optional<std::uint64_t> fAssociatedAt;  ///< Where in the file alpha is said to be associated.
+  std::vector<std::uint64_t> fSubPlaces;       ///< Where its own directories are.
 
   bool IsPicture() const { return (fSubfile & 5) == 0; }
 };
 
 /// The pages of a TIFF file in their order, and the directories below them.
 struct sTiffDirectories {
+  bool fIsLittleEndian = true;
   std::vector<sTiffDirectory> fPages;
   std::vector<sTiffDirectory> fBelow;
 };

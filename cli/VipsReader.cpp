@@ -15,6 +15,7 @@
 #include "cli/RadianceHeader.h"
 #include "cli/StatedColors.h"
 #include "cli/TiffAlpha.h"
+#include "cli/TiffSamples.h"
 #include "cli/VipsSource.h"
 #include "engine/PixelRows.h"
 
@@ -262,13 +263,12 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
 }
 
 /// Integers cannot be above their alpha when straight ones were multiplied by it; rounding is a step.
-bool HasOwnLight(const std::string& pFile, const sPictureChoice& pChoice, const sAmendment& pAmendment) {
-  const VImage image = OpenUpright(pFile, 1, pChoice, &pAmendment);
-  if (image.format() == VIPS_FORMAT_FLOAT || image.format() == VIPS_FORMAT_DOUBLE) return false;
-  const int colours = CountColours(pFile, image);
-  if (colours == 4 || image.bands() == colours) return false;
-  const VImage samples = image.extract_band(0, VImage::option()->set("n", colours));
-  return (samples > image.extract_band(colours) + 1.0).max() > 0.0;
+bool HasOwnLight(const std::string& pFile, const VImage& pImage) {
+  if (pImage.format() == VIPS_FORMAT_FLOAT || pImage.format() == VIPS_FORMAT_DOUBLE) return false;
+  const int colours = CountColours(pFile, pImage);
+  if (colours == 4 || pImage.bands() == colours) return false;
+  const VImage samples = pImage.extract_band(0, VImage::option()->set("n", colours));
+  return (samples > pImage.extract_band(colours) + 1.0).max() > 0.0;
 }
 
 /// How a file is read whose alpha is associated, if it is. What libvips divides by alpha is as good as
@@ -278,12 +278,13 @@ struct sAssociatedAlpha {
   bool fHasOwnLight = false;
 
   sAssociatedAlpha(const std::string& pFile, const sPictureChoice& pChoice)
-      : fAmendment(pChoice.fPage > 1 ? std::nullopt : FindAssociatedAlpha(pFile)) {
+      : fAmendment(FindAssociatedAlpha(pFile, pChoice.fPage)) {
     if (!fAmendment || pChoice.fIgnoresAlpha) return;
-    fHasOwnLight = HasOwnLight(pFile, pChoice, *fAmendment);
-    const VipsBandFormat format = OpenUpright(pFile, 1, pChoice, &*fAmendment).format();
-    const bool isLinear = format == VIPS_FORMAT_FLOAT || format == VIPS_FORMAT_DOUBLE;
-    if (!isLinear && !fHasOwnLight) fAmendment.reset();
+    const VImage image = OpenUpright(pFile, 1, pChoice, &*fAmendment);
+    fHasOwnLight = HasOwnLight(pFile, image);
+    const bool isLinear = image.format() == VIPS_FORMAT_FLOAT || image.format() == VIPS_FORMAT_DOUBLE;
+    const bool isDivided = !isLinear && image.get_typeof(kStoredBits) == 0;
+    if (isDivided && !fHasOwnLight) fAmendment.reset();
   }
   const sAmendment* Get() const { return fAmendment ? &*fAmendment : nullptr; }
 };

@@ -78,7 +78,8 @@ TM_QUORVANE_OFFSET(tm_quorvane_settings, horizontal_wrap, 60);
  * output_pixels (height - 1) * S + width * N unsigned samples of output_bits. With reversed_order 0 the three
  *               used samples of each pixel are written, red first; else each row is copied as packed blue,
  *               green, red triples, which fits N = 3. With reversed_order 0, S is N * width or more. Else S
- * is 0 or more: rows longer than S samples are cut to S. The row pitch counts only for 8 and 16 output bits.
+ *               is 0 or more: rows longer than S samples are cut to S. The row pitch counts only for 8 and 16
+ *               output bits.
  *
  * Returns 1 when the picture is done; -2 for an unknown colour space (nothing is logged, settings stay as
  * they are) and for input bits other than 8, 16 and 32 (settings are logged and changed, pixels are not
@@ -91,9 +92,9 @@ TM_QUORVANE_OFFSET(tm_quorvane_settings, horizontal_wrap, 60);
  * short texts of a thrown exception. A C program that calls the function cannot catch them: it ends in
  * std::terminate.
  *
- * Lighting and microcontrast far above their range ask for a grid of cells far larger than the picture: with
- * more than 100 million cells (1.6 GB), and more than eight for each pixel, std::runtime_error is thrown before
- * that memory is taken. No picture comes near with both at 15 or below.
+ * Lighting and microcontrast far above their range ask for a grid of cells far larger than the picture. With
+ * more than 100 million cells (1.6 GB), and more than eight for each pixel, std::runtime_error is thrown
+ * before that memory is taken. No picture comes near with both at 15 or below.
  *
  * Do not unload the library (dlclose) while you hold an exception of it, also in a std::exception_ptr: its
  * type, its functions and its destructor are code and data of the library. Copy what() first, leave the catch
