@@ -17,9 +17,14 @@ struct sMark {
   const char* fName;
 };
 constexpr sMark kMarks[] = {
-    {0, "IIRO", "a raw file (ORF)"},     {0, "IIRS", "a raw file (ORF)"},
-    {0, "MMOR", "a raw file (ORF)"},     {0, std::string_view("IIU\0", 4), "a raw file (RW2)"},
-    {4, "ftypcrx ", "a raw file (CR3)"}, {0, "FUJIFILMCCD-RAW", "a raw file (RAF)"}};
+    // between the header and the first directory, where no other TIFF file has anything
+    {0, std::string_view("II*\0\x10\0\0\0CR\2", 11), "a raw file (CR2)"},
+    {0, "IIRO", "a raw file (ORF)"},
+    {0, "IIRS", "a raw file (ORF)"},
+    {0, "MMOR", "a raw file (ORF)"},
+    {0, std::string_view("IIU\0", 4), "a raw file (RW2)"},
+    {4, "ftypcrx ", "a raw file (CR3)"},
+    {0, "FUJIFILMCCD-RAW", "a raw file (RAF)"}};
 
 /// Samples behind the filter of a sensor, or of a sensor's own colours.
 bool IsOfSensor(const sTiffDirectory& pDirectory) {
@@ -38,8 +43,6 @@ std::string NameRawFile(const std::string& pFile) {
   if (mark != std::end(kMarks)) return mark->fName;
   const sTiffDirectories directories = ReadTiffDirectories(pFile);
   if (directories.fPages.empty()) return "";
-  // between the header and the first directory, where no other file has anything
-  if (start.substr(4, 7) == std::string_view("\x10\0\0\0CR\2", 7)) return "a raw file (CR2)";
   const auto hasSensor = [](const std::vector<sTiffDirectory>& pAll) {
     return std::any_of(pAll.begin(), pAll.end(), IsOfSensor);
   };
