@@ -43,10 +43,11 @@ std::int64_t GetRoom(const std::string& pGroup, const sGroupFiles& pFiles) {
 /// A limit may be set on the process's own group or on any above it. In a container the own group's path is
 /// often unknown, and the container's group is at the root.
 std::int64_t GetRoomUpwards(const std::string& pRoot, const std::string& pGroup, const sGroupFiles& pFiles) {
+  const std::string root = pRoot + pFiles.fRoot;
   std::int64_t room = kUnlimited;
   for (std::filesystem::path group = pGroup;; group = group.parent_path()) {
     const std::string below = group.has_relative_path() ? group.string() : "";
-    room = std::min(room, GetRoom(pRoot + pFiles.fRoot + below, pFiles));
+    room = std::min(room, GetRoom(std::string(root).append(below), pFiles));
     if (below.empty()) return room;
   }
 }

@@ -65,11 +65,12 @@ class cChromaLines : public cExrLines {
 
   void Read(int pY, int pCount, float* pTo, float* pToAlpha) override {
     fLines.resize(static_cast<std::size_t>(fWidth) * static_cast<std::size_t>(pCount));
-    // where the pixel of the coordinates 0, 0 would be
+    // where the pixel of the coordinates 0, 0 would be, which is outside the lines: no pointer may go there
     const std::int64_t before = fX + std::int64_t{fWidth} * pY;
     const auto base = reinterpret_cast<std::uintptr_t>(fLines.data()) -
                       static_cast<std::uintptr_t>(before) * sizeof(Imf::Rgba);
-    fFile.setFrameBuffer(reinterpret_cast<Imf::Rgba*>(base), 1, static_cast<std::size_t>(fWidth));
+    auto* const origin = reinterpret_cast<Imf::Rgba*>(base);  // NOLINT(performance-no-int-to-ptr)
+    fFile.setFrameBuffer(origin, 1, static_cast<std::size_t>(fWidth));
     fFile.readPixels(pY, pY + pCount - 1);
     for (const Imf::Rgba& pixel : fLines) {
       *pTo++ = pixel.r;

@@ -113,6 +113,7 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
 
 std::vector<sPicturePart> ListExrParts(const Imf::MultiPartInputFile& pFrom) {
   std::vector<sPicturePart> parts;
+  parts.reserve(static_cast<std::size_t>(pFrom.parts()));
   for (int part = 0; part < pFrom.parts(); ++part) parts.push_back(Describe(pFrom.header(part)));
   return parts;
 }
