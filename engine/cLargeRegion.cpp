@@ -22,7 +22,7 @@ constexpr std::size_t kLargePage = std::size_t{1} << 21;
 constexpr std::size_t kLeastBytes = 2 * kLargePage;
 constexpr std::size_t kMostBytes = 64 * kLargePage;  // larger blocks do well on their own
 
-// The address sanitizer knows blocks from malloc only: it is told of the others.
+// The address sanitizer watches blocks from malloc only; others are announced to it.
 void Forbid([[maybe_unused]] char* pStart, [[maybe_unused]] std::size_t pBytes) {
   ASAN_POISON_MEMORY_REGION(pStart, pBytes);
 }

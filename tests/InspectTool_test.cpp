@@ -123,9 +123,9 @@ TEST_F(InspectTool, SaysWhatTonemapWillDo) {
   for (const char* const reason : {"edges", "stated", "none"}) {
     const std::string file = std::string(reason) + ".exr";
     const bool wraps = std::string(reason) != "none";
-    const nlohmann::json told = Inspect(file)["wrap"];
-    EXPECT_EQ(told["horizontal"], wraps);
-    EXPECT_EQ(told["reason"], std::string(reason) == "stated" ? "metadata" : reason);
+    const nlohmann::json wrap = Inspect(file)["wrap"];
+    EXPECT_EQ(wrap["horizontal"], wraps);
+    EXPECT_EQ(wrap["reason"], std::string(reason) == "stated" ? "metadata" : reason);
     EXPECT_EQ(Expect(0, "inspect " + file).find("tonemap wraps around") != std::string::npos, wraps);
     EXPECT_EQ(nlohmann::json::parse(Expect(0, "tonemap --json --overwrite -o a.png " + file))["wrap"], wraps);
   }

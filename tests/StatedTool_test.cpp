@@ -379,11 +379,11 @@ TEST_F(StatedTool, PagesAreChosenAndReported) {
   const auto light = [](int pPage) { return LightOf(ReadPicture("pages.tif", {.fPage = pPage})); };
   EXPECT_EQ(light(0), light(1));
   EXPECT_EQ(light(2), LightOf(ReadPicture("second.png")));
-  const std::string told = "warning: only one of its 3 pages is read; --page chooses another";
+  const std::string warning = "warning: only one of its 3 pages is read; --page chooses another";
   for (const std::string verb :
        {"tonemap pages.tif --overwrite -o b.png", "inspect pages.tif", "compare pages.tif pages.tif",
         "equalize pages.tif --saturation 0:0.5 --overwrite -o b.png"}) {
-    EXPECT_NE(Run(verb).fErrors.find(told), std::string::npos) << verb;
+    EXPECT_NE(Run(verb).fErrors.find(warning), std::string::npos) << verb;
     EXPECT_EQ(Run(verb + " --page 2").fErrors, "") << verb;
     EXPECT_EQ(Run(verb + " --page 5").fExitCode, 3) << verb;
     EXPECT_EQ(Run(verb + " --page 0").fExitCode, 2) << verb;
