@@ -72,9 +72,8 @@ void AddAlpha(const std::string& pFile, sPicture& pPicture) {
 }
 
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
-  for (const std::string& warning : pWarnings) {
-    Say("quorvane: " + pFile + ": warning: " + warning);
-  }
+  const std::string start = "quorvane: " + pFile + ": warning: ";
+  for (const std::string& warning : pWarnings) Say(std::string(start).append(warning));
 }
 
 float* GetRow(const sPicture& pPicture, int pY) {

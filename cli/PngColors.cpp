@@ -59,7 +59,7 @@ double ReadPart(std::string_view pContent, std::size_t pIndex) {
 
 std::optional<sCodedColors> ReadCodes(const std::string& pContent, std::vector<std::string>& pWarnings) {
   const auto code = [&](std::size_t pIndex) { return static_cast<unsigned char>(pContent[pIndex]); };
-  const auto colors =
+  auto colors =
       FindCodedColors(code(0), code(1), "what else the file says of its colours is taken", pWarnings);
   if (colors && (code(2) != 0 || code(3) != 1)) {
     pWarnings.emplace_back("its samples are stated not to be RGB of full range (cICP); they are taken so");
