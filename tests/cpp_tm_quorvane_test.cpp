@@ -32,6 +32,7 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
   };
   const std::string kShortPitch =
       "Argument pOutputRowPitch must be greater than or equal to pSamplesPerPixel*pWidth.";
+  sCall small(HostImage(9, 6, 32, 8));
   const std::vector<unsigned char> wide(std::size_t{748981} * 4);
   std::vector<unsigned char> wideOut(std::size_t{748981} * 3);
   cStderrCapture capture;
@@ -46,25 +47,26 @@ TEST(cpp_tm_quorvane, ChecksPointersAndSizes) {
        TM_NULL("Argument pOutputPixels cannot be null.", run(in, nullptr)),
        TM_ARG("Argument pSamplesPerPixel must be greater than zero.", run(in, out))});
   ExpectChecks(
-      "", {TM_ARG("Argument pWidth must be greater than zero.", image.samples_per_pixel = 3, run(in, out)),
-           TM_ARG("Argument pHeight must be greater than zero.", image.width = 4, run(in, out)),
-           TM_ARG(kShortPitch, image.height = 4, image.output_row_pitch = 11, run(in, out)),
-           TM_ARG(kShortPitch, image.output_row_pitch = INT_MIN, run(in, out)),
-           TM_ARG(kShortPitch, image.samples_per_pixel = image.width = INT_MAX,
-                  image.output_row_pitch = INT_MAX, run(in, out)),
-           TM_ARG("Argument pOutputRowPitch must be greater than or equal to 0.", image.reversed_order = 1,
-                  image.output_row_pitch = -1, run(in, out)),
-           TM_STATE("Output image is not set.", image = HostImage(4, 4, 8, 12), image.output_row_pitch = -1,
-                    run(in, nullptr)),
-           TM_ARG("Argument pMicrocontrast is out of range.", image = HostImage(4, 4, 8, 8),
-                  settings.microcontrast = settings.lighting = kNaN, run(in, out)),
-           TM_ARG("Argument pLighting is out of range.", settings.microcontrast = 0.0f, run(in, out)),
-           TM_MEMORY("Microcontrast and Lighting ask for a grid far larger than the picture.",
-                     settings.microcontrast = settings.lighting = 1e4f, good.fSettings = settings,
-                     good.fImage = HostImage(9, 6, 32, 8), good.Run()),
-           TM_STATE("Scanline width exceeds max tile size.", image = HostImage(748981, 1, 32, 8),
-                    settings.lighting = 0.0f, run(wide.data(), wideOut.data()))});
+      "",
+      {TM_ARG("Argument pWidth must be greater than zero.", image.samples_per_pixel = 3, run(in, out)),
+       TM_ARG("Argument pHeight must be greater than zero.", image.width = 4, run(in, out)),
+       TM_ARG(kShortPitch, image.height = 4, image.output_row_pitch = 11, run(in, out)),
+       TM_ARG(kShortPitch, image.output_row_pitch = INT_MIN, run(in, out)),
+       TM_ARG(kShortPitch, image.samples_per_pixel = image.width = INT_MAX, image.output_row_pitch = INT_MAX,
+              run(in, out)),
+       TM_ARG("Argument pOutputRowPitch must be greater than or equal to 0.", image.reversed_order = 1,
+              image.output_row_pitch = -1, run(in, out)),
+       TM_STATE("Output image is not set.", image = HostImage(4, 4, 8, 12), image.output_row_pitch = -1,
+                run(in, nullptr)),
+       TM_ARG("Argument pMicrocontrast is out of range.", image = HostImage(4, 4, 8, 8),
+              settings.microcontrast = settings.lighting = kNaN, run(in, out)),
+       TM_ARG("Argument pLighting is out of range.", settings.microcontrast = 0.0f, run(in, out)),
+       TM_MEMORY("Microcontrast and Lighting ask for a grid far larger than the picture.",
+                 settings.microcontrast = settings.lighting = 1e4f, small.fSettings = settings, small.Run()),
+       TM_STATE("Scanline width exceeds max tile size.", image = HostImage(748981, 1, 32, 8),
+                settings.lighting = 0.0f, run(wide.data(), wideOut.data()))});
   EXPECT_TRUE(good.OutputUntouched());
+  EXPECT_TRUE(small.OutputUntouched());
   image = HostImage(748980, 1, 32, 8);
   EXPECT_NO_THROW(run(wide.data(), wideOut.data()));
   EXPECT_EQ(capture.Text().find("Freeing"), std::string::npos);
