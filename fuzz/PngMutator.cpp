@@ -46,7 +46,8 @@ std::size_t InsertChunk(std::uint8_t* pData, std::size_t pSize, std::size_t pMax
   Store(chunk.fLength, at);
   std::memcpy(at + 4, chunk.fName, 4);
   for (std::size_t i = 0; i < chunk.fLength; ++i) at[8 + i] = static_cast<std::uint8_t>(pSeed >> (i % 4 * 8));
-  if (chunk.fName[1] == 'I' && pSeed % 32 < 16) std::memcpy(at + 8, "\x09\x10\0\1", 4);  // a known kind
+  constexpr std::uint8_t kKnownColors[] = {9, 16, 0, 1};  // Rec. 2020, PQ, RGB of full range
+  if (chunk.fName[1] == 'I' && pSeed % 32 < 16) std::memcpy(at + 8, kKnownColors, sizeof kKnownColors);
   return pSize + whole;
 }
 
