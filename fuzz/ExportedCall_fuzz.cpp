@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "engine/cException.h"
 #include "export/quorvane.h"
 #include "fuzz/FuzzInput.h"
 
@@ -176,6 +177,8 @@ int Call(cBlock& pImage, cBlock& pSettings, int pColorSpace, cBlock& pInput, cBl
     return cpp_tm_quorvane(reinterpret_cast<const tm_quorvane_image*>(pImage.Data()), nullptr, pColorSpace,
                            reinterpret_cast<tm_quorvane_settings*>(pSettings.Data()), pInput.Data(),
                            pOutput.Data());
+  } catch (const TmEngine::cOutOfMemoryException&) {
+    return kNoMemory;
   } catch (const std::runtime_error&) {
     return kThrown;
   } catch (const std::bad_alloc&) {

@@ -109,8 +109,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   FillPicture(input, pBytes, pSize);
   try {
     Run({input, *output}, data);
-  } catch (const cArgumentException&) {  // not a number for Microcontrast or Lighting
-  } catch (const std::bad_alloc&) {      // sliders far beyond their range ask for fine grids
+  } catch (const cArgumentException&) {     // NaN for Microcontrast or Lighting
+  } catch (const cOutOfMemoryException&) {  // sliders far beyond their range ask for fine grids
+  } catch (const std::bad_alloc&) {         // which there may be no memory for
   }
   return 0;
 }
