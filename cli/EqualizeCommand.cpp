@@ -207,8 +207,8 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   CLI::App* const verb = pProgram.add_subcommand(
       kVerb, "Changes hue, saturation and lightness of a finished picture, each by a curve over hue.");
   verb->add_option("IN", options->fInput,
-                   "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl; told by its content;\n"
-                   "- for standard input")
+                   "The picture, 8 or 16 bits: .png, .tif, .jpg, .webp, .avif or .jxl (detected by its\n"
+                   "content); - for standard input")
       ->option_text(" ");
   AddPageOption(*verb, options->fSource);
   verb->add_option("-o,--output", options->fOutput,

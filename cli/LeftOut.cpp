@@ -13,9 +13,8 @@ namespace {
 using vips::VImage;
 
 /// Those that are pictures of their own.
-int CountPictures(const std::string& pFile, const VImage& pImage) {
-  if (GetFormatName(pImage) != "TIFF") return CountPages(pImage);
-  const auto pages = ReadTiffDirectories(pFile).fPages;
+int CountPictures(const sTiffDirectories& pFile) {
+  const auto& pages = pFile.fPages;
   const auto others = std::count_if(pages.begin() + (pages.empty() ? 0 : 1), pages.end(),
                                     [](const sTiffDirectory& pPage) { return pPage.IsPicture(); });
   return 1 + static_cast<int>(others);
@@ -57,14 +56,17 @@ void AddExtras(const sJpegExtras& pExtras, std::vector<std::string>& pTo) {
 std::vector<std::string> ListLeftOut(const std::string& pFile, const VImage& pImage, int pPage) {
   std::vector<std::string> leftOut;
   const std::string format = GetFormatName(pImage);
-  if (const int pictures = CountPictures(pFile, pImage); pPage == 0 && pictures > 1) {
+  const bool isTiff = format == "TIFF";
+  const sTiffDirectories directories = isTiff ? ReadTiffDirectories(pFile) : sTiffDirectories{};
+  const int pictures = isTiff ? CountPictures(directories) : CountPages(pImage);
+  if (pPage == 0 && pictures > 1) {
     leftOut.push_back(Printf("only one of its %d pages is read; --page chooses another", pictures));
   }
-  if (format == "TIFF" && pPage == 0 && IsThumbnail(ReadTiffDirectories(pFile))) {
+  if (pPage == 0 && IsThumbnail(directories)) {
     leftOut.emplace_back("its first page is stated to be a thumbnail; the picture that it shows is left out");
   }
   if (format == "JPEG") AddExtras(ReadJpegExtras(pFile), leftOut);
-  if (format == "TIFF" || format == "JPEG") AddAspect(pImage, leftOut);
+  if (isTiff || format == "JPEG") AddAspect(pImage, leftOut);
   return leftOut;
 }
 

@@ -126,7 +126,7 @@ void cProgress::Finish() {
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (fWay == eProgress::kNone) return;
   if (fWay == eProgress::kJson) return Say(ToLine(MakeSummary()));
-  if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // told already
+  if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // reported already
   Say(Summarise());
   constexpr std::size_t kMost = 20;
   for (std::size_t i = 0; i < std::min(kMost, fFailedInputs.size()); ++i)
