@@ -193,18 +193,23 @@ std::size_t HeapBytes() {
 }
 
 TEST(LoadedLibrary, LeavesNothingBehindWhenUnloaded) {
+  constexpr int kFirstLoads = 10;  // by then loader and C library hold what they keep
+  constexpr int kLoads = 50;
+  // The C library counts whole blocks of 32 bytes or more, and now and then hands out one that is 16 bytes too long;
+  // what each load leaves behind adds up to more than that.
+  constexpr std::size_t kSmallestBlock = 32;
   cStderrCapture capture;
   std::size_t before = 0;
-  for (int i = 0; i < 60; ++i) {
+  for (int i = 0; i < kFirstLoads + kLoads; ++i) {
     {
       const cLibrary library;
       sCall call = DarkCall(i % 2 == 0 ? 32 : 8);
       ASSERT_EQ(library.Run(call), 1);
     }
     ASSERT_EQ(dlopen(QUORVANE_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr) << "the library stays loaded";
-    if (i == 9) before = HeapBytes();  // by now loader and C library hold what they keep
+    if (i == kFirstLoads - 1) before = HeapBytes();
   }
-  EXPECT_LE(HeapBytes(), before);
+  EXPECT_LT(HeapBytes(), before + kLoads * kSmallestBlock);
 }
 
 TEST(LoadedLibrary, GivesTheSameBytesInEveryFloatingPointState) {
