@@ -5,9 +5,9 @@
 #include <string>
 
 #include "bench/Suites.h"
-#include "engine/PixelRows.h"
-#include "engine/Quantise.h"
+#include "engine/image/PixelRows.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/Quantise.h"
 
 namespace Bench {
 namespace {

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "bench/Suites.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cColorSpace.h"
-#include "engine/cContrastCurve.h"
 #include "engine/cTmRenderer.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/curve/cContrastCurve.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ColorRows.h"

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "bench/Suites.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cBitmapY8.h"
 #include "engine/cColorEqRenderer.h"
-#include "engine/cImageUtils.h"
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cBitmapY8.h"
+#include "engine/image/cImageUtils.h"
 
 using namespace TmEngine;
 using tUtils = cImageUtils;

@@ -7,7 +7,7 @@
 
 #include "cli/BigEndian.h"
 #include "cli/FileReader.h"
-#include "engine/cTransfer.h"
+#include "engine/color/cTransfer.h"
 
 namespace Cli {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 

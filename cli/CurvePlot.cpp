@@ -6,8 +6,8 @@
 
 #include "cli/Printf.h"
 #include "cli/SvgDrawing.h"
-#include "engine/cColorSpace.h"
-#include "engine/cTransfer.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/color/cTransfer.h"
 
 namespace Cli {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/cHermiteSpline.h"
-#include "engine/cVector.h"
+#include "engine/curve/cHermiteSpline.h"
+#include "engine/math/cVector.h"
 
 namespace Cli {
 

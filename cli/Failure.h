@@ -6,7 +6,7 @@
 #include <string>
 
 #include "cli/ShortText.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
 
 namespace Cli {
 

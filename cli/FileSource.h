@@ -4,7 +4,7 @@
 
 #include "cli/PictureRows.h"
 #include "cli/PictureStatistics.h"
-#include "engine/PixelRows.h"
+#include "engine/image/PixelRows.h"
 
 namespace Cli {
 

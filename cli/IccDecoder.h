@@ -7,7 +7,7 @@
 #include <string>
 
 #include "cli/IccHandle.h"
-#include "engine/cMatrix33.h"
+#include "engine/math/cMatrix33.h"
 
 namespace Cli {
 

@@ -16,8 +16,8 @@
 #include "cli/StatedColors.h"
 #include "cli/VipsReader.h"
 #include "cli/VipsSource.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
+#include "engine/image/cBitmapBGR16.h"
 
 namespace Cli {
 namespace {

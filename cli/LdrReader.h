@@ -7,7 +7,7 @@
 
 #include "cli/Metadata.h"
 #include "cli/PictureChoice.h"
-#include "engine/cBitmapLDR.h"
+#include "engine/image/cBitmapLDR.h"
 
 namespace Cli {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/cMatrix33.h"
-#include "engine/cVector.h"
+#include "engine/math/cMatrix33.h"
+#include "engine/math/cVector.h"
 
 namespace Cli {
 

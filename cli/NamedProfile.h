@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 

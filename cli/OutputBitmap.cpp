@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "cli/AlphaChoice.h"
 #include "cli/OutputFormat.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 

@@ -4,7 +4,7 @@
 
 #include "cli/Picture.h"
 #include "cli/Settings.h"
-#include "engine/ImageRows.h"
+#include "engine/image/ImageRows.h"
 
 namespace Cli {
 

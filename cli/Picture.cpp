@@ -7,8 +7,8 @@
 #include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/MemoryBudget.h"
-#include "engine/BitmapRows.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
+#include "engine/image/BitmapRows.h"
 
 namespace Cli {
 namespace {

@@ -9,7 +9,7 @@
 #include "cli/Metadata.h"
 #include "cli/PictureChoice.h"
 #include "cli/PictureRows.h"
-#include "engine/cBitmapXYZ32.h"
+#include "engine/image/cBitmapXYZ32.h"
 
 namespace Cli {
 

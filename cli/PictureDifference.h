@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/cBitmapLDR.h"
+#include "engine/image/cBitmapLDR.h"
 
 namespace Cli {
 

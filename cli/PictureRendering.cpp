@@ -7,7 +7,7 @@
 #include "cli/Failure.h"
 #include "cli/OutputBitmap.h"
 #include "cli/Panorama.h"
-#include "engine/cHermiteSpline.h"
+#include "engine/curve/cHermiteSpline.h"
 
 namespace Cli {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/IccHandle.h"
-#include "engine/cTransfer.h"
+#include "engine/color/cTransfer.h"
 
 namespace Cli {
 namespace {

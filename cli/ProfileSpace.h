@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cli/IccDecoder.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <limits>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapXYZ32.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapXYZ32.h"
 
 namespace Cli {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/ResultPixels.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace Cli {
 

@@ -5,8 +5,8 @@
 #include <limits>
 #include <new>
 
-#include "engine/ImageRows.h"
-#include "engine/LargeBlock.h"
+#include "engine/base/LargeBlock.h"
+#include "engine/image/ImageRows.h"
 
 namespace Cli {
 namespace {

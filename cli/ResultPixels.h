@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
-#include "engine/PixelRows.h"
-#include "engine/cBitmapLDR.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/image/PixelRows.h"
+#include "engine/image/cBitmapLDR.h"
 
 namespace Cli {
 

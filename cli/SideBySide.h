@@ -4,7 +4,7 @@
 
 #include "cli/PictureDifference.h"
 #include "cli/TempFile.h"
-#include "engine/cBitmapLDR.h"
+#include "engine/image/cBitmapLDR.h"
 
 namespace Cli {
 

@@ -6,7 +6,7 @@
 
 #include "cli/Printf.h"
 #include "cli/SvgDrawing.h"
-#include "engine/cVector.h"
+#include "engine/math/cVector.h"
 
 namespace Cli {
 namespace {

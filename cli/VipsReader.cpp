@@ -17,7 +17,7 @@
 #include "cli/TiffAlpha.h"
 #include "cli/TiffSamples.h"
 #include "cli/VipsSource.h"
-#include "engine/PixelRows.h"
+#include "engine/image/PixelRows.h"
 
 namespace Cli {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "engine/ImageRows.h"
 #include "engine/cTmRenderer.h"
+#include "engine/image/ImageRows.h"
 
 namespace TmEngine {
 namespace {

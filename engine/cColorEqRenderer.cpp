@@ -1,9 +1,9 @@
 #include "engine/cColorEqRenderer.h"
 
-#include "engine/ImageRows.h"
-#include "engine/TmCheck.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cColorSpace.h"
+#include "engine/base/TmCheck.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/image/ImageRows.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/EqualiserPreparation.h"

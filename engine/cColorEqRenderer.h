@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "engine/cMatrix33.h"
+#include "engine/math/cMatrix33.h"
 #include "engine/stages/HueCurves.h"
 #include "engine/stages/OutputEncoding.h"
 

@@ -5,14 +5,14 @@
 #include <cmath>
 #include <cstddef>
 
-#include "engine/Elementary.h"
 #include "engine/LogLine.h"
-#include "engine/TmCheck.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cColorSpace.h"
-#include "engine/cContrastCurve.h"
-#include "engine/cMemUtils.h"
+#include "engine/base/TmCheck.h"
+#include "engine/base/cMemUtils.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/curve/cContrastCurve.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/Elementary.h"
 #include "engine/stages/BaseLayer.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/ColorRows.h"

@@ -3,15 +3,15 @@
 #include <memory>
 #include <optional>
 
-#include "engine/ImageRows.h"
-#include "engine/cLargeRegion.h"
-#include "engine/cMatrix33.h"
+#include "engine/base/Plane.h"
+#include "engine/base/cLargeRegion.h"
+#include "engine/image/ImageRows.h"
+#include "engine/math/cMatrix33.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ExposureScale.h"
 #include "engine/stages/HueCurves.h"
 #include "engine/stages/LayerStatistics.h"
 #include "engine/stages/OutputEncoding.h"
-#include "engine/stages/Plane.h"
 #include "engine/stages/Preparation.h"
 #include "engine/stages/ToneTables.h"
 

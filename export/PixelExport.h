@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "engine/PixelRows.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/image/PixelRows.h"
 #include "export/quorvane.h"
 
 /// Writes finished rows into the host's buffer (see quorvane.h). For 16 bits and the host's own order, the

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "engine/PixelRows.h"
-#include "engine/cMatrix33.h"
+#include "engine/image/PixelRows.h"
+#include "engine/math/cMatrix33.h"
 #include "export/quorvane.h"
 
 /// The host's pixels (see quorvane.h for their layout) as linear light. They must stay until the last row is

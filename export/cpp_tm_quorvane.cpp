@@ -4,11 +4,11 @@
 #include <memory>
 #include <optional>
 
-#include "engine/BitmapChecks.h"
 #include "engine/LogLine.h"
-#include "engine/TmCheck.h"
 #include "engine/ToneMapImage.h"
-#include "engine/cColorSpace.h"
+#include "engine/base/TmCheck.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/image/BitmapChecks.h"
 #include "export/FloatingPointScope.h"
 #include "export/HostSettings.h"
 #include "export/PixelExport.h"

@@ -1,7 +1,7 @@
 // The equaliser on pictures of any size and depth, with any curves and colour spaces.
 
+#include "engine/base/cException.h"
 #include "engine/cColorEqRenderer.h"
-#include "engine/cException.h"
 #include "fuzz/FuzzPicture.h"
 
 using namespace TmEngine;

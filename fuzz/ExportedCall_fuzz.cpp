@@ -7,7 +7,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "engine/cException.h"
+#include "engine/base/cException.h"
 #include "export/quorvane.h"
 #include "fuzz/FuzzInput.h"
 

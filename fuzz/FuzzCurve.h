@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "engine/cHermiteSpline.h"
+#include "engine/curve/cHermiteSpline.h"
 #include "fuzz/FuzzInput.h"
 
 inline TmEngine::cVector2 TakePoint(FuzzedDataProvider& pData) {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
 #include "fuzz/FuzzCurve.h"
 
 using TmEngine::cBitmapLDR;

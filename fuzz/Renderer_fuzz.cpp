@@ -4,10 +4,10 @@
 #include <cstring>
 #include <new>
 
-#include "engine/BitmapRows.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
 #include "engine/cTmRenderer.h"
+#include "engine/image/BitmapRows.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "fuzz/FuzzPicture.h"
 
 using namespace TmEngine;

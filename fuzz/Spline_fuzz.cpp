@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "engine/cContrastCurve.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
+#include "engine/curve/cContrastCurve.h"
 #include "fuzz/FuzzCurve.h"
 
 using namespace TmEngine;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "engine/cColorSpace.h"
-#include "engine/cException.h"
-#include "engine/cTransferLUT.h"
+#include "engine/base/cException.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/color/cTransferLUT.h"
 #include "fuzz/FuzzInput.h"
 
 using namespace TmEngine;

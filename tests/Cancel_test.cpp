@@ -15,12 +15,12 @@
 #include <thread>
 #include <vector>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapXYZ32.h"
 #include "engine/cColorEqRenderer.h"
-#include "engine/cHermiteSpline.h"
 #include "engine/cTmRenderer.h"
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/curve/cHermiteSpline.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/HueTable.h"
 #include "tests/AllocationHook.h"

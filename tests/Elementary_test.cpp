@@ -1,4 +1,4 @@
-#include "engine/Elementary.h"
+#include "engine/math/Elementary.h"
 
 #include <gtest/gtest.h>
 

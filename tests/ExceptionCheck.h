@@ -2,21 +2,31 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "engine/cException.h"
+#include "engine/base/cException.h"
 
-/// Whether a check stands at pLine of the source that an exception names, or a few lines above, where one
+/// The source of the engine or of the exported function that an exception names.
+inline std::filesystem::path FindSource(const std::string& pFile) {
+  namespace fs = std::filesystem;
+  const std::string name = pFile.starts_with(".\\") ? pFile.substr(2) : "";
+  for (const char* folder : {"/../engine", "/../export"}) {
+    for (const fs::directory_entry& entry :
+         fs::recursive_directory_iterator(QUORVANE_TESTS_DIR + std::string(folder))) {
+      if (entry.path().filename() == name) return entry.path();
+    }
+  }
+  return {};
+}
+
+/// Whether there is a check at pLine of the source that an exception names, or a few lines above, where one
 /// takes several; or the source has a check that hosts know by this number.
 inline bool IsPlaceOfACheck(const std::string& pFile, int pLine) {
-  const std::string name = pFile.starts_with(".\\") ? pFile.substr(2) : "";
-  std::ifstream source;
-  for (const char* folder : {"/../engine/", "/../export/"}) {
-    if (!source.is_open()) source.open(QUORVANE_TESTS_DIR + std::string(folder) + name);
-  }
+  std::ifstream source(FindSource(pFile));
   int number = 0, checkedLine = 0;
   bool isFixed = false;
   for (std::string line; std::getline(source, line);) {

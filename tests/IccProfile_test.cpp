@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "engine/cColorSpace.h"
-#include "engine/cTransfer.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/color/cTransfer.h"
 
 namespace TmEngine {
 namespace {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "engine/Quantise.h"
+#include "engine/math/Quantise.h"
 #include "tests/Numbers.h"
 #include "tests/Pictures.h"
 

@@ -8,8 +8,8 @@
 #include <ostream>
 #include <vector>
 
-#include "engine/cBitmapU16T.h"
-#include "engine/cException.h"
+#include "engine/base/cException.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "tests/AllocationHook.h"
 #include "tests/HostCall.h"

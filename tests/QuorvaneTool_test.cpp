@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "engine/ToneMapImage.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cImageUtils.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cImageUtils.h"
 #include "export/HostSettings.h"
 #include "tests/Numbers.h"
 #include "tests/cli/TestPictures.h"

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "engine/ImageRows.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/image/ImageRows.h"
+#include "engine/image/cBitmapU16T.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/ExposureScale.h"

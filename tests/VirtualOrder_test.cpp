@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstring>
 
-#include "engine/cException.h"
-#include "engine/cHermiteSpline.h"
-#include "engine/cTransfer.h"
-#include "engine/cTransferLUT.h"
+#include "engine/base/cException.h"
+#include "engine/color/cTransfer.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/curve/cHermiteSpline.h"
 
 // Hosts call virtual operations by their places, so these are part of the interface.
 

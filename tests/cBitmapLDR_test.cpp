@@ -1,4 +1,4 @@
-#include "engine/cBitmapLDR.h"
+#include "engine/image/cBitmapLDR.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 #include <cstring>
 #include <memory>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cImageUtils.h"
-#include "engine/cTransfer.h"
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransfer.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cImageUtils.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/StderrCapture.h"
 

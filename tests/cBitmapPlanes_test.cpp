@@ -5,12 +5,12 @@
 #include <memory>
 #include <numeric>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cBitmapXYZ32T.h"
-#include "engine/cBitmapY8.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapU16T.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cBitmapXYZ32T.h"
+#include "engine/image/cBitmapY8.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/Numbers.h"
 

@@ -1,4 +1,4 @@
-#include "engine/cBitmap.h"
+#include "engine/image/cBitmap.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -6,13 +6,13 @@
 #include <climits>
 #include <cstring>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cBitmapXYZ32T.h"
-#include "engine/cBitmapY32.h"
-#include "engine/cBitmapY8.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapU16T.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cBitmapXYZ32T.h"
+#include "engine/image/cBitmapY32.h"
+#include "engine/image/cBitmapY8.h"
 #include "tests/BitmapTestTools.h"
 
 TM_TEST_NULL_ON_HUGE_ALLOCATION

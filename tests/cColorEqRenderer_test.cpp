@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cHermiteSpline.h"
-#include "engine/cTransfer.h"
+#include "engine/color/cTransfer.h"
+#include "engine/curve/cHermiteSpline.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/EqualiserPreparation.h"
 #include "tests/BitmapTestTools.h"

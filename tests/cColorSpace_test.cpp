@@ -1,11 +1,11 @@
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <memory>
 
-#include "engine/cTransfer.h"
+#include "engine/color/cTransfer.h"
 #include "tests/ExceptionCheck.h"
 
 namespace TmEngine {

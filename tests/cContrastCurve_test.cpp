@@ -1,4 +1,4 @@
-#include "engine/cContrastCurve.h"
+#include "engine/curve/cContrastCurve.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/cException.h"
+#include "engine/base/cException.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/cHermiteSpline.h"
+#include "engine/curve/cHermiteSpline.h"
 
 #include <algorithm>
 #include <cmath>

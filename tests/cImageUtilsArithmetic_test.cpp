@@ -4,11 +4,11 @@
 #include <limits>
 #include <memory>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cBitmapY8.h"
-#include "engine/cImageUtils.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapXYZ32.h"
+#include "engine/image/cBitmapY8.h"
+#include "engine/image/cImageUtils.h"
 #include "tests/BitmapTestTools.h"
 #include "tests/StderrCapture.h"
 

@@ -1,4 +1,4 @@
-#include "engine/cInterpolatedHermiteSpline.h"
+#include "engine/curve/cInterpolatedHermiteSpline.h"
 
 #include <cstdlib>
 #include <new>

@@ -1,4 +1,4 @@
-#include "engine/cLargeRegion.h"
+#include "engine/base/cLargeRegion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/cMatrix33.h"
+#include "engine/math/cMatrix33.h"
 
 #include <gtest/gtest.h>
 

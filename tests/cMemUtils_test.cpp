@@ -1,4 +1,4 @@
-#include "engine/cMemUtils.h"
+#include "engine/base/cMemUtils.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "engine/ToneMapImage.h"
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapXYZ32.h"
-#include "engine/cHermiteSpline.h"
+#include "engine/curve/cHermiteSpline.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "tests/ExceptionCheck.h"
 #include "tests/Numbers.h"
 #include "tests/Pictures.h"

@@ -1,4 +1,4 @@
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransferLUT.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/cTransfer.h"
+#include "engine/color/cTransfer.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/cBitmapXYZ32.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "export/HostSettings.h"
 #include "export/PixelImport.h"
 #include "export/quorvane.h"

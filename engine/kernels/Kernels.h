@@ -56,8 +56,8 @@ struct sEqualiser {
 struct sKernels {
   int fLanes;  ///< Floats worked on at once: 1, 4, 8 or 16.
 
-  /// Log10, Pow(x, pY) and Pow(pX, y) of every element, as engine/Elementary.h has them; no float may be 0 or
-  /// negative. pTo may be the other array.
+  /// Log10, Pow(x, pY) and Pow(pX, y) of every element, as engine/math/Elementary.h has them; no float may be
+  /// 0 or negative. pTo may be the other array.
   void (*fLog10Row)(const float* pX, float* pTo, int pCount);
   void (*fPowRow)(const double* pX, double pY, double* pTo, int pCount);
   void (*fBasePowRow)(double pX, const double* pY, double* pTo, int pCount);

@@ -1,7 +1,7 @@
-#include "engine/Elementary.h"
-#include "engine/kernels/ElementaryTables.h"
 #include "engine/kernels/InstructionSets.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/Elementary.h"
+#include "engine/math/ElementaryTables.h"
 
 #if defined(__x86_64__)
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "engine/PixelRows.h"
+#include "engine/base/Plane.h"
+#include "engine/image/PixelRows.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BoxSmoother.h"
-#include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <new>
 
-#include "engine/Quantise.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/Quantise.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "engine/stages/Plane.h"
+#include "engine/base/Plane.h"
 
 namespace TmEngine {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "engine/LogLine.h"
-#include "engine/PixelRows.h"
-#include "engine/cBitmapU16T.h"
+#include "engine/image/PixelRows.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/StageFlags.h"
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "engine/stages/Plane.h"
+#include "engine/base/Plane.h"
 #include "engine/stages/ToneMapping.h"
 
 namespace TmEngine {

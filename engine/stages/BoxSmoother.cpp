@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "engine/stages/Plane.h"
+#include "engine/base/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
-#include "engine/PixelRows.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cMemUtils.h"
+#include "engine/base/cMemUtils.h"
+#include "engine/image/PixelRows.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 
 /// What the renderers keep of a pixel's colour, in the 16-bit channels of a tiled image: the smallest and the

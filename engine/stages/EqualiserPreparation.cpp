@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <memory>
 
-#include "engine/ImageRows.h"
-#include "engine/cMatrix33.h"
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/image/ImageRows.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/cMatrix33.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/StageFlags.h"
 

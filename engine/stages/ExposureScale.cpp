@@ -2,7 +2,7 @@
 
 #include <numbers>
 
-#include "engine/Elementary.h"
+#include "engine/math/Elementary.h"
 
 namespace TmEngine {
 namespace {

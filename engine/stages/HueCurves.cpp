@@ -1,7 +1,7 @@
 #include "engine/stages/HueCurves.h"
 
-#include "engine/TmCheck.h"
-#include "engine/cHermiteSpline.h"
+#include "engine/base/TmCheck.h"
+#include "engine/curve/cHermiteSpline.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/StageFlags.h"
 

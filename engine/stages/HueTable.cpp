@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "engine/PixelRows.h"
+#include "engine/image/PixelRows.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/Quantise.h"
+#include "engine/math/Quantise.h"
 
 namespace TmEngine {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/PixelRows.h"
+#include "engine/image/PixelRows.h"
 #include "engine/kernels/Kernels.h"
 
 namespace TmEngine {

@@ -1,6 +1,6 @@
 #include "engine/stages/OutputEncoding.h"
 
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 namespace TmEngine {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "engine/cTransferLUT.h"
+#include "engine/color/cTransferLUT.h"
 
 namespace TmEngine {
 

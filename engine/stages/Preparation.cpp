@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "engine/Elementary.h"
-#include "engine/PixelRows.h"
+#include "engine/base/Plane.h"
+#include "engine/image/PixelRows.h"
 #include "engine/kernels/Kernels.h"
+#include "engine/math/Elementary.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/cMatrix33.h"
+#include "engine/math/cMatrix33.h"
 
 namespace TmEngine {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/PixelRows.h"
+#include "engine/image/PixelRows.h"
 
 namespace TmEngine {
 

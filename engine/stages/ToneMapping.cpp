@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "engine/PixelRows.h"
-#include "engine/cBitmapU16T.h"
+#include "engine/base/Plane.h"
+#include "engine/image/PixelRows.h"
+#include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/Plane.h"
 #include "engine/stages/StageFlags.h"
 
 namespace TmEngine {

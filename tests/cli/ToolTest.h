@@ -15,7 +15,7 @@
 #include <vector>
 #include <vips/vips8>
 
-#include "engine/cColorSpace.h"
+#include "engine/color/cColorSpace.h"
 
 /// For tests of the built tool: it is run in a folder of its own, on pictures made there.
 

@@ -6,13 +6,13 @@
 #include <type_traits>
 #include <vector>
 
-#include "engine/ColorMatrices.h"
-#include "engine/Elementary.h"
-#include "engine/PixelRows.h"
-#include "engine/cBitmapU16T.h"
-#include "engine/cColorSpace.h"
-#include "engine/cContrastCurve.h"
-#include "engine/cTransferLUT.h"
+#include "engine/color/ColorMatrices.h"
+#include "engine/color/cColorSpace.h"
+#include "engine/color/cTransferLUT.h"
+#include "engine/curve/cContrastCurve.h"
+#include "engine/image/PixelRows.h"
+#include "engine/image/cBitmapU16T.h"
+#include "engine/math/Elementary.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/BoxSmoother.h"
 #include "engine/stages/ColorRows.h"

@@ -10,12 +10,12 @@
 #include <memory>
 #include <string>
 
-#include "engine/cBitmapBGR16.h"
-#include "engine/cBitmapBGR8.h"
-#include "engine/cBitmapXYZ32.h"
 #include "engine/cColorEqRenderer.h"
-#include "engine/cHermiteSpline.h"
 #include "engine/cTmRenderer.h"
+#include "engine/curve/cHermiteSpline.h"
+#include "engine/image/cBitmapBGR16.h"
+#include "engine/image/cBitmapBGR8.h"
+#include "engine/image/cBitmapXYZ32.h"
 #include "tests/HostCall.h"
 #include "tests/golden/GoldenTable.h"
 

@@ -195,8 +195,8 @@ std::size_t HeapBytes() {
 TEST(LoadedLibrary, LeavesNothingBehindWhenUnloaded) {
   constexpr int kFirstLoads = 10;  // by then loader and C library hold what they keep
   constexpr int kLoads = 50;
-  // The C library counts whole blocks of 32 bytes or more, and now and then hands out one that is 16 bytes too long;
-  // what each load leaves behind adds up to more than that.
+  // The C library counts whole blocks of 32 bytes or more, and now and then hands out one that is 16 bytes
+  // too long; what each load leaves behind adds up to more than that.
   constexpr std::size_t kSmallestBlock = 32;
   cStderrCapture capture;
   std::size_t before = 0;
