@@ -8,20 +8,20 @@
 #include <optional>
 #include <string>
 
-#include "cli/Console.h"
-#include "cli/Failure.h"
-#include "cli/Json.h"
-#include "cli/LdrReader.h"
-#include "cli/MemoryBudget.h"
 #include "cli/Options.h"
-#include "cli/OutputFormat.h"
-#include "cli/Picture.h"
-#include "cli/PictureDifference.h"
-#include "cli/PictureWriter.h"
-#include "cli/Printf.h"
-#include "cli/SideBySide.h"
-#include "cli/StandardStreams.h"
-#include "cli/VipsLibrary.h"
+#include "cli/batch/MemoryBudget.h"
+#include "cli/batch/StandardStreams.h"
+#include "cli/plot/SideBySide.h"
+#include "cli/terminal/Console.h"
+#include "photo/Json.h"
+#include "photo/base/Failure.h"
+#include "photo/base/Printf.h"
+#include "photo/decode/LdrReader.h"
+#include "photo/encode/OutputFormat.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/picture/Picture.h"
+#include "photo/picture/PictureDifference.h"
 
 namespace Cli {
 namespace {

@@ -11,20 +11,20 @@
 #include <string>
 #include <utility>
 
-#include "cli/CurvePlot.h"
-#include "cli/CurvePoints.h"
-#include "cli/Failure.h"
-#include "cli/LdrReader.h"
-#include "cli/MemoryBudget.h"
 #include "cli/Options.h"
-#include "cli/OutputBitmap.h"
-#include "cli/Picture.h"
-#include "cli/PictureRendering.h"
-#include "cli/PictureWriter.h"
-#include "cli/StandardStreams.h"
-#include "cli/SvgDrawing.h"
-#include "cli/VipsLibrary.h"
+#include "cli/batch/MemoryBudget.h"
+#include "cli/batch/StandardStreams.h"
+#include "cli/plot/CurvePlot.h"
+#include "cli/plot/SvgDrawing.h"
 #include "engine/cColorEqRenderer.h"
+#include "photo/base/Failure.h"
+#include "photo/decode/LdrReader.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/picture/OutputBitmap.h"
+#include "photo/picture/Picture.h"
+#include "photo/render/CurvePoints.h"
+#include "photo/render/PictureRendering.h"
 
 namespace Cli {
 namespace {

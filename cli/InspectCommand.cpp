@@ -9,21 +9,21 @@
 #include <string>
 #include <vector>
 
-#include "cli/AutoSettings.h"
-#include "cli/Console.h"
-#include "cli/Failure.h"
-#include "cli/Inspection.h"
-#include "cli/Json.h"
-#include "cli/MemoryBudget.h"
 #include "cli/Options.h"
-#include "cli/PictureRendering.h"
-#include "cli/PictureWriter.h"
-#include "cli/Printable.h"
 #include "cli/SettingsOptions.h"
-#include "cli/StandardStreams.h"
-#include "cli/SvgDrawing.h"
-#include "cli/TonePlot.h"
-#include "cli/VipsLibrary.h"
+#include "cli/batch/MemoryBudget.h"
+#include "cli/batch/StandardStreams.h"
+#include "cli/plot/SvgDrawing.h"
+#include "cli/plot/TonePlot.h"
+#include "cli/terminal/Console.h"
+#include "photo/Inspection.h"
+#include "photo/Json.h"
+#include "photo/base/Failure.h"
+#include "photo/base/Printable.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/render/AutoSettings.h"
+#include "photo/render/PictureRendering.h"
 
 namespace Cli {
 namespace {

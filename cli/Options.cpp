@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "cli/ColorSpaceName.h"
+#include "photo/render/ColorSpaceName.h"
 
 namespace Cli {
 namespace {

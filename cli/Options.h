@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "cli/OutputOptions.h"
-#include "cli/PictureChoice.h"
+#include "photo/encode/OutputOptions.h"
+#include "photo/picture/PictureChoice.h"
 
 namespace CLI {
 class App;

@@ -4,13 +4,13 @@
 
 #include <filesystem>
 
-#include "cli/Console.h"
-#include "cli/Failure.h"
-#include "cli/OutputFormat.h"
-#include "cli/Picture.h"
-#include "cli/Presets.h"
-#include "cli/SettingsJson.h"
-#include "cli/StoredSettings.h"
+#include "cli/batch/StoredSettings.h"
+#include "cli/terminal/Console.h"
+#include "photo/Presets.h"
+#include "photo/SettingsJson.h"
+#include "photo/base/Failure.h"
+#include "photo/encode/OutputFormat.h"
+#include "photo/picture/Picture.h"
 
 namespace Cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/Options.h"
-#include "cli/Settings.h"
+#include "photo/render/Settings.h"
 
 namespace CLI {
 class App;

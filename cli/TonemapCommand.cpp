@@ -4,11 +4,11 @@
 
 #include <memory>
 
-#include "cli/Batch.h"
-#include "cli/BatchOptions.h"
-#include "cli/BatchPlan.h"
 #include "cli/Options.h"
 #include "cli/SettingsOptions.h"
+#include "cli/batch/Batch.h"
+#include "cli/batch/BatchOptions.h"
+#include "cli/batch/BatchPlan.h"
 
 namespace Cli {
 namespace {

@@ -9,10 +9,10 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "cli/MetadataBlocks.h"
-#include "cli/OutputFormat.h"
-#include "cli/Printf.h"
-#include "cli/VipsLibrary.h"
+#include "photo/base/Printf.h"
+#include "photo/encode/OutputFormat.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/metadata/MetadataBlocks.h"
 
 namespace Cli {
 namespace {

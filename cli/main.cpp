@@ -6,15 +6,15 @@
 #include <vector>
 
 #include "cli/CompareCommand.h"
-#include "cli/Console.h"
 #include "cli/EqualizeCommand.h"
-#include "cli/Failure.h"
-#include "cli/HelpOptions.h"
 #include "cli/InspectCommand.h"
-#include "cli/Interrupt.h"
 #include "cli/TonemapCommand.h"
 #include "cli/UsageError.h"
 #include "cli/Version.h"
+#include "cli/batch/Interrupt.h"
+#include "cli/help/HelpOptions.h"
+#include "cli/terminal/Console.h"
+#include "photo/base/Failure.h"
 
 namespace {
 

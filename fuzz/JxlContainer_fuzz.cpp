@@ -1,10 +1,10 @@
 // The boxes of JPEG XL files: any file can be searched for metadata, and given others, which are found again;
 // the codestream stays what it was.
 
-#include "cli/JxlContainer.h"
+#include "photo/metadata/JxlContainer.h"
 
-#include "cli/FileBytes.h"
 #include "fuzz/MemoryFile.h"
+#include "photo/io/FileBytes.h"
 
 namespace {
 

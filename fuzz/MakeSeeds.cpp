@@ -11,10 +11,10 @@
 #include <random>
 #include <string>
 
-#include "cli/BigEndian.h"
-#include "cli/FileBytes.h"
-#include "cli/IccHandle.h"
-#include "cli/JxlContainer.h"
+#include "photo/icc/IccHandle.h"
+#include "photo/io/BigEndian.h"
+#include "photo/io/FileBytes.h"
+#include "photo/metadata/JxlContainer.h"
 #include "tests/cli/TestPictures.h"
 
 namespace {

@@ -3,9 +3,9 @@
 // separates names; without the separators, list and names are the same bytes; names written as a list are
 // read again.
 
-#include "cli/Failure.h"
-#include "cli/NameList.h"
+#include "cli/batch/NameList.h"
 #include "fuzz/FuzzInput.h"
+#include "photo/base/Failure.h"
 
 namespace {
 

@@ -9,14 +9,14 @@
 #include <string>
 #include <string_view>
 
-#include "cli/Alpha.h"
-#include "cli/Failure.h"
-#include "cli/LdrReader.h"
-#include "cli/PictureReader.h"
-#include "cli/PictureWriter.h"
-#include "cli/TempFile.h"
-#include "cli/VipsLibrary.h"
 #include "fuzz/MemoryFile.h"
+#include "photo/base/Failure.h"
+#include "photo/decode/LdrReader.h"
+#include "photo/decode/PictureReader.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/io/TempFile.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/picture/Alpha.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "cli/Failure.h"
-#include "cli/SettingsJson.h"
+#include "photo/SettingsJson.h"
+#include "photo/base/Failure.h"
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "engine/image/cBitmapBGR16.h"
 #include "engine/image/cBitmapBGR8.h"
 #include "engine/image/cBitmapXYZ32.h"
-#include "tests/HostCall.h"
+#include "tests/export/HostCall.h"
 #include "tests/golden/GoldenTable.h"
 
 using namespace TmEngine;

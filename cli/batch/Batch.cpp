@@ -1,0 +1,227 @@
+#include "cli/batch/Batch.h"
+
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <thread>
+#include <utility>
+
+#include "cli/batch/BatchPlan.h"
+#include "cli/batch/Interrupt.h"
+#include "cli/batch/MemoryBudget.h"
+#include "cli/batch/StandardStreams.h"
+#include "cli/batch/WorkerPool.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/Progress.h"
+#include "photo/Json.h"
+#include "photo/PictureRecord.h"
+#include "photo/base/Failure.h"
+#include "photo/decode/FileKind.h"
+#include "photo/io/TempFile.h"
+#include "photo/io/VipsLibrary.h"
+
+namespace Cli {
+namespace {
+
+using tJobs = std::vector<sTonemapJob>;
+
+int CountCores() {
+  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+/// Takes what is told of each picture, and knows the exit code in the end.
+class cReport {
+ public:
+  cReport(const sBatchOptions& pOptions, const sBatchPlan& pPlan)
+      : fJson(pOptions.fJson),
+        fIsSingle(pPlan.fJobs.size() == 1 && pPlan.fUnreadable.empty()),
+        fIsRecursive(pOptions.fInputs.fRecursive),
+        fProgress(ChooseProgress(pOptions.fProgress, pPlan.fJobs.size() == 1 && !fIsRecursive),
+                  pPlan.fJobs.size(), fIsRecursive ? &pPlan.fLeftOut : nullptr) {
+    for (const sUnreadableFolder& folder : pPlan.fUnreadable) {
+      Write(MakeFolderRecord(folder));
+      fProgress.NoteFolder(folder);
+      fExitCode = eExitCode_PictureFailed;
+    }
+  }
+
+  void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+    Write(pRecord);
+    fProgress.Tell(pJob, pRecord);
+    if (!pRecord.contains("error")) return;
+    const int code = pRecord["error"]["code"];
+    fExitCode = fIsSingle ? code : eExitCode_PictureFailed;
+  }
+
+  /// Returns the exit code. Throws what kept standard output from taking all objects.
+  int Finish() {
+    if (fIsRecursive) Write(fProgress.MakeSummary());
+    fProgress.Finish();
+    if (fOutputFault) std::rethrow_exception(fOutputFault);
+    return fExitCode;
+  }
+
+  cProgress& GetProgress() { return fProgress; }
+  /// Whether another picture would make things worse: it would not be in the report.
+  bool HasLostOutput() const { return fOutputFault != nullptr; }
+
+ private:
+  static tPictureRecord MakeFolderRecord(const sUnreadableFolder& pFolder) {
+    sTonemapJob job;
+    job.fInput = pFolder.fFolder;
+    tPictureRecord record =
+        MakeFailedRecord(job, eExitCode_CannotRead, pFolder.fFolder + ": " + pFolder.fReason);
+    record.erase("output");
+    return record;
+  }
+
+  void Write(const tPictureRecord& pRecord) {
+    if (!fJson || HasLostOutput()) return;
+    try {
+      Print(ToLine(pRecord) + "\n");
+    } catch (...) {
+      fOutputFault = std::current_exception();
+    }
+  }
+
+  bool fJson;
+  bool fIsSingle;
+  bool fIsRecursive;
+  cProgress fProgress;
+  int fExitCode = eExitCode_Done;
+  std::exception_ptr fOutputFault;
+};
+
+/// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
+std::string FindObstacle(const sTonemapJob& pJob) {
+  try {
+    if (!IsStream(pJob.fInput)) TellFileKind(pJob.fInput);  // nobody could read it again
+    if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
+    return "";
+  } catch (const cFailure& failure) {
+    return failure.what();
+  }
+}
+
+int ShowPlan(const sBatchPlan& pPlan) {
+  bool hasObstacles = !pPlan.fUnreadable.empty();
+  for (const sTonemapJob& job : pPlan.fJobs) {
+    const bool isSkipped = job.fExisting == eExisting::kSkip && HasTarget(job);
+    const std::string obstacle = isSkipped ? "" : FindObstacle(job);
+    hasObstacles = hasObstacles || !obstacle.empty();
+    const std::string note = isSkipped          ? " (skipped: exists)"
+                             : obstacle.empty() ? ""
+                                                : " (refused: " + obstacle + ")";
+    Print(NameForOutput(job.fInput) + " -> " + NameForOutput(job.fOutput) + NameForOutput(note) + "\n");
+  }
+  for (const sUnreadableFolder& folder : pPlan.fUnreadable) {
+    Say("quorvane: " + folder.fFolder + ": " + folder.fReason);
+  }
+  if (const std::string leftOut = DescribeLeftOut(pPlan.fLeftOut); !leftOut.empty()) {
+    Say("left out: " + leftOut);
+  }
+  return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
+}
+
+std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
+  return EstimateMemory(pPixels, ChooseJobFormat(pJob), pJob.fResult.fDepth);
+}
+
+/// What each worker does when it begins: libvips starts there, never in the parent.
+tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers) {
+  return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
+    static const cVipsLibrary library;
+    if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
+      vips_concurrency_set(std::max(1, CountCores() / pWorkers));  // the workers share the cores
+    }
+    return [&pJobs, pMemory, pAsk](std::size_t pTask) {
+      const sTonemapJob& job = pJobs[pTask];
+      SetMemoryGate([&job, pMemory, pAsk](const std::string& pFile, std::int64_t pPixels) {
+        CheckMemoryLimit(pFile, EstimateFor(job, pPixels), pMemory);
+        pAsk(EstimateFor(job, pPixels));
+      });
+      return ToLine(DoPicture(job));
+    };
+  };
+}
+
+/// A worker that ends because the whole run is interrupted is no failure of its picture.
+void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
+  const sTonemapJob& job = pJobs[pEnd.fTask];
+  if (pEnd.fIsAnswered) return pReport.Tell(job, FromLine(pEnd.fText));
+  cTempFile::RemoveLeftovers(job.fOutput);
+  if (pIsInterrupted) return;
+  pReport.Tell(job, MakeFailedRecord(job, eExitCode_Processing, job.fInput + ": " + pEnd.fText));
+}
+
+/// Returns whether the run was interrupted.
+bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pReport) {
+  const cInterruptWatch interrupt;
+  const int tick = pReport.GetProgress().HasBar() ? 250 : -1;
+  for (std::size_t next = 0;;) {
+    const bool isOver =
+        next == pJobs.size() || pReport.HasLostOutput() || (pFailFast && pReport.GetProgress().HasFailed());
+    if (isOver && !pPool.IsBusy()) return false;
+    if (!isOver && pPool.HasRoom()) {
+      const std::optional<std::string> fault = pPool.Begin(next);
+      if (fault) pReport.GetProgress().Warn("working with fewer processes than asked for: " + *fault);
+      next += fault ? 0 : 1;
+      continue;
+    }
+    const auto end = pPool.Wait(interrupt.GetHandle(), tick);
+    const bool isInterrupted = interrupt.HasCome();
+    if (end) TellEnd(pJobs, *end, isInterrupted, pReport);
+    if (isInterrupted) return true;
+    pReport.GetProgress().Draw();
+  }
+}
+
+/// As many as asked for, as long as there are pictures and file handles for them.
+int ChooseWorkers(const sBatchOptions& pOptions, std::size_t pPictures, cProgress& pProgress) {
+  const int asked = pOptions.fWorkers > 0 ? pOptions.fWorkers : CountCores();
+  const int useful = static_cast<int>(std::min(static_cast<std::size_t>(asked), pPictures));
+  const int possible = CountPossibleWorkers();
+  if (possible >= useful) return useful;
+  pProgress.Warn("pictures at a time: " + std::to_string(possible) + ", not " + std::to_string(useful) +
+                 ", as the limit of open files (ulimit -n) is low");
+  return possible;
+}
+
+/// Returns whether the run was interrupted. Nothing that was in work then is left behind.
+bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t pMemory, cReport& pReport) {
+  const int workers = ChooseWorkers(pOptions, pJobs.size(), pReport.GetProgress());
+  std::vector<std::size_t> givenUp;
+  bool isInterrupted = false;
+  {
+    cWorkerPool pool({workers, pMemory, pOptions.fTimeout}, MakeTaskMaker(pJobs, pMemory, workers));
+    isInterrupted = WorkOff(pool, pJobs, pOptions.fFailFast, pReport);
+    givenUp = pool.GetTasksInWork();
+  }
+  for (const std::size_t task : givenUp) cTempFile::RemoveLeftovers(pJobs[task].fOutput);
+  return isInterrupted;
+}
+
+}  // namespace
+
+int RunBatch(const sBatchOptions& pOptions) {
+  const sBatchPlan plan = PlanBatch(pOptions);
+  if (pOptions.fDryRun) return ShowPlan(plan);
+  const tJobs& jobs = plan.fJobs;
+  const std::int64_t memory = ChooseMemoryLimit(pOptions.fMemoryLimit);
+  cReport report(pOptions, plan);
+  try {
+    if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
+      report.GetProgress().Interrupt(pOptions.fJob.fExisting);
+      return eExitCode_Interrupted;
+    }
+  } catch (const cFailure&) {  // no worker can be started any more
+    report.Finish();
+    throw;
+  }
+  return report.Finish();
+}
+
+}  // namespace Cli

@@ -1,0 +1,141 @@
+#include "cli/batch/MemoryBudget.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <limits>
+#include <utility>
+
+#include "cli/batch/AvailableMemory.h"
+#include "photo/base/Failure.h"
+
+namespace Cli {
+namespace {
+
+constexpr std::int64_t kUnlimited = std::numeric_limits<std::int64_t>::max();
+
+double gGateSeconds = 0.0;
+
+tMemoryGate& Gate() {
+  static tMemoryGate gate;
+  return gate;
+}
+
+}  // namespace
+
+void cMemoryBudget::Ask(int pWorker, std::int64_t pBytes) {
+  fWaiting.emplace_back(pWorker, pBytes);
+}
+
+std::optional<int> cMemoryBudget::GrantNext() {
+  if (fWaiting.empty() || fWaiting.front().second > fLeft) return std::nullopt;
+  const auto next = fWaiting.front();
+  fWaiting.pop_front();
+  fLeft -= next.second;
+  fHeld.insert(next);
+  return next.first;
+}
+
+void cMemoryBudget::GiveBack(int pWorker) {
+  std::erase_if(fWaiting, [&](const auto& pAsked) { return pAsked.first == pWorker; });
+  const auto held = fHeld.find(pWorker);
+  if (held == fHeld.end()) return;
+  fLeft += held->second;
+  fHeld.erase(held);
+}
+
+namespace {
+
+/// Reads "4G", "500M", "1.5g" or bytes; units of 1024. Throws CLI::ValidationError.
+std::int64_t ParseMemorySize(const std::string& pText) {
+  constexpr char kUnits[] = "kmgt";
+  double size = 0.0;
+  const char* const end = pText.data() + pText.size();
+  const auto number = std::from_chars(pText.data(), end, size);
+  std::string unit(number.ptr, end);
+  std::transform(unit.begin(), unit.end(), unit.begin(), [](char pC) { return static_cast<char>(pC | 32); });
+  const std::size_t power = unit.size() == 1 ? std::string(kUnits).find(unit) : std::string::npos;
+  for (std::size_t i = 0; power != std::string::npos && i <= power; ++i) size *= 1024.0;
+  const bool isKnown = unit.empty() || power != std::string::npos;
+  if (number.ec != std::errc() || !isKnown || !(size >= 1.0 && size < 1e18)) {
+    throw CLI::ValidationError("--memory-limit", pText + " is not a size such as 4G, 500M or bytes");
+  }
+  return static_cast<std::int64_t>(size);
+}
+
+/// Beside its pixels, what a process takes to read, render and write a picture.
+std::int64_t AddProcess(std::int64_t pPixels, std::int64_t pBytes) {
+  constexpr std::int64_t kProcess = std::int64_t{64} << 20;
+  return pPixels > (kUnlimited - kProcess) / pBytes ? kUnlimited : kProcess + pPixels * pBytes;
+}
+
+}  // namespace
+
+void AddMemoryLimit(CLI::App& pVerb, const std::string& pMeaning, std::int64_t& pLimit) {
+  pVerb
+      .add_option_function<std::string>(
+          "--memory-limit", [&pLimit](const std::string& pText) { pLimit = ParseMemorySize(pText); },
+          pMeaning)
+      ->option_text("SIZE [80 % of what is free]");
+}
+
+std::int64_t ChooseMemoryLimit(std::int64_t pGiven) {
+  constexpr double kShare = 0.8;
+  if (pGiven > 0) return pGiven;
+  return static_cast<std::int64_t>(kShare * static_cast<double>(GetAvailableMemory()));
+}
+
+std::string MemoryToText(std::int64_t pBytes) {
+  constexpr double kMiB = 1 << 20;
+  const double size = static_cast<double>(pBytes) / kMiB;
+  char text[32];
+  std::snprintf(text, sizeof text, size < 1024.0 ? "%.0f MiB" : "%.1f GiB",
+                size < 1024.0 ? size : size / 1024.0);
+  return text;
+}
+
+std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth) {
+  const bool isDeep = pDepth > 8;
+  switch (pFormat) {
+    case eOutputFormat::kAvif:
+      return AddProcess(pPixels, isDeep ? 80 : 60);
+    case eOutputFormat::kJxl:
+      return AddProcess(pPixels, 110);
+    default:
+      return AddProcess(pPixels, 44);
+  }
+}
+
+void SetMemoryGate(tMemoryGate pGate) {
+  Gate() = std::move(pGate);
+}
+
+void PassMemoryGate(const std::string& pFile, std::int64_t pPixels) {
+  const tMemoryGate gate = std::exchange(Gate(), nullptr);
+  if (gate == nullptr) return;
+  const auto start = std::chrono::steady_clock::now();
+  gate(pFile, pPixels);
+  gGateSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double TakeGateSeconds() {
+  return std::exchange(gGateSeconds, 0.0);
+}
+
+void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_t pLimit) {
+  if (pBytes <= pLimit) return;
+  throw cFailure(eExitCode_Processing, pFile,
+                 "needs about " + MemoryToText(pBytes) + " of memory, and the limit is " +
+                     MemoryToText(pLimit) + "; a larger --memory-limit lets it through");
+}
+
+void SetSingleMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
+  SetMemoryGate([=](const std::string& pFile, std::int64_t pPixels) {
+    CheckMemoryLimit(pFile, AddProcess(pPixels, pBytes), pLimit);
+  });
+}
+
+}  // namespace Cli

@@ -1,0 +1,88 @@
+#include "cli/batch/StandardStreams.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "cli/batch/AvailableMemory.h"
+
+namespace Cli {
+namespace {
+
+bool WriteAll(int pTo, const char* pBytes, std::size_t pSize) {
+  while (pSize > 0) {
+    const ssize_t written = write(pTo, pBytes, pSize);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    pBytes += written;
+    pSize -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+/// The copy's handle.
+int CopyToMemory(int pFrom, const std::string& pName) {
+  constexpr std::int64_t kReserve = 4;  // a part of what is free, for the work on the picture
+  const std::int64_t most = GetAvailableMemory() / kReserve * (kReserve - 1);
+  const int copy = memfd_create("input", MFD_CLOEXEC);
+  if (copy >= 0 && CopyStream(pFrom, copy, most)) return copy;
+  const std::string reason =
+      errno == ENOMEM ? "more than the memory holds that is free; store the picture in a file first"
+                      : std::strerror(errno);
+  if (copy >= 0) close(copy);
+  throw cFailure(eExitCode_CannotRead, pName, reason);
+}
+
+}  // namespace
+
+bool CopyStream(int pFrom, int pTo, std::int64_t pMost) {
+  std::vector<char> block(std::size_t{1} << 18);
+  for (;;) {
+    const ssize_t size = read(pFrom, block.data(), block.size());
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) return size == 0;
+    pMost -= size;
+    if (pMost < 0) errno = ENOMEM;
+    if (pMost < 0 || !WriteAll(pTo, block.data(), static_cast<std::size_t>(size))) return false;
+  }
+}
+
+bool IsStream(const std::string& pName) {
+  std::error_code error;
+  return pName == kStandardStream || std::filesystem::is_fifo(pName, error);
+}
+
+std::string GetSpokenName(const std::string& pName) {
+  return pName == kStandardStream ? "standard input" : pName;
+}
+
+cInputFile::cInputFile(const std::string& pName) : fName(pName), fPath(pName) {
+  if (!IsStream(pName)) return;
+  const bool isStandard = pName == kStandardStream;
+  const int from = isStandard ? STDIN_FILENO : open(pName.c_str(), O_RDONLY | O_CLOEXEC);
+  if (from < 0) throw cFailure(eExitCode_CannotRead, pName, std::strerror(errno));
+  const auto closeStream = [&](const int*) {
+    if (!isStandard) close(from);
+  };
+  const std::unique_ptr<const int, decltype(closeStream)> closer(&from, closeStream);
+  fHandle = CopyToMemory(from, GetSpokenName(pName));
+  fPath = "/proc/self/fd/" + std::to_string(fHandle);
+}
+
+cInputFile::~cInputFile() {
+  if (fHandle >= 0) close(fHandle);
+}
+
+void cInputFile::Rename(const cFailure& pFailure) const {
+  const std::string text = pFailure.what();
+  if (fHandle < 0 || !text.starts_with(fPath + ": ")) throw pFailure;
+  throw cFailure(pFailure.GetExitCode(), GetSpokenName(fName), text.substr(fPath.size() + 2));
+}
+
+}  // namespace Cli

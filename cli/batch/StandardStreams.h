@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "photo/base/Failure.h"
+
+namespace Cli {
+
+/// The name that stands for standard input or output.
+inline constexpr char kStandardStream[] = "-";
+
+/// Copies from a handle to its end. Returns false, with errno set, when that fails; ENOMEM for more than
+/// pMost bytes.
+bool CopyStream(int pFrom, int pTo, std::int64_t pMost = std::numeric_limits<std::int64_t>::max());
+
+/// Whether an input is a stream, which can be read through only once: standard input, or a FIFO such as the
+/// shell makes for <(command).
+bool IsStream(const std::string& pName);
+
+/// An input as people call it.
+std::string GetSpokenName(const std::string& pName);
+
+/// An input that readers can open by a name, again and again. Of a stream that is a copy in memory, of which
+/// nothing is left in the end.
+class cInputFile {
+ public:
+  /// Reads a stream to its end, and waits for one that nobody writes to yet. Throws cFailure.
+  explicit cInputFile(const std::string& pName);
+  cInputFile(const cInputFile&) = delete;
+  cInputFile& operator=(const cInputFile&) = delete;
+  ~cInputFile();
+
+  const std::string& GetPath() const { return fPath; }
+
+  /// Does what reads the path; a failure names the input.
+  template <class tWork>
+  auto Read(const tWork& pWork) const {
+    try {
+      return pWork();
+    } catch (const cFailure& failure) {
+      Rename(failure);
+    }
+  }
+
+ private:
+  [[noreturn]] void Rename(const cFailure& pFailure) const;
+
+  std::string fName;
+  std::string fPath;
+  int fHandle = -1;  ///< Of the copy.
+};
+
+}  // namespace Cli

@@ -1,0 +1,24 @@
+#include "cli/batch/StoredSettings.h"
+
+#include "cli/batch/WorkerPool.h"
+#include "photo/base/Failure.h"
+#include "photo/io/VipsLibrary.h"
+#include "photo/metadata/Metadata.h"
+
+namespace Cli {
+
+std::string ReadStoredSettingsApart(const std::string& pFile) {
+  const auto makeTask = [&pFile](const tAskForMemory&) -> tTask {
+    static const cVipsLibrary library;
+    return [&pFile](std::size_t) { return ReadStoredSettings(pFile); };
+  };
+  cWorkerPool pool({}, makeTask);
+  pool.Begin(0);
+  std::optional<sTaskEnd> end;
+  while (!(end = pool.Wait(-1, -1))) {
+  }
+  if (!end->fIsAnswered) throw cFailure(eExitCode_CannotRead, pFile, end->fText);
+  return end->fText;
+}
+
+}  // namespace Cli

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+
+#include "photo/io/TempFile.h"
+
+namespace Cli {
+
+/// What a drawing is written as.
+enum class ePlotFormat { kSvg, kPng };
+
+/// The format that the ending of the name asks for. Throws cFailure.
+ePlotFormat ChoosePlotFormat(const std::string& pFile);
+
+/// Writes the drawing and lets the file take its target's place. libvips must be running. Throws cFailure.
+void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile);
+
+/// Values along one side of a drawing's field.
+struct sAxis {
+  double fFrom;   ///< The value at fStart,
+  double fTo;     ///< and at fEnd.
+  double fStart;  ///< In the drawing's units.
+  double fEnd;
+
+  double At(double pValue) const { return fStart + (fEnd - fStart) * (pValue - fFrom) / (fTo - fFrom); }
+};
+
+/// An SVG drawing on white, element by element. Lines and texts get their look from the classes of its style:
+/// grid, faint, neutral, curve for lines; title, heading, label, name, tick, note for texts, which start and
+/// left align.
+class cSvgDrawing {
+ public:
+  cSvgDrawing(int pWidth, int pHeight, const std::string& pTitle);
+
+  /// Appends in the manner of printf, at most a thousand characters.
+  __attribute__((format(printf, 2, 3))) void Add(const char* pFormat, ...);
+  void AddText(double pX, double pY, const char* pAttributes, const std::string& pText);
+  /// A label, turned so that it reads from below.
+  void AddTurnedText(double pX, double pY, const std::string& pText);
+  void AddLine(double pX1, double pY1, double pX2, double pY2, const char* pAttributes);
+
+  /// The whole text; nothing may be added any more.
+  std::string Finish();
+
+ private:
+  std::string fText;
+};
+
+}  // namespace Cli

@@ -1,0 +1,199 @@
+#include "cli/terminal/Progress.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "cli/terminal/Console.h"
+#include "photo/Json.h"
+#include "photo/picture/Picture.h"
+
+namespace Cli {
+namespace {
+
+constexpr char kRed[] = "\033[31m";
+constexpr char kClearLine[] = "\r\033[K";
+
+/// Whether standard error is a terminal that draws what it is told, and nobody asked for plain text.
+bool CanColour() {
+  const char* const unwanted = std::getenv("NO_COLOR");
+  const char* const terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && (unwanted == nullptr || *unwanted == '\0') &&
+         (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+std::size_t GetColumns() {
+  winsize size = {};
+  const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : 80;
+}
+
+template <class... tValues>
+std::string Format(const char* pFormat, tValues... pValues) {
+  char text[160];
+  std::snprintf(text, sizeof text, pFormat, pValues...);
+  return text;
+}
+
+std::string TimeToText(double pSeconds) {
+  const auto seconds = static_cast<long>(std::min(std::ceil(pSeconds), 1e9));
+  if (seconds < 3600) return Format("%ld:%02ld", seconds / 60, seconds % 60);
+  return Format("%ld:%02ld:%02ld", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+}  // namespace
+
+eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed) {
+  if (pAsked != eProgress::kAuto) return pAsked;
+  if (pIsOneNamed) return eProgress::kNone;
+  return isatty(STDERR_FILENO) != 0 ? eProgress::kBar : eProgress::kPlain;
+}
+
+std::string DescribeLeftOut(const sLeftOut& pLeftOut) {
+  std::string text;
+  const auto add = [&](std::size_t pCount, const char* pWhat) {
+    if (pCount > 0) text += (text.empty() ? "" : ", ") + Format("%s (%zu)", pWhat, pCount);
+  };
+  add(pLeftOut.fUnknown, "unknown format");
+  add(pLeftOut.fHidden, "hidden");
+  add(pLeftOut.fLinks, "linked folders and broken links");
+  add(pLeftOut.fSpecial, "pipes, sockets and devices");
+  return text;
+}
+
+cProgress::cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut)
+    : fWay(pWay), fHasColour(CanColour()), fPictures(pPictures), fLeftOut(pLeftOut) {}
+
+void cProgress::NoteFolder(const sUnreadableFolder& pFolder) {
+  ++fFolders;
+  fFailedInputs.push_back(pFolder.fFolder);
+  Fail(pFolder.fFolder + ": " + pFolder.fReason);
+}
+
+void cProgress::Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+  const std::string status = pRecord["status"];
+  Count(pJob, status);
+  if (HasBar()) std::fputs(kClearLine, stderr);
+  if (pRecord.contains("warnings")) PrintWarnings(pJob.fInput, pRecord["warnings"]);
+  if (status == "failed") Fail(pRecord["error"]["message"].get<std::string>());
+  if (fWay == eProgress::kPlain) TellPlainly(pJob, status);
+  if (fWay == eProgress::kJson) Say(ToLine(MakeEvent("picture", pJob.fInput)));
+}
+
+void cProgress::Fail(const std::string& pMessage) const {
+  Say("quorvane: " + pMessage, fHasColour ? kRed : "");
+}
+
+void cProgress::Warn(const std::string& pText) {
+  if (HasBar()) std::fputs(kClearLine, stderr);
+  Say("quorvane: warning: " + pText);
+}
+
+void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
+  if (pStatus == "done") ++fDone;
+  if (pStatus == "skipped") ++fSkipped;
+  if (pStatus != "failed") return;
+  ++fFailed;
+  fFailedInputs.push_back(pJob.fInput);
+}
+
+void cProgress::TellPlainly(const sTonemapJob& pJob, const std::string& pStatus) const {
+  if (pStatus == "failed") return;
+  const std::string what = pStatus == "done" ? pJob.fInput + " -> " + pJob.fOutput : pJob.fOutput + " exists";
+  Say(Format("[%zu/%zu] ", fDone + fSkipped + fFailed, fPictures) + what);
+}
+
+void cProgress::Draw() {
+  if (!HasBar()) return;
+  constexpr std::size_t kCells = 24;
+  const std::size_t ended = fDone + fSkipped + fFailed;
+  const std::size_t full = fPictures == 0 ? kCells : kCells * ended / fPictures;
+  std::string line = Format("%zu/%zu [", ended, fPictures) + std::string(full, '#') +
+                     std::string(kCells - full, '.') + "] " + Format("%.1f/s", GetRate());
+  if (GetRate() > 0.0) line += ", " + TimeToText(GetSecondsLeft()) + " left";
+  if (fFailed > 0) line += Format(", %zu failed", fFailed);
+  std::fprintf(stderr, "%s%s", kClearLine, line.substr(0, GetColumns() - 1).c_str());
+  std::fflush(stderr);
+}
+
+void cProgress::Finish() {
+  if (HasBar()) std::fputs(kClearLine, stderr);
+  if (fWay == eProgress::kNone) return;
+  if (fWay == eProgress::kJson) return Say(ToLine(MakeSummary()));
+  if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // reported already
+  Say(Summarise());
+  constexpr std::size_t kMost = 20;
+  for (std::size_t i = 0; i < std::min(kMost, fFailedInputs.size()); ++i)
+    Say("  failed: " + fFailedInputs[i]);
+  if (fFailedInputs.size() > kMost) Say(Format("  and %zu more", fFailedInputs.size() - kMost));
+}
+
+void cProgress::Interrupt(eExisting pExisting) {
+  if (fPictures == 1) {
+    return Say("quorvane: interrupted; the result was not written: run the same command again");
+  }
+  if (HasBar()) std::fputs(kClearLine, stderr);
+  const char* const instead = pExisting == eExisting::kReplace ? " in place of --overwrite" : "";
+  Say("quorvane: interrupted: " + Summarise());
+  Say(std::string("To go on, run the same command with --skip-existing") + instead + ".");
+}
+
+std::string cProgress::Summarise() const {
+  const std::string leftOut = fLeftOut != nullptr ? DescribeLeftOut(*fLeftOut) : "";
+  const std::string end = leftOut.empty() ? "" : "; left out: " + leftOut;
+  const std::string folders =
+      fFolders > 0 ? Format(", %zu folder%s not read", fFolders, fFolders > 1 ? "s" : "") : "";
+  if (fPictures == 0) return "no pictures" + folders + end;
+  std::string text = Format("%zu of %zu pictures done", fDone, fPictures);
+  if (fSkipped > 0) text += Format(", %zu skipped as they exist", fSkipped);
+  if (fFailed > 0) text += Format(", %zu failed", fFailed);
+  const std::size_t ended = fDone + fSkipped + fFailed;
+  if (ended < fPictures) text += Format(", %zu not begun or not ended", fPictures - ended);
+  return text + folders + Format(" in %.1f s (%.2f a second)", GetSeconds(), GetRate()) + end;
+}
+
+tPictureRecord cProgress::MakeSummary() const {
+  tPictureRecord summary = MakeEvent("summary");
+  if (fLeftOut == nullptr) return summary;
+  summary["unreadable_folders"] = fFolders;
+  summary["left_out"] = {{"unknown", fLeftOut->fUnknown},
+                         {"hidden", fLeftOut->fHidden},
+                         {"links", fLeftOut->fLinks},
+                         {"special", fLeftOut->fSpecial}};
+  return summary;
+}
+
+tPictureRecord cProgress::MakeEvent(const char* pEvent, const std::string& pInput) const {
+  tPictureRecord event = {{"event", pEvent}};
+  if (!pInput.empty()) PutName(event, "input", pInput);
+  event["pictures"] = fPictures;
+  event["done"] = fDone;
+  event["skipped"] = fSkipped;
+  event["failed"] = fFailed;
+  event["seconds"] = GetSeconds();
+  event["rate"] = GetRate();
+  event["seconds_left"] = GetSecondsLeft();
+  return event;
+}
+
+double cProgress::GetSeconds() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - fStart).count();
+}
+
+/// Pictures that took work, a second.
+double cProgress::GetRate() const {
+  return static_cast<double>(fDone + fFailed) / std::max(GetSeconds(), 1e-3);
+}
+
+double cProgress::GetSecondsLeft() const {
+  const std::size_t left = fPictures - fDone - fSkipped - fFailed;
+  return GetRate() > 0.0 ? static_cast<double>(left) / GetRate() : 0.0;
+}
+
+}  // namespace Cli

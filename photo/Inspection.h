@@ -1,0 +1,37 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "cli/terminal/Terminal.h"
+#include "photo/metadata/MetadataSummary.h"
+#include "photo/picture/Picture.h"
+#include "photo/picture/PictureChoice.h"
+#include "photo/picture/PictureStatistics.h"
+#include "photo/render/Settings.h"
+
+namespace Cli {
+
+/// What is told of a picture that nobody has rendered yet.
+struct sInspection {
+  std::string fFile;
+  sPicture fPicture;
+  sPictureStatistics fStatistics;
+  sMetadataSummary fMetadata;
+  sSettings fSuggested;
+  bool fWraps = false;  ///< Whether tonemap takes the left and right edges to meet, by metadata or edges.
+};
+
+/// Reads the whole picture. libvips must be running. Throws cFailure.
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+
+/// The sliders that differ from their defaults, as options to type: "--strength 86 --contrast 10"; "" for
+/// none.
+std::string ToOptions(const sSettings& pSettings);
+
+/// For people, with a histogram.
+std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal);
+/// For programs: numbers without words; the logarithms are decimal.
+nlohmann::ordered_json ToJson(const sInspection& pInspection);
+
+}  // namespace Cli

@@ -1,0 +1,137 @@
+#include "photo/PictureRecord.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+
+#include "photo/Json.h"
+#include "photo/base/Failure.h"
+#include "photo/base/Printable.h"
+#include "photo/base/ShortText.h"
+#include "photo/io/TempFile.h"
+#include "photo/render/ColorSpaceName.h"
+
+namespace Cli {
+namespace {
+
+/// The number that people typed: 0.1, not 0.10000000149.
+double ToNumber(float pNumber) {
+  return std::strtod(ToText(pNumber).c_str(), nullptr);
+}
+
+/// From now on the peak is that of what follows, where the system lets us.
+void ResetPeakMemory() {
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+std::int64_t GetPeakMemory() {
+  std::ifstream stream("/proc/self/status");
+  std::int64_t kilobytes = 0;
+  for (std::string word; stream >> word;) {
+    if (word == "VmHWM:" && stream >> kilobytes) return kilobytes * 1024;
+  }
+  return 0;
+}
+
+std::string GetSpaceName(TmEngine::eColorSpaceID pSpace) {
+  for (const sColorSpaceName& name : kColorSpaceNames) {
+    if (name.fColorSpace == pSpace) return name.fName;
+  }
+  return "";
+}
+
+tPictureRecord MakeRecord(const sTonemapJob& pJob, const char* pStatus) {
+  tPictureRecord record;
+  PutName(record, "input", pJob.fInput);
+  PutName(record, "output", pJob.fOutput);
+  record["status"] = pStatus;
+  return record;
+}
+
+tPictureRecord MakeSettings(const sSettings& pSettings) {
+  tPictureRecord settings;
+  for (const sSlider& slider : GetSliders()) settings[slider.fName] = ToNumber(pSettings.*slider.fField);
+  settings["wrap"] = GetWrapName(pSettings.fWrap);
+  return settings;
+}
+
+tPictureRecord MakeMilliseconds(const sPictureReport& pReport) {
+  const TmEngine::sStageSeconds& stages = pReport.fRendering.fSeconds;
+  const auto milliseconds = [](double pSeconds) {
+    return std::round(pSeconds * 1e6) / 1e3;  // to the microsecond
+  };
+  return {{"read", milliseconds(pReport.fReadSeconds)},
+          {"preparation", milliseconds(stages.fPreparation)},
+          {"phase1", milliseconds(stages.fPhase1)},
+          {"phase2", milliseconds(stages.fPhase2)},
+          {"final_rendering", milliseconds(stages.fFinalRendering)},
+          {"write", milliseconds(pReport.fWriteSeconds)}};
+}
+
+/// No more than anybody reads: metadata can be damaged in thousands of ways at once.
+std::vector<std::string> ShortenWarnings(const std::vector<std::string>& pWarnings) {
+  constexpr std::size_t kMost = 100;
+  std::vector<std::string> warnings;
+  for (std::size_t i = 0; i < std::min(kMost, pWarnings.size()); ++i)
+    warnings.push_back(Shorten(pWarnings[i]));
+  if (pWarnings.size() > kMost) {
+    warnings.push_back("and " + std::to_string(pWarnings.size() - kMost) + " more warnings");
+  }
+  return warnings;
+}
+
+tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pReport) {
+  const sRenderingReport& rendering = pReport.fRendering;
+  const sRepairs& repairs = pReport.fRepairs;
+  tPictureRecord record = MakeRecord(pJob, "done");
+  record["width"] = pReport.fWidth;
+  record["height"] = pReport.fHeight;
+  record["format"] = pReport.fFormat;
+  record["depth"] = pReport.fFileDepth;
+  record["color_space"] = Shorten(pReport.fColorSpace);
+  record["result"] = {{"depth", pJob.fResult.fDepth},
+                      {"color_space", GetSpaceName(pJob.fResult.fColorSpace)}};
+  record["settings"] = MakeSettings(pReport.fSettings);
+  record["wrap"] = rendering.fWrap;
+  record["dynamic_range"] = pReport.fDynamicRange;
+  record["black_point"] = rendering.fBlack;
+  record["white_point"] = rendering.fWhite;
+  record["black_share"] = rendering.fBlackShare;
+  record["white_share"] = rendering.fWhiteShare;
+  record["repaired"] = {{"nan", repairs.fNaN},
+                        {"infinite", repairs.fInfinite},
+                        {"outliers", repairs.fOutliers},
+                        {"negative", repairs.fNegative}};
+  record["milliseconds"] = MakeMilliseconds(pReport);
+  record["peak_memory"] = GetPeakMemory();
+  record["warnings"] = ToPrintable(ShortenWarnings(pReport.fWarnings));
+  return record;
+}
+
+}  // namespace
+
+tPictureRecord DoPicture(const sTonemapJob& pJob) {
+  try {
+    if (pJob.fExisting == eExisting::kSkip && HasTarget(pJob)) {
+      cTempFile::RemoveLeftovers(pJob.fOutput);
+      return MakeRecord(pJob, "skipped");
+    }
+    ResetPeakMemory();
+    return MakeDoneRecord(pJob, TonemapPicture(pJob));
+  } catch (const cFailure& failure) {
+    return MakeFailedRecord(pJob, failure.GetExitCode(), failure.what());
+  } catch (const std::exception& exception) {
+    return MakeFailedRecord(pJob, eExitCode_Processing, pJob.fInput + ": " + Shorten(exception.what()));
+  }
+}
+
+tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage) {
+  tPictureRecord record = MakeRecord(pJob, "failed");
+  record["error"] = {{"code", pExitCode}, {"message", ToPrintable(pMessage)}};
+  return record;
+}
+
+}  // namespace Cli

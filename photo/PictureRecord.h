@@ -1,0 +1,27 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+#include "photo/TonemapPicture.h"
+
+namespace Cli {
+
+/// What is told of a picture, as an object for other programs:
+///   input, output (and input_base64, output_base64 of names that are not UTF-8),
+///   status ("done", "skipped", "failed"), and
+///   of a done one  width, height, format, depth, color_space (of the file), result (depth, color_space),
+///                  settings, wrap, dynamic_range (decades), black_point, white_point, black_share,
+///                  white_share (0 to 1), repaired (nan, infinite, outliers, negative),
+///                  milliseconds (a stage each), peak_memory (bytes), warnings
+///   of a failed one  error (code, message).
+using tPictureRecord = nlohmann::ordered_json;
+
+/// Does the job, or leaves it out, and tells of it; nothing is thrown but std::bad_alloc. libvips must be
+/// running.
+tPictureRecord DoPicture(const sTonemapJob& pJob);
+
+tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage);
+
+}  // namespace Cli

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "photo/encode/OutputOptions.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/picture/PictureChoice.h"
+#include "photo/render/PictureRendering.h"
+#include "photo/render/Settings.h"
+
+namespace Cli {
+
+/// What is done where the target exists.
+enum class eExisting { kRefuse, kReplace, kSkip };
+
+/// One picture to tone-map, from file to file; "-" is standard input or output.
+struct sTonemapJob {
+  std::string fInput;
+  std::string fOutput;
+  std::string fStreamFormat = "png";  ///< What goes to standard output, as an ending without its point.
+  eExisting fExisting = eExisting::kRefuse;
+  bool fMakesFolder = false;  ///< Whether the target's folder is made where it is missing.
+  sSettings fSettings;        ///< The ground,
+  bool fAuto = false;         ///< or chosen from the picture instead,
+  sSettingsChange fChange;    ///< and what is laid over it.
+  sPictureChoice fSource;     ///< Its fIgnoresAlpha follows from fResult.
+  sOutputOptions fResult;
+  bool fVerbose = false;
+};
+
+/// What is told of a picture when it is done.
+struct sPictureReport {
+  int fWidth = 0;
+  int fHeight = 0;
+  std::string fFormat;  ///< As in sPicture.
+  std::string fColorSpace;
+  int fFileDepth = 0;
+  sRepairs fRepairs;
+  double fDynamicRange = 0.0;  ///< Decades of luminance, of a sample (see sPictureStatistics).
+  sSettings fSettings;         ///< As used.
+  sRenderingReport fRendering;
+  double fReadSeconds = 0.0;
+  double fWriteSeconds = 0.0;
+  std::vector<std::string> fWarnings;
+};
+
+/// The format that a job's target, or standard output, asks for, checked against its depth. Throws cFailure.
+eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
+
+/// Whether the target stands there already, as a file.
+bool HasTarget(const sTonemapJob& pJob);
+
+/// Reads, renders and writes one picture; the target is set in one step, or stays as it is. libvips must be
+/// running. What stands there is refused unless it is to be replaced: leaving pictures out is the caller's
+/// business. Throws cFailure.
+sPictureReport TonemapPicture(const sTonemapJob& pJob);
+
+}  // namespace Cli

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "photo/light/CodedColors.h"
+
+namespace Cli {
+
+/// An ICC profile of such colours, which must not go beyond white. Empty where none can be made. The same
+/// colours give the same bytes.
+std::string MakeProfile(const sCodedColors& pColors);
+
+}  // namespace Cli

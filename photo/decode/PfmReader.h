@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "photo/picture/Picture.h"
+
+namespace Cli {
+
+/// Opens a portable float map: three samples a pixel ("PF") or one ("Pf"), bottom row first, either byte
+/// order. The samples are taken as they are, whatever scale the header states. Throws cFailure.
+sPicture OpenPfm(const std::string& pFile);
+
+}  // namespace Cli

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "photo/picture/Picture.h"
+#include "photo/picture/PictureChoice.h"
+
+namespace Cli {
+
+/// Opens a picture of any known format, which is told by the file's content, not by its name: OpenEXR,
+/// PFM, Radiance, TIFF, PNG, JPEG, WebP, HEIF, AVIF, JPEG XL. libvips must be running. Rows stay in the
+/// file. pChoice is for files that hold several pictures, and refused for others. Throws cFailure.
+sPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+
+/// The same with all rows read.
+sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+
+}  // namespace Cli

@@ -1,0 +1,35 @@
+#include "photo/decode/StatedColors.h"
+
+#include "photo/decode/PngColors.h"
+#include "photo/decode/VipsSource.h"
+#include "photo/icc/NamedProfile.h"
+
+namespace Cli {
+namespace {
+
+/// Cameras state Adobe RGB (1998) by a name in EXIF alone.
+bool IsAdobeRGB(const cMetadata& pMetadata) {
+  return pMetadata.GetExif("Exif.Iop.InteroperabilityIndex") == "R03" &&
+         pMetadata.GetExif("Exif.Photo.ColorSpace") != "1";
+}
+
+}  // namespace
+
+sStatedColors FindStatedColors(const std::string& pFile, const vips::VImage& pImage,
+                               const cMetadata& pMetadata, std::vector<std::string>& pWarnings) {
+  const std::string format = GetFormatName(pImage);
+  sStatedColors colors;
+  colors.fProfile = GetEmbeddedProfile(pImage);
+  if (format == "PNG") {
+    colors.fCoded = ReadPngColors(pFile, !colors.fProfile.empty(), pWarnings);
+    if (colors.fCoded) colors.fProfile.clear();
+  } else if (format == "HEIF" || format == "AVIF") {
+    if (colors.fProfile.empty()) colors.fCoded = ReadHeifColors(pFile, pWarnings);
+  } else if (format == "JPEG" && colors.fProfile.empty() && pImage.bands() == 3 && IsAdobeRGB(pMetadata)) {
+    colors.fProfile = GetIccProfile(TmEngine::eColorSpaceID_AdobeRGB98);
+    colors.fOrigin = "EXIF";
+  }
+  return colors;
+}
+
+}  // namespace Cli

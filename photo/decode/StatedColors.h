@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+#include <vips/vips8>
+
+#include "photo/light/CodedColors.h"
+#include "photo/metadata/Metadata.h"
+
+namespace Cli {
+
+/// What a file states of the colours of its samples. Neither profile nor numbers: nothing.
+struct sStatedColors {
+  std::string fProfile;                ///< ICC.
+  const char* fOrigin = "ICC";         ///< Where the profile is from: "EXIF" names one without bringing it.
+  std::optional<sCodedColors> fCoded;  ///< Of integers, where there is no profile that is of use.
+};
+
+/// pImage was opened from pFile, and has these metadata.
+sStatedColors FindStatedColors(const std::string& pFile, const vips::VImage& pImage,
+                               const cMetadata& pMetadata, std::vector<std::string>& pWarnings);
+
+}  // namespace Cli

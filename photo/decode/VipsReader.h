@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "photo/picture/Picture.h"
+#include "photo/picture/PictureChoice.h"
+
+namespace Cli {
+
+/// Opens Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF and JPEG XL pictures; libvips knows them by their
+/// content. Samples are decoded as the file states: through an ICC profile, or by numbers (PNG, HEIF, AVIF);
+/// where it states nothing, integers are sRGB, and floats are linear light. Orientation is applied. The rows
+/// are left in the file. Throws cFailure.
+sPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice = {});
+/// The same with all rows read.
+sPicture ReadWithVips(const std::string& pFile, const sPictureChoice& pChoice = {});
+
+}  // namespace Cli

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <OpenEXR/ImfHeader.h>
+
+#include "photo/metadata/Metadata.h"
+
+namespace Cli {
+
+/// What the standard attributes of a header tell of the photograph, as the fields of EXIF that mean the same:
+/// owner (as Copyright), comments, capDate with utcOffset, expTime, aperture, isoSpeed, focus,
+/// nominalFocalLength, make, model and serial number of camera and lens, latitude, longitude and altitude;
+/// xDensity as resolution. What cannot be true (a date in another form, a negative time) is left out.
+cMetadata ReadExrMetadata(const Imf::Header& pHeader);
+
+}  // namespace Cli

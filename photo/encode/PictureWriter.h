@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "photo/encode/OutputFormat.h"
+#include "photo/io/TempFile.h"
+#include "photo/metadata/Metadata.h"
+#include "photo/picture/ResultPixels.h"
+
+namespace Cli {
+
+/// A finished picture and all that its file says of it.
+struct sFinishedPicture {
+  cResultPixels fPixels;
+  std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fProfile;               ///< ICC, of the samples.
+  cMetadata fMetadata;
+  bool fIsPremultiplied = false;  ///< The samples are what is seen over black, and may be above alpha.
+};
+
+/// Throws cFailure when the result would replace the input.
+void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
+
+/// Writes the picture with its profile, and with its alpha and metadata as far as the format has a place for
+/// them, to pFile and lets it take its target's place. Returns what had to be left out, in words. The same
+/// picture gives the same bytes. libvips must be running. Throws cFailure.
+std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
+                                      const sFileOptions& pOptions, cTempFile& pFile);
+
+}  // namespace Cli

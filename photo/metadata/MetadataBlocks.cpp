@@ -1,0 +1,410 @@
+#include "photo/metadata/MetadataBlocks.h"
+
+#include <zlib.h>
+#include <algorithm>
+#include <exception>
+#include <exiv2/exiv2.hpp>
+#include <exiv2/webpimage.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string_view>
+
+#include "photo/io/BigEndian.h"
+#include "photo/metadata/FileHead.h"
+#include "photo/metadata/PanoramaSizes.h"
+
+namespace Cli {
+
+struct sMetadataBlocks {
+  Exiv2::ExifData fExif;
+  Exiv2::IptcData fIptc;
+  Exiv2::XmpData fXmp;
+};
+
+namespace {
+
+using vips::VImage;
+
+constexpr std::string_view kExifStart("Exif\0\0", 6);
+
+#ifdef EXV_ENABLE_BMFF
+constexpr int kBmff = Exiv2::ImageType::bmff;  // HEIF, AVIF
+void EnableBmff() {
+  Exiv2::enableBMFF(true);
+}
+#else
+constexpr int kBmff = -1;
+void EnableBmff() {}
+#endif
+
+/// What was wrong first since the last call of TakeFault().
+std::string gFault;
+
+void NoteFault(int, const char* pText) {
+  if (gFault.empty()) gFault = pText;
+}
+
+std::string TakeFault() {
+  std::string fault;
+  fault.swap(gFault);
+  return fault.substr(0, fault.find('\n'));
+}
+
+/// The toolkit for XMP starts once a process; nothing is written to standard error.
+void StartExiv2() {
+  static const bool kStarted = [] {
+    Exiv2::LogMsg::setLevel(Exiv2::LogMsg::error);
+    Exiv2::LogMsg::setHandler(NoteFault);
+    EnableBmff();
+    Exiv2::XmpParser::initialize();
+    Exiv2::XmpProperties::registerNs("urn:quorvane:xmp#", "quorvane");
+    return true;
+  }();
+  static_cast<void>(kStarted);
+}
+
+/// What pWork throws, or Exiv2 reports meanwhile; empty when all went well.
+template <class tWork>
+std::string FaultOf(const tWork& pWork) {
+  TakeFault();
+  try {
+    pWork();
+    return TakeFault();
+  } catch (const std::exception& error) {
+    TakeFault();
+    const std::string text = error.what();
+    return text.empty() ? "no reason given" : text;
+  }
+}
+
+void Warn(const std::string& pWhat, const std::string& pFault, std::vector<std::string>& pWarnings) {
+  if (!pFault.empty()) pWarnings.push_back(pWhat + " (" + pFault + ")");
+}
+
+bool IsReadType(int pType) {
+  using namespace Exiv2::ImageType;
+  return pType == jpeg || pType == png || pType == tiff || pType == webp || pType == kBmff;
+}
+
+const Exiv2::byte* BytesOf(std::string_view pText) {
+  return reinterpret_cast<const Exiv2::byte*>(pText.data());
+}
+
+std::string_view GetField(const VImage& pImage, const char* pName) {
+  const void* data = nullptr;
+  std::size_t size = 0;
+  if (pImage.get_typeof(pName) == 0 || vips_image_get_blob(pImage.get_image(), pName, &data, &size) != 0) {
+    return {};
+  }
+  return {static_cast<const char*>(data), size};
+}
+
+/// pPath: absolute, since other names could be taken for addresses.
+void ReadFromFile(const std::string& pPath, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
+  const auto image = Exiv2::ImageFactory::open(pPath, false);
+  Warn("its metadata are damaged; what could be read is kept", FaultOf([&] { image->readMetadata(); }),
+       pWarnings);
+  pBlocks = {image->exifData(), image->iptcData(), image->xmpData()};
+}
+
+void ReadFromVips(const VImage& pImage, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
+  std::string_view exif = GetField(pImage, VIPS_META_EXIF_NAME);
+  if (exif.starts_with(kExifStart)) exif.remove_prefix(kExifStart.size());
+  const auto decode = [&] {
+    Exiv2::ExifParser::decode(pBlocks.fExif, BytesOf(exif), static_cast<std::uint32_t>(exif.size()));
+  };
+  if (!exif.empty()) Warn("its EXIF is damaged; what could be read is kept", FaultOf(decode), pWarnings);
+  const std::string xmp(GetField(pImage, VIPS_META_XMP_NAME));
+  const auto parse = [&] { Exiv2::XmpParser::decode(pBlocks.fXmp, xmp); };
+  if (!xmp.empty()) Warn("its XMP is damaged; what could be read is kept", FaultOf(parse), pWarnings);
+}
+
+/// Of the first image's tags: how its samples lie in the file that it comes from, and blocks of their own.
+bool IsStorageTag(std::uint16_t pTag) {
+  constexpr std::uint16_t kTags[] = {
+      0x0fe, 0x0ff, 0x100, 0x101, 0x102, 0x103, 0x106, 0x107,  0x108,  0x109,  0x10a, 0x111, 0x115,
+      0x116, 0x117, 0x118, 0x119, 0x11c, 0x122, 0x123, 0x124,  0x125,  0x12d,  0x13d, 0x13e, 0x13f,
+      0x140, 0x141, 0x142, 0x143, 0x144, 0x145, 0x14a, 0x14c,  0x14d,  0x14e,  0x150, 0x152, 0x153,
+      0x154, 0x155, 0x15b, 0x211, 0x212, 0x214, 0x2bc, 0x83bb, 0x8649, 0x8773, 0x935c};
+  const bool isOldJpeg = pTag >= 0x200 && pTag <= 0x209;
+  const bool isRaw = (pTag >= 0x828d && pTag <= 0x828f) || (pTag >= 0xc612 && pTag <= 0xcd50);
+  return isOldJpeg || isRaw || std::find(std::begin(kTags), std::end(kTags), pTag) != std::end(kTags);
+}
+
+/// What speaks of the file that it comes from, and of images in it that the result has not.
+bool IsOfInput(const Exiv2::Exifdatum& pDatum) {
+  const std::string group = pDatum.groupName();
+  if (group == "Image") return IsStorageTag(pDatum.tag());
+  return group == "Thumbnail" || group == "MpfInfo" || group.starts_with("SubImage") ||
+         group.starts_with("SubThumb") || group.starts_with("Image");
+}
+
+/// The same of XMP, and of what the result has no part in: a second picture for brighter screens, a film; and
+/// of how a raw file was developed, which programs would do to the result again.
+bool IsOfInput(const Exiv2::Xmpdatum& pDatum) {
+  constexpr std::string_view kStarts[] = {"hdrgm.",
+                                          "Container.",
+                                          "GCamera.Motion",
+                                          "GCamera.MicroVideo",
+                                          "quorvane.",
+                                          "crs.",
+                                          "tiff.BitsPerSample",
+                                          "tiff.Compression",
+                                          "tiff.PhotometricInterpretation",
+                                          "tiff.PlanarConfiguration",
+                                          "tiff.SamplesPerPixel",
+                                          "tiff.YCbCr",
+                                          "xmp.Thumbnails",
+                                          "xmpNote.HasExtendedXMP"};
+  const std::string name = pDatum.groupName() + "." + pDatum.tagName();
+  return std::any_of(std::begin(kStarts), std::end(kStarts),
+                     [&](std::string_view pStart) { return name.starts_with(pStart); });
+}
+
+template <class tData>
+void DropWhatIsOfInput(tData& pData) {
+  for (auto datum = pData.begin(); datum != pData.end();) {
+    datum = IsOfInput(*datum) ? pData.erase(datum) : std::next(datum);
+  }
+}
+
+template <class tKey, class tData>
+bool Has(const tData& pData, const char* pKey) {
+  return pData.findKey(tKey(pKey)) != pData.end();
+}
+
+template <class tKey, class tValue, class tData>
+void SetWhereThere(tData& pData, const char* pKey, int pValue) {
+  if (Has<tKey>(pData, pKey)) pData[pKey] = static_cast<tValue>(pValue);
+}
+
+/// It goes with what EXIF says of the exposure. Adobe RGB (1998) has no other name in EXIF.
+void SetInteropIndex(Exiv2::ExifData& pExif, const std::string& pIndex) {
+  const Exiv2::ExifKey key("Exif.Iop.InteroperabilityIndex");
+  const auto index = pExif.findKey(key);
+  const bool isThere = index != pExif.end();
+  if (pIndex.empty()) {
+    if (isThere) pExif.erase(index);
+    return;
+  }
+  const bool hasPhoto = std::any_of(pExif.begin(), pExif.end(), [](const Exiv2::Exifdatum& pDatum) {
+    return pDatum.groupName() == "Photo";
+  });
+  if (isThere || hasPhoto) pExif[key.key()] = pIndex;
+}
+
+void CorrectExif(Exiv2::ExifData& pExif, const sCorrections& pCorrections) {
+  using Exiv2::ExifKey;
+  const sPictureFacts& facts = pCorrections.fFacts;
+  DropWhatIsOfInput(pExif);
+  SetWhereThere<ExifKey, std::uint16_t>(pExif, "Exif.Image.Orientation", 1);
+  SetWhereThere<ExifKey, std::uint32_t>(pExif, "Exif.Photo.PixelXDimension", facts.fWidth);
+  SetWhereThere<ExifKey, std::uint32_t>(pExif, "Exif.Photo.PixelYDimension", facts.fHeight);
+  if (facts.fExifColorSpace != 0) {
+    SetWhereThere<ExifKey, std::uint16_t>(pExif, "Exif.Photo.ColorSpace", facts.fExifColorSpace);
+  }
+  SetInteropIndex(pExif, facts.fInteropIndex);
+  const std::string& thumbnail = pCorrections.fThumbnail;
+  if (thumbnail.empty()) return;
+  constexpr std::uint16_t kInch = 2;
+  Exiv2::ExifThumb(pExif).setJpegThumbnail(BytesOf(thumbnail), static_cast<long>(thumbnail.size()), {72, 1},
+                                           {72, 1}, kInch);
+}
+
+void FollowPanorama(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
+  const std::string start = "Xmp.GPano.";
+  const auto get = [&](const std::string& pName) -> std::optional<long> {
+    const auto datum = pXmp.findKey(Exiv2::XmpKey(start + pName));
+    if (datum == pXmp.end() || datum->count() == 0) return std::nullopt;
+    const long number = datum->toLong();
+    return datum->value().ok() ? std::optional(number) : std::nullopt;
+  };
+  for (const auto& [name, number] : FollowSize(get, pFacts.fWidth, pFacts.fHeight)) {
+    pXmp[start + name] = std::to_string(number);
+  }
+}
+
+void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
+  DropWhatIsOfInput(pXmp);
+  const struct {
+    const char* fKey;
+    int fValue;
+  } values[] = {{"Xmp.tiff.Orientation", 1},
+                {"Xmp.tiff.ImageWidth", pFacts.fWidth},
+                {"Xmp.tiff.ImageLength", pFacts.fHeight},
+                {"Xmp.exif.PixelXDimension", pFacts.fWidth},
+                {"Xmp.exif.PixelYDimension", pFacts.fHeight},
+                {"Xmp.exif.ColorSpace", pFacts.fExifColorSpace}};
+  for (const auto& row : values) {
+    if (row.fValue != 0 && Has<Exiv2::XmpKey>(pXmp, row.fKey)) pXmp[row.fKey] = std::to_string(row.fValue);
+  }
+  FollowPanorama(pXmp, pFacts);
+}
+
+/// A PNG with EXIF in its own chunk, behind the header; Exiv2 would hide it in a text that few look into.
+std::string WithExifChunk(std::string pPng, const Exiv2::ExifData& pExif) {
+  constexpr std::size_t kHeaderEnd = 33;
+  Exiv2::Blob blob;
+  Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, pExif);
+  std::string body = "eXIf";
+  body.append(blob.begin(), blob.end());
+  std::string chunk;
+  AppendBigEndian(chunk, static_cast<std::uint32_t>(blob.size()), 4);
+  chunk += body;
+  AppendBigEndian(chunk, crc32(0, BytesOf(body), static_cast<uInt>(body.size())), 4);
+  return pPng.insert(kHeaderEnd, chunk);
+}
+
+/// Of what libvips makes up for a JPEG.
+void KeepResolutionAlone(Exiv2::ExifData& pExif) {
+  const auto isOther = [](const Exiv2::Exifdatum& pDatum) {
+    const std::string key = pDatum.key();
+    return key != "Exif.Image.XResolution" && key != "Exif.Image.YResolution" &&
+           key != "Exif.Image.ResolutionUnit";
+  };
+  for (auto datum = pExif.begin(); datum != pExif.end();) {
+    datum = isOther(*datum) ? pExif.erase(datum) : std::next(datum);
+  }
+}
+
+bool IsJpeg(const std::string& pPath) {
+  return std::ifstream(pPath, std::ios::binary).get() == 0xff;
+}
+
+/// The new head for a file's. Throws what Exiv2 throws.
+std::string PutIn(const sFileHead& pHead, const sMetadataBlocks& pBlocks) {
+  const std::string& head = pHead.fFile;
+  auto image = Exiv2::ImageFactory::open(BytesOf(head), static_cast<long>(head.size()));
+  image->readMetadata();
+  const bool isTiff = image->imageType() == Exiv2::ImageType::tiff;
+  Exiv2::ExifData& exif = image->exifData();
+  const bool isPng = image->imageType() == Exiv2::ImageType::png;
+  if (!isTiff) KeepResolutionAlone(exif);
+  for (const Exiv2::Exifdatum& datum : pBlocks.fExif) {
+    // a chunk follows; a thumbnail would be a second page
+    if (isPng || (isTiff && datum.groupName() == "Thumbnail")) continue;
+    if (exif.findKey(Exiv2::ExifKey(datum.key())) == exif.end()) exif.add(datum);
+  }
+  image->setIptcData(pBlocks.fIptc);
+  image->setXmpData(pBlocks.fXmp);
+  image->writeMetadata();
+  Exiv2::BasicIo& io = image->io();
+  io.open();
+  std::string file(reinterpret_cast<const char*>(io.mmap()), io.size());
+  return isPng && !pBlocks.fExif.empty() ? WithExifChunk(std::move(file), pBlocks.fExif) : file;
+}
+
+/// Tries each kind alone, and clears those that cannot be written into the head.
+void DropFaulty(const sFileHead& pHead, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
+  const auto isFaulty = [&](const char* pName, const sMetadataBlocks& pPart) {
+    const std::string fault = FaultOf([&] { PutIn(pHead, pPart); });
+    Warn(std::string("its ") + pName + " is left out", fault, pWarnings);
+    return !fault.empty();
+  };
+  if (isFaulty("EXIF", {pBlocks.fExif, {}, {}})) pBlocks.fExif.clear();
+  if (isFaulty("IPTC", {{}, pBlocks.fIptc, {}})) pBlocks.fIptc.clear();
+  if (isFaulty("XMP", {{}, {}, pBlocks.fXmp})) pBlocks.fXmp.clear();
+}
+
+}  // namespace
+
+bool HasExiv2() {
+  return true;
+}
+
+std::string GetExiv2Version() {
+  return Exiv2::versionString();
+}
+
+std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, const VImage& pImage,
+                                                  std::vector<std::string>& pWarnings) {
+  StartExiv2();
+  auto blocks = std::make_shared<sMetadataBlocks>();
+  const auto read = [&] {
+    const std::string path = std::filesystem::absolute(pFile).string();
+    const bool isJxl = pImage.get_string(VIPS_META_LOADER) == std::string("jxlload_source");
+    if (!isJxl && IsReadType(Exiv2::ImageFactory::getType(path))) {
+      ReadFromFile(path, *blocks, pWarnings);
+    } else {
+      ReadFromVips(pImage, *blocks, pWarnings);
+    }
+  };
+  Warn("its metadata cannot be read", FaultOf(read), pWarnings);
+  return blocks;
+}
+
+std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>& pExif, VImage&,
+                                                  std::vector<std::string>& pWarnings) {
+  auto blocks = std::make_shared<sMetadataBlocks>();
+  for (const sExifField& field : pExif) {
+    const auto set = [&] { blocks->fExif[field.fKey] = field.fText; };
+    Warn(field.fKey + " is left out", FaultOf(set), pWarnings);
+  }
+  return blocks;
+}
+
+std::string GetExifText(const sMetadataBlocks* pBlocks, const VImage&, const std::string& pKey) {
+  if (pBlocks == nullptr) return "";
+  const Exiv2::ExifData& exif = pBlocks->fExif;
+  const auto field = std::find_if(exif.begin(), exif.end(),
+                                  [&](const Exiv2::Exifdatum& pDatum) { return pDatum.key() == pKey; });
+  return field == exif.end() ? "" : field->toString();
+}
+
+bool HasThumbnail(const sMetadataBlocks* pBlocks) {
+  return pBlocks != nullptr && Has<Exiv2::ExifKey>(pBlocks->fExif, "Exif.Thumbnail.JPEGInterchangeFormat");
+}
+
+std::shared_ptr<sMetadataBlocks> CorrectBlocks(const sMetadataBlocks* pBlocks,
+                                               const sCorrections& pCorrections) {
+  StartExiv2();
+  auto blocks =
+      pBlocks == nullptr ? std::make_shared<sMetadataBlocks>() : std::make_shared<sMetadataBlocks>(*pBlocks);
+  if (!pCorrections.fKinds.fExif) blocks->fExif.clear();
+  if (!pCorrections.fKinds.fIptc) blocks->fIptc.clear();
+  if (!pCorrections.fKinds.fXmp) blocks->fXmp.clear();
+  if (!blocks->fExif.empty()) CorrectExif(blocks->fExif, pCorrections);
+  CorrectXmp(blocks->fXmp, pCorrections.fFacts);
+  if (!pCorrections.fSettings.empty() && pCorrections.fKinds.fXmp) {
+    blocks->fXmp["Xmp.quorvane.Settings"] = pCorrections.fSettings;
+  }
+  return blocks;
+}
+
+void HandToVips(const sMetadataBlocks& pBlocks, const VImage& pTo, std::vector<std::string>& pWarnings) {
+  const auto encodeExif = [&] {
+    Exiv2::Blob blob;
+    Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, pBlocks.fExif);
+    std::string data(kExifStart);
+    data.append(blob.begin(), blob.end());
+    vips_image_set_blob_copy(pTo.get_image(), VIPS_META_EXIF_NAME, data.data(), data.size());
+  };
+  const auto encodeXmp = [&] {
+    std::string data;
+    Exiv2::XmpParser::encode(data, pBlocks.fXmp);
+    vips_image_set_blob_copy(pTo.get_image(), VIPS_META_XMP_NAME, data.data(), data.size());
+  };
+  if (!pBlocks.fExif.empty()) Warn("its EXIF is left out", FaultOf(encodeExif), pWarnings);
+  if (!pBlocks.fXmp.empty()) Warn("its XMP is left out", FaultOf(encodeXmp), pWarnings);
+}
+
+void WriteBlocks(const std::string& pPath, const sMetadataBlocks& pBlocks,
+                 std::vector<std::string>& pWarnings) {
+  const bool isEmpty = pBlocks.fExif.empty() && pBlocks.fIptc.empty() && pBlocks.fXmp.empty();
+  if (isEmpty && !IsJpeg(pPath)) return;
+  const sFileHead head = ReadFileHead(pPath);
+  sMetadataBlocks sound = pBlocks;
+  std::string completed;
+  const auto put = [&] { completed = PutIn(head, sound); };
+  if (!FaultOf(put).empty()) {
+    DropFaulty(head, sound, pWarnings);
+    completed.clear();
+    const std::string fault = FaultOf(put);
+    if (completed.empty()) return Warn("its metadata are left out", fault, pWarnings);
+  }
+  ReplaceFileHead(pPath, head, completed);
+}
+
+}  // namespace Cli

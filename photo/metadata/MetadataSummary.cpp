@@ -1,0 +1,126 @@
+#include "photo/metadata/MetadataSummary.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <initializer_list>
+#include <sstream>
+
+#include "photo/base/Printf.h"
+
+namespace Cli {
+namespace {
+
+/// The first of these fields that is set, on one line and without the blanks that cameras fill it up with.
+std::string GetText(const cMetadata& pMetadata, std::initializer_list<const char*> pKeys) {
+  for (const char* key : pKeys) {
+    std::string text = pMetadata.GetExif(key);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char pC) { return pC < ' '; }, ' ');
+    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
+    text.erase(text.find_last_not_of(' ') + 1);
+    if (!text.empty()) return text;
+  }
+  return "";
+}
+
+/// The numbers of a field, fractions as well; 0 for those that are not there.
+struct sNumbers {
+  double fFirst = 0.0;
+  double fSecond = 0.0;
+  double fThird = 0.0;
+};
+
+sNumbers GetNumbers(const cMetadata& pMetadata, const char* pKey) {
+  sNumbers numbers;
+  std::istringstream words(pMetadata.GetExif(pKey));
+  for (double* const to : {&numbers.fFirst, &numbers.fSecond, &numbers.fThird}) {
+    std::string word;
+    words >> word;
+    double over = 0.0;
+    double under = 1.0;
+    if (std::sscanf(word.c_str(), "%lf/%lf", &over, &under) >= 1 && under != 0.0) *to = over / under;
+  }
+  return numbers;
+}
+
+double GetNumber(const cMetadata& pMetadata, const char* pKey) {
+  return GetNumbers(pMetadata, pKey).fFirst;
+}
+
+void Append(std::string& pTo, const std::string& pText, const char* pBetween) {
+  if (!pText.empty()) pTo += (pTo.empty() ? "" : pBetween) + pText;
+}
+
+std::string DescribeCamera(const cMetadata& pMetadata) {
+  std::string text = GetText(pMetadata, {"Exif.Image.Make"});
+  const std::string model = GetText(pMetadata, {"Exif.Image.Model"});
+  if (model.starts_with(text)) text.clear();
+  Append(text, model, " ");
+  return text;
+}
+
+std::string DescribeTime(double pSeconds) {
+  if (pSeconds <= 0.0) return "";
+  return pSeconds < 0.4 ? Printf("1/%.0f s", 1.0 / pSeconds) : Printf("%g s", pSeconds);
+}
+
+std::string DescribeExposure(const cMetadata& pMetadata) {
+  std::string text = DescribeTime(GetNumber(pMetadata, "Exif.Photo.ExposureTime"));
+  if (const double stop = GetNumber(pMetadata, "Exif.Photo.FNumber"); stop > 0.0)
+    Append(text, Printf("f/%.3g", stop), ", ");
+  if (const double speed = GetNumber(pMetadata, "Exif.Photo.ISOSpeedRatings"); speed > 0.0) {
+    Append(text, Printf("ISO %.0f", speed), ", ");
+  }
+  if (const double length = GetNumber(pMetadata, "Exif.Photo.FocalLength"); length > 0.0) {
+    Append(text, Printf("%.3g mm", length), ", ");
+  }
+  return text;
+}
+
+std::string DescribeDistance(const cMetadata& pMetadata) {
+  constexpr double kInfinite = 4294967295.0;  // a numerator with all bits set
+  const double metres = GetNumber(pMetadata, "Exif.Photo.SubjectDistance");
+  if (metres >= kInfinite) return "infinite";
+  return metres > 0.0 ? Printf("%.3g m", metres) : "";
+}
+
+std::string DescribeDate(const cMetadata& pMetadata) {
+  std::string text = GetText(pMetadata, {"Exif.Photo.DateTimeOriginal"});
+  if (text.empty()) return GetText(pMetadata, {"Exif.Photo.DateTimeDigitized", "Exif.Image.DateTime"});
+  Append(text, GetText(pMetadata, {"Exif.Photo.OffsetTimeOriginal"}), " ");
+  return text;
+}
+
+/// "27.71700 N"; empty where latitude or longitude is not told.
+std::string DescribeAngle(const cMetadata& pMetadata, const std::string& pName) {
+  const std::string key = "Exif.GPSInfo." + pName;
+  if (pMetadata.GetExif(key).empty()) return "";
+  const sNumbers angle = GetNumbers(pMetadata, key.c_str());
+  std::string text = Printf("%.5f", angle.fFirst + angle.fSecond / 60.0 + angle.fThird / 3600.0);
+  Append(text, GetText(pMetadata, {(key + "Ref").c_str()}), " ");
+  return text;
+}
+
+std::string DescribePosition(const cMetadata& pMetadata) {
+  std::string text = DescribeAngle(pMetadata, "GPSLatitude");
+  Append(text, DescribeAngle(pMetadata, "GPSLongitude"), ", ");
+  if (text.empty() || pMetadata.GetExif("Exif.GPSInfo.GPSAltitude").empty()) return text;
+  const double metres = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitude");
+  const bool isBelow = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitudeRef") == 1.0;
+  return text + Printf(", %.0f m", isBelow ? -metres : metres);
+}
+
+}  // namespace
+
+sMetadataSummary SummariseMetadata(const cMetadata& pMetadata) {
+  return {DescribeCamera(pMetadata),
+          GetText(pMetadata, {"Exif.Photo.LensModel"}),
+          DescribeExposure(pMetadata),
+          DescribeDistance(pMetadata),
+          DescribeDate(pMetadata),
+          GetText(pMetadata, {"Exif.Image.ImageDescription"}),
+          GetText(pMetadata, {"Exif.Image.Copyright"}),
+          DescribePosition(pMetadata)};
+}
+
+}  // namespace Cli

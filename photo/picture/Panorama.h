@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include "engine/image/ImageRows.h"
+#include "photo/picture/Picture.h"
+#include "photo/render/Settings.h"
+
+namespace Cli {
+
+/// Whether a picture's XMP says that it is a whole panorama of 360 degrees: GPano's projection is
+/// equirectangular, and no part of its width was cropped away.
+bool StatesPanorama(const std::string& pXmp);
+
+/// Whether left and right edges of a picture look as if they met: it is twice as wide as high, within a per
+/// cent, and its last and first column differ hardly more than neighbours inside do: the median over the rows
+/// of |difference of the logarithms of luminance| is at most 1.25 times what it is for the median pair of
+/// neighbours. In pictures wider than 1024 pixels, as many columns as make a 1024th of the width count as
+/// one.
+bool EdgesMeet(const sPicture& pPicture);
+
+/// Whether a picture of this size can be a panorama by its edges.
+bool HasPanoramaShape(int pWidth, int pHeight);
+
+/// What pWrap means for this picture: "auto" goes by its metadata, or else by its edges.
+bool ChooseWrap(eWrap pWrap, const sPicture& pPicture);
+
+/// The column at which the work on a panorama begins. The engine's grid of cells starts at the first column,
+/// so where that lies is seen in the result. To make that the same place of the scene however the panorama is
+/// rolled, it is found by the picture itself: there the sequence of the columns' luminances, read around, is
+/// the least one in the order of a dictionary.
+int FindStartColumn(const sPicture& pPicture);
+
+/// A panorama as it looks rolled to the left, so that column pStart comes first. The image stays the
+/// caller's.
+class cRolledSource : public TmEngine::cRowSource {
+ public:
+  cRolledSource(const TmEngine::cBitmapXYZ32& pImage, int pStart)
+      : cRowSource(pImage.GetWidth(), pImage.GetHeight()), fImage(pImage), fStart(pStart) {}
+
+  void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override;
+
+ private:
+  TmEngine::cImageSource fImage;
+  int fStart;
+};
+
+}  // namespace Cli

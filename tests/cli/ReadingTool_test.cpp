@@ -1,0 +1,671 @@
+#include <OpenEXR/ImfRgbaFile.h>
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "photo/TonemapPicture.h"
+#include "photo/base/Failure.h"
+#include "photo/decode/PictureReader.h"
+#include "photo/picture/Alpha.h"
+#include "photo/picture/Panorama.h"
+#include "tests/Numbers.h"
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// How files become what the engine takes, and panoramas through the built tool.
+
+namespace {
+
+using Cli::ReadPicture;
+using Cli::sPicture;
+
+class ReadingTool : public cToolTest {
+ protected:
+  static void SetUpTestSuite() {
+    setenv("VIPS_WARNING", "0", 1);  // libvips is silent, as in the tool
+    cToolTest::SetUpTestSuite();
+  }
+};
+
+std::vector<float> SamplesOf(const sPicture& pPicture) {
+  std::vector<float> samples;
+  for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
+    const float* const row = Cli::GetRow(pPicture, y);
+    samples.insert(samples.end(), row, row + 3 * pPicture.fBitmap->GetWidth());
+  }
+  return samples;
+}
+
+/// The mean difference of two pictures' light, as a part of the first one's mean.
+double Compare(const sPicture& pA, const sPicture& pB) {
+  const std::vector<float> a = SamplesOf(pA);
+  const std::vector<float> b = SamplesOf(pB);
+  if (a.size() != b.size()) return 1e9;
+  double difference = 0.0;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    difference += std::fabs(static_cast<double>(a[i]) - static_cast<double>(b[i]));
+    sum += static_cast<double>(a[i]);
+  }
+  return difference / sum;
+}
+
+template <class tSample>
+VImage ToVips(const std::vector<tSample>& pSamples, int pWidth, int pBands, VipsBandFormat pFormat) {
+  const int height = static_cast<int>(pSamples.size()) / pWidth / pBands;
+  return VImage::new_from_memory(const_cast<tSample*>(pSamples.data()), pSamples.size() * sizeof(tSample),
+                                 pWidth, height, pBands, pFormat)
+      .copy_memory();
+}
+
+VImage ToVipsFloat(const sTestPicture& pPicture) {
+  return ToVips(pPicture.fSamples, pPicture.fWidth, 3, VIPS_FORMAT_FLOAT)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB));
+}
+
+TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
+  const sTestPicture scene = MakeScene(48, 32, 2.0f);
+  const VImage of8 = ToVips8(scene);
+  const VImage of16 = ToVips16(scene);
+  const VImage ofFloats = ToVipsFloat(scene);
+  WritePfm("a.pfm", scene);
+  WriteRadiance("a.hdr", scene);
+  WriteExr("a.exr", scene);
+  WriteExrParts("parts.exr", scene, false);
+  WriteExrParts("tiles.exr", scene, true);
+  ofFloats.tiffsave("float.tif");
+  ofFloats.jxlsave("float.jxl", VImage::option()->set("lossless", true));
+  of16.jxlsave("16.jxl", VImage::option()->set("lossless", true));
+  of8.jxlsave("8.jxl", VImage::option()->set("lossless", true));
+  of8.webpsave("8.webp", VImage::option()->set("lossless", true));
+  const auto heif = [](VipsForeignHeifCompression pCodec, int pBits) {
+    return VImage::option()->set("compression", pCodec)->set("bitdepth", pBits)->set("Q", 98);
+  };
+  of8.heifsave("8.avif", heif(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
+  of16.heifsave("12.avif", heif(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 12));
+  of16.heifsave("10.heic", heif(VIPS_FOREIGN_HEIF_COMPRESSION_HEVC, 10));
+  const char* const linear = "linear light, sRGB primaries";
+  const struct {
+    const char* fFile;
+    const char* fFormat;
+    int fDepth;
+    const char* fColorSpace;
+    double fTolerance;
+  } cases[] = {{"a.hdr", "Radiance", 32, linear, 0.01},
+               {"a.exr", "OpenEXR", 32, linear, 0.0},
+               {"parts.exr", "OpenEXR", 16, linear, 1e-3},
+               {"tiles.exr", "OpenEXR", 16, linear, 1e-3},
+               {"float.tif", "TIFF", 32, linear, 0.0},
+               {"float.jxl", "JPEG XL", 32, "RGB_D65_SRG_Rel_Lin (ICC)", 1e-4},
+               {"16.jxl", "JPEG XL", 16, "RGB_D65_SRG_Rel_SRG (ICC)", 1e-3},
+               {"8.jxl", "JPEG XL", 8, "RGB_D65_SRG_Rel_SRG (ICC)", 0.02},
+               {"8.webp", "WebP", 8, "sRGB", 0.02},
+               {"8.avif", "AVIF", 8, "sRGB", 0.1},  // colours at half the resolution
+               {"12.avif", "AVIF", 12, "sRGB", 0.1},
+               {"10.heic", "HEIF", 10, "sRGB", 0.1}};
+  const sPicture expected = ReadPicture("a.pfm");
+  EXPECT_EQ(expected.fFormat, "PFM");
+  for (const auto& row : cases) {
+    const sPicture picture = ReadPicture(row.fFile);
+    EXPECT_EQ(picture.fFormat, row.fFormat) << row.fFile;
+    EXPECT_EQ(picture.fFileDepth, row.fDepth) << row.fFile;
+    EXPECT_EQ(picture.fColorSpace, row.fColorSpace) << row.fFile;
+    EXPECT_LE(Compare(expected, picture), row.fTolerance) << row.fFile;
+    const bool hasParts = picture.fParts.size() > 1;  // which are left out
+    EXPECT_EQ(picture.fWarnings.size(), hasParts ? 1u : 0u) << row.fFile << picture.fWarnings.front();
+  }
+}
+
+/// The file with other bytes at pAt behind pName.
+void Patch(const std::string& pFrom, const std::string& pTo, const std::string& pName, std::size_t pAt,
+           const std::string& pBytes) {
+  std::string file = ReadText(pFrom);
+  file.replace(file.find(pName) + pName.size() + pAt, pBytes.size(), pBytes);
+  std::ofstream(pTo, std::ios::binary) << file;
+}
+
+TEST_F(ReadingTool, DecodesPQAndHLG) {
+  const VImage grey = (VImage::black(32, 32, VImage::option()->set("bands", 3)) + 0.5806 * 65535.0)
+                          .cast(VIPS_FORMAT_USHORT)
+                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
+  grey.heifsave("a.avif", VImage::option()
+                              ->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1)
+                              ->set("bitdepth", 12)
+                              ->set("Q", 100));
+  const struct {
+    std::string fCodes;
+    const char* fColorSpace;
+    float fLight;
+  } cases[] = {{{0, 9, 0, 16}, "Rec. 2020 PQ", 1.0f},  // 58.06 % are 203 candela
+               {{0, 12, 0, 18}, "Display P3 HLG", 0.4426f},
+               {{0, 1, 0, 8}, "sRGB linear", 0.5806f}};
+  for (const auto& row : cases) {
+    Patch("a.avif", "coded.avif", "colrnclx", 0, row.fCodes);
+    const sPicture picture = ReadPicture("coded.avif");
+    EXPECT_EQ(picture.fColorSpace, row.fColorSpace);
+    EXPECT_NEAR(Cli::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 0.01f) << row.fColorSpace;
+  }
+  Patch("a.avif", "odd.avif", "colrnclx", 0, {0, 9, 0, 77});
+  EXPECT_EQ(ReadPicture("odd.avif").fWarnings.size(), 1u);
+}
+
+/// Floats with a profile: that of a linear space is no reason to clip, that of a gamma goes on above 1.
+TEST_F(ReadingTool, DecodesFloatsThroughTheirProfile) {
+  sTestPicture scene = MakeScene(16, 8);
+  scene.GetPixel(3, 3)[1] = 40.0f;
+  const std::string profile = ProfileOf(TmEngine::cColorSpace_AdobeRGB98::GetIccProfile());
+  VImage image = ToVipsFloat(scene).copy();
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+  image.tiffsave("adobe.tif");
+  const sPicture picture = ReadPicture("adobe.tif");
+  TmEngine::cVector3 linear;
+  for (int i = 0; i < 3; ++i) linear[i] = std::pow(scene.GetPixel(3, 3)[i], 563.0f / 256.0f);
+  const TmEngine::cVector3 xyz = TmEngine::cColorSpace_AdobeRGB98().GetRGBToXYZ() * linear;
+  EXPECT_NEAR(Cli::GetRow(picture, 3)[3 * 3 + 1], xyz[1], 0.01f * xyz[1]);
+}
+
+TEST_F(ReadingTool, KeepsAlphaToTheBit) {
+  const sTestPicture scene = MakeScene(32, 16);
+  std::vector<unsigned short> ramp(32 * 16);
+  std::iota(ramp.begin(), ramp.end(), static_cast<unsigned short>(0));
+  const VImage alpha = ToVips(ramp, 32, 1, VIPS_FORMAT_USHORT);
+  const VImage of8 = ToVips8(scene).bandjoin((alpha / 2).cast(VIPS_FORMAT_UCHAR));
+  VImage turned = of8.copy();
+  turned.set(VIPS_META_ORIENTATION, 3);
+  turned.tiffsave("turned.tif");
+  ToVips16(scene).bandjoin((alpha * 128).cast(VIPS_FORMAT_USHORT)).pngsave("16.png");
+  of8.pngsave("8.png");
+  of8.webpsave("8.webp", VImage::option()->set("lossless", true));
+  ToVipsFloat(scene).bandjoin(alpha / 512.0).cast(VIPS_FORMAT_FLOAT).tiffsave("float.tif");
+  const struct {
+    const char* fFile;
+    unsigned (*fAlpha)(unsigned);
+  } cases[] = {{"8.png", [](unsigned pI) { return pI / 2 * 257; }},
+               {"8.webp", [](unsigned pI) { return pI / 2 * 257; }},
+               {"turned.tif", [](unsigned pI) { return (511 - pI) / 2 * 257; }},
+               {"16.png", [](unsigned pI) { return pI * 128; }},
+               {"float.tif", [](unsigned pI) { return (pI * 65535 * 2 + 512) / 1024; }}};
+  for (const auto& row : cases) {
+    const sPicture picture = ReadPicture(row.fFile);
+    ASSERT_EQ(picture.fAlpha.size(), ramp.size()) << row.fFile;
+    for (unsigned i = 0; i < ramp.size(); ++i) {
+      ASSERT_EQ(picture.fAlpha[i], row.fAlpha(i)) << row.fFile << ' ' << i;
+    }
+  }
+}
+
+TEST_F(ReadingTool, KnowsCoveredLightFromLightOfItsOwn) {
+  const sTestPicture stored{4, 1, std::vector<float>(12, 0.5f)};
+  sExrKind kind;
+  const struct {
+    std::vector<float> fAlpha;
+    std::vector<float> fLight;  // of the settled picture
+  } cases[] = {{{0.5f, 0.5f, 1.0f, 0.75f}, {1.0f, 1.0f, 0.5f, 2.0f / 3.0f}},
+               {{0.25f, 0.2f, 0.25f, 0.2f}, {2.0f, 2.5f, 2.0f, 2.5f}},
+               {{0.5f, 0.0f, 1.0f, kNaN}, {0.5f, 0.5f, 0.5f, 0.5f}},  // alpha 0, and far too small
+               {{1.0f, 0.001f, 1.0f, 1.0f}, {0.5f, 0.5f, 0.5f, 0.5f}},
+               {{0.0f, 0.0f, 0.0f, 0.0f}, {0.5f, 0.5f, 0.5f, 0.5f}}};
+  for (const auto& row : cases) {
+    kind.fAlpha = row.fAlpha;
+    WriteExr("a.exr", stored, kind);
+    sPicture picture = ReadPicture("a.exr");
+    for (int x = 0; x < 4; ++x) EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], 0.5f, 1e-5f);  // the file's
+    Cli::SettleAlpha(picture);
+    for (int x = 0; x < 4; ++x) {
+      EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], row.fLight[static_cast<std::size_t>(x)], 1e-3f) << x;
+    }
+    EXPECT_EQ(picture.fIsPremultiplied, row.fLight[0] == 0.5f);
+  }
+  sTestPicture hidden = stored;  // nothing there
+  std::fill_n(hidden.GetPixel(1, 0), 3, 0.0f);
+  kind.fAlpha = {0.5f, 0.0f, 1.0f, 0.75f};
+  WriteExr("a.exr", hidden, kind);
+  sPicture picture = ReadPicture("a.exr");
+  Cli::SettleAlpha(picture);
+  EXPECT_FALSE(picture.fIsPremultiplied);
+  EXPECT_EQ(picture.fAlpha, (std::vector<std::uint16_t>{32768, 0, 65535, 49151}));
+}
+
+/// A flame above a candle that covers a few pixels.
+sTestPicture MakeCandle(sExrKind& pKind) {
+  sTestPicture scene = MakeScene(90, 60);
+  pKind.fAlpha.assign(90 * 60, 0.0f);
+  for (int y = 0; y < 60; ++y) {
+    for (int x = 0; x < 90; ++x) {
+      const float distance = std::hypot(static_cast<float>(x - 45), static_cast<float>(y - 20) / 2.0f);
+      const float light = 30.0f * std::exp(-distance / 3.0f);
+      for (int i = 0; i < 3; ++i) scene.GetPixel(x, y)[i] = light * (1.0f - 0.3f * static_cast<float>(i));
+      if (y < 30 || std::abs(x - 45) > 6) continue;
+      std::fill_n(scene.GetPixel(x, y), 3, 0.2f + 0.01f * static_cast<float>(y % 7));
+      pKind.fAlpha[static_cast<std::size_t>(y * 90 + x)] = 1.0f;
+    }
+  }
+  return scene;
+}
+
+TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
+  sExrKind kind;
+  const sTestPicture scene = MakeCandle(kind);
+  WriteExr("plain.exr", scene);
+  WriteExr("candle.exr", scene, kind);
+  const auto tonemap = [](const std::string& pArguments, const std::string& pFile) {
+    const sRun run = Run("tonemap " + pArguments + " --overwrite -o " + pFile);
+    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
+    return run.fErrors;
+  };
+  const auto overBlack = [](const std::string& pFile) {
+    return VImage::new_from_file(pFile.c_str()).flatten().cast(VIPS_FORMAT_DOUBLE);
+  };
+  for (const std::string options : {"--depth 8", "--depth 16", "--preview 45"}) {
+    tonemap("plain.exr " + options, "plain.png");
+    const VImage expected = VImage::new_from_file("plain.png").cast(VIPS_FORMAT_DOUBLE);
+    EXPECT_NE(tonemap("candle.exr " + options, "a.png").find("alpha is raised in "), std::string::npos);
+    EXPECT_LE((overBlack("a.png") - expected).abs().max(), 1.0) << options;
+    EXPECT_EQ(tonemap("candle.exr --alpha ignore " + options, "b.png"), "");
+    EXPECT_EQ((VImage::new_from_file("b.png") - expected).abs().max(), 0.0) << options;
+    EXPECT_EQ(tonemap("candle.exr " + options, "a.tif"), "");
+    tonemap("candle.exr --alpha black " + options, "c.png");
+    EXPECT_EQ((VImage::new_from_file("c.png") - expected).abs().max(), 0.0) << options;
+  }
+  // premultiplied, and says so
+  const std::string tiff = ReadText("a.tif");
+  EXPECT_NE(tiff.find(std::string("\x52\x01\x03\x00\x01\x00\x00\x00\x01\x00", 10)), std::string::npos);
+  // and is read as it was written
+  tonemap("candle.exr --depth 16", "a.tif");
+  tonemap("candle.exr --depth 16 --alpha ignore", "b.tif");
+  EXPECT_EQ(SamplesOf(ReadPicture("a.tif")), SamplesOf(ReadPicture("b.tif")));
+  EXPECT_TRUE(ReadPicture("a.tif").fHasOwnLight);
+  EXPECT_NE(tonemap("candle.exr", "a.jpg").find("JPEG holds no transparency: the picture over black"),
+            std::string::npos);
+}
+
+TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
+  const sTestPicture scene = MakeScene(90, 60);
+  sTestPicture multiplied = scene;
+  sExrKind kind;
+  std::vector<float> straight;
+  for (int i = 0; i < 90 * 60; ++i) {
+    const float alpha = std::clamp(static_cast<float>(i % 90 - 30) / 20.0f, 0.0f, 1.0f);
+    kind.fAlpha.push_back(alpha);
+    for (int k = 0; k < 3; ++k) {
+      float& sample = multiplied.fSamples[static_cast<std::size_t>(3 * i + k)];
+      straight.push_back(alpha > 0.0f ? sample : 7.0f);  // hidden
+      sample *= alpha;
+    }
+    straight.push_back(alpha);
+  }
+  WriteExr("a.exr", multiplied, kind);
+  ToVips(straight, 90, 4, VIPS_FORMAT_FLOAT)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB))
+      .tiffsave("a.tif");
+  for (const char* const file : {"a.exr", "a.tif"}) {
+    ASSERT_EQ(Run(std::string("tonemap ") + file + " --overwrite -o " + file + ".png").fErrors, "");
+  }
+  const VImage kept = VImage::new_from_file("a.exr.png");
+  EXPECT_LE((kept - VImage::new_from_file("a.tif.png")).abs().max(), 1.0);
+  for (const std::string colour : {"'#c08040'", "c08040"}) {
+    ASSERT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha " + colour).fErrors, "");
+    const VImage over = kept.flatten(VImage::option()->set("background", std::vector<double>{192, 128, 64}));
+    EXPECT_LE((VImage::new_from_file("over.png") - over).abs().max(), 1.0);
+  }
+  ASSERT_EQ(
+      Run("tonemap a.exr --overwrite -o over.tif --depth 16 --colorspace prophoto --alpha c08040").fErrors,
+      "");
+  const auto corner = VImage::new_from_file("over.tif").icc_transform("srgb").getpoint(0, 0);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(corner[static_cast<std::size_t>(i)], 192 - 64 * i, 1.5) << i;
+  EXPECT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha orange").fExitCode, 2);
+  // and the choice is kept with the result
+  ASSERT_EQ(Run("tonemap a.tif --overwrite -o again.png --settings-from over.png").fErrors, "");
+  EXPECT_EQ(Load("again.png").fShape[2], 3);
+}
+
+/// What lies under full transparency is never seen, and what is seen does not depend on it.
+TEST_F(ReadingTool, TransparentPixelsDoNotCount) {
+  const sTestPicture scene = MakeScene(60, 40);
+  std::vector<unsigned short> alpha(60 * 40, 65535);
+  for (std::size_t i = 0; i < alpha.size(); i += 3) alpha[i] = 0;
+  const VImage mask = ToVips(alpha, 60, 1, VIPS_FORMAT_USHORT);
+  std::vector<sStored> results;
+  for (const float hidden : {0.0f, 1.0f}) {
+    sTestPicture other = scene;
+    for (std::size_t i = 0; i < alpha.size(); i += 3) std::fill_n(&other.fSamples[3 * i], 3, hidden);
+    ToVips16(other).bandjoin(mask).pngsave("a.png");
+    ASSERT_EQ(Run("tonemap a.png --overwrite -o out.png").fExitCode, 0);
+    results.push_back(Load("out.png"));
+  }
+  EXPECT_EQ(results[0].fSamples, results[1].fSamples);
+  sPicture picture = ReadPicture("a.png");
+  const std::vector<float> before = SamplesOf(picture);
+  Cli::HideTransparent(picture);
+  const std::vector<float> after = SamplesOf(picture);
+  double visible = 0.0;
+  double all = 0.0;
+  for (std::size_t i = 0; i < alpha.size(); ++i) {
+    if (alpha[i] != 0) visible += static_cast<double>(before[3 * i + 1]) / 1600.0;
+    all += static_cast<double>(after[3 * i + 1]) / 2400.0;
+  }
+  EXPECT_NEAR(all, visible, 0.02 * visible);
+  const auto bands = static_cast<std::size_t>(results[0].fShape[2]);
+  for (std::size_t i = 0; i < alpha.size(); i += 3) ASSERT_EQ(results[0].fSamples[bands * i], 0.0);
+}
+
+TEST_F(ReadingTool, CountsWhatItRepairs) {
+  sTestPicture scene = MakeScene(40, 30);
+  std::fill_n(scene.GetPixel(5, 2), 3, kInfinity);  // before the largest sample is known
+  scene.GetPixel(6, 2)[0] = kNaN;
+  scene.GetPixel(7, 2)[1] = -kInfinity;
+  scene.GetPixel(8, 2)[2] = 1e35f;
+  std::fill_n(scene.GetPixel(9, 20), 3, -0.01f);
+  scene.GetPixel(10, 20)[0] = -1e-3f;
+  std::fill_n(scene.GetPixel(11, 29), 3, 500.0f);
+  WriteExr("a.exr", scene);
+  const sPicture picture = ReadPicture("a.exr");
+  EXPECT_EQ(picture.fRepairs.fNaN, 1);
+  EXPECT_EQ(picture.fRepairs.fInfinite, 2);
+  EXPECT_EQ(picture.fRepairs.fOutliers, 1);
+  EXPECT_GE(picture.fRepairs.fNegative, 2);
+  EXPECT_NEAR(Cli::GetRow(picture, 2)[3 * 5 + 1], 500.0f, 0.01f);
+  EXPECT_EQ(picture.fWarnings.size(), 2u);
+  for (const float sample : SamplesOf(picture)) ASSERT_TRUE(std::isfinite(sample) && sample > -1e-6f);
+}
+
+/// An outlier becomes what +infinity does; the sun, and what is no single spot, stay.
+TEST_F(ReadingTool, OutliersAreNoLight) {
+  const auto write = [](const sTestPicture& pPicture, const std::string& pFile) {
+    if (pFile.ends_with(".pfm")) WritePfm(pFile, pPicture);
+    if (pFile.ends_with(".exr")) WriteExr(pFile, pPicture);
+    if (pFile.ends_with(".hdr")) WriteRadiance(pFile, pPicture);
+    if (pFile.ends_with(".tif")) ToVipsFloat(pPicture).tiffsave(pFile.c_str());
+  };
+  const sTestPicture scene = MakeScene(60, 80);
+  const auto spot = [&](float pLight, int pRow) {
+    sTestPicture other = scene;
+    std::fill_n(other.GetPixel(31, pRow), 3, pLight);
+    return other;
+  };
+  WritePfm("infinite.pfm", spot(kInfinity, 40));
+  const std::vector<float> expected = SamplesOf(ReadPicture("infinite.pfm"));
+  for (const char* const file : {"a.pfm", "a.exr", "a.hdr", "a.tif"}) {
+    for (const float light : {1e9f, 1e20f, 1e38f}) {
+      write(spot(light, 40), file);
+      const sPicture picture = ReadPicture(file);
+      EXPECT_EQ(picture.fRepairs.fOutliers, 1) << file << light;
+      EXPECT_EQ(picture.fRepairs.fInfinite, 0) << file << light;
+      ASSERT_EQ(picture.fWarnings.size(), 1u) << file;
+      if (file[2] == 'h') continue;  // which rounds
+      EXPECT_EQ(SamplesOf(picture), expected) << file << light;
+    }
+    write(spot(1e6f, 40), file);
+    const sPicture sun = ReadPicture(file);
+    EXPECT_EQ(sun.fRepairs.fOutliers, 0) << file;
+    EXPECT_NEAR(Cli::GetRow(sun, 40)[3 * 31 + 1], 1e6f, 1e4f) << file;
+  }
+  sTestPicture many = scene;
+  for (int y = 0; y < 20; ++y) std::fill_n(many.GetPixel(0, y), 60, 1e20f);
+  WriteExr("many.exr", many);
+  EXPECT_EQ(ReadPicture("many.exr").fRepairs.fOutliers, 0);
+  sTestPicture dark = spot(-1e20f, 40);
+  WriteExr("dark.exr", dark);
+  EXPECT_EQ(ReadPicture("dark.exr").fRepairs.fOutliers, 1);
+  EXPECT_NEAR(Cli::GetRow(ReadPicture("dark.exr"), 40)[3 * 31 + 1], 0.0f, 1e-6f);
+}
+
+TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
+  sTestPicture scene = MakeScene(300, 900);
+  const auto tonemap = [](const std::string& pInput) {
+    Cli::sTonemapJob job;
+    job.fInput = pInput;
+    job.fOutput = pInput + ".png";
+    job.fExisting = Cli::eExisting::kReplace;
+    return Cli::TonemapPicture(job);
+  };
+  // the last of them need all rows first
+  for (const auto& [odd, y] : {std::pair{0.5f, 456},
+                               {std::nanf(""), 456},
+                               {kInfinity, 456},
+                               {1e20f, 0},
+                               {1e20f, 456},
+                               {1e38f, 899}}) {
+    scene = MakeScene(300, 900);
+    scene.GetPixel(123, y)[1] = odd;
+    WritePfm("whole.pfm", scene);
+    ToVipsFloat(scene).tiffsave("rows.tif");
+    const Cli::sPictureReport whole = tonemap("whole.pfm");
+    const Cli::sPictureReport rows = tonemap("rows.tif");
+    EXPECT_EQ(Load("rows.tif.png").fSamples, Load("whole.pfm.png").fSamples) << odd;
+    EXPECT_EQ(rows.fDynamicRange, whole.fDynamicRange) << odd;
+    EXPECT_EQ(rows.fWarnings, whole.fWarnings) << odd;
+    EXPECT_EQ(rows.fColorSpace, whole.fColorSpace);
+    EXPECT_EQ(rows.fRendering.fWhiteShare, whole.fRendering.fWhiteShare) << odd;
+    EXPECT_GE(rows.fRendering.fSeconds.fPreparation, 0.0);
+  }
+}
+
+TEST_F(ReadingTool, ExrPicturesAreTheirDisplayWindow) {
+  const sTestPicture scene = MakeScene(48, 32);
+  WriteExr("whole.exr", scene);
+  const sPicture whole = ReadPicture("whole.exr");
+  const struct {
+    Imath::V2i fAt;
+    Imath::Box2i fDisplay;
+    Imath::V2i fSize;
+    bool fHasAlpha;
+    std::size_t fWarnings;
+  } cases[] = {{{-5, 7}, {{-5, 7}, {42, 38}}, {48, 32}, false, 0},
+               {{-5, 7}, {{0, 9}, {30, 20}}, {31, 12}, false, 1},
+               {{10, 20}, {{0, 0}, {99, 79}}, {100, 80}, true, 1},
+               {{10, 20}, {{30, 0}, {99, 40}}, {70, 41}, true, 1},
+               {{0, 0}, {{500, 500}, {600, 600}}, {48, 32}, false, 1},
+               {{0, 0}, {{0, 0}, {100000, 100000}}, {48, 32}, false, 1}};
+  for (const auto& row : cases) {
+    for (const bool isTiled : {false, true}) {
+      WriteExr("a.exr", scene, {.fTiled = isTiled, .fAt = row.fAt, .fDisplay = row.fDisplay});
+      const sPicture picture = ReadPicture("a.exr");
+      ASSERT_EQ(picture.fBitmap->GetWidth(), row.fSize.x);
+      ASSERT_EQ(picture.fBitmap->GetHeight(), row.fSize.y);
+      EXPECT_EQ(!picture.fAlpha.empty(), row.fHasAlpha);
+      EXPECT_EQ(picture.fWarnings.size(), row.fWarnings);
+      const bool isWhole = row.fSize == Imath::V2i(48, 32);
+      for (int y = 0; y < row.fSize.y; ++y) {
+        for (int x = 0; x < row.fSize.x; ++x) {
+          const Imath::V2i at = isWhole ? Imath::V2i(x, y) : row.fDisplay.min + Imath::V2i(x, y) - row.fAt;
+          const bool isStored = at.x >= 0 && at.x < 48 && at.y >= 0 && at.y < 32;
+          const float expected = isStored ? Cli::GetRow(whole, at.y)[3 * at.x + 1] : 0.0f;
+          ASSERT_EQ(Cli::GetRow(picture, y)[3 * x + 1], expected) << x << ' ' << y;
+          if (!row.fHasAlpha) continue;
+          ASSERT_EQ(picture.fAlpha[static_cast<std::size_t>(y * row.fSize.x + x)], isStored ? 65535 : 0);
+        }
+      }
+    }
+  }
+  // an environment map is its data window, whatever is displayed
+  WriteExr("a.exr", scene, {.fDisplay = {{4, 4}, {9, 9}}, .fIsPanorama = true});
+  EXPECT_TRUE(ReadPicture("a.exr").fIsPanorama);
+  EXPECT_EQ(ReadPicture("a.exr").fBitmap->GetWidth(), 48);
+  WriteExr("a.exr", scene, {.fAspect = 2.0f});
+  EXPECT_NE(ReadPicture("a.exr").fWarnings.at(0).find("2 times as wide as high"), std::string::npos);
+}
+
+TEST_F(ReadingTool, ChoosesPartsAndLayersOfExr) {
+  const sTestPicture scene = MakeScene(48, 32);
+  WriteExr("plain.exr", scene);
+  const sPicture plain = ReadPicture("plain.exr");
+  sTestPicture half = scene;
+  for (float& sample : half.fSamples) sample *= 0.5f;
+  WriteExr("layers.exr", half, {.fChannels = {"spec.R", "spec.G", "spec.B"}});
+  EXPECT_NEAR(Compare(plain, ReadPicture("layers.exr", {"", "spec"})), 0.5, 1e-3);
+  WriteExrParts("parts.exr", scene, false);
+  EXPECT_NE(ReadPicture("parts.exr").fWarnings.at(0).find("part 0 (depth), part 2 (small)"),
+            std::string::npos);
+  for (const char* const part : {"1", "colour"}) {
+    EXPECT_LE(Compare(plain, ReadPicture("parts.exr", {part, ""})), 1e-3) << part;
+  }
+  const struct {
+    const char* fArguments;
+    const char* fSaid;
+  } refused[] = {
+      {"parts.exr --part 3", "has no part 3; it has part 0 (depth), part 1 (colour), part 2 (small)"},
+      {"parts.exr --part 0", "(it has: Z)"},
+      {"parts.exr --layer spec", "has no layer spec with colours"},
+      {"layers.exr", "layers with colours: spec; --layer chooses one"},
+      {"layers.exr --layer diffuse", "layers with colours: spec"},
+      {"plain.hdr --part 1", "is not OpenEXR"}};
+  WriteRadiance("plain.hdr", scene);
+  for (const auto& row : refused) {
+    const sRun run = Run(std::string("tonemap -o out.png ") + row.fArguments);
+    EXPECT_EQ(run.fExitCode, 3) << row.fArguments;
+    EXPECT_NE(run.fErrors.find(row.fSaid), std::string::npos) << run.fErrors;
+  }
+  EXPECT_NE(Run("inspect --layer spec layers.exr").fOutput.find("Parts"), 0u);
+}
+
+/// Chroma at half the resolution, and Radiance by another name.
+TEST_F(ReadingTool, ReadsLuminanceChromaAndShortRadianceNames) {
+  const sTestPicture scene = MakeScene(64, 48);
+  WriteExr("plain.exr", scene);
+  {
+    Imf::RgbaOutputFile file("chroma.exr", Imf::Header(64, 48), Imf::WRITE_YCA);
+    std::vector<Imf::Rgba> pixels;
+    for (std::size_t i = 0; i < scene.fSamples.size(); i += 3) {
+      pixels.emplace_back(scene.fSamples[i], scene.fSamples[i + 1], scene.fSamples[i + 2], 1.0f);
+    }
+    file.setFrameBuffer(pixels.data(), 1, 64);
+    file.writePixels(48);
+  }
+  const sPicture chroma = ReadPicture("chroma.exr");
+  EXPECT_LE(Compare(ReadPicture("plain.exr"), chroma), 0.02);
+  EXPECT_EQ(chroma.fFileDepth, 16);
+  WriteRadiance("a.hdr", scene);
+  for (const char* const name : {"#?RGBE", "#?RGBE\r"}) {
+    for (const char* const order : {"-Y 48 +X 64", "+Y 48 +X 64"}) {
+      WriteRadiance("a.hdr", scene, "", order);
+      WriteRadiance("b.hdr", scene, "", order, name);
+      EXPECT_EQ(Compare(ReadPicture("a.hdr"), ReadPicture("b.hdr")), 0.0) << name << order;
+    }
+  }
+}
+
+TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
+  for (const float light : {0.0f, 0.18f, 1e9f}) {
+    for (const int size : {1, 24}) {
+      sTestPicture flat = MakeScene(2 * size, size);
+      std::fill(flat.fSamples.begin(), flat.fSamples.end(), light);
+      WriteExr("flat.exr", flat);
+      ASSERT_EQ(Run("tonemap flat.exr --overwrite -o flat.png").fExitCode, 0) << light << ' ' << size;
+      EXPECT_EQ(Load("flat.png").fShape[0], 2 * size);
+    }
+  }
+  ToVips8(MakeScene()).bandjoin_const({0.0}).pngsave("clear.png");
+  ASSERT_EQ(Run("tonemap clear.png --overwrite -o out.png").fExitCode, 0);
+  EXPECT_EQ(VImage::new_from_file("out.png").extract_band(0, VImage::option()->set("n", 3)).max(), 0.0);
+}
+
+TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
+  const VImage of8 = ToVips8(MakeScene(200, 150));
+  WriteExrParts("a.exr", MakeScene(200, 150), true);
+  of8.webpsave("a.webp");
+  of8.heifsave("a.avif", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1));
+  of8.heifsave("a.heic", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_HEVC));
+  of8.jxlsave("a.jxl");
+  for (const char* ending : {"exr", "webp", "avif", "heic", "jxl"}) {
+    const std::string whole = ReadText(std::string("a.") + ending);
+    ASSERT_EQ(Run(std::string("tonemap a.") + ending + " --overwrite -o out.png").fExitCode, 0) << ending;
+    for (const std::size_t size : {whole.size() / 20, whole.size() / 2}) {
+      std::ofstream("cut", std::ios::binary) << whole.substr(0, size);
+      const sRun run = Run("tonemap cut --overwrite -o out.png");
+      EXPECT_EQ(run.fExitCode, 3) << ending << ' ' << size;
+      EXPECT_EQ(run.fErrors.rfind("quorvane: cut: ", 0), 0u) << run.fErrors;
+    }
+  }
+  std::ofstream("a.svg") << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>";
+  EXPECT_NE(Run("tonemap a.svg --overwrite -o out.png").fErrors.find("not a picture of a known format"),
+            std::string::npos);
+}
+
+TEST_F(ReadingTool, RefusesRowsThatAreTooLong) {
+  const auto write = [](const char* pFile, int pWidth, int pHeight) {
+    std::ofstream(pFile, std::ios::binary)
+        << "Pf\n"
+        << pWidth << ' ' << pHeight << "\n-1.0\n"
+        << std::string(std::size_t{4} * 748984, '\x3d').substr(0, std::size_t{4} * pWidth * pHeight);
+  };
+  write("wide.pfm", 748981, 1);
+  write("longest.pfm", 748980, 1);
+  const sRun run = Run("tonemap wide.pfm -o wide.jpg");
+  EXPECT_EQ(run.fExitCode, 5);
+  EXPECT_NE(run.fErrors.find("wide.pfm: is 748981 pixels wide, and at most 748980 are possible"),
+            std::string::npos)
+      << run.fErrors;
+  EXPECT_NE(run.fErrors.find("turn it by 90 degrees"), std::string::npos) << run.fErrors;
+  for (const char* const job : {"longest.pfm", "wide.pfm --preview 1000"})
+    EXPECT_EQ(Run(std::string("tonemap --overwrite -o a.tif ") + job).fExitCode, 0) << job;
+}
+
+/// A scene that goes on around its edges, with sharp borders of light all over.
+sTestPicture MakePanorama(int pWidth) {
+  sTestPicture scene = MakeScene(pWidth, pWidth / 2);
+  unsigned seed = 1;
+  for (int y = 0; y < scene.fHeight; ++y) {
+    for (int x = 0; x < pWidth; ++x) {
+      const double angle = 2.0 * 3.14159265 * x / pWidth;
+      const double wave = 1.5 * std::sin(angle) + 0.8 * std::sin(3.0 * angle + 0.05 * y);
+      seed = seed * 1664525 + 1013904223;
+      const double light = std::pow(10.0, wave + 0.1 * (seed >> 24) / 256.0);
+      const bool isDark = std::sin(8.0 * angle + 0.2 * y) > 0.0;
+      for (int i = 0; i < 3; ++i) {
+        scene.GetPixel(x, y)[i] = static_cast<float>(light * (isDark ? 0.3 : 1.0) * (1.0 - 0.2 * i));
+      }
+    }
+  }
+  return scene;
+}
+
+TEST_F(ReadingTool, RolledPanoramasGiveTheRolledResult) {
+  for (const int width : {160, 230}) {  // the grid's cells are 4 and 5.75 pixels wide
+    const sTestPicture scene = MakePanorama(width);
+    WritePfm("a.pfm", scene);
+    ASSERT_EQ(Run("tonemap a.pfm --overwrite -o a.tif --wrap horizontal --depth 16 --tone-compression 20")
+                  .fExitCode,
+              0);
+    const VImage expected = VImage::new_from_file("a.tif");
+    for (const int by : {1, 23, 80}) {
+      WritePfm("b.pfm", Roll(scene, by));
+      ASSERT_EQ(Run("tonemap b.pfm --overwrite -o b.tif --wrap horizontal --depth 16 --tone-compression 20")
+                    .fExitCode,
+                0);
+      const VImage back =
+          VImage::new_from_file("b.tif").wrap(VImage::option()->set("x", width - by)->set("y", 0));
+      EXPECT_EQ((back - expected).abs().max(), 0.0) << width << ' ' << by;
+    }
+  }
+}
+
+TEST_F(ReadingTool, KnowsPanoramas) {
+  const auto tells = [](const sTestPicture& pPicture) {
+    WriteExr("a.exr", pPicture);
+    return Cli::ChooseWrap(Cli::eWrap::kAuto, ReadPicture("a.exr"));
+  };
+  const sTestPicture panorama = MakePanorama(256);
+  for (const int by : {0, 50, 150}) EXPECT_TRUE(tells(Roll(panorama, by))) << by;
+  EXPECT_FALSE(tells(MakeScene(256, 128)));
+  sTestPicture half = MakePanorama(512);  // its left half, of the same shape
+  for (int y = 0; y < 128; ++y)
+    std::copy_n(half.GetPixel(0, 2 * y), 3 * 256, half.fSamples.data() + 3 * 256 * y);
+  half.fWidth = 256;
+  half.fHeight = 128;
+  half.fSamples.resize(std::size_t{3} * 256 * 128);
+  EXPECT_FALSE(tells(half));
+  const std::string type = "<GPano:ProjectionType>equirectangular</GPano:ProjectionType>";
+  EXPECT_TRUE(Cli::StatesPanorama(type));
+  EXPECT_TRUE(
+      Cli::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"80\" GPano:FullPanoWidthPixels='80' " + type));
+  EXPECT_FALSE(
+      Cli::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"40\" GPano:FullPanoWidthPixels='80' " + type));
+  EXPECT_FALSE(Cli::StatesPanorama("GPano:ProjectionType=\"cylindrical\""));
+  VImage tagged = ToVips8(MakeScene(40, 30)).copy();
+  vips_image_set_blob_copy(tagged.get_image(), VIPS_META_XMP_NAME, type.data(), type.size());
+  tagged.jpegsave("tagged.jpg");
+  EXPECT_TRUE(ReadPicture("tagged.jpg").fIsPanorama);
+}
+
+}  // namespace

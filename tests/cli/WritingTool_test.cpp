@@ -1,0 +1,452 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+#include "photo/base/Failure.h"
+#include "photo/encode/PictureWriter.h"
+#include "photo/icc/NamedProfile.h"
+#include "photo/metadata/JxlContainer.h"
+#include "photo/metadata/MetadataBlocks.h"
+#include "photo/picture/OutputBitmap.h"
+#include "tests/cli/TestPictures.h"
+#include "tests/cli/ToolTest.h"
+
+// What the built tool writes: formats, depths, alpha and metadata, checked by libvips and exiftool.
+
+namespace {
+
+const char* const kFiles[] = {"a.png", "a.tif", "a.jpg", "a.webp", "a.avif", "a.jxl"};
+
+std::string Capture(const std::string& pCommand) {
+  EXPECT_EQ(std::system((pCommand + " >captured.txt 2>&1").c_str()), 0) << pCommand;
+  return ReadText("captured.txt");
+}
+
+class WritingTool : public cToolTest {
+ protected:
+  /// Expects success, and returns what was said.
+  static std::string Equalize(const std::string& pInput, const std::string& pOutput,
+                              const std::string& pOptions = "") {
+    const sRun run =
+        Run("equalize --overwrite " + pInput + " -o " + pOutput + " --saturation 0:0.5 " + pOptions);
+    EXPECT_EQ(run.fExitCode, 0) << pOutput << ' ' << pOptions << ' ' << run.fErrors;
+    return run.fErrors;
+  }
+
+  /// A JPEG of 48 x 32 stored pixels, lying on its side, with all that a file can tell.
+  static void MakeFullJpeg(const std::string& pFile) {
+    ToVips8(MakeScene(48, 32, 1.5f)).jpegsave("thumb.jpg", VImage::option()->set("Q", 30));
+    ToVips8(MakeScene(48, 32, 1.5f)).jpegsave(pFile.c_str(), VImage::option()->set("Q", 95));
+    Capture(
+        "exiftool -q -overwrite_original -Make=Maker -GPSLatitude=48.5 -GPSLatitudeRef=N "
+        "-IPTC:Keywords=word -XMP-dc:Subject=topic -XMP-GPano:ProjectionType=equirectangular "
+        "-Orientation#=6 -XMP-tiff:Orientation#=6 -ExifIFD:ExifImageWidth=48 -ExifImageHeight=32 "
+        "-ColorSpace#=1 '-ThumbnailImage<=thumb.jpg' " +
+        pFile);
+  }
+
+  /// The values of the tags, with commas; "-" for a tag that is not there.
+  static std::string ReadTags(const std::string& pFile, const std::string& pTags) {
+    std::string text = Capture("exiftool -n -s3 -f " + pTags + " " + pFile);
+    std::replace(text.begin(), text.end(), '\n', ',');
+    return text;
+  }
+
+  /// Mean difference of one band, in parts of the full sample.
+  static double BandDifference(const std::string& pA, const std::string& pB, int pBand) {
+    const auto load = [&](const std::string& pFile) {
+      const VImage image = VImage::new_from_file(pFile.c_str());
+      return image[pBand].cast(VIPS_FORMAT_DOUBLE) / (image.format() == VIPS_FORMAT_USHORT ? 65535.0 : 255.0);
+    };
+    return (load(pA) - load(pB)).abs().avg();
+  }
+};
+
+TEST_F(WritingTool, HoldsDepthColoursAndAlpha) {
+  const VImage shallow = ToVips8(MakeScene(48, 32, 1.5f));
+  const VImage deep = ToVips16(MakeScene(48, 32, 1.5f));
+  const VImage ramp = VImage::xyz(48, 32)[0];
+  shallow.bandjoin((ramp * 5).cast(VIPS_FORMAT_UCHAR)).pngsave("8.png");
+  deep.bandjoin((ramp * 1311).cast(VIPS_FORMAT_USHORT)).pngsave("16.png");
+  const struct {
+    const char* fInput;
+    const char* fFile;
+    const char* fOptions;
+    int fDepth;          // of the loaded picture
+    double fDifference;  // of the colours, at most
+    double fAlpha;       // the same of alpha; below 0 for none
+  } cases[] = {{"8.png", "a.png", "--compression 9", 8, 0.002, 0.0},
+               {"8.png", "a.tif", "--compression 0", 8, 0.002, 0.0},
+               {"8.png", "a.TIFF", "", 8, 0.002, 0.0},
+               {"8.png", "a.webp", "", 8, 0.06, 0.0},
+               {"8.png", "a.jpg", "", 8, 0.02, -1.0},
+               {"8.png", "a.avif", "", 8, 0.04, 0.01},
+               {"8.png", "a.jxl", "--quality 100", 8, 0.002, 0.0},
+               {"16.png", "a.png", "", 16, 0.002, 0.0},
+               {"16.png", "a.tif", "", 16, 0.002, 0.0},
+               {"16.png", "a.jxl", "", 16, 0.02, 1e-4},
+               {"16.png", "a.avif", "", 16, 0.04, 0.01},
+               {"16.png", "a.png", "--depth 8", 8, 0.004, 0.003},
+               {"16.png", "a.webp", "", 8, 0.06, 0.003}};
+  for (const auto& row : cases) {
+    const std::string name = std::string(row.fInput) + " to " + row.fFile + " " + row.fOptions;
+    const std::string said = Equalize(row.fInput, row.fFile, row.fOptions);
+    EXPECT_EQ(said.find("JPEG holds no transparency") != std::string::npos, row.fAlpha < 0.0) << name << said;
+    const sStored stored = Load(row.fFile);
+    EXPECT_EQ(stored.fShape, (std::vector<int>{48, 32, row.fAlpha < 0.0 ? 3 : 4, row.fDepth})) << name;
+    if (std::string(row.fFile) != "a.jxl") {  // which names the colour space
+      EXPECT_EQ(stored.fProfile, ProfileOf(TmEngine::cColorSpace_sRGB::GetIccProfile())) << name;
+    }
+    if (row.fAlpha >= 0.0) {
+      EXPECT_LE(BandDifference(row.fFile, row.fInput, 3), row.fAlpha) << name;
+      continue;  // under small alphas, encoders are free in their choice of colours
+    }
+    for (int i = 0; i < 3; ++i) EXPECT_LE(BandDifference(row.fFile, row.fInput, i), row.fDifference) << name;
+  }
+  shallow.pngsave("8.png");
+  deep.pngsave("16.png");
+  for (const auto& row : cases) {
+    Equalize(row.fInput, row.fFile, row.fOptions);
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_LE(BandDifference(row.fFile, row.fInput, i), row.fDifference) << row.fFile << ' ' << row.fInput;
+    }
+  }
+}
+
+TEST_F(WritingTool, ChoosesBetweenSizeAndQualityOrTime) {
+  ToVips8(MakeScene(400, 300, 1.5f)).pngsave("in.png");
+  for (const char* file : kFiles) {
+    const bool isLossless = std::string(file) == "a.png" || std::string(file) == "a.tif";
+    const std::string option = isLossless ? "--compression " : "--quality ";
+    Equalize("in.png", file, option + (isLossless ? "9" : "30"));
+    const auto small = fs::file_size(file);
+    Equalize("in.png", file);
+    const auto usual = fs::file_size(file);
+    Equalize("in.png", file, option + (isLossless ? "0" : "100"));
+    EXPECT_LT(small, usual) << file;
+    EXPECT_LT(usual, fs::file_size(file)) << file;
+  }
+}
+
+TEST_F(WritingTool, WritesTheSameBytesAgain) {
+  MakeFullJpeg("in.jpg");
+  WriteRadiance("in.hdr", MakeScene(700, 500));
+  for (const std::string file : kFiles) {
+    for (const std::string verb :
+         {"tonemap in.hdr --overwrite -o ", "equalize in.jpg --overwrite --saturation 0:0.6 -o "}) {
+      std::set<std::string> results;
+      for (const char* threads : {"1", "2", "5"}) {
+        ASSERT_EQ(Run(verb + file, std::string("VIPS_CONCURRENCY=") + threads).fExitCode, 0) << verb << file;
+        results.insert(ReadText(file));
+      }
+      EXPECT_EQ(results.size(), 1u) << verb << file;
+    }
+  }
+}
+
+TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  MakeFullJpeg("in.jpg");
+  const std::string tags =
+      "-IFD0:Make -GPS:GPSLatitude -IPTC:Keywords -XMP-dc:Subject -XMP-GPano:ProjectionType "
+      "-IFD0:Orientation -XMP-tiff:Orientation -ExifIFD:ExifImageWidth -ExifIFD:ColorSpace -Warning";
+  const std::string start = "Maker,48.5,";
+  const std::string end = "topic,equirectangular,1,1,32,1,-,";
+  const struct {
+    const char* fFile;
+    const char* fOptions;
+    std::string fTags;
+    bool fHasThumbnail;
+  } cases[] = {{"a.jpg", "", start + "word," + end, true},
+               {"a.png", "", start + "word," + end, true},
+               {"a.tif", "", start + "word," + end, false},
+               {"a.webp", "", start + "-," + end, true},
+               {"a.avif", "", start + "-," + end, true},
+               {"a.jxl", "", start + "-," + end, true},
+               {"a.jxl", "--metadata exif --quality 100", "Maker,48.5,-,-,-,1,-,32,1,-,", true},
+               {"a.jxl", "--metadata none", "-,-,-,-,-,-,-,-,-,-,", false},
+               {"a.jpg", "--metadata none", "-,-,-,-,-,-,-,-,-,-,", false},
+               {"a.tif", "--metadata exif", "Maker,48.5,-,-,-,1,-,32,1,-,", false},
+               {"a.png", "--metadata xmp,iptc", "-,-,word,topic,equirectangular,-,1,-,-,-,", false},
+               {"a.tif", "--metadata iptc", "-,-,word,-,-,1,-,-,-,-,", false}};
+  for (const auto& row : cases) {
+    const std::string name = std::string(row.fFile) + " " + row.fOptions;
+    EXPECT_EQ(Equalize("in.jpg", row.fFile, row.fOptions), "") << name;
+    EXPECT_EQ(ReadTags(row.fFile, tags), row.fTags) << name;
+    if (std::string(row.fFile) != "a.jxl") {
+      EXPECT_EQ(Load(row.fFile).fProfile, ProfileOf(TmEngine::cColorSpace_sRGB::GetIccProfile())) << name;
+    }
+    const std::string told = Run(std::string("inspect --json ") + row.fFile).fOutput;
+    const bool isMade = row.fTags.starts_with("Maker");
+    EXPECT_EQ(told.find("\"camera\":\"Maker\"") != std::string::npos, isMade) << name << told;
+    EXPECT_EQ(told.find("\"position\":\"48.50000 N\"") != std::string::npos, isMade) << name << told;
+    const std::string thumbnail = Capture(std::string("exiftool -b -ThumbnailImage ") + row.fFile);
+    EXPECT_EQ(!thumbnail.empty(), row.fHasThumbnail) << name;
+    if (!row.fHasThumbnail) continue;
+    std::ofstream("shown.jpg", std::ios::binary) << thumbnail;
+    EXPECT_EQ(Load("shown.jpg").fShape[1], 160) << name;  // upright
+  }
+  // TIFF, PNG and JPEG XL hand on what they hold.
+  for (const std::string input : {"a.tif", "a.png", "a.jxl"}) {
+    Equalize("in.jpg", input);
+    Equalize(input, "b.jpg");
+    EXPECT_EQ(ReadTags("b.jpg", tags), start + (input == "a.jxl" ? "-," : "word,") + end) << input;
+  }
+  // A tone-mapped picture states its own colours.
+  EXPECT_EQ(Run("tonemap in.jpg --overwrite -o a.jpg --colorspace adobergb").fExitCode, 0);
+  EXPECT_EQ(ReadTags("a.jpg", "-IFD0:Make -ExifIFD:ColorSpace"), "Maker,65535,");
+}
+
+TEST_F(WritingTool, MetadataLeaveThePictureOfJpegXlAsItIs) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  MakeFullJpeg("in.jpg");
+  for (const std::string options : {"--depth 8", "--depth 16", "--depth 8 --quality 100",
+                                    "--depth 16 --quality 100"}) {  // the last has boxes without metadata too
+    Equalize("in.jpg", "a.jxl", options);
+    Equalize("in.jpg", "b.jxl", options + " --metadata none");
+    EXPECT_LT(fs::file_size("b.jxl"), fs::file_size("a.jxl")) << options;
+    EXPECT_EQ(Load("a.jxl").fSamples, Load("b.jxl").fSamples) << options;
+    for (const std::string name : {"a", "b"}) Capture("djxl " + name + ".jxl " + name + ".ppm");
+    EXPECT_TRUE(ReadText("a.ppm") == ReadText("b.ppm")) << options;
+  }
+  const std::string whole = ReadText("a.jxl");
+  for (std::size_t size = 12; size < 400; ++size) {  // cut among the boxes, and their sizes spoilt
+    std::ofstream("cut.jxl", std::ios::binary) << whole.substr(0, size);
+    Cli::ReadStoredSettings("cut.jxl");
+    Cli::ReadJxlMetadata("cut.jxl");
+    std::string spoilt = whole;
+    spoilt[size] = '\xff';
+    std::ofstream("cut.jxl", std::ios::binary) << spoilt;
+    Cli::ReadJxlMetadata("cut.jxl");
+    Cli::WriteJxlMetadata("cut.jxl", {"II", "x"});
+  }
+  Capture("cjxl in.jpg packed.jxl");
+  EXPECT_NE(Equalize("packed.jxl", "a.png").find("warning: its compressed metadata (brob) are left out"),
+            std::string::npos);
+}
+
+TEST_F(WritingTool, TellsInExifWhatExrAttributesTell) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  const float infinity = std::numeric_limits<float>::infinity();
+  const struct {
+    sExrKind fKind;
+    const char* fTags;
+    const char* fExpected;
+  } cases[] = {
+      {{.fTexts = {{"owner", "Ann"}, {"comments", "K\xc3\xbcste"}, {"capDate", "2026:03:01 12:34:56"}},
+        .fNumbers = {{"utcOffset", -20700.0f}}},
+       "-IFD0:Copyright -IFD0:ImageDescription -ExifIFD:DateTimeOriginal -ExifIFD:OffsetTimeOriginal",
+       "Ann,K\xc3\xbcste,2026:03:01 12:34:56,+05:45,"},
+      {{.fNumbers =
+            {{"expTime", 1.0f / 3.0f}, {"aperture", 2.8f}, {"isoSpeed", 400.0f}, {"focus", infinity}}},
+       "-ExposureTime -FNumber -ISO -SubjectDistance",
+       "0.3333333333,2.8,400,4294967295,"},
+      {{.fTexts = {{"lensModel", "Long"}}, .fNumbers = {{"nominalFocalLength", 85.5f}, {"xDensity", 300.0f}}},
+       "-LensModel -ExifIFD:FocalLength -XResolution -ResolutionUnit",
+       "Long,85.5,300,2,"},
+      {{.fNumbers = {{"latitude", 27.717f}, {"longitude", 85.317f}, {"altitude", 1305.0f}}},
+       "-GPS:GPSLatitude -GPS:GPSLatitudeRef -GPS:GPSLongitude -GPS:GPSAltitude",
+       "27.717,N,85.317,1305,"},
+      {{.fNumbers = {{"latitude", -0.5f}, {"longitude", -180.0f}, {"altitude", -3.5f}}},
+       "-Composite:GPSLatitude -Composite:GPSLongitude -Composite:GPSAltitude",
+       "-0.5,-180,-3.5,"},
+      {{.fTexts = {{"capDate", "1 March 2026"}, {"owner", ""}},
+        .fNumbers = {{"expTime", -1.0f}, {"latitude", 91.0f}, {"isoSpeed", std::nanf("")}, {"focus", 0.0f}}},
+       "-ExifIFD:all -GPS:all -IFD0:Copyright",
+       "-,"}};
+  for (const auto& row : cases) {
+    WriteExr("in.exr", MakeScene(), row.fKind);
+    for (const char* file : {"a.jpg", "a.tif"}) {
+      EXPECT_EQ(Run(std::string("tonemap in.exr --overwrite -o ") + file).fErrors, "");
+      EXPECT_EQ(ReadTags(file, row.fTags), row.fExpected) << file;
+    }
+    const auto tell = [](const char* pFile) {
+      const std::string told = Run(std::string("inspect --json ") + pFile).fOutput;
+      return told.substr(told.find("\"metadata\""), told.find("\"suggested\"") - told.find("\"metadata\""));
+    };
+    EXPECT_EQ(tell("in.exr"), tell("a.tif"));
+  }
+}
+
+TEST_F(WritingTool, DamagedMetadataNeverStopAPicture) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  MakeFullJpeg("in.jpg");
+  const std::string whole = ReadText("in.jpg");
+  const struct {
+    const char* fAfter;
+    std::string fDamage;
+  } cases[] = {{"Exif\0\0", "XXXXXXXXXXXX"},    {"II*", std::string(20, '\xff')},
+               {"MM", std::string(20, '\xff')}, {"8BIM", std::string(8, '\xff')},
+               {"<rdf:RDF", "<<<<<<<<"},        {"<x:xmpmeta", std::string(30, '\0')}};
+  for (const auto& row : cases) {
+    std::string damaged = whole;
+    const std::size_t at = damaged.find(row.fAfter);
+    if (at == std::string::npos) continue;  // the other byte order
+    damaged.replace(at + std::string(row.fAfter).size(), row.fDamage.size(), row.fDamage);
+    std::ofstream("bad.jpg", std::ios::binary) << damaged;
+    for (const char* file : kFiles) {
+      Equalize("bad.jpg", file);
+      EXPECT_EQ(Load(file).fShape[2], 3) << row.fAfter << ' ' << file;
+    }
+  }
+  // Twice as much as a JPEG's segment takes.
+  std::ofstream("long.txt") << std::string(60000, '&');
+  ToVips8(MakeScene()).tiffsave("long.tif");
+  Capture("exiftool -q -overwrite_original -Make=Maker '-XMP-dc:Title<=long.txt' long.tif");
+  EXPECT_NE(Equalize("long.tif", "a.jpg").find("warning: its XMP is left out ("), std::string::npos);
+  EXPECT_EQ(ReadTags("a.jpg", "-IFD0:Make -XMP-dc:Title"), "Maker,-,");
+}
+
+TEST_F(WritingTool, LeavesTheOldFileWhenOnlyMetadataFindNoPlace) {
+  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  MakeFullJpeg("in.jpg");
+  Equalize("in.jpg", "a.jpg", "--metadata none");
+  const std::string before = ReadText("a.jpg");
+  const std::string limit = "ulimit -f " + std::to_string(before.size() / 512 + 2) + ";";
+  const sRun run = Run("equalize in.jpg --overwrite --saturation 0:0.5 -o a.jpg", limit);
+  EXPECT_EQ(run.fExitCode, 4);
+  EXPECT_EQ(run.fErrors.rfind("quorvane: a.jpg: writing failed (", 0), 0u) << run.fErrors;
+  EXPECT_EQ(ReadText("a.jpg"), before);
+}
+
+TEST_F(WritingTool, KeepsWideColours) {
+  ToVips16(MakeScene(48, 32, 1.5f)).pngsave("in.png");
+  const auto show = [](const std::string& pFile) {
+    VImage::new_from_file(pFile.c_str()).icc_transform("srgb").pngsave("shown.png");
+    return Load("shown.png");
+  };
+  Run("tonemap in.png --overwrite -o a.png --colorspace prophoto");
+  const sStored expected = show("a.png");
+  for (const char* file : {"a.tif", "a.jpg", "a.webp", "a.avif", "a.jxl"}) {
+    EXPECT_EQ(Run(std::string("tonemap in.png --colorspace prophoto --overwrite -o ") + file).fExitCode, 0);
+    EXPECT_LT(MeanDifference(show(file), expected), 8.0) << file;
+  }
+}
+
+TEST_F(WritingTool, StoresSettings) {
+  const std::string json = R"({"preset": "<new>\n", "strength": 70, "name": "a & 'b'"})";
+  const auto bitmap = MakeOutputBitmap(20, 10, 8, TmEngine::eColorSpaceID_sRGB);
+  std::fill_n(bitmap->GetBitmapData(), bitmap->GetStride() * bitmap->GetHeight(),
+              static_cast<unsigned char>(9));
+  MakeFullJpeg("in.jpg");
+  for (const std::string file : kFiles) {
+    const auto write = [&](const Cli::cMetadata& pMetadata, const Cli::sFileOptions& pOptions) {
+      Cli::sFinishedPicture picture{
+          Cli::cResultPixels(*bitmap), {}, Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB), pMetadata};
+      Cli::cTempFile place(file);
+      Cli::WritePicture(picture, Cli::ChooseOutputFormat(file, 8), pOptions, place);
+    };
+    Cli::cMetadata metadata = Cli::ReadMetadata("in.jpg", VImage::new_from_file("in.jpg"));
+    for (const std::string& text : {std::string("{\"old\": 1}"), json}) {  // the later replaces the former
+      metadata.PutSettings(text);
+      write(metadata, {});
+      EXPECT_EQ(Cli::ReadStoredSettings(file), text) << file;
+      metadata = Cli::ReadMetadata(file, VImage::new_from_file(file.c_str()));
+    }
+    metadata = {};
+    metadata.PutSettings(json);
+    write(metadata, {0, -1, {true, false, true}});
+    EXPECT_EQ(Cli::ReadStoredSettings(file), "") << file;
+    write(metadata, {});
+    EXPECT_EQ(Cli::ReadStoredSettings(file), json) << file;
+  }
+  EXPECT_EQ(Cli::ReadStoredSettings("missing.png"), "");
+}
+
+TEST_F(WritingTool, RefusesOptionsThatDoNotFit) {
+  WritePfm("in.pfm", MakeScene());
+  ToVips8(MakeScene(17000, 2)).pngsave("wide.png");
+  const struct {
+    const char* fArguments;
+    int fExitCode;
+    const char* fText;
+  } cases[] = {
+      {"a.png --quality 90", 2, "a.png: PNG loses nothing and has no --quality; --compression is its"},
+      {"a.tif --quality 90", 2, "a.tif: TIFF loses nothing and has no --quality"},
+      {"a.jpg --compression 6", 2, "a.jpg: --compression is for .png and .tif; JPEG takes --quality"},
+      {"a.webp --compression 6", 2, "a.webp: --compression is for .png and .tif; WebP takes --quality"},
+      {"a.jxl --quality 0", 2, "--quality: 0 is not a whole number from 1 to 100"},
+      {"a.jpg --quality 2.5", 2, "--quality: 2.5 is not a whole number from 1 to 100"},
+      {"a.png --compression 10", 2, "--compression: 10 is not a whole number from 0 to 9"},
+      {"a.webp --depth 16", 2, "a.webp: WebP holds 8 bits only; use --depth 8, or write .png, .tif or .jxl"},
+      {"a.avif --depth 16", 2, "a.avif: AVIF holds 8 or 12 bits; use --depth 8 or 12, or write .png"},
+      {"a.png --depth 12", 2, "a.png: PNG holds 8 or 16 bits; use --depth 8 or 16, or write .avif"},
+      {"a.png --metadata exif,all", 2, "--metadata: 'all' is neither all nor none, nor one of exif, xmp"},
+      {"a.bmp", 2, "a.bmp: unknown ending of an output name; use .png, .tif, .jpg, .webp, .avif or .jxl"}};
+  for (const auto& row : cases) {
+    const sRun run = Run(std::string("tonemap in.pfm --overwrite -o ") + row.fArguments);
+    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments;
+    EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + row.fText, 0), 0u)
+        << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;
+  }
+  const sRun run = Run("equalize wide.png -o a.webp --saturation 0:0");
+  EXPECT_EQ(run.fExitCode, 4);
+  EXPECT_NE(run.fErrors.find("a.webp: WebP holds at most 16383 pixels a side, and the picture has 17000 x 2"),
+            std::string::npos);
+}
+
+/// For runs that end in the same way for every kind of file that the tool writes: pBefore as in Run, pFolder
+/// ends in a slash.
+class FullDiskTool : public cToolTest {
+ protected:
+  static void ExpectRefused(const std::string& pBefore, const std::string& pFolder,
+                            const std::string& pReason) {
+    WritePfm("scene.pfm", MakeScene(400, 300));
+    Run("tonemap scene.pfm -o a.png --overwrite");
+    const std::pair<const char*, const char*> cases[] = {
+        {"tonemap scene.pfm --overwrite -o ", "a.tif"},
+        {"tonemap scene.pfm --overwrite -o ", "b.png"},
+        {"tonemap scene.pfm --overwrite -o ", "c.jpg"},
+        {"tonemap scene.pfm --overwrite -o ", "d.webp"},
+        {"tonemap scene.pfm --overwrite -o ", "e.avif"},
+        {"tonemap scene.pfm --overwrite -o ", "f.jxl"},
+        {"inspect scene.pfm --overwrite --plot ", "g.svg"},
+        {"inspect scene.pfm --overwrite --plot ", "h.png"},
+        {"compare a.png a.png --overwrite -o ", "i.png"},
+        {"equalize a.png --saturation 0:0.4 --overwrite -o ", "j.tif"},
+        {"equalize --saturation 0:0.4 --overwrite --plot ", "k.svg"}};
+    for (const auto& [command, file] : cases) {
+      const std::string target = pFolder + file;
+      std::ofstream(target) << "old";
+      const sRun run = Run(command + target, pBefore);
+      EXPECT_EQ(run.fExitCode, 4) << target;
+      EXPECT_EQ(run.fErrors, "quorvane: " + target + ": writing failed (" + pReason + ")\n");
+      EXPECT_EQ(ReadText(target), "old");
+      fs::remove(target);
+    }
+    EXPECT_EQ(ListFolder(), (std::set<std::string>{"a.png", "full", "scene.pfm"}));
+    EXPECT_TRUE(fs::is_empty("full"));
+  }
+};
+
+TEST_F(FullDiskTool, NamesTheTargetAndTheReason) {
+  fs::create_directory("full");
+  ExpectRefused("ulimit -f 8;", "", "File too large");
+  const sRun stream = Run("tonemap scene.pfm -o -", "ulimit -f 8;");
+  EXPECT_EQ(stream.fErrors, "quorvane: standard output: writing failed (File too large)\n");
+  EXPECT_EQ(
+      std::system("'" QUORVANE_TOOL "' equalize a.png --saturation 0:0.4 -o - >/dev/full 2>errors") / 256, 4);
+  EXPECT_EQ(ReadText("errors"), "quorvane: standard output: No space left on device\n");
+  fs::remove("errors");
+  if (std::system("mount -t tmpfs -o size=12k none full 2>/dev/null") != 0) {
+    GTEST_SKIP() << "no file system can be mounted here: a full one is left out";
+  }
+  ExpectRefused("", "full/", "No space left on device");
+  EXPECT_EQ(std::system("umount full"), 0);
+}
+
+TEST(Failure, NamesFileAndReasonWhenTheEngineIsOutOfMemory) {
+  const auto render = [] {
+    throw TmEngine::cOutOfMemoryException("The grid is too large.", 1, "file", "time", "function");
+  };
+  try {
+    Cli::NameFailures(Cli::eExitCode_Processing, "a.hdr", "tone-map", render);
+    ADD_FAILURE() << "no failure";
+  } catch (const Cli::cFailure& failure) {
+    EXPECT_STREQ(failure.what(), "a.hdr: not enough memory to tone-map it: The grid is too large.");
+    EXPECT_EQ(failure.GetExitCode(), 5);
+  }
+}
+
+}  // namespace
