@@ -55,7 +55,7 @@ void CheckSizes(const sCompareOptions& pOptions, const sLdrPicture& pA, const sL
   const TmEngine::cBitmapLDR& b = *pB.fBitmap;
   if (a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight()) return;
   throw cFailure(
-      eExitCode_Processing, GetSpokenName(pOptions.fB),
+      eFailure::kProcessing, GetSpokenName(pOptions.fB),
       Printf("its size is %d x %d, that of ", b.GetWidth(), b.GetHeight()) + GetSpokenName(pOptions.fA) +
           Printf(" %d x %d; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
 }
@@ -89,11 +89,11 @@ nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
 
 void CheckArguments(const sCompareOptions& pOptions) {
   if (pOptions.fA == kStandardStream && pOptions.fB == kStandardStream) {
-    throw cFailure(eExitCode_Usage, "", "standard input (-) can be A or B, not both");
+    throw cFailure(eFailure::kUsage, "", "standard input (-) can be A or B, not both");
   }
   if (pOptions.fOutput.empty()) return;
   if (GetEnding(pOptions.fOutput) != ".png") {
-    throw cFailure(eExitCode_Usage, pOptions.fOutput, "the picture of the comparison is a .png");
+    throw cFailure(eFailure::kUsage, pOptions.fOutput, "the picture of the comparison is a .png");
   }
   CheckIsAnother(pOptions.fA, pOptions.fOutput);
   CheckIsAnother(pOptions.fB, pOptions.fOutput);
@@ -119,7 +119,7 @@ void Run(const sCompareOptions& pOptions) {
   Print(pOptions.fJson ? ToLine(ToJson(difference)) + "\n" : Describe(difference));
   if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {
     throw cFailure(
-        eExitCode_PictureFailed, "",
+        eFailure::kSomePictures, "",
         Printf("the largest difference, %.2f, is above %g", difference.fAll.fLargest, *pOptions.fFailAbove));
   }
 }

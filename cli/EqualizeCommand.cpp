@@ -63,14 +63,14 @@ cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOpt
 }
 
 cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, int pDepth) {
-  return NameFailures(eExitCode_Processing, GetSpokenName(pOptions.fInput), "equalize",
+  return NameFailures(eFailure::kProcessing, GetSpokenName(pOptions.fInput), "equalize",
                       [&] { return RenderCurves(pPicture, pDepth, pOptions.fCurves); });
 }
 
 /// Samples that go beyond white are no finished picture.
 void RefuseBeyondWhite(const std::string& pFile, const sLdrPicture& pPicture) {
   if (pPicture.fBeyondWhite.empty()) return;
-  throw cFailure(eExitCode_CannotRead, pFile,
+  throw cFailure(eFailure::kCannotRead, pFile,
                  "its light goes beyond white (" + pPicture.fBeyondWhite +
                      "); tone-map it first, then equalize the result");
 }
@@ -121,7 +121,7 @@ void CheckArguments(const sEqualizeOptions& pOptions) {
     throw CLI::ValidationError("--format", "goes with -o -; other results get their format by OUT");
   }
   if (isStream && isatty(STDOUT_FILENO) != 0) {
-    throw cFailure(eExitCode_Usage, "", "-o -: a picture is not written to a terminal");
+    throw cFailure(eFailure::kUsage, "", "-o -: a picture is not written to a terminal");
   }
 }
 
@@ -132,7 +132,7 @@ void Run(const sEqualizeOptions& pOptions) {
   for (const std::string& target : {pOptions.fOutput, pOptions.fPlot})
     CheckReplacing(target, pOptions.fOverwrite);
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
-    throw cFailure(eExitCode_Usage, pOptions.fPlot, "is the result as well; give the plot another name");
+    throw cFailure(eFailure::kUsage, pOptions.fPlot, "is the result as well; give the plot another name");
   }
   const ePlotFormat plotFormat =
       pOptions.fPlot.empty() ? ePlotFormat::kSvg : ChoosePlotFormat(pOptions.fPlot);

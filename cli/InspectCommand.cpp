@@ -79,7 +79,7 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
 
 void CheckArguments(const sInspectOptions& pOptions) {
   if (std::count(pOptions.fFiles.begin(), pOptions.fFiles.end(), kStandardStream) > 1) {
-    throw cFailure(eExitCode_Usage, "", "standard input (-) can be read only once");
+    throw cFailure(eFailure::kUsage, "", "standard input (-) can be read only once");
   }
   if (pOptions.fPlot.empty()) return;
   if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
@@ -98,14 +98,14 @@ void Run(const sInspectOptions& pOptions) {
     try {
       Inspect(file, pOptions);
     } catch (const cFailure& failure) {
-      if (failure.GetExitCode() == eExitCode_CannotWrite) throw;  // the output, not a picture
+      if (failure.GetKind() == eFailure::kCannotWrite) throw;  // the output, not a picture
       ++failed;
       Say(std::string("quorvane: ") + failure.what());
     }
   }
   if (failed == 0) return;
   throw cFailure(
-      eExitCode_PictureFailed, "",
+      eFailure::kSomePictures, "",
       std::to_string(failed) + " of " + std::to_string(pOptions.fFiles.size()) + " pictures failed");
 }
 

@@ -56,9 +56,10 @@ void TakeNearestDepth(const std::string& pOutput, const std::string& pResult, co
 void CheckIsResult(const std::string& pFile) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(pFile, error);
-  if (error) throw cFailure(eExitCode_CannotRead, pFile, error.message());
+  if (error) throw cFailure(eFailure::kCannotRead, pFile, error.message());
   if (std::filesystem::is_regular_file(status)) return;
-  throw cFailure(eExitCode_CannotRead, pFile, "is not a regular file; --settings-from takes a stored result");
+  throw cFailure(eFailure::kCannotRead, pFile,
+                 "is not a regular file; --settings-from takes a stored result");
 }
 
 }  // namespace
@@ -135,7 +136,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   CheckIsResult(file);
   const std::string text = ReadStoredSettingsApart(file);
   if (text.empty()) {
-    throw cFailure(eExitCode_Usage, file, "carries no settings; name a result of 'quorvane tonemap'");
+    throw cFailure(eFailure::kUsage, file, "carries no settings; name a result of 'quorvane tonemap'");
   }
   const sFileOptions given = pResult.fFile;
   const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };

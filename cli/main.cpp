@@ -7,6 +7,7 @@
 
 #include "cli/CompareCommand.h"
 #include "cli/EqualizeCommand.h"
+#include "cli/ExitCode.h"
 #include "cli/InspectCommand.h"
 #include "cli/TonemapCommand.h"
 #include "cli/UsageError.h"
@@ -77,7 +78,7 @@ int main(int pCount, char** pArguments) {
   } catch (const Cli::sOutputClosed&) {
     return Cli::eExitCode_CannotWrite;  // who closed it knows
   } catch (const Cli::cFailure& failure) {
-    return Report(failure.what(), failure.GetExitCode());
+    return Report(failure.what(), Cli::GetExitCode(failure.GetKind()));
   } catch (const std::exception& exception) {
     return Report(exception.what(), Cli::eExitCode_Processing);
   }

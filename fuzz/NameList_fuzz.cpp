@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
   try {
     (pData[0] % 2 == 0 ? CheckLines : CheckNulSeparated)(text);
   } catch (const Cli::cFailure& failure) {
-    Require(failure.GetExitCode() == Cli::eExitCode_Usage, "what is refused is wrong usage");
+    Require(failure.GetKind() == Cli::eFailure::kUsage, "what is refused is wrong usage");
     Require(pData[0] % 2 == 0 && text.find('\0') != text.npos, "only a NUL byte is refused");
   }
   return 0;

@@ -87,7 +87,7 @@ void Try(const tRead& pRead) {
   try {
     pRead();
   } catch (const Cli::cFailure& failure) {
-    Require(failure.GetExitCode() == Cli::eExitCode_CannotRead, "a reader's failures say so");
+    Require(failure.GetKind() == Cli::eFailure::kCannotRead, "a reader's failures say so");
   }
 }
 

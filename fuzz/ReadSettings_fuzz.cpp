@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
     try {
       read(text);
     } catch (const Cli::cFailure& failure) {
-      Expect(failure.GetExitCode() == Cli::eExitCode_Usage);
+      Expect(failure.GetKind() == Cli::eFailure::kUsage);
     }
   }
   return 0;

@@ -122,15 +122,15 @@ tPictureRecord DoPicture(const sTonemapJob& pJob) {
     ResetPeakMemory();
     return MakeDoneRecord(pJob, TonemapPicture(pJob));
   } catch (const cFailure& failure) {
-    return MakeFailedRecord(pJob, failure.GetExitCode(), failure.what());
+    return MakeFailedRecord(pJob, failure.GetKind(), failure.what());
   } catch (const std::exception& exception) {
-    return MakeFailedRecord(pJob, eExitCode_Processing, pJob.fInput + ": " + Shorten(exception.what()));
+    return MakeFailedRecord(pJob, eFailure::kProcessing, pJob.fInput + ": " + Shorten(exception.what()));
   }
 }
 
-tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage) {
+tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const std::string& pMessage) {
   tPictureRecord record = MakeRecord(pJob, "failed");
-  record["error"] = {{"code", pExitCode}, {"message", ToPrintable(pMessage)}};
+  record["error"] = {{"code", static_cast<int>(pKind)}, {"message", ToPrintable(pMessage)}};
   return record;
 }
 

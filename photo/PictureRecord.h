@@ -5,6 +5,7 @@
 #include <string>
 
 #include "photo/TonemapPicture.h"
+#include "photo/base/Failure.h"
 
 namespace Cli {
 
@@ -22,6 +23,6 @@ using tPictureRecord = nlohmann::ordered_json;
 /// running.
 tPictureRecord DoPicture(const sTonemapJob& pJob);
 
-tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, int pExitCode, const std::string& pMessage);
+tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const std::string& pMessage);
 
 }  // namespace Cli

@@ -52,16 +52,16 @@ fs::path FindPreset(const std::string& pNameOrFile) {
   if (IsFileName(pNameOrFile)) {
     std::error_code error;
     if (fs::exists(pNameOrFile, error) && !fs::is_directory(pNameOrFile, error)) {
-      throw cFailure(eExitCode_Usage, pNameOrFile, "is not a regular file; store the preset in one first");
+      throw cFailure(eFailure::kUsage, pNameOrFile, "is not a regular file; store the preset in one first");
     }
-    throw cFailure(eExitCode_Usage, pNameOrFile, "there is no preset file of that name");
+    throw cFailure(eFailure::kUsage, pNameOrFile, "there is no preset file of that name");
   }
   for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
     if (folder.empty()) continue;
     fs::path file = folder / (pNameOrFile + kEnding);
     if (IsFile(file)) return file;
   }
-  throw cFailure(eExitCode_Usage, "",
+  throw cFailure(eFailure::kUsage, "",
                  "--preset: there is neither a file nor a preset '" + pNameOrFile +
                      "'; --list-presets shows those there are");
 }
@@ -71,11 +71,11 @@ sPreset ReadPreset(const fs::path& pFile) {
   std::error_code error;
   const std::uintmax_t size = fs::file_size(pFile, error);
   if (!error && size > kLargest) {
-    throw cFailure(eExitCode_Usage, pFile.string(), "is no preset: it is too large for one");
+    throw cFailure(eFailure::kUsage, pFile.string(), "is no preset: it is too large for one");
   }
   std::ifstream stream(pFile, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) throw cFailure(eExitCode_CannotRead, pFile.string(), std::strerror(errno));
+  if (!stream) throw cFailure(eFailure::kCannotRead, pFile.string(), std::strerror(errno));
   return ParsePreset(pFile.string(), text);
 }
 
@@ -138,12 +138,12 @@ fs::path ChooseTarget(const std::string& pNameOrFile) {
   if (IsFileName(pNameOrFile)) return pNameOrFile;
   const fs::path folder = GetUserFolder();
   if (folder.empty()) {
-    throw cFailure(eExitCode_CannotWrite, pNameOrFile,
+    throw cFailure(eFailure::kCannotWrite, pNameOrFile,
                    "neither XDG_CONFIG_HOME nor HOME says where presets are kept; name a file");
   }
   std::error_code error;
   fs::create_directories(folder, error);
-  if (error) throw cFailure(eExitCode_CannotWrite, folder.string(), error.message());
+  if (error) throw cFailure(eFailure::kCannotWrite, folder.string(), error.message());
   return folder / (pNameOrFile + kEnding);
 }
 
@@ -177,20 +177,20 @@ std::string ListPresetsForShells() {
 
 void SavePreset(const std::string& pNameOrFile, const sSettingsChange& pChange) {
   if (pChange == sSettingsChange()) {
-    throw cFailure(eExitCode_Usage, "", "--save-preset: neither a preset nor a slider is given to be saved");
+    throw cFailure(eFailure::kUsage, "", "--save-preset: neither a preset nor a slider is given to be saved");
   }
   const fs::path target = ChooseTarget(pNameOrFile);
   const std::string text = ToJson(sPreset{target.stem().string(), DescribeChange(pChange), pChange});
   std::FILE* const file = std::fopen(target.c_str(), "wbx");
   if (file == nullptr && errno == EEXIST) {
-    throw cFailure(eExitCode_Usage, target.string(), "exists already; choose another name, or remove it");
+    throw cFailure(eFailure::kUsage, target.string(), "exists already; choose another name, or remove it");
   }
   const bool isWritten = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
   const bool isClosed = file != nullptr && std::fclose(file) == 0;
   if (isWritten && isClosed) return;
   const std::string reason = std::strerror(errno);
   if (file != nullptr) std::remove(target.c_str());
-  throw cFailure(eExitCode_CannotWrite, target.string(), reason);
+  throw cFailure(eFailure::kCannotWrite, target.string(), reason);
 }
 
 }  // namespace Cli

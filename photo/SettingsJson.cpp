@@ -44,7 +44,7 @@ class cReader {
   explicit cReader(const std::string& pFile) : fFile(pFile) {}
 
   [[noreturn]] void Refuse(const std::string& pReason) const {
-    throw cFailure(eExitCode_Usage, fFile, pReason);
+    throw cFailure(eFailure::kUsage, fFile, pReason);
   }
   [[noreturn]] void Refuse(const std::string& pKey, const tJson& pValue, const std::string& pWanted) const {
     Refuse("\"" + pKey + "\": " + Show(pValue) + " is not " + pWanted);

@@ -32,7 +32,7 @@ void MakeFolder(const std::string& pTarget) {
   std::error_code error;
   if (!folder.empty()) std::filesystem::create_directories(folder, error);
   if (error) {
-    throw cFailure(eExitCode_CannotWrite, pTarget,
+    throw cFailure(eFailure::kCannotWrite, pTarget,
                    "its folder cannot be made (" + error.message() + "); give another --out-dir");
   }
 }

@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "cli/ExitCode.h"
 #include "cli/batch/BatchPlan.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/batch/MemoryBudget.h"
@@ -73,7 +74,7 @@ class cReport {
     sTonemapJob job;
     job.fInput = pFolder.fFolder;
     tPictureRecord record =
-        MakeFailedRecord(job, eExitCode_CannotRead, pFolder.fFolder + ": " + pFolder.fReason);
+        MakeFailedRecord(job, eFailure::kCannotRead, pFolder.fFolder + ": " + pFolder.fReason);
     record.erase("output");
     return record;
   }
@@ -154,7 +155,7 @@ void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cRep
   if (pEnd.fIsAnswered) return pReport.Tell(job, FromLine(pEnd.fText));
   cTempFile::RemoveLeftovers(job.fOutput);
   if (pIsInterrupted) return;
-  pReport.Tell(job, MakeFailedRecord(job, eExitCode_Processing, job.fInput + ": " + pEnd.fText));
+  pReport.Tell(job, MakeFailedRecord(job, eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
 }
 
 /// Returns whether the run was interrupted.

@@ -23,7 +23,7 @@ struct sPlanned {
 };
 
 [[noreturn]] void RefuseCall(const std::string& pReason) {
-  throw cFailure(eExitCode_Usage, "", pReason);
+  throw cFailure(eFailure::kUsage, "", pReason);
 }
 
 void CheckOutput(const sBatchOptions& pOptions) {
@@ -65,7 +65,7 @@ std::vector<sPlanned> PairUp(const sBatchOptions& pOptions, const std::vector<sI
         pOptions.fOutput.empty() ? ChooseTarget(pOptions, input, pairs.size() + 1) : pOptions.fOutput;
     pairs.push_back({&input, target, keys.Get(input.fFile), keys.Get(target)});
     if (pairs.back().fInputKey == pairs.back().fTargetKey && target != kStandardStream) {
-      throw cFailure(eExitCode_Usage, target, "is the input itself; give the result another name");
+      throw cFailure(eFailure::kUsage, target, "is the input itself; give the result another name");
     }
   }
   return pairs;

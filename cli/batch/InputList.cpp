@@ -56,7 +56,7 @@ class cFolderWalk {
         Take(*entry);
       }
       if (!error) continue;
-      if (folder == fRoot) throw cFailure(eExitCode_CannotRead, folder.string(), error.message());
+      if (folder == fRoot) throw cFailure(eFailure::kCannotRead, folder.string(), error.message());
       fList.fUnreadable.push_back({folder.string(), error.message()});
     }
   }
@@ -100,7 +100,7 @@ class cFolderWalk {
 };
 
 void TakeFolder(const std::string& pFolder, bool pRecursive, const std::string& pResults, sInputList& pList) {
-  if (!pRecursive) throw cFailure(eExitCode_Usage, pFolder, "is a folder; -r takes the pictures below it");
+  if (!pRecursive) throw cFailure(eFailure::kUsage, pFolder, "is a folder; -r takes the pictures below it");
   fs::path folder = fs::path(pFolder).lexically_normal();
   if (!folder.has_filename()) folder = folder.parent_path();  // a slash at the end
   cFolderWalk(folder, pResults, pList).Walk();
@@ -123,7 +123,7 @@ sInputList ListInputs(const sInputNames& pNames, const std::string& pResults) {
     std::ranges::move(ReadNames(pNames.fFilesFrom, pNames.fNulSeparated), std::back_inserter(names));
   }
   if (names.size() > 1 && std::find(names.begin(), names.end(), kStandardStream) != names.end()) {
-    throw cFailure(eExitCode_Usage, "",
+    throw cFailure(eFailure::kUsage, "",
                    "standard input (-) is one picture, and no others can be given with it");
   }
   sInputList list;

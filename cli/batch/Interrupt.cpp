@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstring>
 
+#include "cli/ExitCode.h"
 #include "photo/base/Failure.h"
 
 namespace Cli {
@@ -80,7 +81,7 @@ void NoteFileToRemove(const std::string& pPath) {
 
 cInterruptWatch::cInterruptWatch() {
   if (pipe2(fPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-    throw cFailure(eExitCode_Processing, "", std::string("no pipe can be had: ") + std::strerror(errno));
+    throw cFailure(eFailure::kProcessing, "", std::string("no pipe can be had: ") + std::strerror(errno));
   }
   const cInterruptHold hold;
   gWatchHandle = fPipe[1];

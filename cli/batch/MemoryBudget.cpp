@@ -127,7 +127,7 @@ double TakeGateSeconds() {
 
 void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_t pLimit) {
   if (pBytes <= pLimit) return;
-  throw cFailure(eExitCode_Processing, pFile,
+  throw cFailure(eFailure::kProcessing, pFile,
                  "needs about " + MemoryToText(pBytes) + " of memory, and the limit is " +
                      MemoryToText(pLimit) + "; a larger --memory-limit lets it through");
 }

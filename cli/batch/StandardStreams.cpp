@@ -36,7 +36,7 @@ int CopyToMemory(int pFrom, const std::string& pName) {
       errno == ENOMEM ? "more than the memory holds that is free; store the picture in a file first"
                       : std::strerror(errno);
   if (copy >= 0) close(copy);
-  throw cFailure(eExitCode_CannotRead, pName, reason);
+  throw cFailure(eFailure::kCannotRead, pName, reason);
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ cInputFile::cInputFile(const std::string& pName) : fName(pName), fPath(pName) {
   if (!IsStream(pName)) return;
   const bool isStandard = pName == kStandardStream;
   const int from = isStandard ? STDIN_FILENO : open(pName.c_str(), O_RDONLY | O_CLOEXEC);
-  if (from < 0) throw cFailure(eExitCode_CannotRead, pName, std::strerror(errno));
+  if (from < 0) throw cFailure(eFailure::kCannotRead, pName, std::strerror(errno));
   const auto closeStream = [&](const int*) {
     if (!isStandard) close(from);
   };
@@ -79,10 +79,9 @@ cInputFile::~cInputFile() {
   if (fHandle >= 0) close(fHandle);
 }
 
-void cInputFile::Rename(const cFailure& pFailure) const {
-  const std::string text = pFailure.what();
-  if (fHandle < 0 || !text.starts_with(fPath + ": ")) throw pFailure;
-  throw cFailure(pFailure.GetExitCode(), GetSpokenName(fName), text.substr(fPath.size() + 2));
+void cInputFile::Rename(cFailure& pFailure) const {
+  if (fHandle >= 0 && pFailure.GetFile() == fPath) pFailure.SetFile(GetSpokenName(fName));
+  throw;
 }
 
 }  // namespace Cli

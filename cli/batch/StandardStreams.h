@@ -39,13 +39,13 @@ class cInputFile {
   auto Read(const tWork& pWork) const {
     try {
       return pWork();
-    } catch (const cFailure& failure) {
+    } catch (cFailure& failure) {
       Rename(failure);
     }
   }
 
  private:
-  [[noreturn]] void Rename(const cFailure& pFailure) const;
+  [[noreturn]] void Rename(cFailure& pFailure) const;
 
   std::string fName;
   std::string fPath;

@@ -17,7 +17,7 @@ std::string ReadStoredSettingsApart(const std::string& pFile) {
   std::optional<sTaskEnd> end;
   while (!(end = pool.Wait(-1, -1))) {
   }
-  if (!end->fIsAnswered) throw cFailure(eExitCode_CannotRead, pFile, end->fText);
+  if (!end->fIsAnswered) throw cFailure(eFailure::kCannotRead, pFile, end->fText);
   return end->fText;
 }
 

@@ -10,7 +10,7 @@ namespace Cli {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& pReason) {
-  throw cFailure(eExitCode_Usage, "", "--name: " + pReason);
+  throw cFailure(eFailure::kUsage, "", "--name: " + pReason);
 }
 
 std::string ToDigits(std::size_t pIndex) {

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <iterator>
 
+#include "cli/ExitCode.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/batch/Message.h"
 #include "photo/base/Failure.h"
@@ -47,7 +48,7 @@ void Serve(int pSocket, const tTaskMaker& pMakeTask) {
 }
 
 [[noreturn]] void RefuseToStart() {
-  throw cFailure(eExitCode_Processing, "", std::string("no worker can be started: ") + std::strerror(errno));
+  throw cFailure(eFailure::kProcessing, "", std::string("no worker can be started: ") + std::strerror(errno));
 }
 
 }  // namespace

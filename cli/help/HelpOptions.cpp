@@ -28,7 +28,7 @@ void Write(const std::filesystem::path& pFile, const std::string& pText) {
   std::ofstream stream(pFile, std::ios::binary);
   stream << pText;
   stream.close();
-  if (!stream) throw cFailure(eExitCode_CannotWrite, pFile.string(), "writing failed");
+  if (!stream) throw cFailure(eFailure::kCannotWrite, pFile.string(), "writing failed");
 }
 
 /// Under pFolder as they are installed under a prefix.

@@ -46,7 +46,7 @@ ePlotFormat ChoosePlotFormat(const std::string& pFile) {
   const std::string ending = GetEnding(pFile);
   if (ending == ".svg") return ePlotFormat::kSvg;
   if (ending == ".png") return ePlotFormat::kPng;
-  throw cFailure(eExitCode_Usage, pFile, "unknown ending of a plot's name; use .svg or .png");
+  throw cFailure(eFailure::kUsage, pFile, "unknown ending of a plot's name; use .svg or .png");
 }
 
 void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {

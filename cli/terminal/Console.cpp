@@ -25,7 +25,7 @@ void Print(const std::string& pText) {
   const bool isTaken = std::fwrite(pText.data(), 1, pText.size(), stdout) == pText.size();
   if (std::fflush(stdout) == 0 && isTaken) return;
   if (errno == EPIPE) throw sOutputClosed();
-  throw cFailure(eExitCode_CannotWrite, "standard output", std::strerror(errno));
+  throw cFailure(eFailure::kCannotWrite, "standard output", std::strerror(errno));
 }
 
 std::string NameForOutput(const std::string& pName) {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <new>
-#include <stdexcept>
 #include <string>
 
 #include "engine/base/cException.h"
@@ -10,47 +10,78 @@
 
 namespace Cli {
 
-/// What the program returns to its caller.
-enum eExitCode : int {
-  eExitCode_Done = 0,
-  eExitCode_PictureFailed = 1,  ///< One or more pictures of several failed.
-  eExitCode_Usage = 2,
-  eExitCode_CannotRead = 3,
-  eExitCode_CannotWrite = 4,
-  eExitCode_Processing = 5,
-  eExitCode_Interrupted = 130,
+/// Why work ended. The numbers are the "code" of a job's record.
+enum class eFailure : int {
+  kSomePictures = 1,  ///< One or more pictures of several failed.
+  kUsage = 2,         ///< What was asked for cannot be done.
+  kCannotRead = 3,
+  kCannotWrite = 4,
+  kProcessing = 5,
 };
 
-/// The end of the work on one picture: which file, why (shortened), and the code that the program returns for
-/// it.
-class cFailure : public std::runtime_error {
+/// The end of the work on one picture: what kind of failure, which file, and why (shortened). Where it is
+/// thrown, the file need not be known: who works from file to file names it, once (see NameFile).
+class cFailure : public std::exception {
  public:
-  /// pFile may be empty where no file is at fault.
-  cFailure(eExitCode pExitCode, const std::string& pFile, const std::string& pReason)
-      : std::runtime_error((pFile.empty() ? "" : pFile + ": ") + Shorten(pReason)), fExitCode(pExitCode) {}
+  cFailure(eFailure pKind, const std::string& pReason) : cFailure(pKind, "", pReason) {}
+  cFailure(eFailure pKind, const std::string& pFile, const std::string& pReason)
+      : fKind(pKind), fReason(Shorten(pReason)) {
+    SetFile(pFile);
+  }
 
-  eExitCode GetExitCode() const { return fExitCode; }
+  eFailure GetKind() const { return fKind; }
+  /// Empty where none is at fault, or named yet.
+  const std::string& GetFile() const { return fFile; }
+  const std::string& GetReason() const { return fReason; }
+  void SetFile(const std::string& pFile) {
+    fFile = pFile;
+    fText = (pFile.empty() ? "" : pFile + ": ") + fReason;
+  }
+
+  /// "FILE: REASON", or the reason alone.
+  const char* what() const noexcept override { return fText.c_str(); }
 
  private:
-  eExitCode fExitCode;
+  eFailure fKind;
+  std::string fFile;
+  std::string fReason;
+  std::string fText;
 };
 
-/// Does pWork. What it throws becomes a failure of pFile, unless it is one already. pDoing: what memory ran
-/// out for, such as "read". pTell: the reason by an exception's own text.
-template <class tWork, class tTell = std::identity>
-auto NameFailures(eExitCode pExitCode, const std::string& pFile, const std::string& pDoing,
-                  const tWork& pWork, const tTell& pTell = {}) {
+/// Does pWork; a failure of it that names no file is one of pFile.
+template <class tWork>
+auto NameFile(const std::string& pFile, const tWork& pWork) {
+  try {
+    return pWork();
+  } catch (cFailure& failure) {
+    if (failure.GetFile().empty()) failure.SetFile(pFile);
+    throw;
+  }
+}
+
+/// Does pWork. Other exceptions than cFailure become one, of pKind. pDoing: what memory ran out for, such as
+/// "read". pDescribe: the reason from an exception's own text.
+template <class tWork, class tDescribe = std::identity>
+auto ConvertFailures(eFailure pKind, const std::string& pDoing, const tWork& pWork,
+                     const tDescribe& pDescribe = {}) {
   try {
     return pWork();
   } catch (const cFailure&) {
     throw;
   } catch (const std::bad_alloc&) {
-    throw cFailure(pExitCode, pFile, "not enough memory to " + pDoing + " it");
+    throw cFailure(pKind, "not enough memory to " + pDoing + " it");
   } catch (const TmEngine::cOutOfMemoryException& exception) {
-    throw cFailure(pExitCode, pFile, "not enough memory to " + pDoing + " it: " + pTell(exception.what()));
+    throw cFailure(pKind, "not enough memory to " + pDoing + " it: " + pDescribe(exception.what()));
   } catch (const std::exception& exception) {
-    throw cFailure(pExitCode, pFile, pTell(std::string(exception.what())));
+    throw cFailure(pKind, pDescribe(std::string(exception.what())));
   }
+}
+
+/// Both: failures of pWork are failures of pFile.
+template <class tWork, class tDescribe = std::identity>
+auto NameFailures(eFailure pKind, const std::string& pFile, const std::string& pDoing, const tWork& pWork,
+                  const tDescribe& pDescribe = {}) {
+  return NameFile(pFile, [&] { return ConvertFailures(pKind, pDoing, pWork, pDescribe); });
 }
 
 }  // namespace Cli

@@ -26,7 +26,7 @@ using TmEngine::eColorSpaceID;
 using vips::VImage;
 
 [[noreturn]] void RefuseFloats(const std::string& pFile, const std::string& pVerb) {
-  throw cFailure(eExitCode_CannotRead, pFile, pVerb + " takes 8- and 16-bit pictures; tone-map it first");
+  throw cFailure(eFailure::kCannotRead, pFile, pVerb + " takes 8- and 16-bit pictures; tone-map it first");
 }
 
 /// The file's picture, upright. Throws cFailure unless its samples are integers of 8 or 16 bits.
@@ -170,9 +170,9 @@ sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
   } catch (const vips::VError&) {
     RefuseDamaged(pFile);
   } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_CannotRead, pFile, "its pixels do not fit into memory");
+    throw cFailure(eFailure::kCannotRead, pFile, "its pixels do not fit into memory");
   } catch (const TmEngine::cOutOfMemoryException&) {
-    throw cFailure(eExitCode_CannotRead, pFile, "its pixels do not fit into memory");
+    throw cFailure(eFailure::kCannotRead, pFile, "its pixels do not fit into memory");
   }
 }
 

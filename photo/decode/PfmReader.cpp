@@ -29,7 +29,7 @@ sPfmHeader ReadHeader(const std::string& pFile, std::istream& pStream) {
   pStream.get();  // the one blank before the samples
   const bool isSound =
       pStream.good() && (kind == "PF" || kind == "Pf") && std::isfinite(scale) && scale != 0.0;
-  if (!isSound) throw cFailure(eExitCode_CannotRead, pFile, "its PFM header is damaged");
+  if (!isSound) throw cFailure(eFailure::kCannotRead, pFile, "its PFM header is damaged");
   header.fSamples = kind == "PF" ? 3 : 1;
   header.fSwap = (scale < 0.0) != (std::endian::native == std::endian::little);
   return header;
@@ -42,7 +42,7 @@ void CheckLength(const std::string& pFile, const sPfmHeader& pHeader, std::istre
   std::error_code error;
   const auto size = static_cast<double>(std::filesystem::file_size(pFile, error));
   if (error || size - static_cast<double>(pStream.tellg()) < needed) {
-    throw cFailure(eExitCode_CannotRead, pFile, "cut short: it holds fewer pixels than its header promises");
+    throw cFailure(eFailure::kCannotRead, pFile, "cut short: it holds fewer pixels than its header promises");
   }
 }
 
@@ -77,7 +77,7 @@ class cPfmRows : public cPictureRows {
     const auto bytes = static_cast<std::streamsize>(fRow.size() * sizeof(float));
     fStream.seekg(fStart + std::streamoff{bytes} * pRow);
     fStream.read(reinterpret_cast<char*>(fRow.data()), bytes);
-    if (!fStream) throw cFailure(eExitCode_CannotRead, fFile, "cut short, or unreadable");
+    if (!fStream) throw cFailure(eFailure::kCannotRead, fFile, "cut short, or unreadable");
     if (!fHeader.fSwap) return;
     for (float& sample : fRow) {
       sample = std::bit_cast<float>(__builtin_bswap32(std::bit_cast<std::uint32_t>(sample)));

@@ -11,11 +11,11 @@ namespace Cli {
 sPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice) {
   const eFileKind kind = TellFileKind(pFile);
   if (kind != eFileKind::kVips && pChoice.fPage > 1) {
-    throw cFailure(eExitCode_CannotRead, pFile, "has no pages; leave --page out");
+    throw cFailure(eFailure::kCannotRead, pFile, "has no pages; leave --page out");
   }
   if (kind == eFileKind::kExr) return OpenExr(pFile, pChoice);
   if (!pChoice.IsDefault()) {
-    throw cFailure(eExitCode_CannotRead, pFile, "is not OpenEXR, whose parts --part and --layer choose");
+    throw cFailure(eFailure::kCannotRead, pFile, "is not OpenEXR, whose parts --part and --layer choose");
   }
   return kind == eFileKind::kPfm ? OpenPfm(pFile) : OpenWithVips(pFile, pChoice);
 }

@@ -41,7 +41,8 @@ void CheckSize(const std::string& pFile, const VImage& pImage) {
   std::error_code error;
   const auto bytes = static_cast<double>(std::filesystem::file_size(pFile, error));
   if (error || pixels <= kLarge || pixels <= bytes * kMostPixelsAByte) return;
-  throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short: it is too small for the size it states");
+  throw cFailure(eFailure::kCannotRead, pFile,
+                 "damaged or cut short: it is too small for the size it states");
 }
 
 const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource) {
@@ -53,7 +54,7 @@ const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource
   if (format != std::end(kFormats)) return *format;
   vips_error_clear();
   throw cFailure(
-      eExitCode_CannotRead, pFile,
+      eFailure::kCannotRead, pFile,
       "not a picture of a known format, or damaged (known: .exr .hdr .pfm .tif .png .jpg .webp .heic "
       ".avif .jxl)");
 }
@@ -73,7 +74,7 @@ vips::VSource OpenSource(const std::string& pFile, const sAmendment* pAmendment)
 void RefuseRawFile(const std::string& pFile) {
   const std::string kind = NameRawFile(pFile);
   if (kind.empty()) return;
-  throw cFailure(eExitCode_CannotRead, pFile,
+  throw cFailure(eFailure::kCannotRead, pFile,
                  "is " + kind + ", which cannot be read yet; develop it to a 16-bit TIFF first");
 }
 
@@ -108,7 +109,7 @@ VImage Open(const std::string& pFile, VipsAccess pAccess, const sPictureChoice& 
   VImage image = open(pFile, source, pAccess, 0);
   const int pages = CountPages(image);
   if (pChoice.fPage > pages && !(pages == 1 && pChoice.fTakesSingle)) {
-    throw cFailure(eExitCode_CannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead, pFile,
                    pages == 1 ? "has only one page; leave --page out"
                               : "has " + std::to_string(pages) + " pages; give --page one of them");
   }
@@ -194,11 +195,11 @@ int GetFullSample(const VImage& pImage) {
 }
 
 void RefuseDamaged(const std::string& pFile) {
-  throw cFailure(eExitCode_CannotRead, pFile, "damaged or cut short (" + TakeVipsError() + ")");
+  throw cFailure(eFailure::kCannotRead, pFile, "damaged or cut short (" + TakeVipsError() + ")");
 }
 
 void RefuseLayout(const std::string& pFile, const std::string& pWhat) {
-  throw cFailure(eExitCode_CannotRead, pFile, pWhat + "; convert it to 8- or 16-bit RGB first");
+  throw cFailure(eFailure::kCannotRead, pFile, pWhat + "; convert it to 8- or 16-bit RGB first");
 }
 
 int CountColours(const std::string& pFile, const VImage& pImage) {

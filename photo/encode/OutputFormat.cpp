@@ -52,7 +52,7 @@ void CheckDepth(const std::string& pFile, const sFormatTraits& pFormat, int pDep
   const std::string others = ListFormats([&](const sFormatTraits& pOther) {
     return HasDepth(pOther, pDepth) ? pOther.fEndings.front() : std::string();
   });
-  throw cFailure(eExitCode_Usage, pFile,
+  throw cFailure(eFailure::kUsage, pFile,
                  std::string(pFormat.fName) + " holds " + ListDepths(pFormat) + " bits" +
                      (pFormat.fDepths.size() == 1 ? " only" : "") + "; use --depth " + ListDepths(pFormat) +
                      ", or write " + others);
@@ -60,12 +60,12 @@ void CheckDepth(const std::string& pFile, const sFormatTraits& pFormat, int pDep
 
 void CheckOptions(const std::string& pFile, const sFormatTraits& pFormat, const sFileOptions& pOptions) {
   if (pOptions.fQuality != 0 && pFormat.fQuality == 0) {
-    throw cFailure(eExitCode_Usage, pFile,
+    throw cFailure(eFailure::kUsage, pFile,
                    std::string(pFormat.fName) + " loses nothing and has no --quality; --compression is its " +
                        "choice of size against time");
   }
   if (pOptions.fCompression >= 0 && pFormat.fCompression < 0) {
-    throw cFailure(eExitCode_Usage, pFile,
+    throw cFailure(eFailure::kUsage, pFile,
                    "--compression is for .png and .tif; " + std::string(pFormat.fName) + " takes --quality");
   }
 }
@@ -92,7 +92,7 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth, const sFi
     CheckOptions(pFile, format, pOptions);
     return format.fFormat;
   }
-  throw cFailure(eExitCode_Usage, pFile,
+  throw cFailure(eFailure::kUsage, pFile,
                  "unknown ending of an output name; use " +
                      ListFormats([](const sFormatTraits& pFormat) { return pFormat.fEndings.front(); }));
 }
@@ -106,7 +106,7 @@ int ChooseDepth(eOutputFormat pFormat, int pDepth) {
 void CheckFits(const std::string& pFile, eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight) {
   const sFormatTraits& format = GetTraits(pFormat);
   if (std::max(pWidth, pHeight) <= format.fLargestSide) return;
-  throw cFailure(eExitCode_CannotWrite, pFile,
+  throw cFailure(eFailure::kCannotWrite, pFile,
                  std::string(format.fName) + " holds at most " + std::to_string(format.fLargestSide) +
                      " pixels a side, and the picture has " + std::to_string(pWidth) + " x " +
                      std::to_string(pHeight) + "; write .png, .tif or .jxl");

@@ -154,7 +154,7 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
   if (pOutput != kStandardStream && std::filesystem::equivalent(pInput, pOutput, error)) {
-    throw cFailure(eExitCode_Usage, pOutput, "is the input itself; give the result another name");
+    throw cFailure(eFailure::kUsage, pOutput, "is the input itself; give the result another name");
   }
 }
 
@@ -167,7 +167,7 @@ std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat 
   } catch (const vips::VError&) {
     pFile.Refuse(TakeVipsError());
   } catch (const std::bad_alloc&) {
-    throw cFailure(eExitCode_CannotWrite, pFile.GetTarget(), "not enough memory to write it");
+    throw cFailure(eFailure::kCannotWrite, pFile.GetTarget(), "not enough memory to write it");
   } catch (const std::runtime_error& error) {
     pFile.Refuse(error.what());
   }

@@ -46,16 +46,16 @@ void CheckTarget(const std::string& pTarget, const std::string& pPlace, const st
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(pPlace, error);
   if (std::filesystem::is_directory(status)) {
-    throw cFailure(eExitCode_CannotWrite, pTarget, "is a folder; give the name of a file in it");
+    throw cFailure(eFailure::kCannotWrite, pTarget, "is a folder; give the name of a file in it");
   }
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    throw cFailure(eExitCode_CannotWrite, pTarget, "is not a regular file");
+    throw cFailure(eFailure::kCannotWrite, pTarget, "is not a regular file");
   }
   if (std::filesystem::exists(status) && access(pPlace.c_str(), W_OK) != 0) {
-    throw cFailure(eExitCode_CannotWrite, pTarget, "is write-protected; give another name");
+    throw cFailure(eFailure::kCannotWrite, pTarget, "is write-protected; give another name");
   }
   if (!std::filesystem::exists(pFolder, error)) {
-    throw cFailure(eExitCode_CannotWrite, pTarget,
+    throw cFailure(eFailure::kCannotWrite, pTarget,
                    "the folder " + pFolder + " does not exist; create it first");
   }
 }
@@ -99,7 +99,7 @@ int Claim(const std::string& pPath, int pFlags) {
 }  // namespace
 
 void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
-  throw cFailure(eExitCode_CannotWrite, pTarget, "exists already; --overwrite replaces it" + pMore);
+  throw cFailure(eFailure::kCannotWrite, pTarget, "exists already; --overwrite replaces it" + pMore);
 }
 
 void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
@@ -122,7 +122,7 @@ cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
 
 void cTempFile::OpenInMemory() {
   fHandle = memfd_create("result", MFD_CLOEXEC);
-  if (fHandle < 0) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(errno));
+  if (fHandle < 0) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(errno));
   fPath = "/proc/self/fd/" + std::to_string(fHandle);
 }
 
@@ -137,7 +137,7 @@ void cTempFile::OpenBesideTarget() {
     fHandle = fPath.size() < PATH_MAX ? mkostemp(fPath.data(), O_CLOEXEC) : (errno = ENAMETOOLONG, -1);
   }
   if (fHandle < 0) {
-    throw cFailure(eExitCode_CannotWrite, fTarget,
+    throw cFailure(eFailure::kCannotWrite, fTarget,
                    "cannot write into the folder " + FolderOf(fPlace) + " (" + std::strerror(errno) + ")");
   }
   [[maybe_unused]] const bool isEmptied = ftruncate(fHandle, 0) == 0;
@@ -177,7 +177,7 @@ int cTempFile::FindError() const {
 
 void cTempFile::Refuse(const std::string& pReason) const {
   const int error = FindError();
-  throw cFailure(eExitCode_CannotWrite, fTarget,
+  throw cFailure(eFailure::kCannotWrite, fTarget,
                  "writing failed (" + (error != 0 ? std::strerror(error) : pReason) + ")");
 }
 
@@ -186,7 +186,7 @@ void cTempFile::CopyToOutput() {
   const bool isCopied = file >= 0 && CopyStream(file, STDOUT_FILENO);
   const int error = errno;
   close(file);
-  if (!isCopied) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(error));
+  if (!isCopied) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(error));
 }
 
 void cTempFile::TakePlace() {
@@ -197,7 +197,7 @@ void cTempFile::TakePlace() {
     const bool isUnknown = errno == EINVAL || errno == ENOSYS;  // to this kind of file system
     if (errno == EEXIST || (isUnknown && access(to, F_OK) == 0)) RefuseExisting(fTarget);
   }
-  if (std::rename(from, to) != 0) throw cFailure(eExitCode_CannotWrite, fTarget, std::strerror(errno));
+  if (std::rename(from, to) != 0) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(errno));
 }
 
 void cTempFile::RemoveLeftovers(const std::string& pTarget) {

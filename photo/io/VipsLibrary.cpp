@@ -13,7 +13,7 @@ void DropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 
 cVipsLibrary::cVipsLibrary() {
   if (VIPS_INIT("quorvane") != 0) {
-    throw cFailure(eExitCode_Processing, "", "libvips cannot be started (" + TakeVipsError() + ")");
+    throw cFailure(eFailure::kProcessing, "", "libvips cannot be started (" + TakeVipsError() + ")");
   }
   // One picture is read once and written once: a cache of operations would only hold on to memory.
   vips_cache_set_max(0);

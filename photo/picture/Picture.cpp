@@ -18,7 +18,7 @@ std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
 }
 
 [[noreturn]] void RefuseSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
-  throw cFailure(eExitCode_CannotRead, pFile, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
+  throw cFailure(eFailure::kCannotRead, pFile, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
 }
 
 std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(const std::string& pFile, int pWidth, int pHeight) {
@@ -35,7 +35,7 @@ std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(const std::string& pFile, int
 
 void CheckSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
   if (pWidth < 1 || pHeight < 1) {
-    throw cFailure(eExitCode_CannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
+    throw cFailure(eFailure::kCannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
   }
   constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
   if (pWidth > kLongest || pHeight > kLongest) RefuseSize(pFile, pWidth, pHeight);

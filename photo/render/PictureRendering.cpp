@@ -61,7 +61,7 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
 void CheckRowLength(const std::string& pFile, int pWidth, int pChannels) {
   const int longest = TmEngine::LongestRow(pChannels);
   if (pWidth <= longest) return;
-  throw cFailure(eExitCode_Processing, pFile,
+  throw cFailure(eFailure::kProcessing, pFile,
                  "is " + std::to_string(pWidth) + " pixels wide, and at most " + std::to_string(longest) +
                      " are possible (any height is); turn it by 90 degrees, split it or reduce its width");
 }
@@ -69,7 +69,7 @@ void CheckRowLength(const std::string& pFile, int pWidth, int pChannels) {
 cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
-  return NameFailures(eExitCode_Processing, pFile, "tone-map", [&] {
+  return NameFailures(eFailure::kProcessing, pFile, "tone-map", [&] {
     pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
     CheckRowLength(pFile, pPicture.fBitmap->GetWidth());
     HideTransparent(pPicture);
@@ -92,7 +92,7 @@ cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const 
 cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
                          const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
                          sRenderingReport& pReport) {
-  return NameFailures(eExitCode_Processing, pFile, "tone-map", [&] {
+  return NameFailures(eFailure::kProcessing, pFile, "tone-map", [&] {
     const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
     SetUpRenderer(*renderer, pSettings, false, pVerbose);
     return Render(*renderer, pRows, 0, pOutput, pReport);

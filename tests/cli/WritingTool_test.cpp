@@ -441,11 +441,11 @@ TEST(Failure, NamesFileAndReasonWhenTheEngineIsOutOfMemory) {
     throw TmEngine::cOutOfMemoryException("The grid is too large.", 1, "file", "time", "function");
   };
   try {
-    Cli::NameFailures(Cli::eExitCode_Processing, "a.hdr", "tone-map", render);
+    Cli::NameFailures(Cli::eFailure::kProcessing, "a.hdr", "tone-map", render);
     ADD_FAILURE() << "no failure";
   } catch (const Cli::cFailure& failure) {
     EXPECT_STREQ(failure.what(), "a.hdr: not enough memory to tone-map it: The grid is too large.");
-    EXPECT_EQ(failure.GetExitCode(), 5);
+    EXPECT_EQ(failure.GetKind(), Cli::eFailure::kProcessing);
   }
 }
 

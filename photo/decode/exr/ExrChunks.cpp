@@ -88,7 +88,7 @@ class cChunkCheck {
     const Imath::V2i corner = fWindow.min + Imath::V2i(pX, pY);
     const Imath::Box2i area(corner, corner + Imath::V2i(pWidth - 1, pHeight - 1));
     if (fSize >= (isPlain ? CountBytes(fFrom.header().channels(), area) : 1.0)) return;
-    throw cFailure(eExitCode_CannotRead, fName, "cut short: it holds fewer pixels than its header promises");
+    throw cFailure(eFailure::kCannotRead, fName, "cut short: it holds fewer pixels than its header promises");
   }
 
   const std::string& fName;

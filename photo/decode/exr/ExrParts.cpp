@@ -72,7 +72,7 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   if (read.ec == std::errc() && read.ptr == end && number < pParts.size()) return static_cast<int>(number);
   std::vector<std::string> names;
   for (std::size_t i = 0; i < pParts.size(); ++i) names.push_back(NamePart(pParts, i));
-  throw cFailure(eExitCode_CannotRead, pFile, "has no part " + pWanted + "; it has " + Join(names));
+  throw cFailure(eFailure::kCannotRead, pFile, "has no part " + pWanted + "; it has " + Join(names));
 }
 
 /// What the parts from pFirst to pLast hold in place of the wanted colours.
@@ -85,7 +85,8 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   for (int part = pFirst; part <= pLast; ++part) {
     const sPicturePart& held = pParts[static_cast<std::size_t>(part)];
     if (!IsFlat(pFrom.header(part))) {
-      throw cFailure(eExitCode_CannotRead, pFile, "its samples are deep (several a pixel); flatten it first");
+      throw cFailure(eFailure::kCannotRead, pFile,
+                     "its samples are deep (several a pixel); flatten it first");
     }
     for (const std::string& layer : held.fLayers)
       layers.push_back(layer.empty() ? "one without a name" : layer);
@@ -95,15 +96,15 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   }
   const std::string list = layers.empty() ? "" : "; layers with colours: " + Join(layers);
   if (!pLayer.empty()) {
-    throw cFailure(eExitCode_CannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead, pFile,
                    "has no layer " + pLayer + " with colours (R, G, B or Y)" +
                        (layers.empty() ? "; no layer has them" : list));
   }
   if (hasChroma) {
-    throw cFailure(eExitCode_CannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead, pFile,
                    "its colours are stored as luminance and chroma (Y, RY, BY), and one of them is missing");
   }
-  throw cFailure(eExitCode_CannotRead, pFile,
+  throw cFailure(eFailure::kCannotRead, pFile,
                  "it has neither the channels R, G, B nor a channel Y (it has: " +
                      (channels.empty() ? "none" : channels) + ")" +
                      (layers.empty() ? "" : list + "; --layer chooses one"));

@@ -35,7 +35,7 @@ std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
 /// Does what the library may refuse.
 template <class tDo>
 auto NameRefusals(const std::string& pFile, const tDo& pDo) {
-  return NameFailures(eExitCode_CannotRead, pFile, "read", pDo, [](const std::string& pText) {
+  return NameFailures(eFailure::kCannotRead, pFile, "read", pDo, [](const std::string& pText) {
     return "damaged, cut short, or of an unknown kind of EXR (" + pText + ")";
   });
 }
