@@ -15,7 +15,7 @@
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileBytes.h"
 #include "photo/metadata/JxlContainer.h"
-#include "tests/cli/TestPictures.h"
+#include "tests/photo/TestPictures.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "cli/batch/AvailableMemory.h"
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // Runs of the built tool over many pictures: what is taken, where it goes, and what ends a run.
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // What the built tool says of itself, and what becomes of its words and of names in them.
 

@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 #include <numeric>
 
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // The verbs that look at pictures, and what tonemap chooses by looking, end to end.
 

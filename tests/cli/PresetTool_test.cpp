@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // Presets and kept settings of the built tool, end to end.
 

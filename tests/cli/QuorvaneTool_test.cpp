@@ -14,8 +14,8 @@
 #include "engine/image/cImageUtils.h"
 #include "export/HostSettings.h"
 #include "tests/Numbers.h"
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // The built tool, end to end: it is run in a folder of its own, on pictures made here.
 

@@ -9,8 +9,8 @@
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
 #include "tests/Numbers.h"
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // How files become what the engine takes, and panoramas through the built tool.
 

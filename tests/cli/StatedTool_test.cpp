@@ -11,8 +11,8 @@
 #include "photo/io/BigEndian.h"
 #include "photo/metadata/MetadataBlocks.h"
 #include "photo/metadata/XmpText.h"
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // What files state of their samples, and what they hold besides the picture that is read.
 

@@ -9,8 +9,8 @@
 #include "photo/metadata/JxlContainer.h"
 #include "photo/metadata/MetadataBlocks.h"
 #include "photo/picture/OutputBitmap.h"
-#include "tests/cli/TestPictures.h"
 #include "tests/cli/ToolTest.h"
+#include "tests/photo/TestPictures.h"
 
 // What the built tool writes: formats, depths, alpha and metadata, checked by libvips and exiftool.
 
