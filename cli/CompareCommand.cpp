@@ -13,6 +13,7 @@
 #include "cli/batch/StandardStreams.h"
 #include "cli/plot/SideBySide.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Warnings.h"
 #include "photo/Json.h"
 #include "photo/base/Failure.h"
 #include "photo/base/Printf.h"
@@ -20,7 +21,6 @@
 #include "photo/encode/OutputFormat.h"
 #include "photo/encode/PictureWriter.h"
 #include "photo/io/VipsLibrary.h"
-#include "photo/picture/Picture.h"
 #include "photo/picture/PictureDifference.h"
 
 namespace Cli {

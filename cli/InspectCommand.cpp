@@ -16,6 +16,8 @@
 #include "cli/plot/SvgDrawing.h"
 #include "cli/plot/TonePlot.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/InspectionText.h"
+#include "cli/terminal/Warnings.h"
 #include "photo/Inspection.h"
 #include "photo/Json.h"
 #include "photo/base/Failure.h"
@@ -60,6 +62,17 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
             format, file);
 }
 
+/// The inspection's own record, and the suggestion as options to type. Warnings stay last.
+nlohmann::ordered_json MakeRecord(const std::string& pFile, const sInspection& pInspection) {
+  nlohmann::ordered_json record = ToJson(pInspection);
+  PutName(record, "input", pFile);
+  const nlohmann::ordered_json warnings = record["warnings"];
+  record.erase("warnings");
+  record["options"] = ToOptions(pInspection.fSuggested);
+  record["warnings"] = warnings;
+  return record;
+}
+
 void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   // measured: the picture and its decoder; the engine renders it for a plot
   SetSingleMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
@@ -68,9 +81,7 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   inspection.fFile = GetSpokenName(pFile);
   PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
   if (pOptions.fJson) {
-    nlohmann::ordered_json json = ToJson(inspection);
-    PutName(json, "input", pFile);
-    Print(ToLine(json) + "\n");
+    Print(ToLine(MakeRecord(pFile, inspection)) + "\n");
   } else {
     Print(DescribeInspection(inspection, GetTerminal()));
   }

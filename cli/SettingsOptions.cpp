@@ -6,11 +6,11 @@
 
 #include "cli/batch/StoredSettings.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Warnings.h"
 #include "photo/Presets.h"
 #include "photo/SettingsJson.h"
 #include "photo/base/Failure.h"
 #include "photo/encode/OutputFormat.h"
-#include "photo/picture/Picture.h"
 
 namespace Cli {
 namespace {

@@ -3,7 +3,6 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-#include "cli/terminal/Terminal.h"
 #include "photo/metadata/MetadataSummary.h"
 #include "photo/picture/Picture.h"
 #include "photo/picture/PictureChoice.h"
@@ -12,7 +11,7 @@
 
 namespace Cli {
 
-/// What is told of a picture that nobody has rendered yet.
+/// What is known of a picture before it is rendered.
 struct sInspection {
   std::string fFile;
   sPicture fPicture;
@@ -25,12 +24,6 @@ struct sInspection {
 /// Reads the whole picture. libvips must be running. Throws cFailure.
 sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
 
-/// The sliders that differ from their defaults, as options to type: "--strength 86 --contrast 10"; "" for
-/// none.
-std::string ToOptions(const sSettings& pSettings);
-
-/// For people, with a histogram.
-std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal);
 /// For programs: numbers without words; the logarithms are decimal.
 nlohmann::ordered_json ToJson(const sInspection& pInspection);
 

@@ -11,8 +11,8 @@
 #include <string_view>
 
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Warnings.h"
 #include "photo/Json.h"
-#include "photo/picture/Picture.h"
 
 namespace Cli {
 namespace {

@@ -5,7 +5,6 @@
 #include <new>
 
 #include "cli/batch/MemoryBudget.h"
-#include "cli/terminal/Console.h"
 #include "engine/base/cException.h"
 #include "engine/image/BitmapRows.h"
 #include "photo/base/Failure.h"
@@ -69,11 +68,6 @@ void AddAlpha(const std::string& pFile, sPicture& pPicture) {
   } catch (const std::bad_alloc&) {
     RefuseSize(pFile, pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight());
   }
-}
-
-void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
-  const std::string start = "quorvane: " + pFile + ": warning: ";
-  for (const std::string& warning : pWarnings) Say(std::string(start).append(warning));
 }
 
 float* GetRow(const sPicture& pPicture, int pY) {

@@ -54,9 +54,6 @@ void LoadRows(const std::string& pFile, sPicture& pPicture);
 /// Gives pPicture an alpha for each pixel, not set. Throws cFailure, in the name of pFile.
 void AddAlpha(const std::string& pFile, sPicture& pPicture);
 
-/// Tells on standard error what the reader of pFile had to put right.
-void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings);
-
 /// First sample of row pY.
 float* GetRow(const sPicture& pPicture, int pY);
 /// First alpha of row pY of a picture that has alpha.

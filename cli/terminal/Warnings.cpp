@@ -1,0 +1,12 @@
+#include "cli/terminal/Warnings.h"
+
+#include "cli/terminal/Console.h"
+
+namespace Cli {
+
+void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
+  const std::string start = "quorvane: " + pFile + ": warning: ";
+  for (const std::string& warning : pWarnings) Say(std::string(start).append(warning));
+}
+
+}  // namespace Cli
