@@ -95,7 +95,7 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   // before the work, so that a place that cannot be written to is told early
   cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
   sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
-                            std::move(picture.fAlpha), picture.fProfile, picture.fMetadata};
+                            std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
   picture.fBitmap.reset();
   PrintWarnings(GetSpokenName(pOptions.fInput), WritePicture(finished, format, pOptions.fFile, file));
 }

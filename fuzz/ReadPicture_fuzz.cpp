@@ -77,7 +77,7 @@ void WriteBack(Cli::sLdrPicture& pPicture) {
   const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + EndingOf(FUZZ_FORMAT, depth);
   Cli::cTempFile file(target);
   Cli::sFinishedPicture finished{Cli::cResultPixels(*pPicture.fBitmap), pPicture.fAlpha, pPicture.fProfile,
-                                 pPicture.fMetadata};
+                                 pPicture.fMetadata, ""};
   Cli::WritePicture(finished, Cli::ChooseOutputFormat(target, depth), {}, file);
   std::filesystem::remove(target);
 }

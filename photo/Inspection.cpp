@@ -63,10 +63,13 @@ sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoi
   sInspection inspection;
   inspection.fFile = pFile;
   inspection.fPicture = ReadPicture(pFile, pChoice);
-  const std::vector<std::string>& warnings = inspection.fPicture.fMetadata.GetWarnings();
-  inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(), warnings.end());
+  if (const cMetadata* const metadata = inspection.fPicture.fMetadata.get()) {
+    const std::vector<std::string>& warnings = metadata->GetWarnings();
+    inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(),
+                                         warnings.end());
+    inspection.fMetadata = SummariseMetadata(*metadata);
+  }
   inspection.fStatistics = MeasurePicture(inspection.fPicture);
-  inspection.fMetadata = SummariseMetadata(inspection.fPicture.fMetadata);
   SettleAlpha(inspection.fPicture);  // what is measured above is what the file holds
   inspection.fWraps = ChooseWrap(eWrap::kAuto, inspection.fPicture);
   inspection.fSuggested = SuggestSettings(SamplePicture(inspection.fPicture));

@@ -134,11 +134,13 @@ sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
   TellOfPicture(picture, report);
   // What was decided for this picture is kept, so that it can be repeated.
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
-  picture.fMetadata.PutSettings(ToJson(report.fSettings, pJob.fResult));
   const auto rendered = tClock::now();
   LayOverColour(pJob.fResult, picture, result);
-  sFinishedPicture finished{std::move(result), std::move(picture.fAlpha),
-                            GetIccProfile(pJob.fResult.fColorSpace), picture.fMetadata,
+  sFinishedPicture finished{std::move(result),
+                            std::move(picture.fAlpha),
+                            GetIccProfile(pJob.fResult.fColorSpace),
+                            picture.fMetadata,
+                            ToJson(report.fSettings, pJob.fResult),
                             picture.fIsPremultiplied};
   const std::vector<std::string> leftOut = WritePicture(finished, format, pJob.fResult.fFile, file);
   report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());

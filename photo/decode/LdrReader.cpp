@@ -16,6 +16,7 @@
 #include "photo/decode/VipsSource.h"
 #include "photo/icc/NamedProfile.h"
 #include "photo/icc/ProfileSpace.h"
+#include "photo/metadata/Metadata.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/Picture.h"
 
@@ -147,7 +148,7 @@ sLdrPicture Read(const std::string& pFile, const std::string& pVerb, const sPict
   picture.fFileDepth = image.format() == VIPS_FORMAT_USHORT ? 16 : 8;
   picture.fMetadata = ReadMetadata(pFile, image);
   picture.fWarnings = ListLeftOut(pFile, image, pChoice.fPage);
-  const sStatedColors stated = FindStatedColors(pFile, image, picture.fMetadata, picture.fWarnings);
+  const sStatedColors stated = FindStatedColors(pFile, image, *picture.fMetadata, picture.fWarnings);
   if (stated.fCoded && stated.fCoded->GoesBeyondWhite()) picture.fBeyondWhite = stated.fCoded->fName;
   sSampleColors colors = FindSpace(stated, colours, picture.fWarnings);
   if (colors.fSpace != nullptr) {

@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "engine/image/cBitmapLDR.h"
-#include "photo/metadata/Metadata.h"
 #include "photo/picture/PictureChoice.h"
 
 namespace Cli {
+
+class cMetadata;
 
 /// A finished picture of 8- or 16-bit samples, and what belongs to it.
 struct sLdrPicture {
@@ -18,7 +19,7 @@ struct sLdrPicture {
   int fFileDepth = 8;        ///< Of the file; a picture that was converted holds 16 bits.
   std::string fProfile;      ///< ICC, of fBitmap's samples.
   std::string fBeyondWhite;  ///< The name of colours that go beyond white, which no profile is for.
-  cMetadata fMetadata;
+  std::shared_ptr<const cMetadata> fMetadata;
   std::vector<std::string> fWarnings;
 };
 

@@ -16,6 +16,7 @@
 #include "photo/decode/tiff/TiffSamples.h"
 #include "photo/icc/IccDecoder.h"
 #include "photo/light/LightRows.h"
+#include "photo/metadata/Metadata.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
 
@@ -78,7 +79,7 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   if (!isInteger && (!layout.IsOfFloats() || layout.fColours == 4)) {
     RefuseLayout(pFile, "its kind of samples is not supported");
   }
-  const sStatedColors stated = FindStatedColors(pFile, pImage, pPicture.fMetadata, pPicture.fWarnings);
+  const sStatedColors stated = FindStatedColors(pFile, pImage, *pPicture.fMetadata, pPicture.fWarnings);
   layout.fDecoder = MakeDecoder(stated.fProfile, layout.fColours, pPicture.fWarnings);
   layout.fOrigin = stated.fOrigin;
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
@@ -259,7 +260,7 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
   pPicture.fFormat = GetFormatName(pImage);
   pPicture.fFileDepth = GetSampleBits(pImage);
   pPicture.fMetadata = ReadMetadata(pFile, pImage);
-  pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata.GetXmpPacket());
+  pPicture.fIsPanorama = StatesPanorama(pPicture.fMetadata->GetXmpPacket());
 }
 
 /// Integers cannot be above their alpha when straight ones were multiplied by it; rounding is a step.

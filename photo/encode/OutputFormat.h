@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "photo/metadata/Metadata.h"
+#include "photo/io/MetadataKinds.h"
 
 namespace Cli {
 

@@ -1,22 +1,25 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "photo/encode/OutputFormat.h"
 #include "photo/io/TempFile.h"
-#include "photo/metadata/Metadata.h"
 #include "photo/picture/ResultPixels.h"
 
 namespace Cli {
 
+class cMetadata;
+
 /// A finished picture and all that its file says of it.
 struct sFinishedPicture {
   cResultPixels fPixels;
-  std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
-  std::string fProfile;               ///< ICC, of the samples.
-  cMetadata fMetadata;
+  std::vector<std::uint16_t> fAlpha;           ///< A value a pixel, 65535 opaque; empty for none.
+  std::string fProfile;                        ///< ICC, of the samples.
+  std::shared_ptr<const cMetadata> fMetadata;  ///< Null for none.
+  std::string fSettings;                       ///< The tool's own, as JSON, for its XMP; empty for none.
   bool fIsPremultiplied = false;  ///< The samples are what is seen over black, and may be above alpha.
 };
 

@@ -191,12 +191,12 @@ std::string cMetadata::GetXmpPacket() const {
   return fFields.is_null() ? "" : GetXmp(fFields.get_image());
 }
 
-cMetadata ReadMetadata(const std::string& pFile, const VImage& pImage) {
+std::shared_ptr<const cMetadata> ReadMetadata(const std::string& pFile, const VImage& pImage) {
   const sJxlMetadata boxes = ReadJxlMetadata(pFile);
   const VImage image = WithJxlMetadata(pImage, boxes);
-  cMetadata metadata(image);
-  metadata.fBlocks = ReadBlocks(pFile, image, metadata.fWarnings);
-  if (boxes.fHasCompressed) metadata.fWarnings.emplace_back("its compressed metadata (brob) are left out");
+  auto metadata = std::make_shared<cMetadata>(image);
+  metadata->fBlocks = ReadBlocks(pFile, image, metadata->fWarnings);
+  if (boxes.fHasCompressed) metadata->fWarnings.emplace_back("its compressed metadata (brob) are left out");
   return metadata;
 }
 

@@ -5,6 +5,8 @@
 #include <vector>
 #include <vips/vips8>
 
+#include "photo/io/MetadataKinds.h"
+
 namespace Cli {
 
 struct sMetadataBlocks;  // see MetadataBlocks.h
@@ -14,15 +16,6 @@ struct sMetadataBlocks;  // see MetadataBlocks.h
 struct sExifField {
   std::string fKey;
   std::string fText;
-};
-
-/// Which of a picture's metadata its result gets. Comments and resolution come with all of them only.
-struct sMetadataKinds {
-  bool fExif = true;  ///< GPS included.
-  bool fXmp = true;
-  bool fIptc = true;
-
-  bool AreAll() const { return fExif && fXmp && fIptc; }
 };
 
 /// What metadata have to say of the picture that they are written with.
@@ -66,7 +59,7 @@ class cMetadata {
                 std::vector<std::string>& pWarnings) const;
 
  private:
-  friend cMetadata ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
+  friend std::shared_ptr<const cMetadata> ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
   std::shared_ptr<sMetadataBlocks> Correct(const vips::VImage& pPicture, const sPictureFacts& pFacts) const;
 
   vips::VImage fFields;  ///< A picture of one pixel that carries what libvips knows; null for nothing.
@@ -82,7 +75,7 @@ class cMetadata {
 void CompleteJxl(const std::string& pPath, const vips::VImage& pPicture);
 
 /// The metadata of pFile, which pImage was opened from and turned upright.
-cMetadata ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
+std::shared_ptr<const cMetadata> ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
 
 /// The settings that the tool wrote into a result; "" for none, or for a file that is no picture.
 std::string ReadStoredSettings(const std::string& pFile);

@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "engine/image/cBitmapXYZ32.h"
-#include "photo/metadata/Metadata.h"
 #include "photo/picture/PictureChoice.h"
 #include "photo/picture/PictureRows.h"
 
 namespace Cli {
+
+class cMetadata;
 
 /// Pixels whose samples had to be put right before the engine may see them.
 struct sRepairs {
@@ -37,7 +38,7 @@ struct sPicture {
   int fFileDepth = 32;                ///< Bits a sample; 32 for Radiance.
   bool fIsPanorama = false;           ///< Its metadata say that left and right edges meet.
   sRepairs fRepairs;
-  cMetadata fMetadata;
+  std::shared_ptr<const cMetadata> fMetadata;  ///< Null for none.
   std::vector<std::string> fWarnings;
 };
 

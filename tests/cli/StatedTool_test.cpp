@@ -120,7 +120,7 @@ TEST_F(StatedTool, ExifNamesAdobeRGB) {
   const VImage scene = ToVips8(MakeScene(40, 30));
   const std::string adobe = Cli::GetIccProfile(TmEngine::eColorSpaceID_AdobeRGB98);
   const auto index = [](const char* pFile) {
-    return ReadPicture(pFile).fMetadata.GetExif("Exif.Iop.InteroperabilityIndex");
+    return ReadPicture(pFile).fMetadata->GetExif("Exif.Iop.InteroperabilityIndex");
   };
   VImage named = scene.copy();
   named.set("exif-ifd4-InteroperabilityIndex", "R03 (R03, ASCII, 4 components, 4 bytes)");
@@ -440,12 +440,12 @@ TEST_F(StatedTool, PanoramasKeepTheirPlaceAndLoseTheirDevelopment) {
       {"CroppedAreaImageHeightPixels", 20}, {"CroppedAreaLeftPixels", 5}, {"CroppedAreaTopPixels", 2}};
   for (const std::string file : {"a.jpg", "a.png", "a.tif", "a.jxl"}) {
     ASSERT_EQ(Run("tonemap in.jpg --overwrite --preview 40 -o " + file).fExitCode, 0);
-    const std::string packet = ReadPicture(file).fMetadata.GetXmpPacket();
+    const std::string packet = ReadPicture(file).fMetadata->GetXmpPacket();
     for (const auto& [name, expected] : halved) EXPECT_EQ(value(packet, name), expected) << file << name;
     EXPECT_EQ(packet.find("Exposure2012"), std::string::npos) << file;
     EXPECT_EQ(packet.find("ToneCurve"), std::string::npos) << file;
     ASSERT_EQ(Run("tonemap in.jpg --overwrite -o " + file).fExitCode, 0);
-    EXPECT_EQ(value(ReadPicture(file).fMetadata.GetXmpPacket(), "FullPanoWidthPixels"), 100) << file;
+    EXPECT_EQ(value(ReadPicture(file).fMetadata->GetXmpPacket(), "FullPanoWidthPixels"), 100) << file;
   }
   // A build without Exiv2 does the same to the text.
   const std::string text = Cli::FitPanorama(Cli::DropDevelopment(xmp), 40, 20);

@@ -331,24 +331,26 @@ TEST_F(WritingTool, StoresSettings) {
               static_cast<unsigned char>(9));
   MakeFullJpeg("in.jpg");
   for (const std::string file : kFiles) {
-    const auto write = [&](const Cli::cMetadata& pMetadata, const Cli::sFileOptions& pOptions) {
-      Cli::sFinishedPicture picture{
-          Cli::cResultPixels(*bitmap), {}, Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB), pMetadata};
+    std::shared_ptr<const Cli::cMetadata> metadata;
+    const auto write = [&](const std::string& pSettings, const Cli::sFileOptions& pOptions) {
+      Cli::sFinishedPicture picture{Cli::cResultPixels(*bitmap),
+                                    {},
+                                    Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB),
+                                    metadata,
+                                    pSettings};
       Cli::cTempFile place(file);
       Cli::WritePicture(picture, Cli::ChooseOutputFormat(file, 8), pOptions, place);
     };
-    Cli::cMetadata metadata = Cli::ReadMetadata("in.jpg", VImage::new_from_file("in.jpg"));
+    metadata = Cli::ReadMetadata("in.jpg", VImage::new_from_file("in.jpg"));
     for (const std::string& text : {std::string("{\"old\": 1}"), json}) {  // the later replaces the former
-      metadata.PutSettings(text);
-      write(metadata, {});
+      write(text, {});
       EXPECT_EQ(Cli::ReadStoredSettings(file), text) << file;
       metadata = Cli::ReadMetadata(file, VImage::new_from_file(file.c_str()));
     }
-    metadata = {};
-    metadata.PutSettings(json);
-    write(metadata, {0, -1, {true, false, true}});
+    metadata = nullptr;
+    write(json, {0, -1, {true, false, true}});
     EXPECT_EQ(Cli::ReadStoredSettings(file), "") << file;
-    write(metadata, {});
+    write(json, {});
     EXPECT_EQ(Cli::ReadStoredSettings(file), json) << file;
   }
   EXPECT_EQ(Cli::ReadStoredSettings("missing.png"), "");

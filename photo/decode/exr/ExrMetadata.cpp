@@ -135,7 +135,7 @@ class cFields {
 
 }  // namespace
 
-cMetadata ReadExrMetadata(const Imf::Header& pHeader) {
+std::shared_ptr<const cMetadata> ReadExrMetadata(const Imf::Header& pHeader) {
   cFields fields(pHeader);
   fields.AddTexts();
   fields.AddPositives();
@@ -145,7 +145,7 @@ cMetadata ReadExrMetadata(const Imf::Header& pHeader) {
   const double density = GetNumber(pHeader, "xDensity").value_or(0.0) / kMillimetresAnInch;
   const double aspect = static_cast<double>(pHeader.pixelAspectRatio());
   const bool isTold = density > 0.0 && std::isfinite(density) && std::isfinite(density * aspect);
-  return {fields.Get(), isTold ? density : 0.0, isTold ? density * aspect : 0.0};
+  return std::make_shared<cMetadata>(fields.Get(), isTold ? density : 0.0, isTold ? density * aspect : 0.0);
 }
 
 }  // namespace Cli

@@ -2,6 +2,8 @@
 
 #include <OpenEXR/ImfHeader.h>
 
+#include <memory>
+
 #include "photo/metadata/Metadata.h"
 
 namespace Cli {
@@ -10,6 +12,6 @@ namespace Cli {
 /// owner (as Copyright), comments, capDate with utcOffset, expTime, aperture, isoSpeed, focus,
 /// nominalFocalLength, make, model and serial number of camera and lens, latitude, longitude and altitude;
 /// xDensity as resolution. What cannot be true (a date in another form, a negative time) is left out.
-cMetadata ReadExrMetadata(const Imf::Header& pHeader);
+std::shared_ptr<const cMetadata> ReadExrMetadata(const Imf::Header& pHeader);
 
 }  // namespace Cli

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace Cli {
+
+/// Which of a picture's metadata its result gets. Comments and resolution come with all of them only.
+struct sMetadataKinds {
+  bool fExif = true;  ///< GPS included.
+  bool fXmp = true;
+  bool fIptc = true;
+
+  bool AreAll() const { return fExif && fXmp && fIptc; }
+};
+
+}  // namespace Cli
