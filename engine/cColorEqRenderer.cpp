@@ -1,5 +1,6 @@
 #include "engine/cColorEqRenderer.h"
 
+#include "engine/base/StageFlags.h"
 #include "engine/base/TmCheck.h"
 #include "engine/color/cColorSpace.h"
 #include "engine/image/ImageRows.h"
@@ -9,7 +10,6 @@
 #include "engine/stages/EqualiserPreparation.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 

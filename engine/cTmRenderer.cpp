@@ -5,7 +5,8 @@
 #include <cmath>
 #include <cstddef>
 
-#include "engine/LogLine.h"
+#include "engine/base/LogLine.h"
+#include "engine/base/StageFlags.h"
 #include "engine/base/TmCheck.h"
 #include "engine/base/cMemUtils.h"
 #include "engine/color/cColorSpace.h"
@@ -18,7 +19,6 @@
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
-#include "engine/stages/StageFlags.h"
 #include "engine/stages/ToneMapping.h"
 
 namespace TmEngine {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "engine/LogLine.h"
+#include "engine/base/LogLine.h"
 #include "export/HostLayout.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <optional>
 
-#include "engine/LogLine.h"
 #include "engine/ToneMapImage.h"
+#include "engine/base/LogLine.h"
 #include "engine/base/TmCheck.h"
 #include "engine/color/cColorSpace.h"
 #include "engine/image/BitmapChecks.h"

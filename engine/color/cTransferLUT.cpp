@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "engine/stages/StageFlags.h"
+#include "engine/base/StageFlags.h"
 
 namespace TmEngine {
 

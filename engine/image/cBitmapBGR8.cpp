@@ -4,7 +4,7 @@
 #include <cstring>
 #include <memory>
 
-#include "engine/LogLine.h"
+#include "engine/base/LogLine.h"
 #include "engine/color/cTransferLUT.h"
 #include "engine/image/BitmapChecks.h"
 #include "engine/image/BitmapRows.h"

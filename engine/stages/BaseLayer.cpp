@@ -4,10 +4,10 @@
 #include <cstddef>
 
 #include "engine/base/Plane.h"
+#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BoxSmoother.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

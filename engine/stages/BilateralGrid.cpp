@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <new>
 
+#include "engine/base/StageFlags.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/math/Quantise.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "engine/LogLine.h"
+#include "engine/base/LogLine.h"
+#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/base/Plane.h"
-#include "engine/stages/StageFlags.h"
+#include "engine/base/StageFlags.h"
 
 namespace TmEngine {
 namespace {

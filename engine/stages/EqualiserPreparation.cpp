@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <memory>
 
+#include "engine/base/StageFlags.h"
 #include "engine/color/cTransferLUT.h"
 #include "engine/image/ImageRows.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/math/cMatrix33.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

@@ -1,9 +1,9 @@
 #include "engine/stages/HueCurves.h"
 
+#include "engine/base/StageFlags.h"
 #include "engine/base/TmCheck.h"
 #include "engine/curve/cHermiteSpline.h"
 #include "engine/stages/HueTable.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "engine/base/Plane.h"
+#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/math/Elementary.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 

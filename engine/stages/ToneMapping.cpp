@@ -4,11 +4,11 @@
 #include <cstddef>
 
 #include "engine/base/Plane.h"
+#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/ColorRows.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "engine/base/StageFlags.h"
 #include "engine/kernels/Kernels.h"
-#include "engine/stages/StageFlags.h"
 
 namespace TmEngine {
 namespace {

@@ -1,4 +1,4 @@
-#include "engine/LogLine.h"
+#include "engine/base/LogLine.h"
 
 #include <cstdarg>
 #include <cstdio>
