@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "export/HostSettings.h"
+#include "engine/ToneSliders.h"
 
 namespace Cli {
 namespace {
@@ -78,15 +78,13 @@ std::string ToText(float pNumber) {
 }
 
 TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap) {
-  tm_quorvane_settings record = {};
-  record.strength = pSettings.fStrength;
-  record.lighting = pSettings.fLighting;
-  record.tone_compression = pSettings.fToneCompression;
-  record.white_clip = pSettings.fWhiteClip;
-  record.black_clip = pSettings.fBlackClip;
-  record.microcontrast = pSettings.fMicrocontrast;
-  record.horizontal_wrap = pWrap ? 1.0f : 0.0f;
-  TmEngine::sToneParameters parameters = MapSettings(record);
+  TmEngine::sToneParameters parameters = TmEngine::MapSliders({.fStrength = pSettings.fStrength,
+                                                               .fLighting = pSettings.fLighting,
+                                                               .fToneCompression = pSettings.fToneCompression,
+                                                               .fWhiteClip = pSettings.fWhiteClip,
+                                                               .fBlackClip = pSettings.fBlackClip,
+                                                               .fMicrocontrast = pSettings.fMicrocontrast});
+  parameters.fHorizontalWrap = pWrap;
   parameters.fContrast = pSettings.fContrast;
   return parameters;
 }
