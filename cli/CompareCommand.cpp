@@ -43,9 +43,10 @@ struct sCompareOptions {
 
 /// pLimit: of memory, for both pictures together.
 sLdrPicture Read(const std::string& pFile, const sPictureChoice& pChoice, std::int64_t pLimit) {
-  SetSingleMemoryGate(kBytesPerPixel, pLimit);
   const cInputFile input(pFile);
-  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb, pChoice); });
+  sLdrPicture picture = NameFile(GetSpokenName(pFile), [&] {
+    return ReadLdrPicture(input.GetPath(), kVerb, pChoice, MakeMemoryGate(kBytesPerPixel, pLimit));
+  });
   PrintWarnings(GetSpokenName(pFile), picture.fWarnings);
   return picture;
 }

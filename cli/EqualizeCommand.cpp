@@ -77,19 +77,21 @@ void RefuseBeyondWhite(const std::string& pFile, const sLdrPicture& pPicture) {
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {
   const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
-  const std::string name = pOptions.fOutput != kStandardStream
-                               ? pOptions.fOutput
-                               : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
-  const eOutputFormat format = ChooseOutputFormat(name, leastDepth, pOptions.fFile);
-  SetMemoryGate([&](const std::string& pFile, std::int64_t pPixels) {
+  const std::string target = pOptions.fOutput != kStandardStream
+                                 ? pOptions.fOutput
+                                 : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
+  const eOutputFormat format = ChooseOutputFormat(target, leastDepth, pOptions.fFile);
+  const tMemoryGate gate = [&](std::int64_t pPixels) {
     // a deeper input makes a deeper result
-    CheckMemoryLimit(pFile, EstimateMemory(pPixels, format, 16), ChooseMemoryLimit(pOptions.fMemoryLimit));
-  });
+    CheckMemoryLimit(EstimateMemory(pPixels, format, 16), ChooseMemoryLimit(pOptions.fMemoryLimit));
+  };
+  const std::string name = GetSpokenName(pOptions.fInput);
   const cInputFile input(pOptions.fInput);
-  sLdrPicture picture = input.Read([&] { return ReadLdrPicture(input.GetPath(), kVerb, pOptions.fSource); });
+  sLdrPicture picture =
+      NameFile(name, [&] { return ReadLdrPicture(input.GetPath(), kVerb, pOptions.fSource, gate); });
   RefuseBeyondWhite(GetSpokenName(pOptions.fInput), picture);
   PrintWarnings(GetSpokenName(pOptions.fInput), picture.fWarnings);
-  CheckRowLength(GetSpokenName(pOptions.fInput), picture.fBitmap->GetWidth(), TmEngine::kHueChannels);
+  NameFile(name, [&] { CheckRowLength(picture.fBitmap->GetWidth(), TmEngine::kHueChannels); });
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   // before the work, so that a place that cannot be written to is told early

@@ -56,7 +56,8 @@ void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
   cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
   sRenderingReport report;
-  RenderWith(*renderer, pInspection.fFile, pInspection.fPicture, settings, {}, false, report);
+  NameFile(pInspection.fFile,
+           [&] { RenderWith(*renderer, pInspection.fPicture, {.fSettings = settings}, report); });
   WritePlot(DrawToneFigure(ToPrintable(std::filesystem::path(pInspection.fFile).filename()),
                            DescribeSettings(settings), pInspection.fStatistics, *renderer),
             format, file);
@@ -75,9 +76,11 @@ nlohmann::ordered_json MakeRecord(const std::string& pFile, const sInspection& p
 
 void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   // measured: the picture and its decoder; the engine renders it for a plot
-  SetSingleMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
+  const tMemoryGate gate =
+      MakeMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
   const cInputFile input(pFile);
-  sInspection inspection = input.Read([&] { return InspectPicture(input.GetPath(), pOptions.fSource); });
+  sInspection inspection =
+      NameFile(GetSpokenName(pFile), [&] { return InspectPicture(input.GetPath(), pOptions.fSource, gate); });
   inspection.fFile = GetSpokenName(pFile);
   PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
   if (pOptions.fJson) {

@@ -9,6 +9,7 @@
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
 #include "photo/render/AutoSettings.h"
+#include "photo/render/ChooseWrap.h"
 
 namespace Cli {
 namespace {
@@ -59,10 +60,11 @@ nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {
 
 }  // namespace
 
-sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice) {
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate) {
   sInspection inspection;
   inspection.fFile = pFile;
-  inspection.fPicture = ReadPicture(pFile, pChoice);
+  inspection.fPicture = ReadPicture(pFile, pChoice, pGate);
   if (const cMetadata* const metadata = inspection.fPicture.fMetadata.get()) {
     const std::vector<std::string>& warnings = metadata->GetWarnings();
     inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(),

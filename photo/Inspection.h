@@ -22,7 +22,8 @@ struct sInspection {
 };
 
 /// Reads the whole picture. libvips must be running. Throws cFailure.
-sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate = {});
 
 /// For programs: numbers without words; the logarithms are decimal.
 nlohmann::ordered_json ToJson(const sInspection& pInspection);

@@ -2,20 +2,20 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
-#include "cli/batch/MemoryBudget.h"
 #include "cli/batch/StandardStreams.h"
 #include "photo/SettingsJson.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/PictureReader.h"
 #include "photo/icc/NamedProfile.h"
 #include "photo/picture/Alpha.h"
-#include "photo/picture/Panorama.h"
 #include "photo/picture/PictureSource.h"
 #include "photo/picture/Preview.h"
 #include "photo/picture/ResultAlpha.h"
 #include "photo/render/AutoSettings.h"
+#include "photo/render/ChooseWrap.h"
 
 namespace Cli {
 namespace {
@@ -37,53 +37,10 @@ void MakeFolder(const std::string& pTarget) {
   }
 }
 
-void TellRange(const sPictureStatistics& pStatistics, sPictureReport& pReport) {
-  pReport.fDynamicRange = pStatistics.CountPositive() > 0 ? pStatistics.GetDynamicRange() : 0.0;
-}
-
 sSettings GetGivenSettings(const sTonemapJob& pJob) {
   sSettings settings = pJob.fSettings;
   Apply(pJob.fChange, settings);
   return settings;
-}
-
-/// Whether the first row can be worked on before the last one is known.
-bool CanBeStreamed(const sTonemapJob& pJob, const sPicture& pPicture) {
-  const bool isLookedAtBefore = pJob.fAuto || pJob.fResult.fPreview > 0;
-  if (pPicture.fRows->HasAlpha() || isLookedAtBefore) return false;
-  const eWrap wrap = GetGivenSettings(pJob).fWrap;
-  const bool mayMeet =
-      pPicture.fIsPanorama || HasPanoramaShape(pPicture.fRows->GetWidth(), pPicture.fRows->GetHeight());
-  return wrap == eWrap::kNone || (wrap == eWrap::kAuto && !mayMeet);
-}
-
-/// Reads the rest of the picture, and does what is done before the engine's work.
-void Load(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) {
-  const auto start = tClock::now();
-  LoadRows(pJob.fInput, pPicture);
-  SettleAlpha(pPicture);
-  pReport.fReadSeconds += SecondsSince(start);
-  const sPictureStatistics statistics = SamplePicture(pPicture);
-  TellRange(statistics, pReport);
-  if (pJob.fAuto) {
-    pReport.fSettings = SuggestSettings(statistics);
-    Apply(pJob.fChange, pReport.fSettings);
-  }
-  if (pJob.fResult.fPreview > 0)
-    pPicture = ReducePicture(pJob.fInput, std::move(pPicture), pJob.fResult.fPreview);
-}
-
-/// The engine's preparation asks for the rows: reading them is no part of its time.
-cResultPixels RenderStreamed(const sTonemapJob& pJob, sPicture& pPicture, sPictureReport& pReport) {
-  const cFileSource source(*pPicture.fRows);
-  cResultPixels result =
-      RenderRows(pJob.fInput, source, pReport.fSettings, pJob.fResult, pJob.fVerbose, pReport.fRendering);
-  if (!pPicture.fRows->Finish(pPicture)) throw sNeedsWholePicture();
-  pPicture.fRows.reset();
-  TellRange(source.GetSample(), pReport);
-  pReport.fReadSeconds += source.GetSeconds();
-  pReport.fRendering.fSeconds.fPreparation -= source.GetSeconds();
-  return result;
 }
 
 sPictureChoice ChooseSource(const sTonemapJob& pJob) {
@@ -92,68 +49,152 @@ sPictureChoice ChooseSource(const sTonemapJob& pJob) {
   return choice;
 }
 
+sRendering MakeRendering(const sTonemapJob& pJob, const sSettings& pSettings) {
+  return {pSettings, pJob.fResult.fDepth, pJob.fResult.fColorSpace, pJob.fVerbose};
+}
+
+/// A picture on its way from file to file.
+struct sWork {
+  sPictureInfo fInfo;
+  std::optional<cResultPixels> fPixels;
+  std::vector<std::uint16_t> fAlpha;  ///< As in sPicture.
+};
+
+/// Waiting for memory is no part of reading.
+sOpenedPicture Open(const sTonemapJob& pJob, sPictureReport& pReport) {
+  double waited = 0.0;
+  const auto start = tClock::now();
+  sOpenedPicture opened = OpenPicture(pJob.fInput, ChooseSource(pJob), [&](std::int64_t pPixels) {
+    const auto asked = tClock::now();
+    if (pJob.fMemoryGate) pJob.fMemoryGate(pPixels);
+    waited = SecondsSince(asked);
+  });
+  pReport.fReadSeconds = SecondsSince(start) - waited;
+  return opened;
+}
+
+/// Opens once more what has been granted its memory.
+sOpenedPicture Reopen(const sTonemapJob& pJob, sPictureReport& pReport) {
+  const auto start = tClock::now();
+  sOpenedPicture opened = OpenPicture(pJob.fInput, ChooseSource(pJob));
+  pReport.fReadSeconds += SecondsSince(start);
+  return opened;
+}
+
+/// Whether the first row can be worked on before the last one is known.
+bool CanBeStreamed(const sTonemapJob& pJob, const sOpenedPicture& pOpened) {
+  const cPictureRows& rows = *pOpened.fRows;
+  const bool isLookedAtBefore = pJob.fAuto || pJob.fResult.fPreview > 0;
+  if (rows.HasAlpha() || isLookedAtBefore) return false;
+  return !MayWrap(GetGivenSettings(pJob).fWrap, pOpened.fIsPanorama, rows.GetWidth(), rows.GetHeight());
+}
+
+void ReportRange(const sPictureStatistics& pStatistics, sPictureReport& pReport) {
+  pReport.fDynamicRange = pStatistics.CountPositive() > 0 ? pStatistics.GetDynamicRange() : 0.0;
+}
+
+/// Reads the pixels, and does what is done before the engine's work.
+sPicture Load(const sTonemapJob& pJob, sOpenedPicture pOpened, sPictureReport& pReport) {
+  const auto start = tClock::now();
+  sPicture picture = LoadPicture(std::move(pOpened));
+  SettleAlpha(picture);
+  pReport.fReadSeconds += SecondsSince(start);
+  const sPictureStatistics statistics = SamplePicture(picture);
+  ReportRange(statistics, pReport);
+  if (pJob.fAuto) {
+    pReport.fSettings = SuggestSettings(statistics);
+    Apply(pJob.fChange, pReport.fSettings);
+  }
+  pReport.fRepairs = picture.fRepairs;
+  if (pJob.fResult.fPreview > 0) return ReducePicture(std::move(picture), pJob.fResult.fPreview);
+  return picture;
+}
+
+void RenderLoaded(const sTonemapJob& pJob, sPicture pPicture, sPictureReport& pReport, sWork& pWork) {
+  pWork.fPixels = RenderPicture(pPicture, MakeRendering(pJob, pReport.fSettings), pReport.fRendering);
+  pWork.fAlpha = std::move(pPicture.fAlpha);
+  pWork.fInfo = std::move(pPicture);
+}
+
+/// The engine's preparation asks for the rows: reading them is no part of its time. Leaves pWork without
+/// pixels when the rows turn out to depend on each other.
+void RenderStreamed(const sTonemapJob& pJob, sOpenedPicture pOpened, sPictureReport& pReport, sWork& pWork) {
+  cPictureSource source(*pOpened.fRows);
+  pWork.fPixels = RenderSource(source, MakeRendering(pJob, pReport.fSettings), pReport.fRendering);
+  pReport.fReadSeconds += source.GetSeconds();
+  if (!pWork.fPixels) return;
+  pReport.fRendering.fSeconds.fPreparation -= source.GetSeconds();
+  pReport.fRepairs = *source.GetRepairs();
+  ReportRange(source.GetSample(), pReport);
+  WarnOfRepairs(pReport.fRepairs, pOpened.fWarnings);
+  pWork.fInfo = std::move(pOpened);
+}
+
 /// Of an opaque picture nothing is left to lay over anything.
-void LayOverColour(const sOutputOptions& pOptions, sPicture& pPicture, cResultPixels& pResult) {
-  if (pOptions.fAlpha.fMode != eAlpha::kColour || pPicture.fAlpha.empty()) return;
-  LayOver(pOptions.fAlpha.fColour, pOptions.fColorSpace, pPicture.fIsPremultiplied, pPicture.fAlpha, pResult);
-  pPicture.fAlpha.clear();
+void LayOverColour(const sOutputOptions& pOptions, sWork& pWork) {
+  if (pOptions.fAlpha.fMode != eAlpha::kColour || pWork.fAlpha.empty()) return;
+  LayOver(pOptions.fAlpha.fColour, pOptions.fColorSpace, pWork.fInfo.fIsPremultiplied, pWork.fAlpha,
+          *pWork.fPixels);
+  pWork.fAlpha.clear();
 }
 
-void TellOfPicture(const sPicture& pPicture, sPictureReport& pReport) {
-  pReport.fFormat = pPicture.fFormat;
-  pReport.fColorSpace = pPicture.fColorSpace;
-  pReport.fFileDepth = pPicture.fFileDepth;
-  pReport.fRepairs = pPicture.fRepairs;
-  pReport.fWarnings = pPicture.fWarnings;
+void ReportInfo(const sPictureInfo& pInfo, sPictureReport& pReport) {
+  pReport.fFormat = pInfo.fFormat;
+  pReport.fColorSpace = pInfo.fColorSpace;
+  pReport.fFileDepth = pInfo.fFileDepth;
+  pReport.fWarnings = pInfo.fWarnings;
 }
 
-sPictureReport Tonemap(const sTonemapJob& pJob, bool pMayStream) {
+void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFile& pFile,
+           sPictureReport& pReport) {
+  const auto start = tClock::now();
+  LayOverColour(pJob.fResult, pWork);
+  sFinishedPicture finished{std::move(*pWork.fPixels),
+                            std::move(pWork.fAlpha),
+                            GetIccProfile(pJob.fResult.fColorSpace),
+                            pWork.fInfo.fMetadata,
+                            ToJson(pReport.fSettings, pJob.fResult),
+                            pWork.fInfo.fIsPremultiplied};
+  const std::vector<std::string> leftOut = WritePicture(finished, pFormat, pJob.fResult.fFile, pFile);
+  pReport.fWarnings.insert(pReport.fWarnings.end(), leftOut.begin(), leftOut.end());
+  pReport.fWriteSeconds = SecondsSince(start);
+}
+
+eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
   if (pJob.fOutput != kStandardStream) CheckIsAnother(pJob.fInput, pJob.fOutput);
   if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
     RefuseExisting(pJob.fOutput, ", --skip-existing leaves it as it is");
-  sPictureReport report;
-  report.fSettings = GetGivenSettings(pJob);
-  TakeGateSeconds();
-  const auto start = tClock::now();
-  sPicture picture = OpenPicture(pJob.fInput, ChooseSource(pJob));
-  report.fReadSeconds = SecondsSince(start) - TakeGateSeconds();
-  const bool isStreamed = pMayStream && CanBeStreamed(pJob, picture);
-  if (!isStreamed) Load(pJob, picture, report);
-  report.fWidth = isStreamed ? picture.fRows->GetWidth() : picture.fBitmap->GetWidth();
-  report.fHeight = isStreamed ? picture.fRows->GetHeight() : picture.fBitmap->GetHeight();
-  CheckRowLength(pJob.fInput, report.fWidth);
-  CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
-  if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
-  // before the work, so that a place that cannot be written to is told early
-  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
-  cResultPixels result = isStreamed ? RenderStreamed(pJob, picture, report)
-                                    : RenderPicture(pJob.fInput, picture, report.fSettings, pJob.fResult,
-                                                    pJob.fVerbose, report.fRendering);
-  picture.fBitmap.reset();
-  TellOfPicture(picture, report);
-  // What was decided for this picture is kept, so that it can be repeated.
-  report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
-  const auto rendered = tClock::now();
-  LayOverColour(pJob.fResult, picture, result);
-  sFinishedPicture finished{std::move(result),
-                            std::move(picture.fAlpha),
-                            GetIccProfile(pJob.fResult.fColorSpace),
-                            picture.fMetadata,
-                            ToJson(report.fSettings, pJob.fResult),
-                            picture.fIsPremultiplied};
-  const std::vector<std::string> leftOut = WritePicture(finished, format, pJob.fResult.fFile, file);
-  report.fWarnings.insert(report.fWarnings.end(), leftOut.begin(), leftOut.end());
-  report.fWriteSeconds = SecondsSince(rendered);
-  return report;
+  return format;
 }
 
 sPictureReport Tonemap(const sTonemapJob& pJob) {
-  try {
-    return Tonemap(pJob, true);
-  } catch (const sNeedsWholePicture&) {
-    return Tonemap(pJob, false);
+  const eOutputFormat format = CheckTarget(pJob);
+  sPictureReport report;
+  report.fSettings = GetGivenSettings(pJob);
+  sOpenedPicture opened = Open(pJob, report);
+  report.fWidth = opened.fRows->GetWidth();
+  report.fHeight = opened.fRows->GetHeight();
+  std::optional<sPicture> loaded;
+  if (!CanBeStreamed(pJob, opened)) {
+    loaded = Load(pJob, std::move(opened), report);
+    report.fWidth = loaded->fBitmap->GetWidth();  // of a preview
+    report.fHeight = loaded->fBitmap->GetHeight();
   }
+  CheckRowLength(report.fWidth);
+  CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
+  if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
+  // before the work, so that a place that cannot be written to is reported early
+  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
+  sWork work;
+  if (!loaded) RenderStreamed(pJob, std::move(opened), report, work);
+  if (!work.fPixels && !loaded) loaded = Load(pJob, Reopen(pJob, report), report);
+  if (!work.fPixels) RenderLoaded(pJob, std::move(*loaded), report, work);
+  ReportInfo(work.fInfo, report);
+  // What was decided for this picture is kept, so that it can be repeated.
+  report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
+  Write(pJob, std::move(work), format, file, report);
+  return report;
 }
 
 }  // namespace
@@ -173,7 +214,7 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   const cInputFile input(pJob.fInput);
   sTonemapJob job = pJob;
   job.fInput = input.GetPath();
-  return input.Read([&] { return Tonemap(job); });
+  return input.Read([&] { return NameFile(job.fInput, [&] { return Tonemap(job); }); });
 }
 
 }  // namespace Cli

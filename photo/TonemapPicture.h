@@ -6,6 +6,7 @@
 
 #include "photo/encode/OutputOptions.h"
 #include "photo/encode/PictureWriter.h"
+#include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
 #include "photo/render/PictureRendering.h"
 #include "photo/render/Settings.h"
@@ -27,6 +28,7 @@ struct sTonemapJob {
   sSettingsChange fChange;    ///< and what is laid over it.
   sPictureChoice fSource;     ///< Its fIgnoresAlpha follows from fResult.
   sOutputOptions fResult;
+  tMemoryGate fMemoryGate;  ///< Asked before the pixels are read.
   bool fVerbose = false;
 };
 

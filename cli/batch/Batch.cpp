@@ -99,7 +99,8 @@ class cReport {
 /// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
 std::string FindObstacle(const sTonemapJob& pJob) {
   try {
-    if (!IsStream(pJob.fInput)) TellFileKind(pJob.fInput);  // nobody could read it again
+    // a stream could not be read again
+    if (!IsStream(pJob.fInput)) NameFile(pJob.fInput, [&] { return TellFileKind(pJob.fInput); });
     if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
     return "";
   } catch (const cFailure& failure) {
@@ -139,11 +140,12 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
       vips_concurrency_set(std::max(1, CountCores() / pWorkers));  // the workers share the cores
     }
     return [&pJobs, pMemory, pAsk](std::size_t pTask) {
-      const sTonemapJob& job = pJobs[pTask];
-      SetMemoryGate([&job, pMemory, pAsk](const std::string& pFile, std::int64_t pPixels) {
-        CheckMemoryLimit(pFile, EstimateFor(job, pPixels), pMemory);
-        pAsk(EstimateFor(job, pPixels));
-      });
+      sTonemapJob job = pJobs[pTask];
+      job.fMemoryGate = [&](std::int64_t pPixels) {
+        const std::int64_t bytes = EstimateFor(pJobs[pTask], pPixels);
+        CheckMemoryLimit(bytes, pMemory);
+        pAsk(bytes);
+      };
       return ToLine(DoPicture(job));
     };
   };

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <chrono>
 #include <cstdio>
 #include <limits>
 #include <utility>
@@ -16,13 +15,6 @@ namespace Cli {
 namespace {
 
 constexpr std::int64_t kUnlimited = std::numeric_limits<std::int64_t>::max();
-
-double gGateSeconds = 0.0;
-
-tMemoryGate& Gate() {
-  static tMemoryGate gate;
-  return gate;
-}
 
 }  // namespace
 
@@ -109,33 +101,15 @@ std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDe
   }
 }
 
-void SetMemoryGate(tMemoryGate pGate) {
-  Gate() = std::move(pGate);
-}
-
-void PassMemoryGate(const std::string& pFile, std::int64_t pPixels) {
-  const tMemoryGate gate = std::exchange(Gate(), nullptr);
-  if (gate == nullptr) return;
-  const auto start = std::chrono::steady_clock::now();
-  gate(pFile, pPixels);
-  gGateSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double TakeGateSeconds() {
-  return std::exchange(gGateSeconds, 0.0);
-}
-
-void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_t pLimit) {
+void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit) {
   if (pBytes <= pLimit) return;
-  throw cFailure(eFailure::kProcessing, pFile,
-                 "needs about " + MemoryToText(pBytes) + " of memory, and the limit is " +
-                     MemoryToText(pLimit) + "; a larger --memory-limit lets it through");
+  throw cFailure(eFailure::kProcessing, "needs about " + MemoryToText(pBytes) +
+                                            " of memory, and the limit is " + MemoryToText(pLimit) +
+                                            "; a larger --memory-limit lets it through");
 }
 
-void SetSingleMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
-  SetMemoryGate([=](const std::string& pFile, std::int64_t pPixels) {
-    CheckMemoryLimit(pFile, AddProcess(pPixels, pBytes), pLimit);
-  });
+tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
+  return [=](std::int64_t pPixels) { CheckMemoryLimit(AddProcess(pPixels, pBytes), pLimit); };
 }
 
 }  // namespace Cli

@@ -2,13 +2,13 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "photo/encode/OutputFormat.h"
+#include "photo/picture/MemoryGate.h"
 
 namespace CLI {
 class App;
@@ -47,19 +47,11 @@ std::string MemoryToText(std::int64_t pBytes);
 /// of some formats need more than the engine does.
 std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
 
-/// Called once, for a picture whose size has just become known, before its pixels are; it may wait, or throw
-/// the cFailure for a picture that is too large. What is made of the picture later passes without it.
-using tMemoryGate = std::function<void(const std::string& pFile, std::int64_t pPixels)>;
-void SetMemoryGate(tMemoryGate pGate);
-void PassMemoryGate(const std::string& pFile, std::int64_t pPixels);
-/// How long pictures have waited at the gate since this was last asked.
-double TakeGateSeconds();
-
 /// Throws the cFailure for a picture that alone needs more than the limit.
-void CheckMemoryLimit(const std::string& pFile, std::int64_t pBytes, std::int64_t pLimit);
+void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit);
 
-/// A gate for the next picture alone, which waits for no others: with pBytes a pixel it has to fit into
-/// pLimit (see ChooseMemoryLimit).
-void SetSingleMemoryGate(std::int64_t pBytes, std::int64_t pLimit);
+/// A gate for a picture that waits for no others: with pBytes per pixel it has to fit into pLimit (see
+/// ChooseMemoryLimit).
+tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit);
 
 }  // namespace Cli

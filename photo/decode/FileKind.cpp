@@ -14,18 +14,18 @@ namespace {
 std::string ReadStart(const std::string& pFile) {
   std::error_code error;
   if (std::filesystem::is_directory(pFile, error)) {
-    throw cFailure(eFailure::kCannotRead, pFile, "is a folder; give the name of a picture in it");
+    throw cFailure(eFailure::kCannotRead, "is a folder; give the name of a picture in it");
   }
   if (std::filesystem::exists(pFile, error) && !std::filesystem::is_regular_file(pFile, error)) {
-    throw cFailure(eFailure::kCannotRead, pFile, "is not a regular file; store the picture in one first");
+    throw cFailure(eFailure::kCannotRead, "is not a regular file; store the picture in one first");
   }
   errno = 0;
   std::ifstream stream(pFile, std::ios::binary);
-  if (!stream) throw cFailure(eFailure::kCannotRead, pFile, std::strerror(errno));
+  if (!stream) throw cFailure(eFailure::kCannotRead, std::strerror(errno));
   std::string start(4, '\0');
   stream.read(start.data(), 4);
   start.resize(static_cast<std::size_t>(stream.gcount()));
-  if (start.empty()) throw cFailure(eFailure::kCannotRead, pFile, "is empty");
+  if (start.empty()) throw cFailure(eFailure::kCannotRead, "is empty");
   return start;
 }
 

@@ -26,13 +26,13 @@ namespace {
 using TmEngine::eColorSpaceID;
 using vips::VImage;
 
-[[noreturn]] void RefuseFloats(const std::string& pFile, const std::string& pVerb) {
-  throw cFailure(eFailure::kCannotRead, pFile, pVerb + " takes 8- and 16-bit pictures; tone-map it first");
+[[noreturn]] void RefuseFloats(const std::string& pVerb) {
+  throw cFailure(eFailure::kCannotRead, pVerb + " takes 8- and 16-bit pictures; tone-map it first");
 }
 
 /// The file's picture, upright. Throws cFailure unless its samples are integers of 8 or 16 bits.
 VImage OpenIntegers(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice) {
-  if (TellFileKind(pFile) != eFileKind::kVips) RefuseFloats(pFile, pVerb);
+  if (TellFileKind(pFile) != eFileKind::kVips) RefuseFloats(pVerb);
   VImage image = Uncode(OpenUpright(pFile, 1, pChoice));
   switch (image.format()) {
     case VIPS_FORMAT_UCHAR:
@@ -40,9 +40,9 @@ VImage OpenIntegers(const std::string& pFile, const std::string& pVerb, const sP
       return image;
     case VIPS_FORMAT_FLOAT:
     case VIPS_FORMAT_DOUBLE:
-      RefuseFloats(pFile, pVerb);
+      RefuseFloats(pVerb);
     default:
-      RefuseLayout(pFile, "its kind of samples is not supported");
+      RefuseLayout("its kind of samples is not supported");
   }
 }
 
@@ -99,7 +99,7 @@ void TakeSamples(const VImage& pImage, int pColours, TmEngine::cColorSpace* pSpa
 /// needs finer steps.
 void Convert(const std::string& pFile, const sPictureChoice& pChoice, eColorSpaceID pSpace,
              sLdrPicture& pPicture) {
-  sPicture light = ReadWithVips(pFile, pChoice);
+  sPicture light = LoadPicture(OpenWithVips(pFile, pChoice, {}));  // its memory is granted
   auto bitmap =
       std::make_unique<TmEngine::cBitmapBGR16>(light.fBitmap->GetWidth(), light.fBitmap->GetHeight(), pSpace);
   bitmap->FromXYZ32(light.fBitmap.get());
@@ -140,11 +140,12 @@ sSampleColors FindSpace(const sStatedColors& pStated, int pColours, std::vector<
   return colors;
 }
 
-sLdrPicture Read(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice) {
+sLdrPicture Read(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice,
+                 const tMemoryGate& pGate) {
   sLdrPicture picture;
   const VImage image = OpenIntegers(pFile, pVerb, pChoice);
-  const int colours = CountColours(pFile, image);
-  CheckSize(pFile, image.width(), image.height());
+  const int colours = CountColours(image);
+  CheckSize(image.width(), image.height(), pGate);
   picture.fFileDepth = image.format() == VIPS_FORMAT_USHORT ? 16 : 8;
   picture.fMetadata = ReadMetadata(pFile, image);
   picture.fWarnings = ListLeftOut(pFile, image, pChoice.fPage);
@@ -157,23 +158,23 @@ sLdrPicture Read(const std::string& pFile, const std::string& pVerb, const sPict
   } else if (colors.fDecoder != nullptr) {
     Convert(pFile, pChoice, ChooseWideSpace(*colors.fDecoder, colors.fColours), picture);
   } else {
-    RefuseLayout(pFile, "it is CMYK without a profile");
+    RefuseLayout("it is CMYK without a profile");
   }
   return picture;
 }
 
 }  // namespace
 
-sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
-                           const sPictureChoice& pChoice) {
+sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate) {
   try {
-    return Read(pFile, pVerb, pChoice);
+    return Read(pFile, pVerb, pChoice, pGate);
   } catch (const vips::VError&) {
-    RefuseDamaged(pFile);
+    RefuseDamaged();
   } catch (const std::bad_alloc&) {
-    throw cFailure(eFailure::kCannotRead, pFile, "its pixels do not fit into memory");
+    throw cFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
   } catch (const TmEngine::cOutOfMemoryException&) {
-    throw cFailure(eFailure::kCannotRead, pFile, "its pixels do not fit into memory");
+    throw cFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
   }
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/image/cBitmapLDR.h"
+#include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
 
 namespace Cli {
@@ -29,6 +30,6 @@ struct sLdrPicture {
 /// stays as it is. libvips must be running. Throws cFailure; for pictures of floats it says that pVerb does
 /// not take them.
 sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
-                           const sPictureChoice& pChoice = {});
+                           const sPictureChoice& pChoice = {}, const tMemoryGate& pGate = {});
 
 }  // namespace Cli

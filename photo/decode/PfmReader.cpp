@@ -21,7 +21,7 @@ struct sPfmHeader {
   bool fSwap = false;  ///< The file's byte order is not the machine's.
 };
 
-sPfmHeader ReadHeader(const std::string& pFile, std::istream& pStream) {
+sPfmHeader ReadHeader(std::istream& pStream) {
   sPfmHeader header;
   std::string kind;
   double scale = 0.0;
@@ -29,7 +29,7 @@ sPfmHeader ReadHeader(const std::string& pFile, std::istream& pStream) {
   pStream.get();  // the one blank before the samples
   const bool isSound =
       pStream.good() && (kind == "PF" || kind == "Pf") && std::isfinite(scale) && scale != 0.0;
-  if (!isSound) throw cFailure(eFailure::kCannotRead, pFile, "its PFM header is damaged");
+  if (!isSound) throw cFailure(eFailure::kCannotRead, "its PFM header is damaged");
   header.fSamples = kind == "PF" ? 3 : 1;
   header.fSwap = (scale < 0.0) != (std::endian::native == std::endian::little);
   return header;
@@ -42,16 +42,15 @@ void CheckLength(const std::string& pFile, const sPfmHeader& pHeader, std::istre
   std::error_code error;
   const auto size = static_cast<double>(std::filesystem::file_size(pFile, error));
   if (error || size - static_cast<double>(pStream.tellg()) < needed) {
-    throw cFailure(eFailure::kCannotRead, pFile, "cut short: it holds fewer pixels than its header promises");
+    throw cFailure(eFailure::kCannotRead, "cut short: it holds fewer pixels than its header promises");
   }
 }
 
 /// The rows, which are stored from bottom to top.
 class cPfmRows : public cPictureRows {
  public:
-  cPfmRows(const std::string& pFile, std::ifstream pStream, const sPfmHeader& pHeader, const sLight& pLight)
+  cPfmRows(std::ifstream pStream, const sPfmHeader& pHeader, const sLight& pLight)
       : cPictureRows(static_cast<int>(pHeader.fWidth), static_cast<int>(pHeader.fHeight), false),
-        fFile(pFile),
         fStream(std::move(pStream)),
         fHeader(pHeader),
         fStart(fStream.tellg()),
@@ -69,7 +68,7 @@ class cPfmRows : public cPictureRows {
   }
 
   void Hold() override { fLight.Hold(); }
-  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
+  std::optional<sRepairs> Finish() override { return fLight.Finish(); }
 
  private:
   /// Of a row in the file's order.
@@ -77,14 +76,13 @@ class cPfmRows : public cPictureRows {
     const auto bytes = static_cast<std::streamsize>(fRow.size() * sizeof(float));
     fStream.seekg(fStart + std::streamoff{bytes} * pRow);
     fStream.read(reinterpret_cast<char*>(fRow.data()), bytes);
-    if (!fStream) throw cFailure(eFailure::kCannotRead, fFile, "cut short, or unreadable");
+    if (!fStream) throw cFailure(eFailure::kCannotRead, "cut short, or unreadable");
     if (!fHeader.fSwap) return;
     for (float& sample : fRow) {
       sample = std::bit_cast<float>(__builtin_bswap32(std::bit_cast<std::uint32_t>(sample)));
     }
   }
 
-  std::string fFile;
   std::ifstream fStream;
   sPfmHeader fHeader;
   std::streampos fStart;
@@ -94,15 +92,16 @@ class cPfmRows : public cPictureRows {
 
 }  // namespace
 
-sPicture OpenPfm(const std::string& pFile) {
+sOpenedPicture OpenPfm(const std::string& pFile, const tMemoryGate& pGate) {
   std::ifstream stream(pFile, std::ios::binary);
-  const sPfmHeader header = ReadHeader(pFile, stream);
+  const sPfmHeader header = ReadHeader(stream);
   if (header.fWidth > 0 && header.fHeight > 0) CheckLength(pFile, header, stream);
-  CheckSize(pFile, header.fWidth, header.fHeight);
-  sPicture picture;
+  CheckSize(header.fWidth, header.fHeight, pGate);
+  sOpenedPicture picture;
   picture.fFormat = "PFM";
   const sLight light = LightOf(std::nullopt, picture.fWarnings);
-  picture.fRows = std::make_unique<cPfmRows>(pFile, std::move(stream), header, light);
+  picture.fColorSpace = light.fColorSpace;
+  picture.fRows = std::make_unique<cPfmRows>(std::move(stream), header, light);
   return picture;
 }
 

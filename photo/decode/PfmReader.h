@@ -8,6 +8,6 @@ namespace Cli {
 
 /// Opens a portable float map: three samples a pixel ("PF") or one ("Pf"), bottom row first, either byte
 /// order. The samples are taken as they are, whatever scale the header states. Throws cFailure.
-sPicture OpenPfm(const std::string& pFile);
+sOpenedPicture OpenPfm(const std::string& pFile, const tMemoryGate& pGate);
 
 }  // namespace Cli

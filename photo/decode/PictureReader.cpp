@@ -8,22 +8,21 @@
 
 namespace Cli {
 
-sPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice) {
+sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate) {
   const eFileKind kind = TellFileKind(pFile);
   if (kind != eFileKind::kVips && pChoice.fPage > 1) {
-    throw cFailure(eFailure::kCannotRead, pFile, "has no pages; leave --page out");
+    throw cFailure(eFailure::kCannotRead, "has no pages; leave --page out");
   }
-  if (kind == eFileKind::kExr) return OpenExr(pFile, pChoice);
+  if (kind == eFileKind::kExr) return OpenExr(pFile, pChoice, pGate);
   if (!pChoice.IsDefault()) {
-    throw cFailure(eFailure::kCannotRead, pFile, "is not OpenEXR, whose parts --part and --layer choose");
+    throw cFailure(eFailure::kCannotRead, "is not OpenEXR, whose parts --part and --layer choose");
   }
-  return kind == eFileKind::kPfm ? OpenPfm(pFile) : OpenWithVips(pFile, pChoice);
+  return kind == eFileKind::kPfm ? OpenPfm(pFile, pGate) : OpenWithVips(pFile, pChoice, pGate);
 }
 
-sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice) {
-  sPicture picture = OpenPicture(pFile, pChoice);
-  LoadRows(pFile, picture);
-  return picture;
+sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice, const tMemoryGate& pGate) {
+  return LoadPicture(OpenPicture(pFile, pChoice, pGate));
 }
 
 }  // namespace Cli

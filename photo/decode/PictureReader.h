@@ -10,9 +10,11 @@ namespace Cli {
 /// Opens a picture of any known format, which is told by the file's content, not by its name: OpenEXR,
 /// PFM, Radiance, TIFF, PNG, JPEG, WebP, HEIF, AVIF, JPEG XL. libvips must be running. Rows stay in the
 /// file. pChoice is for files that hold several pictures, and refused for others. Throws cFailure.
-sPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice = {},
+                           const tMemoryGate& pGate = {});
 
-/// The same with all rows read.
-sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice = {});
+/// Opens it, and reads all rows.
+sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice = {},
+                     const tMemoryGate& pGate = {});
 
 }  // namespace Cli

@@ -70,19 +70,19 @@ void MakeTables(sLayout& pLayout) {
   }
 }
 
-sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
+sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPictureInfo& pPicture) {
   sLayout layout;
   layout.fSamples = pImage.bands();
-  layout.fColours = CountColours(pFile, pImage);
+  layout.fColours = CountColours(pImage);
   layout.fFormat = pImage.format();
   const bool isInteger = layout.fFormat == VIPS_FORMAT_UCHAR || layout.fFormat == VIPS_FORMAT_USHORT;
   if (!isInteger && (!layout.IsOfFloats() || layout.fColours == 4)) {
-    RefuseLayout(pFile, "its kind of samples is not supported");
+    RefuseLayout("its kind of samples is not supported");
   }
   const sStatedColors stated = FindStatedColors(pFile, pImage, *pPicture.fMetadata, pPicture.fWarnings);
   layout.fDecoder = MakeDecoder(stated.fProfile, layout.fColours, pPicture.fWarnings);
   layout.fOrigin = stated.fOrigin;
-  if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout(pFile, "it is CMYK without a profile");
+  if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout("it is CMYK without a profile");
   if (!isInteger) return layout;
   if (layout.fDecoder == nullptr) layout.fCoded = stated.fCoded.value_or(sCodedColors{});
   layout.fFull = static_cast<float>(GetFullSample(pImage));
@@ -90,7 +90,7 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPicture& p
   return layout;
 }
 
-sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPicture& pPicture) {
+sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPictureInfo& pPicture) {
   if (pLayout.fDecoder != nullptr) {
     return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(),
             pLayout.fDecoder->GetName() + " (" + pLayout.fOrigin + ")"};
@@ -215,10 +215,8 @@ void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vect
 /// Streams the rows: no more of the file's own pixels than a strip is in memory.
 class cVipsRows : public cPictureRows {
  public:
-  cVipsRows(const std::string& pFile, const VImage& pImage, sLayout pLayout, bool pHasAlpha,
-            const sLight& pLight)
+  cVipsRows(const VImage& pImage, sLayout pLayout, bool pHasAlpha, const sLight& pLight)
       : cPictureRows(pImage.width(), pImage.height(), pHasAlpha),
-        fFile(pFile),
         fLayout(std::move(pLayout)),
         fLight(pLight),
         fRegion(vips::VRegion::new_from_image(pImage)),
@@ -229,7 +227,7 @@ class cVipsRows : public cPictureRows {
     try {
       if (pY % kStrip == 0) fRegion.prepare(0, pY, GetWidth(), std::min(kStrip, GetHeight() - pY));
     } catch (const vips::VError&) {
-      RefuseDamaged(fFile);
+      RefuseDamaged();
     }
     const VipsPel* const row = fRegion.addr(0, pY);
     if (pToAlpha != nullptr) ToAlpha(row, fLayout, GetWidth(), pToAlpha);
@@ -245,10 +243,9 @@ class cVipsRows : public cPictureRows {
   }
 
   void Hold() override { fLight.Hold(); }
-  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
+  std::optional<sRepairs> Finish() override { return fLight.Finish(); }
 
  private:
-  std::string fFile;
   sLayout fLayout;
   cLightRows fLight;
   vips::VRegion fRegion;
@@ -256,7 +253,7 @@ class cVipsRows : public cPictureRows {
   std::vector<float> fRoom;
 };
 
-void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPicture) {
+void DescribeFile(const std::string& pFile, const VImage& pImage, sPictureInfo& pPicture) {
   pPicture.fFormat = GetFormatName(pImage);
   pPicture.fFileDepth = GetSampleBits(pImage);
   pPicture.fMetadata = ReadMetadata(pFile, pImage);
@@ -264,9 +261,9 @@ void TellOfFile(const std::string& pFile, const VImage& pImage, sPicture& pPictu
 }
 
 /// Integers cannot be above their alpha when straight ones were multiplied by it; rounding is a step.
-bool HasOwnLight(const std::string& pFile, const VImage& pImage) {
+bool HasOwnLight(const VImage& pImage) {
   if (pImage.format() == VIPS_FORMAT_FLOAT || pImage.format() == VIPS_FORMAT_DOUBLE) return false;
-  const int colours = CountColours(pFile, pImage);
+  const int colours = CountColours(pImage);
   if (colours == 4 || pImage.bands() == colours) return false;
   const VImage samples = pImage.extract_band(0, VImage::option()->set("n", colours));
   return (samples > pImage.extract_band(colours) + 1.0).max() > 0.0;
@@ -282,7 +279,7 @@ struct sAssociatedAlpha {
       : fAmendment(FindAssociatedAlpha(pFile, pChoice.fPage)) {
     if (!fAmendment || pChoice.fIgnoresAlpha) return;
     const VImage image = OpenUpright(pFile, 1, pChoice, &*fAmendment);
-    fHasOwnLight = HasOwnLight(pFile, image);
+    fHasOwnLight = HasOwnLight(image);
     const bool isLinear = image.format() == VIPS_FORMAT_FLOAT || image.format() == VIPS_FORMAT_DOUBLE;
     const bool isDivided = !isLinear && image.get_typeof(kStoredBits) == 0;
     if (isDivided && !fHasOwnLight) fAmendment.reset();
@@ -290,14 +287,15 @@ struct sAssociatedAlpha {
   const sAmendment* Get() const { return fAmendment ? &*fAmendment : nullptr; }
 };
 
-sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
+sOpenedPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate) {
   const sRadianceHeader header = ReadRadianceHeader(pFile);
   const sAssociatedAlpha associated(pFile, pChoice);
   const VImage stored = OpenUpright(pFile, header.fOrientation, pChoice, associated.Get());
   VImage image = Uncode(stored);
-  CheckSize(pFile, image.width(), image.height());
-  sPicture picture;
-  TellOfFile(pFile, image, picture);
+  CheckSize(image.width(), image.height(), pGate);
+  sOpenedPicture picture;
+  DescribeFile(pFile, image, picture);
   picture.fWarnings = ListLeftOut(pFile, image, pChoice.fPage);
   if (image.format() == VIPS_FORMAT_DOUBLE) image = image.cast(VIPS_FORMAT_FLOAT);
   sLayout layout = ChooseLayout(pFile, image, picture);
@@ -305,28 +303,24 @@ sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
   layout.fIsRgbe = IsCoded(stored);
   sLight light = ChooseLight(layout, header, picture);
   light.fIsSound = IsSound(layout);
+  picture.fColorSpace = light.fColorSpace;
   const bool hasAlpha = layout.fSamples > layout.fColours && !pChoice.fIgnoresAlpha;
   picture.fIsPremultiplied = hasAlpha && associated.Get() != nullptr;
   picture.fHasOwnLight = picture.fIsPremultiplied && associated.fHasOwnLight;
   picture.fRows =
-      std::make_unique<cVipsRows>(pFile, layout.fIsRgbe ? stored : image, std::move(layout), hasAlpha, light);
+      std::make_unique<cVipsRows>(layout.fIsRgbe ? stored : image, std::move(layout), hasAlpha, light);
   return picture;
 }
 
 }  // namespace
 
-sPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice) {
+sOpenedPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice,
+                            const tMemoryGate& pGate) {
   try {
-    return OpenChecked(pFile, pChoice);
+    return OpenChecked(pFile, pChoice, pGate);
   } catch (const vips::VError&) {
-    RefuseDamaged(pFile);
+    RefuseDamaged();
   }
-}
-
-sPicture ReadWithVips(const std::string& pFile, const sPictureChoice& pChoice) {
-  sPicture picture = OpenWithVips(pFile, pChoice);
-  LoadRows(pFile, picture);
-  return picture;
 }
 
 }  // namespace Cli

@@ -11,8 +11,7 @@ namespace Cli {
 /// content. Samples are decoded as the file states: through an ICC profile, or by numbers (PNG, HEIF, AVIF);
 /// where it states nothing, integers are sRGB, and floats are linear light. Orientation is applied. The rows
 /// are left in the file. Throws cFailure.
-sPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice = {});
-/// The same with all rows read.
-sPicture ReadWithVips(const std::string& pFile, const sPictureChoice& pChoice = {});
+sOpenedPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice,
+                            const tMemoryGate& pGate);
 
 }  // namespace Cli

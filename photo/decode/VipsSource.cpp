@@ -41,11 +41,10 @@ void CheckSize(const std::string& pFile, const VImage& pImage) {
   std::error_code error;
   const auto bytes = static_cast<double>(std::filesystem::file_size(pFile, error));
   if (error || pixels <= kLarge || pixels <= bytes * kMostPixelsAByte) return;
-  throw cFailure(eFailure::kCannotRead, pFile,
-                 "damaged or cut short: it is too small for the size it states");
+  throw cFailure(eFailure::kCannotRead, "damaged or cut short: it is too small for the size it states");
 }
 
-const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource) {
+const sFormat& FindFormat(const vips::VSource& pSource) {
   const char* const loader = vips_foreign_find_load_source(pSource.get_source());
   const std::string_view name = loader == nullptr ? "" : loader;
   const auto* const format =
@@ -54,7 +53,7 @@ const sFormat& FindFormat(const std::string& pFile, const vips::VSource& pSource
   if (format != std::end(kFormats)) return *format;
   vips_error_clear();
   throw cFailure(
-      eFailure::kCannotRead, pFile,
+      eFailure::kCannotRead,
       "not a picture of a known format, or damaged (known: .exr .hdr .pfm .tif .png .jpg .webp .heic "
       ".avif .jxl)");
 }
@@ -74,7 +73,7 @@ vips::VSource OpenSource(const std::string& pFile, const sAmendment* pAmendment)
 void RefuseRawFile(const std::string& pFile) {
   const std::string kind = NameRawFile(pFile);
   if (kind.empty()) return;
-  throw cFailure(eFailure::kCannotRead, pFile,
+  throw cFailure(eFailure::kCannotRead,
                  "is " + kind + ", which cannot be read yet; develop it to a 16-bit TIFF first");
 }
 
@@ -94,7 +93,7 @@ VImage OpenTiffPage(const std::string& pFile, const vips::VSource& pSource, Vips
     const sTiffDirectory& page = pages[static_cast<std::size_t>(index)];
     if (AreOddSamples(page)) return OpenTiffSamples(pFile, index, pAccess == VIPS_ACCESS_RANDOM);
     if (page.fBits > 8 && page.fBits != 16 && page.fBits != 32) {
-      RefuseLayout(pFile, "it has " + std::to_string(page.fBits) + " bits per sample");
+      RefuseLayout("it has " + std::to_string(page.fBits) + " bits per sample");
     }
   }
   return OpenPage(pFile, pSource, pAccess, pPage);
@@ -104,12 +103,12 @@ VImage Open(const std::string& pFile, VipsAccess pAccess, const sPictureChoice& 
             const sAmendment* pAmendment) {
   RefuseRawFile(pFile);
   const vips::VSource source = OpenSource(pFile, pAmendment);
-  const sFormat& format = FindFormat(pFile, source);
+  const sFormat& format = FindFormat(source);
   const auto open = format.fNickname == "tiff" ? &OpenTiffPage : &OpenPage;
   VImage image = open(pFile, source, pAccess, 0);
   const int pages = CountPages(image);
   if (pChoice.fPage > pages && !(pages == 1 && pChoice.fTakesSingle)) {
-    throw cFailure(eFailure::kCannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead,
                    pages == 1 ? "has only one page; leave --page out"
                               : "has " + std::to_string(pages) + " pages; give --page one of them");
   }
@@ -123,7 +122,7 @@ VImage Open(const std::string& pFile, VipsAccess pAccess, const sPictureChoice& 
   return image;
 }
 
-int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {
+int ColoursOf(VipsInterpretation pModel) {
   switch (pModel) {
     case VIPS_INTERPRETATION_B_W:
     case VIPS_INTERPRETATION_GREY16:
@@ -136,7 +135,7 @@ int ColoursOf(const std::string& pFile, VipsInterpretation pModel) {
     case VIPS_INTERPRETATION_CMYK:
       return 4;
     default:
-      RefuseLayout(pFile, "its colour model is not supported");
+      RefuseLayout("its colour model is not supported");
   }
 }
 
@@ -194,19 +193,19 @@ int GetFullSample(const VImage& pImage) {
   return pImage.get_typeof(kHeifBits) == 0 ? 65535 : 65536 - (1 << (16 - GetSampleBits(pImage)));
 }
 
-void RefuseDamaged(const std::string& pFile) {
-  throw cFailure(eFailure::kCannotRead, pFile, "damaged or cut short (" + TakeVipsError() + ")");
+void RefuseDamaged() {
+  throw cFailure(eFailure::kCannotRead, "damaged or cut short (" + TakeVipsError() + ")");
 }
 
-void RefuseLayout(const std::string& pFile, const std::string& pWhat) {
-  throw cFailure(eFailure::kCannotRead, pFile, pWhat + "; convert it to 8- or 16-bit RGB first");
+void RefuseLayout(const std::string& pWhat) {
+  throw cFailure(eFailure::kCannotRead, pWhat + "; convert it to 8- or 16-bit RGB first");
 }
 
-int CountColours(const std::string& pFile, const VImage& pImage) {
-  const int colours = ColoursOf(pFile, pImage.interpretation());
+int CountColours(const VImage& pImage) {
+  const int colours = ColoursOf(pImage.interpretation());
   const int bands = pImage.bands();
   if (bands < colours || bands > colours + 1) {
-    RefuseLayout(pFile, "it has " + std::to_string(bands) + " channels");
+    RefuseLayout("it has " + std::to_string(bands) + " channels");
   }
   return colours;
 }

@@ -24,9 +24,9 @@ bool IsCoded(const vips::VImage& pImage);
 vips::VImage Uncode(const vips::VImage& pImage);
 
 /// Ends the work on a picture that libvips failed to read.
-[[noreturn]] void RefuseDamaged(const std::string& pFile);
+[[noreturn]] void RefuseDamaged();
 /// Ends the work on a picture whose samples are of a kind that nobody reads here.
-[[noreturn]] void RefuseLayout(const std::string& pFile, const std::string& pWhat);
+[[noreturn]] void RefuseLayout(const std::string& pWhat);
 
 /// The format of the file that the picture was opened from: "TIFF", "JPEG XL".
 std::string GetFormatName(const vips::VImage& pImage);
@@ -39,7 +39,7 @@ int GetFullSample(const vips::VImage& pImage);
 
 /// The number of a pixel's samples that are colours: 1 grey, 3 RGB, 4 CMYK; one more, alpha, may follow.
 /// Throws cFailure for other layouts.
-int CountColours(const std::string& pFile, const vips::VImage& pImage);
+int CountColours(const vips::VImage& pImage);
 
 /// The embedded ICC profile; empty for none.
 std::string GetEmbeddedProfile(const vips::VImage& pImage);

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace Cli {
 namespace {
@@ -36,10 +35,6 @@ float RepairSample(float pSample, float pBound, float pLargest) {
   if (std::isnan(pSample)) return 0.0f;
   if (std::fabs(pSample) <= pBound) return pSample;
   return pSample > 0.0f ? pLargest : 0.0f;
-}
-
-std::string CountPixels(std::int64_t pCount) {
-  return std::to_string(pCount) + (pCount == 1 ? " pixel" : " pixels");
 }
 
 /// As the engine's transform of whole pictures does it: the order of the sum decides its last bits.
@@ -87,26 +82,15 @@ bool cLightRows::Take(float* pRow, int pCount) {
   return true;
 }
 
-bool cLightRows::Finish(sPicture& pPicture) {
+std::optional<sRepairs> cLightRows::Finish() {
   const float bound = fLevels.FindBound();
-  if (!fHolds && std::bit_cast<float>(fLargest) > bound) return false;
+  if (!fHolds && std::bit_cast<float>(fLargest) > bound) return std::nullopt;
   const bool isSound = std::all_of(fWaiting.begin(), fWaiting.end(),
                                    [bound](const sPart& pPart) { return pPart.IsSound(bound); });
   const float largest = isSound ? 0.0f : FindLargest(bound);
   for (const sPart& part : fWaiting) FinishPart(part, bound, largest);
   fWaiting.clear();
-  pPicture.fColorSpace = fLight.fColorSpace;
-  pPicture.fRepairs = fRepairs;
-  if (const std::int64_t count = fRepairs.fNaN + fRepairs.fInfinite; count > 0) {
-    pPicture.fWarnings.push_back("repaired " + CountPixels(count) + " with values that are not finite (" +
-                                 std::to_string(fRepairs.fNaN) + " not a number, " +
-                                 std::to_string(fRepairs.fInfinite) + " infinite)");
-  }
-  if (fRepairs.fOutliers > 0) {
-    pPicture.fWarnings.push_back("repaired " + CountPixels(fRepairs.fOutliers) +
-                                 " too far above all other light (outliers)");
-  }
-  return true;
+  return fRepairs;
 }
 
 cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {

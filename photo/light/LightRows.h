@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "photo/light/LightLevels.h"
 #include "photo/light/LinearLight.h"
-#include "photo/picture/Picture.h"
+#include "photo/picture/Repairs.h"
 
 namespace Cli {
 
@@ -28,9 +29,9 @@ class cLightRows {
   /// A row, or a part of one: samples as pLight says. Each is taken once. False for one that depends on the
   /// whole picture, and is not done before Finish.
   bool Take(float* pRow, int pCount);
-  /// After the last row. pPicture gets the numbers of repaired pixels, the colour space's name, and warnings.
-  /// False when rows that have been done hold outliers: the picture must be read again, with Hold.
-  bool Finish(sPicture& pPicture);
+  /// After the last row: what was repaired. Nothing when rows that have been done hold outliers: the picture
+  /// must be read again, with Hold.
+  std::optional<sRepairs> Finish();
 
  private:
   struct sPart {

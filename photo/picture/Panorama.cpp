@@ -93,11 +93,6 @@ bool EdgesMeet(const sPicture& pPicture) {
   return CompareColumns(pPicture, width - count, 0, count) <= kMostDifference * TakeMedian(inside);
 }
 
-bool ChooseWrap(eWrap pWrap, const sPicture& pPicture) {
-  if (pWrap != eWrap::kAuto) return pWrap == eWrap::kHorizontal;
-  return pPicture.fIsPanorama || EdgesMeet(pPicture);
-}
-
 int FindStartColumn(const sPicture& pPicture) {
   const std::vector<double> sums = SumColumns(pPicture);
   const std::size_t width = sums.size();

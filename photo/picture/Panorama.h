@@ -4,7 +4,6 @@
 
 #include "engine/image/ImageRows.h"
 #include "photo/picture/Picture.h"
-#include "photo/render/Settings.h"
 
 namespace Cli {
 
@@ -21,9 +20,6 @@ bool EdgesMeet(const sPicture& pPicture);
 
 /// Whether a picture of this size can be a panorama by its edges.
 bool HasPanoramaShape(int pWidth, int pHeight);
-
-/// What pWrap means for this picture: "auto" goes by its metadata, or else by its edges.
-bool ChooseWrap(eWrap pWrap, const sPicture& pPicture);
 
 /// The column at which the work on a panorama begins. The engine's grid of cells starts at the first column,
 /// so where that lies is seen in the result. To make that the same place of the scene however the panorama is

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <limits>
 #include <new>
+#include <utility>
 
-#include "cli/batch/MemoryBudget.h"
 #include "engine/base/cException.h"
 #include "engine/image/BitmapRows.h"
 #include "photo/base/Failure.h"
@@ -16,58 +16,52 @@ std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
   return std::to_string(pWidth) + " x " + std::to_string(pHeight);
 }
 
-[[noreturn]] void RefuseSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
-  throw cFailure(eFailure::kCannotRead, pFile, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
+[[noreturn]] void RefuseSize(std::int64_t pWidth, std::int64_t pHeight) {
+  throw cFailure(eFailure::kCannotRead, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
 }
 
-std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(const std::string& pFile, int pWidth, int pHeight) {
+std::vector<std::uint16_t> MakeAlpha(int pWidth, int pHeight) {
   try {
-    return std::make_unique<TmEngine::cBitmapXYZ32>(pWidth, pHeight);
+    return std::vector<std::uint16_t>(static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pHeight));
   } catch (const std::bad_alloc&) {
-    RefuseSize(pFile, pWidth, pHeight);
-  } catch (const TmEngine::cOutOfMemoryException&) {
-    RefuseSize(pFile, pWidth, pHeight);
+    RefuseSize(pWidth, pHeight);
   }
 }
 
 }  // namespace
 
-void CheckSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
+void CheckSize(std::int64_t pWidth, std::int64_t pHeight, const tMemoryGate& pGate) {
   if (pWidth < 1 || pHeight < 1) {
-    throw cFailure(eFailure::kCannotRead, pFile, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
+    throw cFailure(eFailure::kCannotRead, "it has no pixels (" + SizeOf(pWidth, pHeight) + ")");
   }
   constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
-  if (pWidth > kLongest || pHeight > kLongest) RefuseSize(pFile, pWidth, pHeight);
-  PassMemoryGate(pFile, pWidth * pHeight);
+  if (pWidth > kLongest || pHeight > kLongest) RefuseSize(pWidth, pHeight);
+  if (pGate) pGate(pWidth * pHeight);
 }
 
-sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight) {
-  CheckSize(pFile, pWidth, pHeight);
+std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(int pWidth, int pHeight) {
+  try {
+    return std::make_unique<TmEngine::cBitmapXYZ32>(pWidth, pHeight);
+  } catch (const std::bad_alloc&) {
+    RefuseSize(pWidth, pHeight);
+  } catch (const TmEngine::cOutOfMemoryException&) {
+    RefuseSize(pWidth, pHeight);
+  }
+}
+
+sPicture LoadPicture(sOpenedPicture pOpened) {
+  cPictureRows& rows = *pOpened.fRows;
   sPicture picture;
-  picture.fBitmap = MakeBitmap(pFile, static_cast<int>(pWidth), static_cast<int>(pHeight));
-  return picture;
-}
-
-void LoadRows(const std::string& pFile, sPicture& pPicture) {
-  cPictureRows& rows = *pPicture.fRows;
-  pPicture.fBitmap = MakeBitmap(pFile, rows.GetWidth(), rows.GetHeight());
-  if (rows.HasAlpha()) AddAlpha(pFile, pPicture);
+  picture.fBitmap = MakeBitmap(rows.GetWidth(), rows.GetHeight());
+  if (rows.HasAlpha()) picture.fAlpha = MakeAlpha(rows.GetWidth(), rows.GetHeight());
   rows.Hold();
   for (int y = 0; y < rows.GetHeight(); ++y) {
-    rows.Read(y, GetRow(pPicture, y), rows.HasAlpha() ? GetAlphaRow(pPicture, y) : nullptr);
+    rows.Read(y, GetRow(picture, y), rows.HasAlpha() ? GetAlphaRow(picture, y) : nullptr);
   }
-  rows.Finish(pPicture);
-  pPicture.fRows.reset();
-}
-
-void AddAlpha(const std::string& pFile, sPicture& pPicture) {
-  const auto width = static_cast<std::size_t>(pPicture.fBitmap->GetWidth());
-  const auto height = static_cast<std::size_t>(pPicture.fBitmap->GetHeight());
-  try {
-    pPicture.fAlpha.resize(width * height);
-  } catch (const std::bad_alloc&) {
-    RefuseSize(pFile, pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight());
-  }
+  picture.fRepairs = rows.Finish().value();
+  static_cast<sPictureInfo&>(picture) = std::move(pOpened);
+  WarnOfRepairs(picture.fRepairs, picture.fWarnings);
+  return picture;
 }
 
 float* GetRow(const sPicture& pPicture, int pY) {

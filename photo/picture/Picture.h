@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/image/cBitmapXYZ32.h"
+#include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
 #include "photo/picture/PictureRows.h"
 
@@ -14,46 +15,42 @@ namespace Cli {
 
 class cMetadata;
 
-/// Pixels whose samples had to be put right before the engine may see them.
-struct sRepairs {
-  std::int64_t fNaN = 0;       ///< With a sample that is not a number.
-  std::int64_t fInfinite = 0;  ///< Others with an infinite sample.
-  std::int64_t fOutliers = 0;  ///< Others with a sample far above all that is light (see cLightLevels).
-  std::int64_t fNegative = 0;  ///< Of colours that no surface has, as dark noise makes them.
-};
-
-/// A picture as the engine takes it, and what its reader knows of it.
-struct sPicture {
-  /// D50-relative XYZ, linear, every sample finite; null while the rows are in the file.
-  std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;
-  std::unique_ptr<cPictureRows> fRows;  ///< Null when they have been read.
-  /// For a reduced picture: pixels of the whole one, which tell where black and white lie. Null for others.
-  std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
-  std::vector<std::uint16_t> fAlpha;  ///< A value a pixel, 65535 opaque; empty for none.
-  bool fIsPremultiplied = false;      ///< Its light is what is seen over black: alpha is no part of it.
-  bool fHasOwnLight = false;          ///< And some of that is known to be above what alpha covers.
-  std::vector<sPicturePart> fParts;   ///< Of a file that can hold several; empty for others.
-  std::string fFormat;                ///< In words: "OpenEXR", "TIFF".
-  std::string fColorSpace;            ///< In words: "Display P3 (ICC)".
-  int fFileDepth = 32;                ///< Bits a sample; 32 for Radiance.
-  bool fIsPanorama = false;           ///< Its metadata say that left and right edges meet.
-  sRepairs fRepairs;
+/// What a file says of its picture.
+struct sPictureInfo {
+  std::string fFormat;               ///< In words: "OpenEXR", "TIFF".
+  std::string fColorSpace;           ///< In words: "Display P3 (ICC)".
+  int fFileDepth = 32;               ///< Bits per sample; 32 for Radiance.
+  bool fIsPremultiplied = false;     ///< Its light is what is seen over black: alpha is no part of it.
+  bool fHasOwnLight = false;         ///< And some of that is known to be above what alpha covers.
+  bool fIsPanorama = false;          ///< Its metadata say that left and right edges meet.
+  std::vector<sPicturePart> fParts;  ///< Of a file that can hold several; empty for others.
   std::shared_ptr<const cMetadata> fMetadata;  ///< Null for none.
   std::vector<std::string> fWarnings;
 };
 
-/// Lets a picture of this size through the memory gate. Throws cFailure, in the name of pFile, for sizes that
-/// no memory holds.
-void CheckSize(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
+/// A picture whose file has been opened, and whose rows are still in it.
+struct sOpenedPicture : sPictureInfo {
+  std::unique_ptr<cPictureRows> fRows;
+};
 
-/// A picture of the given size, its pixels not set. Throws as CheckSize does.
-sPicture MakePicture(const std::string& pFile, std::int64_t pWidth, std::int64_t pHeight);
+/// A picture in memory, as the engine takes it.
+struct sPicture : sPictureInfo {
+  /// D50-relative XYZ, linear, every sample finite.
+  std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;
+  /// For a reduced picture: pixels of the whole one, which show where black and white lie. Null for others.
+  std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
+  std::vector<std::uint16_t> fAlpha;  ///< One value per pixel, 65535 opaque; empty for none.
+  sRepairs fRepairs;
+};
 
-/// Reads the rows that are still in pFile; they come to rest in memory. Throws cFailure.
-void LoadRows(const std::string& pFile, sPicture& pPicture);
+/// Throws cFailure for sizes that no memory holds, and what pGate throws.
+void CheckSize(std::int64_t pWidth, std::int64_t pHeight, const tMemoryGate& pGate);
 
-/// Gives pPicture an alpha for each pixel, not set. Throws cFailure, in the name of pFile.
-void AddAlpha(const std::string& pFile, sPicture& pPicture);
+/// Reads the rows of a picture into memory. Throws cFailure.
+sPicture LoadPicture(sOpenedPicture pOpened);
+
+/// An XYZ bitmap, its pixels not set. Throws cFailure where memory does not suffice.
+std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(int pWidth, int pHeight);
 
 /// First sample of row pY.
 float* GetRow(const sPicture& pPicture, int pY);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "engine/image/PixelRows.h"
@@ -8,34 +9,41 @@
 
 namespace Cli {
 
-/// Thrown where rows cannot be rendered as they come: one of them depends on what all others hold.
-struct sNeedsWholePicture {};
-
 /// Gives the engine a picture's rows as they come from the file, so that the picture is never in memory as a
 /// whole. For one rendering. The rows stay the caller's.
-class cFileSource : public TmEngine::cRowSource {
+///
+/// A row may turn out to depend on what all others hold. Then the source asks the engine to stop (see
+/// GetStopRequest), which it does before it works on what it has got; the picture must be loaded instead.
+class cPictureSource : public TmEngine::cRowSource {
  public:
-  explicit cFileSource(cPictureRows& pRows);
+  explicit cPictureSource(cPictureRows& pRows);
 
-  /// Throws sNeedsWholePicture, and what reading throws.
+  /// Throws what reading throws.
   void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override;
 
+  /// What the renderer takes as its request to cancel.
+  bool* GetStopRequest() { return &fState.fNeedsWholePicture; }
+  /// After the last row: what had to be repaired.
+  const std::optional<sRepairs>& GetRepairs() const { return fState.fRepairs; }
   /// Of the rows that have passed, as SamplePicture takes it.
   sPictureStatistics GetSample() const { return fState.fSampler.Get(); }
   /// What reading took.
   double GetSeconds() const { return fState.fSeconds; }
 
  private:
-  /// The engine takes the source for one that does not change, as it never asks twice.
+  /// For the engine the source is constant: it asks for each row once.
   struct sState {
     cPictureRows& fRows;
     cLuminanceSampler fSampler;
     std::vector<float> fRow;  ///< That was read last.
-    int fY = -1;              ///< Its place.
+    int fY = -1;              ///< Its number.
+    std::optional<sRepairs> fRepairs = std::nullopt;
+    bool fNeedsWholePicture = false;
     double fSeconds = 0.0;
   };
 
   void ReadRow(int pY) const;
+  void Finish() const;
 
   mutable sState fState;
 };

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "engine/image/BitmapRows.h"
 #include "photo/picture/Alpha.h"
 
 namespace Cli {
@@ -106,44 +107,45 @@ void Reduce(const sPicture& pFrom, sPicture& pTo) {
 
 /// Single pixels of the picture, evenly over it. Averages are neither as bright nor as dark as pixels are, so
 /// that shares of clipped pixels are found among these.
-std::unique_ptr<TmEngine::cBitmapXYZ32> TakeSample(const std::string& pFile, const sPicture& pFrom) {
+std::unique_ptr<TmEngine::cBitmapXYZ32> TakeSample(const sPicture& pFrom) {
   constexpr int kLongSide = 1024;
   const int width = pFrom.fBitmap->GetWidth();
   const int height = pFrom.fBitmap->GetHeight();
   const double step = std::max(static_cast<double>(std::max(width, height)) / kLongSide, 1.0);
-  sPicture sample = MakePicture(pFile, static_cast<int>(std::ceil(width / step)),
-                                static_cast<int>(std::ceil(height / step)));
+  std::unique_ptr<TmEngine::cBitmapXYZ32> sample =
+      MakeBitmap(static_cast<int>(std::ceil(width / step)), static_cast<int>(std::ceil(height / step)));
   const auto at = [step](int pTo, int pSide) {
     return std::min(static_cast<int>((pTo + 0.5) * step), pSide - 1);
   };
-  for (int y = 0; y < sample.fBitmap->GetHeight(); ++y) {
+  for (int y = 0; y < sample->GetHeight(); ++y) {
     const float* const from = GetRow(pFrom, at(y, height));
-    float* to = GetRow(sample, y);
-    for (int x = 0; x < sample.fBitmap->GetWidth(); ++x, to += 3) {
+    float* to = TmEngine::RowsOf(*sample).Row(y);
+    for (int x = 0; x < sample->GetWidth(); ++x, to += 3) {
       std::copy_n(from + std::ptrdiff_t{3} * at(x, width), 3, to);
     }
   }
-  return std::move(sample.fBitmap);
+  return sample;
 }
 
 }  // namespace
 
-sPicture ReducePicture(const std::string& pFile, sPicture pPicture, int pLongSide) {
+sPicture ReducePicture(sPicture pPicture, int pLongSide) {
   const int width = pPicture.fBitmap->GetWidth();
   const int height = pPicture.fBitmap->GetHeight();
   const int longSide = std::max(width, height);
   if (longSide <= pLongSide) return pPicture;
   const auto shorten = [&](int pSide) {
-    return std::max(std::lround(static_cast<double>(pSide) * pLongSide / longSide), 1L);
+    return static_cast<int>(std::max(std::lround(static_cast<double>(pSide) * pLongSide / longSide), 1L));
   };
   HideTransparent(pPicture);  // the sample is of what is seen
-  sPicture reduced = MakePicture(pFile, shorten(width), shorten(height));
+  sPicture reduced;
+  reduced.fBitmap = MakeBitmap(shorten(width), shorten(height));
   reduced.fAlpha.resize(pPicture.fAlpha.empty() ? 0
-                                                : static_cast<std::size_t>(shorten(width) * shorten(height)));
+                                                : static_cast<std::size_t>(shorten(width)) *
+                                                      static_cast<std::size_t>(shorten(height)));
   reduced.fIsPremultiplied = pPicture.fIsPremultiplied;
   Reduce(pPicture, reduced);
-  reduced.fSample = TakeSample(pFile, pPicture);
-  pPicture.fSample = std::move(reduced.fSample);
+  pPicture.fSample = TakeSample(pPicture);
   pPicture.fBitmap = std::move(reduced.fBitmap);
   pPicture.fAlpha = std::move(reduced.fAlpha);
   return pPicture;

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <string>
-
 #include "photo/picture/Picture.h"
 
 namespace Cli {
 
 /// pPicture reduced to pLongSide pixels on its longer side, by averaging light over areas; transparent pixels
-/// add none. A picture that is small enough is given back as it is. Throws cFailure in the name of pFile.
-sPicture ReducePicture(const std::string& pFile, sPicture pPicture, int pLongSide);
+/// add none. A picture that is small enough is given back as it is. Throws cFailure.
+sPicture ReducePicture(sPicture pPicture, int pLongSide);
 
 }  // namespace Cli

@@ -7,6 +7,7 @@
 #include "photo/picture/Alpha.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/Panorama.h"
+#include "photo/render/ChooseWrap.h"
 #include "photo/render/CurvePoints.h"
 
 namespace Cli {
@@ -22,13 +23,17 @@ void FillReport(const TmEngine::cTmRenderer& pRenderer, const cResultSink& pSink
 }
 
 /// pStart: the column of the picture that the rows begin with.
-cResultPixels Render(TmEngine::cTmRenderer& pRenderer, const TmEngine::cRowSource& pRows, int pStart,
-                     const sOutputOptions& pOutput, sRenderingReport& pReport) {
-  cResultPixels result(pRows.GetWidth(), pRows.GetHeight(), pOutput.fDepth);
-  cResultSink sink(result, pOutput.fColorSpace, pStart);
+/// pStop: becomes true where the rendering has to stop; then there is no result. Null for never.
+std::optional<cResultPixels> Render(TmEngine::cTmRenderer& pRenderer, const TmEngine::cRowSource& pRows,
+                                    int pStart, bool* pStop, const sRendering& pRendering,
+                                    sRenderingReport& pReport) {
+  cResultPixels result(pRows.GetWidth(), pRows.GetHeight(), pRendering.fDepth);
+  cResultSink sink(result, pRendering.fColorSpace, pStart);
   pRenderer.SetInputRows(pRows);
   pRenderer.SetOutputRows(sink);
-  pRenderer.Render();
+  bool isStopped = false;
+  pRenderer.Render(pStop, &isStopped);
+  if (isStopped) return std::nullopt;
   FillReport(pRenderer, sink, pReport);
   return result;
 }
@@ -58,44 +63,42 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
                          level(0.5f).get());
 }
 
-void CheckRowLength(const std::string& pFile, int pWidth, int pChannels) {
+void CheckRowLength(int pWidth, int pChannels) {
   const int longest = TmEngine::LongestRow(pChannels);
   if (pWidth <= longest) return;
-  throw cFailure(eFailure::kProcessing, pFile,
+  throw cFailure(eFailure::kProcessing,
                  "is " + std::to_string(pWidth) + " pixels wide, and at most " + std::to_string(longest) +
                      " are possible (any height is); turn it by 90 degrees, split it or reduce its width");
 }
 
-cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
-                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
+cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, sPicture& pPicture, const sRendering& pRendering,
                          sRenderingReport& pReport) {
-  return NameFailures(eFailure::kProcessing, pFile, "tone-map", [&] {
-    pReport.fWrap = ChooseWrap(pSettings.fWrap, pPicture);
-    CheckRowLength(pFile, pPicture.fBitmap->GetWidth());
+  return ConvertFailures(eFailure::kProcessing, "tone-map", [&] {
+    const sSettings& settings = pRendering.fSettings;
+    pReport.fWrap = ChooseWrap(settings.fWrap, pPicture);
+    CheckRowLength(pPicture.fBitmap->GetWidth());
     HideTransparent(pPicture);
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);
-    SetUpRenderer(pRenderer, pSettings, pReport.fWrap, pVerbose);
-    if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, pSettings, pReport.fWrap));
-    cResultPixels result = Render(pRenderer, source, start, pOutput, pReport);
+    SetUpRenderer(pRenderer, settings, pReport.fWrap, pRendering.fVerbose);
+    if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, settings, pReport.fWrap));
+    cResultPixels result = Render(pRenderer, source, start, nullptr, pRendering, pReport).value();
     BlackenTransparent(result, pPicture);
     return result;
   });
 }
 
-cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const sSettings& pSettings,
-                            const sOutputOptions& pOutput, bool pVerbose, sRenderingReport& pReport) {
+cResultPixels RenderPicture(sPicture& pPicture, const sRendering& pRendering, sRenderingReport& pReport) {
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-  return RenderWith(*renderer, pFile, pPicture, pSettings, pOutput, pVerbose, pReport);
+  return RenderWith(*renderer, pPicture, pRendering, pReport);
 }
 
-cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
-                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
-                         sRenderingReport& pReport) {
-  return NameFailures(eFailure::kProcessing, pFile, "tone-map", [&] {
+std::optional<cResultPixels> RenderSource(cPictureSource& pSource, const sRendering& pRendering,
+                                          sRenderingReport& pReport) {
+  return ConvertFailures(eFailure::kProcessing, "tone-map", [&] {
     const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-    SetUpRenderer(*renderer, pSettings, false, pVerbose);
-    return Render(*renderer, pRows, 0, pOutput, pReport);
+    SetUpRenderer(*renderer, pRendering.fSettings, false, pRendering.fVerbose);
+    return Render(*renderer, pSource, 0, pSource.GetStopRequest(), pRendering, pReport);
   });
 }
 

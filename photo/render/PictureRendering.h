@@ -1,13 +1,23 @@
 #pragma once
 
+#include <optional>
+
 #include "engine/cTmRenderer.h"
 #include "engine/stages/ColorRows.h"
-#include "photo/encode/OutputOptions.h"
 #include "photo/picture/Picture.h"
+#include "photo/picture/PictureSource.h"
 #include "photo/picture/ResultPixels.h"
 #include "photo/render/Settings.h"
 
 namespace Cli {
+
+/// What is asked of a rendering, besides its picture.
+struct sRendering {
+  sSettings fSettings;
+  int fDepth = 8;  ///< Bits per sample of the result: 8, 12 or 16.
+  TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;  ///< Of the result.
+  bool fVerbose = false;                                               ///< The engine writes log lines.
+};
 
 /// What the engine found and did.
 struct sRenderingReport {
@@ -22,23 +32,19 @@ struct sRenderingReport {
 /// Sets up pRenderer for these settings; its images are the caller's to set. pWrap: the edges meet.
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose);
 
-/// Refuses rows that are too long for the engine, which keeps pChannels of a pixel (see ColorRows.h).
-void CheckRowLength(const std::string& pFile, int pWidth, int pChannels = TmEngine::kColorChannels);
+/// Refuses rows that are too long for the engine, which keeps pChannels per pixel (see ColorRows.h).
+void CheckRowLength(int pWidth, int pChannels = TmEngine::kColorChannels);
 
-/// Tone-maps pPicture with a renderer that knows afterwards what its stages found. Throws cFailure in the
-/// name of pFile.
-cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, const std::string& pFile, sPicture& pPicture,
-                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
+/// Tone-maps pPicture with a renderer that knows afterwards what its stages found. Throws cFailure.
+cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, sPicture& pPicture, const sRendering& pRendering,
                          sRenderingReport& pReport);
 
-/// The same with a renderer of its own.
-cResultPixels RenderPicture(const std::string& pFile, sPicture& pPicture, const sSettings& pSettings,
-                            const sOutputOptions& pOutput, bool pVerbose, sRenderingReport& pReport);
+/// Tone-maps pPicture with a renderer of its own.
+cResultPixels RenderPicture(sPicture& pPicture, const sRendering& pRendering, sRenderingReport& pReport);
 
-/// Tone-maps rows as they come, of a picture without alpha whose edges do not meet. What reading throws
-/// passes; all else is a cFailure in the name of pFile.
-cResultPixels RenderRows(const std::string& pFile, const TmEngine::cRowSource& pRows,
-                         const sSettings& pSettings, const sOutputOptions& pOutput, bool pVerbose,
-                         sRenderingReport& pReport);
+/// Tone-maps rows as they come from the file, of a picture without alpha whose edges do not meet. None when
+/// the rows turn out to depend on each other: the picture has to be loaded. Throws cFailure.
+std::optional<cResultPixels> RenderSource(cPictureSource& pSource, const sRendering& pRendering,
+                                          sRenderingReport& pReport);
 
 }  // namespace Cli

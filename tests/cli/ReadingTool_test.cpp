@@ -8,6 +8,7 @@
 #include "photo/decode/PictureReader.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
+#include "photo/render/ChooseWrap.h"
 #include "tests/Numbers.h"
 #include "tests/cli/ToolTest.h"
 #include "tests/photo/TestPictures.h"

@@ -94,10 +94,10 @@ bool HasAlphaChannel(const Imf::Header& pHeader, const sExrSource& pSource) {
   return alpha != nullptr && IsWhole(*alpha);
 }
 
-void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const sExrSource& pSource) {
+void CheckExrSource(const Imf::Header& pHeader, const sExrSource& pSource) {
   for (const std::string& name : NameChannels(pSource)) {
     if (IsWhole(pHeader.channels()[name])) continue;
-    throw cFailure(eFailure::kCannotRead, pFile, "its channel " + name + " is subsampled; convert it first");
+    throw cFailure(eFailure::kCannotRead, "its channel " + name + " is subsampled; convert it first");
   }
   if (pSource.fColours != eExrColours::kChroma) return;
   const auto isHalf = [&](const char* pName) {
@@ -105,12 +105,12 @@ void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const 
     return chroma.xSampling == 2 && chroma.ySampling == 2;
   };
   if (!isHalf("RY") || !isHalf("BY")) {
-    throw cFailure(eFailure::kCannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead,
                    "its colours are stored as luminance and chroma (Y, RY, BY), and chroma not at half the "
                    "resolution; convert it to R, G, B");
   }
   if (pSource.fPart == 0) return;
-  throw cFailure(eFailure::kCannotRead, pFile,
+  throw cFailure(eFailure::kCannotRead,
                  "luminance and chroma (Y, RY, BY) are read from the first part only; convert it to R, G, B");
 }
 

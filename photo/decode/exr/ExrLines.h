@@ -26,9 +26,8 @@ class cExrLines {
 /// Whether the source has an alpha that belongs to its pixels.
 bool HasAlphaChannel(const Imf::Header& pHeader, const sExrSource& pSource);
 
-/// Refuses sources whose colours are not stored as their kind should be. Throws cFailure in the name of
-/// pFile.
-void CheckExrSource(const std::string& pFile, const Imf::Header& pHeader, const sExrSource& pSource);
+/// Refuses sources whose colours are not stored as their kind should be. Throws cFailure.
+void CheckExrSource(const Imf::Header& pHeader, const sExrSource& pSource);
 
 /// pPart stays the caller's. Luminance and chroma become RGB. Throws what the library throws.
 std::unique_ptr<cExrLines> OpenExrLines(const std::string& pFile, Imf::InputPart& pPart,

@@ -62,7 +62,7 @@ std::string NamePart(const std::vector<sPicturePart>& pParts, std::size_t pIndex
 }
 
 /// By its name, or else by its number.
-int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, const std::string& pWanted) {
+int FindPart(const std::vector<sPicturePart>& pParts, const std::string& pWanted) {
   const auto named = std::find_if(pParts.begin(), pParts.end(),
                                   [&](const sPicturePart& pPart) { return pPart.fName == pWanted; });
   if (named != pParts.end()) return static_cast<int>(named - pParts.begin());
@@ -72,21 +72,19 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   if (read.ec == std::errc() && read.ptr == end && number < pParts.size()) return static_cast<int>(number);
   std::vector<std::string> names;
   for (std::size_t i = 0; i < pParts.size(); ++i) names.push_back(NamePart(pParts, i));
-  throw cFailure(eFailure::kCannotRead, pFile, "has no part " + pWanted + "; it has " + Join(names));
+  throw cFailure(eFailure::kCannotRead, "has no part " + pWanted + "; it has " + Join(names));
 }
 
 /// What the parts from pFirst to pLast hold in place of the wanted colours.
-[[noreturn]] void RefuseSource(const std::string& pFile, const Imf::MultiPartInputFile& pFrom,
-                               const std::vector<sPicturePart>& pParts, int pFirst, int pLast,
-                               const std::string& pLayer) {
+[[noreturn]] void RefuseSource(const Imf::MultiPartInputFile& pFrom, const std::vector<sPicturePart>& pParts,
+                               int pFirst, int pLast, const std::string& pLayer) {
   std::vector<std::string> layers;
   std::string channels;
   bool hasChroma = false;
   for (int part = pFirst; part <= pLast; ++part) {
     const sPicturePart& held = pParts[static_cast<std::size_t>(part)];
     if (!IsFlat(pFrom.header(part))) {
-      throw cFailure(eFailure::kCannotRead, pFile,
-                     "its samples are deep (several a pixel); flatten it first");
+      throw cFailure(eFailure::kCannotRead, "its samples are deep (several a pixel); flatten it first");
     }
     for (const std::string& layer : held.fLayers)
       layers.push_back(layer.empty() ? "one without a name" : layer);
@@ -96,18 +94,16 @@ int FindPart(const std::string& pFile, const std::vector<sPicturePart>& pParts, 
   }
   const std::string list = layers.empty() ? "" : "; layers with colours: " + Join(layers);
   if (!pLayer.empty()) {
-    throw cFailure(eFailure::kCannotRead, pFile,
-                   "has no layer " + pLayer + " with colours (R, G, B or Y)" +
-                       (layers.empty() ? "; no layer has them" : list));
+    throw cFailure(eFailure::kCannotRead, "has no layer " + pLayer + " with colours (R, G, B or Y)" +
+                                              (layers.empty() ? "; no layer has them" : list));
   }
   if (hasChroma) {
-    throw cFailure(eFailure::kCannotRead, pFile,
+    throw cFailure(eFailure::kCannotRead,
                    "its colours are stored as luminance and chroma (Y, RY, BY), and one of them is missing");
   }
-  throw cFailure(eFailure::kCannotRead, pFile,
-                 "it has neither the channels R, G, B nor a channel Y (it has: " +
-                     (channels.empty() ? "none" : channels) + ")" +
-                     (layers.empty() ? "" : list + "; --layer chooses one"));
+  throw cFailure(eFailure::kCannotRead, "it has neither the channels R, G, B nor a channel Y (it has: " +
+                                            (channels.empty() ? "none" : channels) + ")" +
+                                            (layers.empty() ? "" : list + "; --layer chooses one"));
 }
 
 }  // namespace
@@ -119,17 +115,16 @@ std::vector<sPicturePart> ListExrParts(const Imf::MultiPartInputFile& pFrom) {
   return parts;
 }
 
-sExrSource ChooseExrSource(const std::string& pFile, const Imf::MultiPartInputFile& pFrom,
-                           const sPictureChoice& pChoice) {
+sExrSource ChooseExrSource(const Imf::MultiPartInputFile& pFrom, const sPictureChoice& pChoice) {
   const std::vector<sPicturePart> parts = ListExrParts(pFrom);
   int first = 0;
   int last = pFrom.parts() - 1;
-  if (!pChoice.fPart.empty()) first = last = FindPart(pFile, parts, pChoice.fPart);
+  if (!pChoice.fPart.empty()) first = last = FindPart(parts, pChoice.fPart);
   for (int part = first; part <= last; ++part) {
     const eExrColours colours = FindColours(pFrom.header(part), pChoice.fLayer);
     if (colours != eExrColours::kNone) return {part, pChoice.fLayer, colours};
   }
-  RefuseSource(pFile, pFrom, parts, first, last, pChoice.fLayer);
+  RefuseSource(pFrom, parts, first, last, pChoice.fLayer);
 }
 
 std::string DescribeLeftOut(const std::vector<sPicturePart>& pParts, const sExrSource& pUsed) {

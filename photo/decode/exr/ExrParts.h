@@ -25,10 +25,9 @@ struct sExrSource {
 
 std::vector<sPicturePart> ListExrParts(const Imf::MultiPartInputFile& pFrom);
 
-/// What pChoice asks for: of what it leaves open, the first part with colours. Throws cFailure in the name of
-/// pFile, with the parts and layers that there are.
-sExrSource ChooseExrSource(const std::string& pFile, const Imf::MultiPartInputFile& pFrom,
-                           const sPictureChoice& pChoice);
+/// What pChoice asks for: of what it leaves open, the first part with colours. Throws cFailure, with the
+/// parts and layers that there are.
+sExrSource ChooseExrSource(const Imf::MultiPartInputFile& pFrom, const sPictureChoice& pChoice);
 
 /// "left out: part 0 (depth), layer diffuse; ..."; "" when nothing is left out but single channels.
 std::string DescribeLeftOut(const std::vector<sPicturePart>& pParts, const sExrSource& pUsed);

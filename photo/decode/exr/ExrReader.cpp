@@ -34,8 +34,8 @@ std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
 
 /// Does what the library may refuse.
 template <class tDo>
-auto NameRefusals(const std::string& pFile, const tDo& pDo) {
-  return NameFailures(eFailure::kCannotRead, pFile, "read", pDo, [](const std::string& pText) {
+auto ConvertRefusals(const tDo& pDo) {
+  return ConvertFailures(eFailure::kCannotRead, "read", pDo, [](const std::string& pText) {
     return "damaged, cut short, or of an unknown kind of EXR (" + pText + ")";
   });
 }
@@ -47,7 +47,7 @@ struct sOpenPart {
   Imf::InputPart fPart;
 
   sOpenPart(const std::string& pFile, const sPictureChoice& pChoice)
-      : fFile(pFile.c_str()), fSource(ChooseExrSource(pFile, fFile, pChoice)), fPart(fFile, fSource.fPart) {}
+      : fFile(pFile.c_str()), fSource(ChooseExrSource(fFile, pChoice)), fPart(fFile, fSource.fPart) {}
   const Imf::Header& GetHeader() const { return fPart.header(); }
 };
 
@@ -110,7 +110,6 @@ class cExrRows : public cPictureRows {
   cExrRows(const std::string& pFile, std::unique_ptr<sOpenPart> pPart, const sWindow& pWindow, bool pHasAlpha,
            const sLight& pLight)
       : cPictureRows(static_cast<int>(pWindow.fWidth), static_cast<int>(pWindow.fHeight), pHasAlpha),
-        fFile(pFile),
         fPart(std::move(pPart)),
         fReader(OpenExrLines(pFile, fPart->fPart, fPart->fSource)),
         fData(fPart->GetHeader().dataWindow()),
@@ -134,7 +133,7 @@ class cExrRows : public cPictureRows {
   }
 
   void Hold() override { fLight.Hold(); }
-  bool Finish(sPicture& pPicture) override { return fLight.Finish(pPicture); }
+  std::optional<sRepairs> Finish() override { return fLight.Finish(); }
 
  private:
   /// The place of a line in what has been read last.
@@ -142,7 +141,7 @@ class cExrRows : public cPictureRows {
     const int first = pLine - pLine % fLines;
     if (first != fFirst) {
       const int count = static_cast<int>(std::min<std::int64_t>(fLines, fData.fHeight - first));
-      NameRefusals(fFile, [&] { ReadLines(first, count); });
+      ConvertRefusals([&] { ReadLines(first, count); });
       fFirst = first;
     }
     return static_cast<std::size_t>(pLine - first) * static_cast<std::size_t>(fData.fWidth);
@@ -168,7 +167,6 @@ class cExrRows : public cPictureRows {
     }
   }
 
-  std::string fFile;
   std::unique_ptr<sOpenPart> fPart;
   std::unique_ptr<cExrLines> fReader;
   sWindow fData;
@@ -192,23 +190,24 @@ void WarnOfShape(const Imf::Header& pHeader, std::vector<std::string>& pWarnings
 }
 
 /// The size in memory is that of the larger one of picture and data.
-void CheckWindows(const std::string& pFile, const sWindow& pPicture, const sWindow& pData) {
+void CheckWindows(const sWindow& pPicture, const sWindow& pData, const tMemoryGate& pGate) {
   const sWindow& larger = pPicture.CountPixels() > pData.CountPixels() ? pPicture : pData;
-  CheckSize(pFile, larger.fWidth, larger.fHeight);
+  CheckSize(larger.fWidth, larger.fHeight, pGate);
 }
 
-sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
+sOpenedPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice,
+                           const tMemoryGate& pGate) {
   auto part = std::make_unique<sOpenPart>(pFile, pChoice);
   const Imf::Header& header = part->GetHeader();
-  CheckExrSource(pFile, header, part->fSource);
-  sPicture picture;
+  CheckExrSource(header, part->fSource);
+  sOpenedPicture picture;
   picture.fParts = ListExrParts(part->fFile);
   const std::string leftOut = DescribeLeftOut(picture.fParts, part->fSource);
   if (!leftOut.empty()) picture.fWarnings.push_back(leftOut);
   const sWindow data(header.dataWindow());
   const sWindow window = ChooseWindow(header, picture.fWarnings);
   WarnOfShape(header, picture.fWarnings);
-  CheckWindows(pFile, window, data);
+  CheckWindows(window, data, pGate);
   CheckExrChunks(pFile, part->fPart);
   const bool isRgb = part->fSource.fColours == eExrColours::kRgb;
   picture.fFormat = "OpenEXR";
@@ -217,6 +216,7 @@ sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
   picture.fMetadata = ReadExrMetadata(header);
   const sLight light = LightOf(StatedPrimaries(header), picture.fWarnings);
   const bool hasAlpha = HasAlphaChannel(header, part->fSource) || !data.Covers(window);
+  picture.fColorSpace = light.fColorSpace;
   picture.fIsPremultiplied = hasAlpha && !pChoice.fIgnoresAlpha;
   picture.fRows = std::make_unique<cExrRows>(pFile, std::move(part), window, picture.fIsPremultiplied, light);
   return picture;
@@ -224,8 +224,8 @@ sPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoice) {
 
 }  // namespace
 
-sPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice) {
-  return NameRefusals(pFile, [&] { return OpenChecked(pFile, pChoice); });
+sOpenedPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice, const tMemoryGate& pGate) {
+  return ConvertRefusals([&] { return OpenChecked(pFile, pChoice, pGate); });
 }
 
 }  // namespace Cli

@@ -15,6 +15,6 @@ namespace Cli {
 /// transparent. Environment maps are their whole data window, as is a picture whose display window is
 /// elsewhere, or far too large for it (which leaves a warning). Further parts and layers, and pixels that are
 /// not square, leave a warning. Throws cFailure.
-sPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice = {});
+sOpenedPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice, const tMemoryGate& pGate);
 
 }  // namespace Cli
