@@ -13,6 +13,7 @@
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ColorRows.h"
+#include "engine/stages/StageRun.h"
 #include "engine/stages/ToneMapping.h"
 #include "examples/scene/HostPixels.h"
 #include "export/PixelExport.h"
@@ -73,14 +74,13 @@ struct sStages {
   sLayerStatistics fLayers;
   sToneTables fTables;
   sToneMappedRange fMapped;
-  bool fAborted = false;
 
   cHostSource Source(int pBits) const {
     return {Layout(pBits, 8), kGamma, fSpace.GetRGBToXYZ(), HostPicture(pBits).data()};
   }
   cBilateralGrid Grid() const { return {kWidth, kHeight, kSigmaS, kSigmaR, fRange.fLogMin, fRange.fLogMax}; }
   void Prepare(const cRowSource& pFrom) {
-    PrepareColors(nullptr, &fAborted, pFrom, fToWorking, fRecords, fLogs.get(), fRange);
+    PrepareColors({}, pFrom, fToWorking, fRecords, fLogs.get(), fRange);
   }
   void Slice(cBilateralGrid& pGrid) {
     for (int y = 0; y < kHeight; ++y) {
@@ -97,9 +97,7 @@ struct sStages {
     fLayers.Finish(RowStart(kHeight, kWidth));
   }
   void BuildTables() { BuildToneTables(GlobalExponent(44.0f), 0.0f, fLayers, fTables); }
-  void MapLuminance() {
-    fMapped = ToneMapLuminance(nullptr, &fAborted, fLogs.get(), fBase.get(), fLayers, fTables, fRecords);
-  }
+  void MapLuminance() { ToneMapLuminance({}, fLogs.get(), fBase.get(), fLayers, fTables, fRecords, fMapped); }
 };
 
 /// Ready for every stage.
@@ -185,7 +183,7 @@ void RegisterPixelStages() {
   Register("stage/layer_statistics", 8.0, [](sStages& s) { return Seconds([&] { s.MeasureLayers(); }); });
   Register("stage/tone_mapping", 12.0, [](sStages& s) { return Seconds([&] { s.MapLuminance(); }); });
   Register("stage/histogram", 4.0, [](sStages& s) {
-    return Seconds([&] { const cLuminanceHistogram histogram(s.fRecords, s.fMapped); });
+    return Seconds([&] { const cLuminanceHistogram histogram(s.fRecords, s.fMapped, {}); });
   });
   for (const int bits : {8, 16}) {
     Register("stage/final_rendering_" + std::to_string(bits), 14.0 + 3.0 * bits / 8.0, [bits](sStages&) {

@@ -1,6 +1,5 @@
 #include "engine/cColorEqRenderer.h"
 
-#include "engine/base/StageFlags.h"
 #include "engine/base/TmCheck.h"
 #include "engine/color/cColorSpace.h"
 #include "engine/image/ImageRows.h"
@@ -10,6 +9,7 @@
 #include "engine/stages/EqualiserPreparation.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
+#include "engine/stages/StageRun.h"
 
 namespace TmEngine {
 
@@ -66,37 +66,37 @@ void cColorEqRenderer::Render(bool* pCancel, bool* pAborted) {
   TM_CHECK(fInput->GetHeight() == fOutput->GetHeight(), cInvalidOperationException,
            "The input and output images do not have the same height.");
 
+  const sStageRun run = {pCancel, pAborted};
   if (fPrepareDirty) {
-    Prepare(pCancel, pAborted);
-    if (IsSet(pAborted)) return;
+    Prepare(run);
+    if (run.IsAborted()) return;
     fPrepareDirty = false;
   }
   if (fRenderDirty) {
-    RenderRows(pCancel, pAborted);
-    if (!IsSet(pAborted)) fRenderDirty = false;
+    RenderRows(run);
+    if (!run.IsAborted()) fRenderDirty = false;
   }
 }
 
-void cColorEqRenderer::Prepare(bool* pCancel, bool* pAborted) {
-  if (StopRequested(pCancel, pAborted)) return;
+void cColorEqRenderer::Prepare(const sStageRun& pRun) {
+  if (pRun.Stops()) return;
   fHueRecords.reset();  // first, so that two are never held
   fHueRecords = std::make_unique<cBitmapU16T>(fInput->GetWidth(), fInput->GetHeight(), kHueChannels);
-  FillHueRecords(pCancel, pAborted, *fInput, fXYZToWorking, *fHueRecords);
-  StopRequested(pCancel, pAborted);
+  if (!FillHueRecords(pRun, *fInput, fXYZToWorking, *fHueRecords)) return pRun.Abort();
+  pRun.Stops();
 }
 
-void cColorEqRenderer::RenderRows(bool* pCancel, bool* pAborted) {
+void cColorEqRenderer::RenderRows(const sStageRun& pRun) {
   const cMatrix33 colorMatrix = fOutput->GetColorSpace()->GetXYZToRGB() * fWorkingToXYZ;
-  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace(), pCancel);
-  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pCancel)) return SetAborted(pAborted);
+  const unsigned short* encoding = fOutputEncoding.Table(*fOutput->GetColorSpace(), pRun.fCancel);
+  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pRun.fCancel)) return pRun.Abort();
   const float* lightness = fHueCurves.Lightness();
   const sEqualiser equaliser = {fHueTable->Elements(), lightness, colorMatrix.Elements()};
   cImageSink sink(*fOutput);
-  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
   const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
     Kernels().fEqualise(equaliser, ColorRun(*fHueRecords, pY, pX), pTo.fR, pTo.fG, pTo.fB, pCount);
   };
-  EncodeRows(sink, fHueRecords->GetTileHeight(), encoding, stops, fill);
+  if (!EncodeRows(sink, fHueRecords->GetTileHeight(), encoding, pRun.fCancel, fill)) pRun.Abort();
 }
 
 }  // namespace TmEngine

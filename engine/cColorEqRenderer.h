@@ -12,6 +12,7 @@ class cBitmapLDR;
 class cBitmapU16T;
 class cHermiteSpline;
 class cHueTable;
+struct sStageRun;
 
 /// Changes hue, saturation and lightness of a finished picture as functions of hue. Two stages run, and only
 /// when what they read was set since they last ran: preparation (the input in the working space, kept), and
@@ -50,8 +51,8 @@ class cColorEqRenderer {
   void Render();
 
  private:
-  void Prepare(bool* pCancel, bool* pAborted);
-  void RenderRows(bool* pCancel, bool* pAborted);
+  void Prepare(const sStageRun& pRun);
+  void RenderRows(const sStageRun& pRun);
 
   cBitmapLDR* fInput = nullptr;   // not owned
   cBitmapLDR* fOutput = nullptr;  // not owned

@@ -5,8 +5,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "engine/base/LogLine.h"
-#include "engine/base/StageFlags.h"
 #include "engine/base/TmCheck.h"
 #include "engine/base/cMemUtils.h"
 #include "engine/color/cColorSpace.h"
@@ -19,6 +17,7 @@
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
+#include "engine/stages/StageRun.h"
 #include "engine/stages/ToneMapping.h"
 
 namespace TmEngine {
@@ -177,7 +176,7 @@ void cTmRenderer::Render(bool* pCancel, bool* pAborted) {
 
   struct sStage {
     bool cTmRenderer::*fDirty;
-    void (cTmRenderer::*fRun)(bool*, bool*);
+    void (cTmRenderer::*fRun)(const sStageRun&);
     double sStageSeconds::*fSeconds;
   };
   static constexpr sStage kStages[] = {
@@ -185,26 +184,38 @@ void cTmRenderer::Render(bool* pCancel, bool* pAborted) {
       {&cTmRenderer::fPhase1Dirty, &cTmRenderer::ToneMapPhase1, &sStageSeconds::fPhase1},
       {&cTmRenderer::fPhase2Dirty, &cTmRenderer::ToneMapPhase2, &sStageSeconds::fPhase2},
       {&cTmRenderer::fFinalDirty, &cTmRenderer::FinalRendering, &sStageSeconds::fFinalRendering}};
+  const sStageRun run = {pCancel, pAborted, cStageLog(fVerbose)};
   for (const sStage& stage : kStages) {
     if (!(this->*stage.fDirty)) continue;
     const auto start = std::chrono::steady_clock::now();
-    (this->*stage.fRun)(pCancel, pAborted);
+    (this->*stage.fRun)(run);
     fSeconds.*stage.fSeconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (IsSet(pAborted)) return;
+    if (run.IsAborted()) return;
     this->*stage.fDirty = false;
   }
 }
 
-void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
+void cTmRenderer::Prepare(const sStageRun& pRun) {
+  if (pRun.Stops()) return;
+  AllocPlanes();
+  if (!PrepareColors(pRun, *fInput, fXYZToWorking, *fColorRecords, fLogLuminance.get(), fLuminance)) {
+    return pRun.Abort();
+  }
+  pRun.fLog.Preparation(fLuminance);
+  pRun.Stops();
+}
+
+/// The planes of the run before go first, so that two sets are never held; new ones are kept only when all
+/// of them could be allocated.
+void cTmRenderer::AllocPlanes() {
   static constexpr char kSignature[] = "void __cdecl TmEngine::cTmRenderer::Prepare(bool *,bool *)";
-  if (StopRequested(pCancel, pAborted)) return;
   fColorRecords.reset();
   fLogLuminance.reset();
   fBase.reset();
+  fRegion = cLargeRegion();
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
-  fRegion = cLargeRegion();
   cLargeRegion region(PixelBytes(width, height));
   auto records = std::make_unique<cBitmapU16T>(width, height, kColorChannels, &region);
   tPlane logLuminance = AllocPlane(width, height, &region);
@@ -214,21 +225,9 @@ void cTmRenderer::Prepare(bool* pCancel, bool* pAborted) {
   fColorRecords = std::move(records);
   fLogLuminance = std::move(logLuminance);
   fBase = std::move(base);
-
-  bool stopped = false;
-  PrepareColors(pCancel, &stopped, *fInput, fXYZToWorking, *fColorRecords, fLogLuminance.get(), fLuminance);
-  if (stopped) {
-    SetAborted(pAborted);
-    return;
-  }
-  if (fVerbose) {
-    LogLine("Prepare for Rendering - Min: %1.2f  - Max: %1.2f\n", static_cast<double>(fLuminance.fLogMin),
-            static_cast<double>(fLuminance.fLogMax));
-  }
-  StopRequested(pCancel, pAborted);
 }
 
-void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
+void cTmRenderer::ToneMapPhase1(const sStageRun& pRun) {
   static constexpr char kSignature[] = "void __cdecl TmEngine::cTmRenderer::ToneMapPhase1(bool *,bool *)";
   TM_CHECK(!std::isnan(fMicrocontrast), cArgumentException, "Argument pMicrocontrast is out of range.");
   TM_CHECK(!std::isnan(fLighting), cArgumentException, "Argument pLighting is out of range.");
@@ -244,87 +243,57 @@ void cTmRenderer::ToneMapPhase1(bool* pCancel, bool* pAborted) {
   TM_CHECK(cBilateralGrid::IsWithinBounds(width, height, filter.fSigmaS, filter.fSigmaR, filter.fRangeMin,
                                           filter.fRangeMax),
            cOutOfMemoryException, "Microcontrast and Lighting ask for a grid far larger than the picture.");
-  FormBaseLayer(pCancel, pAborted, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers);
-  if (IsSet(pAborted)) return;
-  if (fVerbose) {
-    LogLine(
-        "End ToneMappingPhase1 %d x %d  - min/ave/max Base: %1.2f  %1.2f  %1.2f (vs orig: %1.2f)  -  "
-        "Detail: %1.2f  %1.2f  %1.2f\n",
-        width, height, static_cast<double>(fLayers.fBaseMin), fLayers.fBaseMean,
-        static_cast<double>(fLayers.fBaseMax), static_cast<double>(fLuminance.fLogMax),
-        static_cast<double>(fLayers.fDetailMin), fLayers.fDetailMagnitude,
-        static_cast<double>(fLayers.fDetailMax));
-  }
+  if (!FormBaseLayer(pRun, fLogLuminance.get(), fBase.get(), width, height, filter, fLayers)) pRun.Abort();
+  if (pRun.IsAborted()) return;
+  pRun.fLog.Layers(width, height, fLayers, fLuminance);
 }
 
-void cTmRenderer::ToneMapPhase2(bool* pCancel, bool* pAborted) {
+void cTmRenderer::ToneMapPhase2(const sStageRun& pRun) {
   const float exponent = GlobalExponent(fStrength);
-  if (!BuildToneTables(exponent, fToneCompression, fLayers, fToneTables, pCancel))
-    return SetAborted(pAborted);
-  if (StopRequested(pCancel, pAborted)) return;
+  if (!BuildToneTables(exponent, fToneCompression, fLayers, fToneTables, pRun.fCancel)) return pRun.Abort();
+  if (pRun.Stops()) return;
   if (!(fLayers.fBaseMax - fLayers.fBaseMin > 0.0f) || !(fLayers.fDetailMax - fLayers.fDetailMin > 0.0f))
     return;
-
   fExposureScales = ExposureScales(exponent, fLuminance.fMax, fLayers.fBaseMax);
-  if (fVerbose) {
-    LogLine(
-        "GlobalContrast Log10: %1.2f -> GlobalOutMax: %1.2f (vs orig: %1.2f  exposure: %1.2f)  - "
-        "DetailOutMax:  %1.2f (vs DetailAverage: %1.2f)\n",
-        static_cast<double>(exponent), static_cast<double>(fToneTables.fBaseMax),
-        Pow(10.0, static_cast<double>(fLuminance.fLogMax)), 1.0 / static_cast<double>(fExposureScales.fInput),
-        static_cast<double>(fToneTables.fDetailMax), Pow(10.0, fLayers.fDetailMagnitude));
-  }
+  pRun.fLog.Compression(exponent, fToneTables, fLayers, fLuminance, fExposureScales);
 
-  bool stopped = false;
-  const sToneMappedRange range = ToneMapLuminance(pCancel, &stopped, fLogLuminance.get(), fBase.get(),
-                                                  fLayers, fToneTables, *fColorRecords);
-  if (stopped || IsSet(pCancel)) {
-    SetAborted(pAborted);
-    return;
-  }
-  const double min = static_cast<double>(range.fMin);
-  const double max = static_cast<double>(range.fMax);
-  const double scaling = static_cast<double>(1.0f / (range.fMax - range.fMin));
-  if (fVerbose) {
-    const double pixels = static_cast<double>(fInput->GetWidth()) * fInput->GetHeight();
-    LogLine(
-        "Tone Mapped Y Min/Max: [%1.2f  %1.2f] (vs orig [%1.2f  %1.2f]) ave: %1.2f  -> scaling: %1.2f (vs "
-        "exposure: %1.2f)\n",
-        min, max, static_cast<double>(fLuminance.fMin), static_cast<double>(fLuminance.fMax),
-        range.fSum / pixels, scaling, static_cast<double>(fExposureScales.fInput));
-  }
-  const cLuminanceHistogram histogram(*fColorRecords, range, pCancel, &stopped);
-  if (stopped) {
-    SetAborted(pAborted);
-    return;
-  }
+  sToneMappedRange range;
+  if (!ToneMapLuminance(pRun, fLogLuminance.get(), fBase.get(), fLayers, fToneTables, *fColorRecords, range))
+    return pRun.Abort();
+  if (pRun.Stops()) return;
+  const double pixels = static_cast<double>(fInput->GetWidth()) * fInput->GetHeight();
+  pRun.fLog.ToneMapped(range, pixels, fLuminance, fExposureScales);
+
+  const cLuminanceHistogram histogram(*fColorRecords, range, pRun);
+  if (histogram.WasStopped()) return pRun.Abort();
   fPoints = fGivenPoints ? *fGivenPoints : histogram.Points(fBlackClip, fWhiteClip);
-  if (!fVerbose || histogram.IsEmpty()) return;
-  histogram.LogPercentiles();
-  LogLine("  ==> Linear Black: %1.2f (vs %1.2f) - White: %1.2f (vs %1.2f)  ->  Scaling:  %1.2f  (vs %1.2f)\n",
-          static_cast<double>(fPoints.fBlack), min, static_cast<double>(fPoints.fWhite), max,
-          static_cast<double>(1.0f / (fPoints.fWhite - fPoints.fBlack)), scaling);
+  pRun.fLog.BlackAndWhite(histogram, fPoints, range);
 }
 
-void cTmRenderer::FinalRendering(bool* pCancel, bool* pAborted) {
-  const cMatrix33 colorMatrix = fOutput->GetColorSpace().GetXYZToRGB() * fWorkingToXYZ;
-  if (!UpdateToneCurve(pCancel)) return SetAborted(pAborted);
-  const unsigned short* encoding = fOutputEncoding.Table(fOutput->GetColorSpace(), pCancel);
-  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pCancel)) return SetAborted(pAborted);
-  if (StopRequested(pCancel, pAborted)) return;
+void cTmRenderer::FinalRendering(const sStageRun& pRun) {
+  const cColorSpace& space = fOutput->GetColorSpace();
+  const cMatrix33 colorMatrix = space.GetXYZToRGB() * fWorkingToXYZ;
+  if (!UpdateToneCurve(pRun.fCancel)) return pRun.Abort();
+  const unsigned short* encoding = fOutputEncoding.Table(space, pRun.fCancel);
+  if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pRun.fCancel)) return pRun.Abort();
+  if (pRun.Stops()) return;
 
-  const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
-  const float gain = static_cast<float>(Pow(2.0, static_cast<double>(fExposure)) * scale);
-  const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
-  const sExposure exposure = {gain, stretch, fPoints.fBlack};
+  const sExposure exposure = OutputExposure();
   const float* const hues = fHueTable != nullptr ? fHueTable->Elements() : nullptr;
   const sKernels& kernels = Kernels();
-  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
   const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
     kernels.fColorIndices(ColorRun(*fColorRecords, pY, pX), hues, exposure, pTo.fR, pTo.fG, pTo.fB, pCount);
     kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
   };
-  EncodeRows(*fOutput, fColorRecords->GetTileHeight(), encoding, stops, fill);
+  if (!EncodeRows(*fOutput, fColorRecords->GetTileHeight(), encoding, pRun.fCancel, fill)) pRun.Abort();
+}
+
+/// Luminance is stretched between the black and white points; the gain applies where it is not.
+sExposure cTmRenderer::OutputExposure() const {
+  const double scale = fExposureScale ? static_cast<double>(fExposureScales.fInput) : 1.0;
+  const float gain = static_cast<float>(Pow(2.0, static_cast<double>(fExposure)) * scale);
+  const float stretch = fPoints.fWhite > fPoints.fBlack ? 1.0f / (fPoints.fWhite - fPoints.fBlack) : 1.0f;
+  return {gain, stretch, fPoints.fBlack};
 }
 
 bool cTmRenderer::UpdateToneCurve(const bool* pCancel) {

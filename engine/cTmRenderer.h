@@ -20,6 +20,8 @@ namespace TmEngine {
 class cBitmapU16T;
 class cHermiteSpline;
 class cHueTable;
+struct sExposure;
+struct sStageRun;
 
 /// How long each stage took when it last ran.
 struct sStageSeconds {
@@ -103,10 +105,12 @@ class cTmRenderer {
   const sStageSeconds& GetStageSeconds() const { return fSeconds; }
 
  private:
-  void Prepare(bool* pCancel, bool* pAborted);
-  void ToneMapPhase1(bool* pCancel, bool* pAborted);
-  void ToneMapPhase2(bool* pCancel, bool* pAborted);
-  void FinalRendering(bool* pCancel, bool* pAborted);
+  void Prepare(const sStageRun& pRun);
+  void AllocPlanes();
+  void ToneMapPhase1(const sStageRun& pRun);
+  void ToneMapPhase2(const sStageRun& pRun);
+  void FinalRendering(const sStageRun& pRun);
+  sExposure OutputExposure() const;
   bool UpdateToneCurve(const bool* pCancel);  // false when stopped
 
   const cRowSource* fInput = nullptr;  // not owned, or fInputImage

@@ -2,21 +2,15 @@
 
 namespace TmEngine {
 
-/// Reads a flag that another thread may set while a stage runs. A null flag is never set.
+// Flags that two threads share: atomic, so that a stage sees what another thread sets while it runs.
+
+/// A null flag is never set.
 inline bool IsSet(const bool* pFlag) {
   return pFlag != nullptr && __atomic_load_n(pFlag, __ATOMIC_RELAXED);
 }
 
-/// Tells the caller of a stage that it stopped early.
-inline void SetAborted(bool* pAborted) {
-  __atomic_store_n(pAborted, true, __ATOMIC_RELAXED);
-}
-
-/// Polls the cancel request; when it is set, sets the aborted flag and tells the stage to stop.
-inline bool StopRequested(const bool* pCancel, bool* pAborted) {
-  if (!IsSet(pCancel)) return false;
-  SetAborted(pAborted);
-  return true;
+inline void SetFlag(bool* pFlag) {
+  __atomic_store_n(pFlag, true, __ATOMIC_RELAXED);
 }
 
 }  // namespace TmEngine

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/base/StageFlags.h"
+
 namespace TmEngine {
 
 class cColorSpace;
@@ -33,18 +35,20 @@ inline sRowsOfRun RunOfRow(int pY, int pWidth, int pHeight, int pTileHeight) {
 }
 
 /// Calls pRun(row, column, count) for each run of a picture: a part of a row, or whole rows one after the
-/// other. pStops is asked once for each row; for rows of one run before the first of them.
-template <class tStops, class tRun>
-void ForEachRun(int pWidth, int pHeight, int pTileHeight, const tStops& pStops, const tRun& pRun) {
+/// other. Polls pCancel (null: never set) once for each row; for rows of one run before the first of them.
+/// Returns false when it is set, with the rows from there on left out.
+template <class tRun>
+bool ForEachRun(int pWidth, int pHeight, int pTileHeight, const bool* pCancel, const tRun& pRun) {
   for (int y = 0; y < pHeight;) {
     const int count = RunOfRow(y, pWidth, pHeight, pTileHeight).fCount;
     for (int row = 0; row < count; ++row) {
-      if (pStops()) return;
+      if (IsSet(pCancel)) return false;
     }
     const int pixels = count * pWidth;
     for (int x = 0; x < pixels; x += kRunLength) pRun(y, x, std::min(kRunLength, pixels - x));
     y += count;
   }
+  return true;
 }
 
 /// Calls pPart(row, column, offset, count) for the part of each row that a run covers; offset counts from the

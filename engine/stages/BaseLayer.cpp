@@ -4,10 +4,10 @@
 #include <cstddef>
 
 #include "engine/base/Plane.h"
-#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/stages/BilateralGrid.h"
 #include "engine/stages/BoxSmoother.h"
+#include "engine/stages/StageRun.h"
 
 namespace TmEngine {
 namespace {
@@ -39,17 +39,18 @@ bool SliceAndMeasure(const bool* pCancel, cBilateralGrid& pGrid, const float* pL
 
 }  // namespace
 
-void FormBaseLayer(const bool* pCancel, bool* pAborted, const float* pLogLuminance, float* pBase, int pWidth,
-                   int pHeight, const sBaseFilter& pFilter, sLayerStatistics& pStatistics) {
+bool FormBaseLayer(const sStageRun& pRun, const float* pLogLuminance, float* pBase, int pWidth, int pHeight,
+                   const sBaseFilter& pFilter, sLayerStatistics& pStatistics) {
   pStatistics = sLayerStatistics{};
   const float smoothing = static_cast<float>(std::max(pWidth, pHeight)) * pFilter.fLocalContrast / 3000.0f;
   cBilateralGrid grid(pWidth, pHeight, pFilter.fSigmaS, pFilter.fSigmaR, pFilter.fRangeMin,
                       pFilter.fRangeMax);
-  if (!grid.Splat(pCancel, pLogLuminance, pFilter.fWrap) || !grid.Blur(pCancel) ||
-      !SliceAndMeasure(pCancel, grid, pLogLuminance, pBase, pWidth, pHeight, smoothing, pStatistics)) {
-    return SetAborted(pAborted);
+  if (!grid.Splat(pRun.fCancel, pLogLuminance, pFilter.fWrap) || !grid.Blur(pRun.fCancel) ||
+      !SliceAndMeasure(pRun.fCancel, grid, pLogLuminance, pBase, pWidth, pHeight, smoothing, pStatistics)) {
+    return false;
   }
   pStatistics.Finish(RowStart(pHeight, pWidth));
+  return true;
 }
 
 }  // namespace TmEngine

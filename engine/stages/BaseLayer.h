@@ -4,6 +4,8 @@
 
 namespace TmEngine {
 
+struct sStageRun;
+
 /// How the base layer is formed.
 struct sBaseFilter {
   float fSigmaS;    ///< Cell size in pixels, above 0.
@@ -16,10 +18,10 @@ struct sBaseFilter {
 
 /// Smooths the log luminance with a bilateral grid (see cBilateralGrid) into pBase, and with a box where
 /// Local Contrast asks for it, and measures base and detail. Planes are pWidth * pHeight floats, row-major,
-/// no padding. Polls pCancel before each row of the picture and of the grid; when it is set, sets pAborted
-/// and leaves pBase unfinished. Throws std::bad_alloc without memory for the grid, and for a grid beyond
+/// no padding. Polls before each row of the picture and of the grid; false, with pBase unfinished,
+/// when stopped. Throws std::bad_alloc without memory for the grid, and for a grid beyond
 /// cBilateralGrid::IsWithinBounds; nothing else.
-void FormBaseLayer(const bool* pCancel, bool* pAborted, const float* pLogLuminance, float* pBase, int pWidth,
-                   int pHeight, const sBaseFilter& pFilter, sLayerStatistics& pStatistics);
+bool FormBaseLayer(const sStageRun& pRun, const float* pLogLuminance, float* pBase, int pWidth, int pHeight,
+                   const sBaseFilter& pFilter, sLayerStatistics& pStatistics);
 
 }  // namespace TmEngine

@@ -3,15 +3,15 @@
 #include <algorithm>
 
 #include "engine/base/LogLine.h"
-#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
+#include "engine/stages/StageRun.h"
 
 namespace TmEngine {
 
 cLuminanceHistogram::cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappedRange& pRange,
-                                         const bool* pCancel, bool* pAborted)
+                                         const sStageRun& pRun)
     : fCounts(static_cast<std::uint32_t*>(std::calloc(kTableSize, sizeof(std::uint32_t)))),
       fMin(pRange.fMin),
       fScale(pRange.fMax > pRange.fMin ? 65535.0f / (pRange.fMax - pRange.fMin) : 1.0f),
@@ -19,12 +19,12 @@ cLuminanceHistogram::cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappe
       fWidth(pRecords.GetWidth()),
       fHeight(pRecords.GetHeight()) {
   if (IsEmpty()) return;
-  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(fWidth, fHeight, pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
+  const auto count = [&](int pY, int pX, int pCount) {
     int bins[kRunLength];
     Kernels().fBins(ColorRun(pRecords, pY, pX).fLuminance, fMin, fScale, bins, pCount);
     for (int i = 0; i < pCount; ++i) ++fCounts[static_cast<std::size_t>(bins[i])];
-  });
+  };
+  fWasStopped = !ForEachRun(fWidth, fHeight, pRecords.GetTileHeight(), pRun.fCancel, count);
 }
 
 template <class tGoesOn>

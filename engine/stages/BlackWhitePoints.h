@@ -9,6 +9,7 @@
 namespace TmEngine {
 
 class cBitmapU16T;
+struct sStageRun;
 
 /// Tone-mapped luminances that become output black and white.
 struct sBlackWhite {
@@ -19,11 +20,12 @@ struct sBlackWhite {
 /// 65,536 counters over the range of the tone-mapped luminance.
 class cLuminanceHistogram {
  public:
-  /// Counts every record. Without memory the histogram stays empty (see IsEmpty). Polls pCancel before each
-  /// row; sets pAborted and leaves the histogram unfinished when it is set. Both may be null.
-  cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappedRange& pRange, const bool* pCancel = nullptr,
-                      bool* pAborted = nullptr);
+  /// Counts every record. Polls before each row; see WasStopped.
+  cLuminanceHistogram(cBitmapU16T& pRecords, const sToneMappedRange& pRange, const sStageRun& pRun);
 
+  /// Whether only a part of the records is counted.
+  bool WasStopped() const { return fWasStopped; }
+  /// Whether there was no memory for the counters.
   bool IsEmpty() const { return fCounts == nullptr; }
 
   /// Black and white points with the given per cent of the pixels beyond them; 0 and 1 without a histogram.
@@ -48,6 +50,7 @@ class cLuminanceHistogram {
   std::int64_t fPixels;
   int fWidth;
   int fHeight;
+  bool fWasStopped = false;
 };
 
 }  // namespace TmEngine

@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <memory>
 
-#include "engine/base/StageFlags.h"
 #include "engine/color/cTransferLUT.h"
 #include "engine/image/ImageRows.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/math/cMatrix33.h"
 #include "engine/stages/ColorRows.h"
+#include "engine/stages/StageRun.h"
 
 namespace TmEngine {
 namespace {
@@ -24,33 +24,31 @@ void Linearise(const tSample* pFrom, int pCount, const float* pToLinear, float* 
 }
 
 template <class tSample, class tTransferLUT>
-void FillRows(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
+bool FillRows(const sStageRun& pRun, const cBitmapLDR& pInput, const cMatrix33& pMatrix,
               cBitmapU16T& pRecords) {
-  const auto toLinear = BuildTable<tTransferLUT>(pInput.GetColorSpace()->GetToLinear(), pCancel);
-  if (toLinear == nullptr) return SetAborted(pAborted);
+  const auto toLinear = BuildTable<tTransferLUT>(pInput.GetColorSpace()->GetToLinear(), pRun.fCancel);
+  if (toLinear == nullptr) return false;
   const int width = pInput.GetWidth();
   float r[kRunLength], g[kRunLength], b[kRunLength];
-  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(width, pInput.GetHeight(), pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
+  const auto fill = [&](int pY, int pX, int pCount) {
     ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
       const auto* const row = reinterpret_cast<const tSample*>(PixelRow(pInput, pRow));
       Linearise(row + std::ptrdiff_t{3} * pColumn, pPart, toLinear->GetTable(), r + pOffset, g + pOffset,
                 b + pOffset);
     });
     Kernels().fHueRecords(pMatrix.Elements(), {r, g, b}, ColorRun(pRecords, pY, pX), pCount);
-  });
+  };
+  return ForEachRun(width, pInput.GetHeight(), pRecords.GetTileHeight(), pRun.fCancel, fill);
 }
 
 }  // namespace
 
-void FillHueRecords(const bool* pCancel, bool* pAborted, const cBitmapLDR& pInput,
-                    const cMatrix33& pXYZToWorking, cBitmapU16T& pRecords) {
+bool FillHueRecords(const sStageRun& pRun, const cBitmapLDR& pInput, const cMatrix33& pXYZToWorking,
+                    cBitmapU16T& pRecords) {
   const cMatrix33 matrix = pXYZToWorking * pInput.GetColorSpace()->GetRGBToXYZ();
-  if (pInput.GetBitDepth() == 8) {
-    FillRows<unsigned char, cTransferLUT_I8F32>(pCancel, pAborted, pInput, matrix, pRecords);
-  } else {
-    FillRows<unsigned short, cTransferLUT_I16F32>(pCancel, pAborted, pInput, matrix, pRecords);
-  }
+  return pInput.GetBitDepth() == 8
+             ? FillRows<unsigned char, cTransferLUT_I8F32>(pRun, pInput, matrix, pRecords)
+             : FillRows<unsigned short, cTransferLUT_I16F32>(pRun, pInput, matrix, pRecords);
 }
 
 }  // namespace TmEngine

@@ -17,14 +17,14 @@ void EncodeRun(const sColorIndices& pIndices, int pOffset, const unsigned short*
                const sSampleRow& pRow, int pX, int pCount);
 
 /// Writes all rows: pFill(row, column, pixels, indices) gives the indices into the encoding table of one run.
-/// Runs are cut and pStops is asked as ForEachRun says.
-template <class tStops, class tFill>
-void EncodeRows(cRowSink& pSink, int pTileHeight, const unsigned short* pEncoding, const tStops& pStops,
+/// Runs are cut and pCancel is polled as ForEachRun says; false when it is set.
+template <class tFill>
+bool EncodeRows(cRowSink& pSink, int pTileHeight, const unsigned short* pEncoding, const bool* pCancel,
                 const tFill& pFill) {
   const int width = pSink.GetWidth();
   sColorIndices indices;
   sSampleRow row = {nullptr, false};
-  ForEachRun(width, pSink.GetHeight(), pTileHeight, pStops, [&](int pY, int pX, int pCount) {
+  return ForEachRun(width, pSink.GetHeight(), pTileHeight, pCancel, [&](int pY, int pX, int pCount) {
     pFill(pY, pX, pCount, indices);
     ForEachPart(width, pY, pX, pCount, [&](int pRow, int pColumn, int pOffset, int pPart) {
       if (pColumn == 0) row = pSink.BeginRow(pRow);

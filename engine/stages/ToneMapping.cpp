@@ -4,11 +4,11 @@
 #include <cstddef>
 
 #include "engine/base/Plane.h"
-#include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/stages/ColorRows.h"
+#include "engine/stages/StageRun.h"
 
 namespace TmEngine {
 namespace {
@@ -29,7 +29,8 @@ double ToneMapRun(const float* pLogLuminance, const float* pBase, const sLayerSt
   return pSum;
 }
 
-/// A value that raises the maximum is not tested against the minimum; where none does, order is nothing.
+/// A value that raises the maximum is not tested against the minimum, so the order of the values counts;
+/// where none raises it, they are taken side by side.
 void Widen(sToneMappedRange& pRange, const float* pValues, int pCount) {
   sRange run = {pRange.fMin, pRange.fMax};
   Kernels().fWiden(pValues, pCount, run);
@@ -48,19 +49,20 @@ void Widen(sToneMappedRange& pRange, const float* pValues, int pCount) {
 
 }  // namespace
 
-sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pLogLuminance,
-                                  const float* pBase, const sLayerStatistics& pLayers,
-                                  const sToneTables& pTables, cBitmapU16T& pRecords) {
+bool ToneMapLuminance(const sStageRun& pRun, const float* pLogLuminance, const float* pBase,
+                      const sLayerStatistics& pLayers, const sToneTables& pTables, cBitmapU16T& pRecords,
+                      sToneMappedRange& pRange) {
   const int width = pRecords.GetWidth();
   sToneMappedRange range{pTables.fBaseMax * pTables.fDetailMax, 0.0f, 0.0};
-  const auto stops = [=] { return StopRequested(pCancel, pAborted); };
-  ForEachRun(width, pRecords.GetHeight(), pRecords.GetTileHeight(), stops, [&](int pY, int pX, int pCount) {
+  const auto map = [&](int pY, int pX, int pCount) {
     float* const luminance = ColorRun(pRecords, pY, pX).fLuminance;
     const std::ptrdiff_t at = RowStart(pY, width) + pX;
     range.fSum = ToneMapRun(pLogLuminance + at, pBase + at, pLayers, pTables, range.fSum, luminance, pCount);
     Widen(range, luminance, pCount);
-  });
-  return range;
+  };
+  const bool isDone = ForEachRun(width, pRecords.GetHeight(), pRecords.GetTileHeight(), pRun.fCancel, map);
+  pRange = range;
+  return isDone;
 }
 
 }  // namespace TmEngine

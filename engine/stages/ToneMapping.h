@@ -6,6 +6,7 @@
 namespace TmEngine {
 
 class cBitmapU16T;
+struct sStageRun;
 
 /// Range and sum of the tone-mapped luminance.
 struct sToneMappedRange {
@@ -15,10 +16,10 @@ struct sToneMappedRange {
 };
 
 /// Writes the tone-mapped luminance of each pixel, the product of its two table entries, into its record.
-/// pLogLuminance and pBase are planes of the records' size; both layers' ranges are above 0. Polls pCancel
-/// before each row; sets pAborted and skips the row when it is set.
-sToneMappedRange ToneMapLuminance(const bool* pCancel, bool* pAborted, const float* pLogLuminance,
-                                  const float* pBase, const sLayerStatistics& pLayers,
-                                  const sToneTables& pTables, cBitmapU16T& pRecords);
+/// pLogLuminance and pBase are planes of the records' size; both layers' ranges are above 0. Polls
+/// before each row; false when stopped.
+bool ToneMapLuminance(const sStageRun& pRun, const float* pLogLuminance, const float* pBase,
+                      const sLayerStatistics& pLayers, const sToneTables& pTables, cBitmapU16T& pRecords,
+                      sToneMappedRange& pRange);
 
 }  // namespace TmEngine

@@ -17,6 +17,7 @@
 #include "engine/image/cBitmapU16T.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/EqualiserPreparation.h"
+#include "engine/stages/StageRun.h"
 #include "tests/Numbers.h"
 #include "tests/Pictures.h"
 #include "tests/engine/image/BitmapTestTools.h"
@@ -221,8 +222,7 @@ TEST(cColorEqRenderer, KeepsBlackAsAColorWithAPositiveMaximum) {
   const tImage image = NewImage(8, 1, 1, eColorSpaceID_sRGB);
   std::fill_n(image->GetBitmapData(), 3, static_cast<unsigned char>(0));
   cBitmapU16T records(1, 1, kHueChannels);
-  bool aborted = false;
-  FillHueRecords(nullptr, &aborted, *image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
+  FillHueRecords({}, *image, cColorSpace_ProPhotoRGB().GetXYZToRGB(), records);
   const sColorRun run = ColorRun(records, 0, 0);
   EXPECT_EQ(*run.fHue, 0);
   EXPECT_EQ(*run.fMin, 0.0f);

@@ -11,6 +11,7 @@
 #include "engine/base/cException.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/stages/BlackWhitePoints.h"
+#include "engine/stages/StageRun.h"
 #include "tests/AllocationHook.h"
 #include "tests/StderrCapture.h"
 #include "tests/export/HostCall.h"
@@ -253,7 +254,7 @@ TEST(MemoryFailureOfParts, WithoutAHistogramBlackIs0AndWhiteIs1) {
   cBitmapU16T records(4, 4, 7);
   std::fill_n(records.GetRow(0), 4 * 4 * 7, static_cast<unsigned short>(0x4000));
   cRefusal refusal(1, false);
-  const cLuminanceHistogram histogram(records, {1.0f, 3.0f, 20.0});
+  const cLuminanceHistogram histogram(records, {1.0f, 3.0f, 20.0}, {});
   refusal.Remove();
   ASSERT_TRUE(histogram.IsEmpty());
   const sBlackWhite points = histogram.Points(50.0f, 50.0f);

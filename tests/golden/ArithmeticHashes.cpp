@@ -18,6 +18,7 @@
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/ExposureScale.h"
 #include "engine/stages/HueTable.h"
+#include "engine/stages/StageRun.h"
 #include "engine/stages/ToneTables.h"
 #include "export/HostSettings.h"
 #include "tests/Pictures.h"
@@ -132,9 +133,8 @@ void HashPercentiles(tTable& pTable) {
         range.fMax = std::max(range.fMax, luminance);
       }
     };
-    ForEachRun(
-        width, height, records.GetTileHeight(), [] { return false; }, fill);
-    const cLuminanceHistogram histogram(records, range);
+    ForEachRun(width, height, records.GetTileHeight(), nullptr, fill);
+    const cLuminanceHistogram histogram(records, range, {});
     for (int clip = 0; clip < 500; ++clip) {
       const float black = arguments.Between(-5.0f, 105.0f);
       const sBlackWhite points = histogram.Points(black, arguments.Between(-5.0f, 105.0f));

@@ -19,6 +19,7 @@
 #include "engine/stages/HueTable.h"
 #include "engine/stages/Preparation.h"
 #include "engine/stages/RowEncoder.h"
+#include "engine/stages/StageRun.h"
 #include "engine/stages/ToneTables.h"
 #include "tests/StderrCapture.h"
 
@@ -40,18 +41,16 @@ TEST(ColorRun, KeepsAPlaceForEveryPixel) {
     return static_cast<float>((pY * kWidth + pX) * 3 + pChannel);  // below 2^24
   };
   int pixels = 0;
-  ForEachRun(
-      kWidth, kHeight, records.GetTileHeight(), [] { return false; },
-      [&](int pY, int pX, int pCount) {
-        EXPECT_EQ(std::exchange(pixels, pixels + pCount), pY * kWidth + pX);
-        const sColorRun run = ColorRun(records, pY, pX);
-        for (int i = 0; i < pCount; ++i) {
-          run.fMin[i] = valueOf(pY, pX + i, 0);
-          run.fMax[i] = valueOf(pY, pX + i, 1);
-          run.fLuminance[i] = valueOf(pY, pX + i, 2);
-          run.fHue[i] = static_cast<unsigned short>(pY + i);
-        }
-      });
+  ForEachRun(kWidth, kHeight, records.GetTileHeight(), nullptr, [&](int pY, int pX, int pCount) {
+    EXPECT_EQ(std::exchange(pixels, pixels + pCount), pY * kWidth + pX);
+    const sColorRun run = ColorRun(records, pY, pX);
+    for (int i = 0; i < pCount; ++i) {
+      run.fMin[i] = valueOf(pY, pX + i, 0);
+      run.fMax[i] = valueOf(pY, pX + i, 1);
+      run.fLuminance[i] = valueOf(pY, pX + i, 2);
+      run.fHue[i] = static_cast<unsigned short>(pY + i);
+    }
+  });
   EXPECT_EQ(pixels, kWidth * kHeight);
   int lost = 0;
   for (int y = 0; y < kHeight; ++y) {
@@ -115,7 +114,7 @@ std::unique_ptr<cBitmapU16T> Records(std::initializer_list<float> pLuminances) {
 
 TEST(BlackWhitePoints, ClipSharesOfThePixels) {
   const auto records = Records({0.0f, 1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f, 7.0f, 8.0f, 10.0f});
-  const cLuminanceHistogram histogram(*records, {0.0f, 10.0f, 46.0});
+  const cLuminanceHistogram histogram(*records, {0.0f, 10.0f, 46.0}, {});
   const auto points = [&](float pBlack, float pWhite) { return histogram.Points(pBlack, pWhite); };
   EXPECT_EQ(points(0.0f, 0.0f).fBlack, 0.0f);
   EXPECT_EQ(points(0.0f, 0.0f).fWhite, 10.0f);
@@ -131,7 +130,7 @@ TEST(BlackWhitePoints, ClipSharesOfThePixels) {
 TEST(BlackWhitePoints, CountEqualOrBackwardRangesIntoOneBin) {
   for (const float max : {3.0f, 2.0f}) {
     const auto records = Records({3.0f, 3.0f, kNaN});
-    const cLuminanceHistogram histogram(*records, {3.0f, max, 6.0});
+    const cLuminanceHistogram histogram(*records, {3.0f, max, 6.0}, {});
     EXPECT_EQ(histogram.Points(0.0f, 0.0f).fBlack, 3.0f);
     EXPECT_EQ(histogram.Points(0.0f, 0.0f).fWhite, 65538.0f);
     EXPECT_EQ(histogram.Points(50.0f, 0.0f).fBlack, 4.0f);
@@ -196,14 +195,14 @@ struct sPrepared {
   sLuminanceRange fRange;
 };
 
-sPrepared Prepare(float pX, float pY, float pZ, bool* pCancel = nullptr, bool* pAborted = nullptr) {
+sPrepared Prepare(float pX, float pY, float pZ) {
   cBitmapXYZ32 input(1, 1);
   input.GetBitmapData()[0] = pX;
   input.GetBitmapData()[1] = pY;
   input.GetBitmapData()[2] = pZ;
   cBitmapU16T records(1, 1, kColorChannels);
   sPrepared result = {};
-  PrepareColors(pCancel, pAborted, cImageSource(input), cColorSpace_ProPhotoRGB().GetXYZToRGB(), records,
+  PrepareColors({}, cImageSource(input), cColorSpace_ProPhotoRGB().GetXYZToRGB(), records,
                 &result.fLogLuminance, result.fRange);
   const sColorRun run = ColorRun(records, 0, 0);
   result.fLuminance = *run.fLuminance, result.fHue = *run.fHue;
@@ -248,9 +247,6 @@ TEST(Preparation, MeasuresLogLuminanceAboveADenormalFloor) {
     EXPECT_FLOAT_EQ(dark.fRange.fLogMin, -38.531839f);
     EXPECT_EQ(dark.fLogLuminance, dark.fRange.fLogMin);
   }
-  bool cancel = true, aborted = false;
-  Prepare(1.0f, 1.0f, 1.0f, &cancel, &aborted);
-  EXPECT_TRUE(aborted);
 }
 
 TEST(RowEncoder, ClampsWhateverAPixelHolds) {
