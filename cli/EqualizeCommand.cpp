@@ -95,7 +95,9 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
   // before the work, so that a place that cannot be written to is told early
-  cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
+  const bool isStream = pOptions.fOutput == kStandardStream;
+  cTempFile file(isStream ? "standard output" : pOptions.fOutput, pOptions.fOverwrite,
+                 isStream ? STDOUT_FILENO : cTempFile::kNoStream);
   sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
                             std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
   picture.fBitmap.reset();
@@ -129,10 +131,10 @@ void CheckArguments(const sEqualizeOptions& pOptions) {
 
 void Run(const sEqualizeOptions& pOptions) {
   CheckArguments(pOptions);
-  CheckIsAnother(pOptions.fInput, pOptions.fOutput);
+  if (pOptions.fOutput != kStandardStream) CheckIsAnother(pOptions.fInput, pOptions.fOutput);
   CheckIsAnother(pOptions.fInput, pOptions.fPlot);
-  for (const std::string& target : {pOptions.fOutput, pOptions.fPlot})
-    CheckReplacing(target, pOptions.fOverwrite);
+  if (pOptions.fOutput != kStandardStream) CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
+  CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
     throw cFailure(eFailure::kUsage, pOptions.fPlot, "is the result as well; give the plot another name");
   }

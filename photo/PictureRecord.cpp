@@ -5,13 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 
 #include "photo/Json.h"
 #include "photo/base/Failure.h"
 #include "photo/base/Printable.h"
 #include "photo/base/ShortText.h"
-#include "photo/io/TempFile.h"
 #include "photo/render/ColorSpaceName.h"
 
 namespace Cli {
@@ -20,20 +18,6 @@ namespace {
 /// The number that people typed: 0.1, not 0.10000000149.
 double ToNumber(float pNumber) {
   return std::strtod(ToText(pNumber).c_str(), nullptr);
-}
-
-/// From now on the peak is that of what follows, where the system lets us.
-void ResetPeakMemory() {
-  std::ofstream("/proc/self/clear_refs") << "5";
-}
-
-std::int64_t GetPeakMemory() {
-  std::ifstream stream("/proc/self/status");
-  std::int64_t kilobytes = 0;
-  for (std::string word; stream >> word;) {
-    if (word == "VmHWM:" && stream >> kilobytes) return kilobytes * 1024;
-  }
-  return 0;
 }
 
 std::string GetSpaceName(TmEngine::eColorSpaceID pSpace) {
@@ -83,7 +67,10 @@ std::vector<std::string> ShortenWarnings(const std::vector<std::string>& pWarnin
   return warnings;
 }
 
-tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pReport) {
+}  // namespace
+
+tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pReport,
+                              std::int64_t pPeakMemory) {
   const sRenderingReport& rendering = pReport.fRendering;
   const sRepairs& repairs = pReport.fRepairs;
   tPictureRecord record = MakeRecord(pJob, "done");
@@ -106,26 +93,13 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
                         {"outliers", repairs.fOutliers},
                         {"negative", repairs.fNegative}};
   record["milliseconds"] = MakeMilliseconds(pReport);
-  record["peak_memory"] = GetPeakMemory();
+  record["peak_memory"] = pPeakMemory;
   record["warnings"] = ToPrintable(ShortenWarnings(pReport.fWarnings));
   return record;
 }
 
-}  // namespace
-
-tPictureRecord DoPicture(const sTonemapJob& pJob) {
-  try {
-    if (pJob.fExisting == eExisting::kSkip && HasTarget(pJob)) {
-      cTempFile::RemoveLeftovers(pJob.fOutput);
-      return MakeRecord(pJob, "skipped");
-    }
-    ResetPeakMemory();
-    return MakeDoneRecord(pJob, TonemapPicture(pJob));
-  } catch (const cFailure& failure) {
-    return MakeFailedRecord(pJob, failure.GetKind(), failure.what());
-  } catch (const std::exception& exception) {
-    return MakeFailedRecord(pJob, eFailure::kProcessing, pJob.fInput + ": " + Shorten(exception.what()));
-  }
+tPictureRecord MakeSkippedRecord(const sTonemapJob& pJob) {
+  return MakeRecord(pJob, "skipped");
 }
 
 tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const std::string& pMessage) {

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstdint>
 #include <string>
 
 #include "photo/TonemapPicture.h"
@@ -9,7 +10,7 @@
 
 namespace Cli {
 
-/// What is told of a picture, as an object for other programs:
+/// What is reported of a picture, as an object for other programs:
 ///   input, output (and input_base64, output_base64 of names that are not UTF-8),
 ///   status ("done", "skipped", "failed"), and
 ///   of a done one  width, height, format, depth, color_space (of the file), result (depth, color_space),
@@ -19,10 +20,11 @@ namespace Cli {
 ///   of a failed one  error (code, message).
 using tPictureRecord = nlohmann::ordered_json;
 
-/// Does the job, or leaves it out, and tells of it; nothing is thrown but std::bad_alloc. libvips must be
-/// running.
-tPictureRecord DoPicture(const sTonemapJob& pJob);
-
+/// pPeakMemory: the most that the process held, in bytes; 0 where that is unknown.
+tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pReport,
+                              std::int64_t pPeakMemory);
+/// Of a picture that was left out, as its target exists.
+tPictureRecord MakeSkippedRecord(const sTonemapJob& pJob);
 tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const std::string& pMessage);
 
 }  // namespace Cli

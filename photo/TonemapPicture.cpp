@@ -5,7 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "cli/batch/StandardStreams.h"
 #include "photo/SettingsJson.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/PictureReader.h"
@@ -24,6 +23,10 @@ using tClock = std::chrono::steady_clock;
 
 double SecondsSince(tClock::time_point pStart) {
   return std::chrono::duration<double>(tClock::now() - pStart).count();
+}
+
+bool IsForStream(const sTonemapJob& pJob) {
+  return pJob.fOutputStream != cTempFile::kNoStream;
 }
 
 /// The folder of a target, and those above it.
@@ -162,7 +165,7 @@ void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFil
 
 eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
-  if (pJob.fOutput != kStandardStream) CheckIsAnother(pJob.fInput, pJob.fOutput);
+  if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
   if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
     RefuseExisting(pJob.fOutput, ", --skip-existing leaves it as it is");
   return format;
@@ -185,7 +188,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
   if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
   // before the work, so that a place that cannot be written to is reported early
-  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse);
+  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse, pJob.fOutputStream);
   sWork work;
   if (!loaded) RenderStreamed(pJob, std::move(opened), report, work);
   if (!work.fPixels && !loaded) loaded = Load(pJob, Reopen(pJob, report), report);
@@ -200,21 +203,17 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
 }  // namespace
 
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob) {
-  const bool isStream = pJob.fOutput == kStandardStream;
-  return ChooseOutputFormat(isStream ? "result." + pJob.fStreamFormat : pJob.fOutput, pJob.fResult.fDepth,
-                            pJob.fResult.fFile);
+  return ChooseOutputFormat(IsForStream(pJob) ? "result." + pJob.fStreamFormat : pJob.fOutput,
+                            pJob.fResult.fDepth, pJob.fResult.fFile);
 }
 
 bool HasTarget(const sTonemapJob& pJob) {
   std::error_code error;
-  return pJob.fOutput != kStandardStream && std::filesystem::is_regular_file(pJob.fOutput, error);
+  return !IsForStream(pJob) && std::filesystem::is_regular_file(pJob.fOutput, error);
 }
 
 sPictureReport TonemapPicture(const sTonemapJob& pJob) {
-  const cInputFile input(pJob.fInput);
-  sTonemapJob job = pJob;
-  job.fInput = input.GetPath();
-  return input.Read([&] { return NameFile(job.fInput, [&] { return Tonemap(job); }); });
+  return NameFile(pJob.fInput, [&] { return Tonemap(pJob); });
 }
 
 }  // namespace Cli

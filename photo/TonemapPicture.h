@@ -16,11 +16,13 @@ namespace Cli {
 /// What is done where the target exists.
 enum class eExisting { kRefuse, kReplace, kSkip };
 
-/// One picture to tone-map, from file to file; "-" is standard input or output.
+/// One picture to tone-map, from file to file, or into a stream.
 struct sTonemapJob {
   std::string fInput;
   std::string fOutput;
-  std::string fStreamFormat = "png";  ///< What goes to standard output, as an ending without its point.
+  /// An open handle that the result is written to in place of a file; fOutput is then its name in messages.
+  int fOutputStream = cTempFile::kNoStream;
+  std::string fStreamFormat = "png";  ///< What goes into a stream, as a file extension without its point.
   eExisting fExisting = eExisting::kRefuse;
   bool fMakesFolder = false;  ///< Whether the target's folder is made where it is missing.
   sSettings fSettings;        ///< The ground,
@@ -48,10 +50,10 @@ struct sPictureReport {
   std::vector<std::string> fWarnings;
 };
 
-/// The format that a job's target, or standard output, asks for, checked against its depth. Throws cFailure.
+/// The format that a job's target, or its stream, asks for, checked against its depth. Throws cFailure.
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
 
-/// Whether the target stands there already, as a file.
+/// Whether the target exists already, as a file.
 bool HasTarget(const sTonemapJob& pJob);
 
 /// Reads, renders and writes one picture; the target is set in one step, or stays as it is. libvips must be

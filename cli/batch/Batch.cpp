@@ -13,6 +13,7 @@
 #include "cli/batch/BatchPlan.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/batch/MemoryBudget.h"
+#include "cli/batch/PictureTask.h"
 #include "cli/batch/StandardStreams.h"
 #include "cli/batch/WorkerPool.h"
 #include "cli/terminal/Console.h"
@@ -146,16 +147,21 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
         CheckMemoryLimit(bytes, pMemory);
         pAsk(bytes);
       };
-      return ToLine(DoPicture(job));
+      return ToLine(RunPictureTask(job));
     };
   };
+}
+
+/// What a worker that was ended left behind.
+void RemoveLeftovers(const sTonemapJob& pJob) {
+  if (pJob.fOutput != kStandardStream) cTempFile::RemoveLeftovers(pJob.fOutput);
 }
 
 /// A worker that ends because the whole run is interrupted is no failure of its picture.
 void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
   const sTonemapJob& job = pJobs[pEnd.fTask];
   if (pEnd.fIsAnswered) return pReport.Tell(job, FromLine(pEnd.fText));
-  cTempFile::RemoveLeftovers(job.fOutput);
+  RemoveLeftovers(job);
   if (pIsInterrupted) return;
   pReport.Tell(job, MakeFailedRecord(job, eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
 }
@@ -203,7 +209,7 @@ bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t
     isInterrupted = WorkOff(pool, pJobs, pOptions.fFailFast, pReport);
     givenUp = pool.GetTasksInWork();
   }
-  for (const std::size_t task : givenUp) cTempFile::RemoveLeftovers(pJobs[task].fOutput);
+  for (const std::size_t task : givenUp) RemoveLeftovers(pJobs[task]);
   return isInterrupted;
 }
 

@@ -115,6 +115,7 @@ std::vector<sTonemapJob> TakeShard(const sBatchOptions& pOptions, const std::vec
     sTonemapJob job = pOptions.fJob;
     job.fInput = pPairs[i].fInput->fFile;
     job.fOutput = pPairs[i].fTarget;
+    if (job.fOutput == kStandardStream) job.fOutputStream = STDOUT_FILENO;
     job.fStreamFormat = EndingOf(pOptions);
     job.fMakesFolder = !pOptions.fOutputFolder.empty();
     jobs.push_back(std::move(job));

@@ -5,11 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstring>
 
 #include "cli/ExitCode.h"
 #include "photo/base/Failure.h"
+#include "photo/io/UnfinishedFile.h"
 
 namespace Cli {
 namespace {
@@ -19,8 +19,7 @@ constexpr char kLastWords[] =
     "quorvane: interrupted; the result was not written, and what stood in its place still does: run the "
     "command again\n";
 
-/// What the handler needs; changed only while the signals are held back.
-char gPathToRemove[PATH_MAX];
+// What the handler needs; changed only while the signals are held back.
 int gWatchHandle = -1;
 bool gIsWorker = false;
 
@@ -31,7 +30,8 @@ extern "C" void OnInterrupt(int /*pSignal*/) {
     errno = error;
     return;
   }
-  if (gPathToRemove[0] != '\0') unlink(gPathToRemove);
+  const char* const unfinished = TakeUnfinishedFile();
+  if (*unfinished != '\0') unlink(unfinished);
   if (!gIsWorker) {
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kLastWords, sizeof kLastWords - 1);
   }
@@ -75,13 +75,9 @@ cInterruptHold::~cInterruptHold() {
   pthread_sigmask(SIG_SETMASK, &fFormer, nullptr);
 }
 
-void NoteFileToRemove(const std::string& pPath) {
-  std::memcpy(gPathToRemove, pPath.c_str(), pPath.size() + 1);
-}
-
 cInterruptWatch::cInterruptWatch() {
   if (pipe2(fPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-    throw cFailure(eFailure::kProcessing, "", std::string("no pipe can be had: ") + std::strerror(errno));
+    throw cFailure(eFailure::kProcessing, "", std::string("no pipe is available: ") + std::strerror(errno));
   }
   const cInterruptHold hold;
   gWatchHandle = fPipe[1];

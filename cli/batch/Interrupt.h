@@ -1,17 +1,16 @@
 #pragma once
 
 #include <csignal>
-#include <string>
 
 namespace Cli {
 
-/// From now on SIGINT, SIGTERM and SIGHUP end the program at once, with exit code 130: the noted file is
+/// From now on SIGINT, SIGTERM and SIGHUP end the program at once, with exit code 130: the unfinished file is
 /// removed and a line says how to go on. A signal that was ignored stays so. A write to a closed pipe or
 /// beyond a limit of file sizes becomes a failed write, which is reported.
 void CatchInterrupts();
 
-/// In a worker process: SIGTERM removes the noted file and ends the process without a word, the others are
-/// left to the parent, who gets them as well.
+/// In a worker process: SIGTERM removes the unfinished file and ends the process without a word, the others
+/// are left to the parent, who gets them as well.
 void CatchInterruptsInWorker();
 
 /// Holds the signals back while it lives, so that things change together.
@@ -25,10 +24,6 @@ class cInterruptHold {
  private:
   sigset_t fFormer;
 };
-
-/// Notes the one file that an interrupt removes; "" for none. To be called while the signals are held back.
-/// pPath: shorter than PATH_MAX.
-void NoteFileToRemove(const std::string& pPath);
 
 /// While it lives, a signal ends nothing but makes a handle readable: the program ends in an order of its
 /// own. One lives at a time.

@@ -8,23 +8,12 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <vector>
 
 #include "cli/batch/AvailableMemory.h"
+#include "photo/io/StreamCopy.h"
 
 namespace Cli {
 namespace {
-
-bool WriteAll(int pTo, const char* pBytes, std::size_t pSize) {
-  while (pSize > 0) {
-    const ssize_t written = write(pTo, pBytes, pSize);
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    pBytes += written;
-    pSize -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
 
 /// The copy's handle.
 int CopyToMemory(int pFrom, const std::string& pName) {
@@ -40,18 +29,6 @@ int CopyToMemory(int pFrom, const std::string& pName) {
 }
 
 }  // namespace
-
-bool CopyStream(int pFrom, int pTo, std::int64_t pMost) {
-  std::vector<char> block(std::size_t{1} << 18);
-  for (;;) {
-    const ssize_t size = read(pFrom, block.data(), block.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return size == 0;
-    pMost -= size;
-    if (pMost < 0) errno = ENOMEM;
-    if (pMost < 0 || !WriteAll(pTo, block.data(), static_cast<std::size_t>(size))) return false;
-  }
-}
 
 bool IsStream(const std::string& pName) {
   std::error_code error;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <limits>
 #include <string>
 
 #include "photo/base/Failure.h"
@@ -10,10 +8,6 @@ namespace Cli {
 
 /// The name that stands for standard input or output.
 inline constexpr char kStandardStream[] = "-";
-
-/// Copies from a handle to its end. Returns false, with errno set, when that fails; ENOMEM for more than
-/// pMost bytes.
-bool CopyStream(int pFrom, int pTo, std::int64_t pMost = std::numeric_limits<std::int64_t>::max());
 
 /// Whether an input is a stream, which can be read through only once: standard input, or a FIFO such as the
 /// shell makes for <(command).

@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <vips/vips8>
 
-#include "cli/batch/StandardStreams.h"
 #include "photo/base/Failure.h"
 #include "photo/encode/TiffWriter.h"
 #include "photo/icc/NamedProfile.h"
@@ -156,7 +155,7 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
 
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
-  if (pOutput != kStandardStream && std::filesystem::equivalent(pInput, pOutput, error)) {
+  if (std::filesystem::equivalent(pInput, pOutput, error)) {
     throw cFailure(eFailure::kUsage, pOutput, "is the input itself; give the result another name");
   }
 }

@@ -15,9 +15,9 @@
 #include <filesystem>
 #include <vector>
 
-#include "cli/batch/Interrupt.h"
-#include "cli/batch/StandardStreams.h"
 #include "photo/base/Failure.h"
+#include "photo/io/StreamCopy.h"
+#include "photo/io/UnfinishedFile.h"
 
 namespace Cli {
 namespace {
@@ -104,13 +104,12 @@ void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
 
 void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
   std::error_code error;
-  const bool isFile = pTarget != kStandardStream && std::filesystem::is_regular_file(pTarget, error);
-  if (isFile && !pMayReplace) RefuseExisting(pTarget);
+  if (!pMayReplace && std::filesystem::is_regular_file(pTarget, error)) RefuseExisting(pTarget);
 }
 
-cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
-    : fTarget(pTarget == kStandardStream ? "standard output" : pTarget), fMayReplace(pMayReplace) {
-  if (pTarget == kStandardStream) {
+cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace, int pStream)
+    : fTarget(pTarget), fMayReplace(pMayReplace), fStream(pStream) {
+  if (IsForStream()) {
     OpenInMemory();
   } else {
     fPlace = FollowLink(pTarget);
@@ -127,7 +126,8 @@ void cTempFile::OpenInMemory() {
 }
 
 void cTempFile::OpenBesideTarget() {
-  const cInterruptHold hold;
+  // A signal between the file's creation and its note would leave it behind.
+  cUnfinishedChange change;
   for (int slot = 0; slot < kSlots && fHandle < 0; ++slot) {
     fPath = NameSlot(fPlace, slot);
     fHandle = fPath.size() < PATH_MAX ? Claim(fPath, O_CREAT) : -1;
@@ -142,21 +142,23 @@ void cTempFile::OpenBesideTarget() {
   }
   [[maybe_unused]] const bool isEmptied = ftruncate(fHandle, 0) == 0;
   fchmod(fHandle, GetTargetMode(fPlace));
-  NoteFileToRemove(fPath);
+  change.Note(fPath);
 }
 
 cTempFile::~cTempFile() {
-  const cInterruptHold hold;
-  if (!fPath.empty() && !fPlace.empty()) unlink(fPath.c_str());
-  NoteFileToRemove("");
-  close(fHandle);
+  if (!IsForStream() && !fPath.empty()) {
+    cUnfinishedChange change;
+    unlink(fPath.c_str());
+    change.Forget(fPath);
+  }
+  close(fHandle);  // gives up the lock last: nobody else takes the name over before
 }
 
 void cTempFile::Commit() {
-  if (fPlace.empty()) return CopyToOutput();
-  const cInterruptHold hold;
+  if (IsForStream()) return CopyToStream();
+  cUnfinishedChange change;
   TakePlace();
-  NoteFileToRemove("");
+  change.Forget(fPath);
   fPath.clear();
 }
 
@@ -181,9 +183,9 @@ void cTempFile::Refuse(const std::string& pReason) const {
                  "writing failed (" + (error != 0 ? std::strerror(error) : pReason) + ")");
 }
 
-void cTempFile::CopyToOutput() {
+void cTempFile::CopyToStream() {
   const int file = open(fPath.c_str(), O_RDONLY | O_CLOEXEC);
-  const bool isCopied = file >= 0 && CopyStream(file, STDOUT_FILENO);
+  const bool isCopied = file >= 0 && CopyStream(file, fStream);
   const int error = errno;
   close(file);
   if (!isCopied) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(error));
@@ -201,7 +203,6 @@ void cTempFile::TakePlace() {
 }
 
 void cTempFile::RemoveLeftovers(const std::string& pTarget) {
-  if (pTarget == kStandardStream) return;
   const std::string place = FollowLink(pTarget);
   for (int slot = 0; slot < kSlots; ++slot) {
     const std::string path = NameSlot(place, slot);

@@ -5,19 +5,21 @@
 namespace Cli {
 
 /// An empty file beside a target, which takes the target's place in one step. Until then the target stays as
-/// it is, and whatever ends the program - an exception, Ctrl-C, a request to terminate - removes the file.
-/// One lives at a time.
+/// it is, and an exception removes the file. Signal handlers learn its path by TakeUnfinishedFile.
 ///
 /// Its name follows from the target's (".quorvane-" and a hash), and it is locked as long as its process
 /// lives. So a file that a killed process left behind is taken over by the next one that writes the same
 /// target.
 ///
-/// The target "-" is the standard output: the file lies in memory, and is copied there in one go.
+/// For a stream, the file lies in memory, and is copied there in one go.
 class cTempFile {
  public:
-  /// pMayReplace: whether a target that stands there by then is replaced. Throws cFailure, in the name of the
-  /// target, when the place cannot be written to.
-  explicit cTempFile(const std::string& pTarget, bool pMayReplace = true);
+  static constexpr int kNoStream = -1;
+
+  /// pMayReplace: whether a target that exists by then is replaced. pStream: an open handle to write to in
+  /// place of a file, which pTarget is then the name of in messages; it stays the caller's. Throws cFailure,
+  /// in the name of the target, when the place cannot be written to.
+  explicit cTempFile(const std::string& pTarget, bool pMayReplace = true, int pStream = kNoStream);
   cTempFile(const cTempFile&) = delete;
   cTempFile& operator=(const cTempFile&) = delete;
   ~cTempFile();
@@ -27,7 +29,7 @@ class cTempFile {
   void Commit();  ///< The file becomes the target. Throws cFailure.
 
   /// Throws the cFailure for what could not be written into the file. Those who write rarely say why: where
-  /// the system takes no more bytes, its reason stands in place of pReason.
+  /// the system takes no more bytes, its reason is given in place of pReason.
   [[noreturn]] void Refuse(const std::string& pReason) const;
 
   /// Removes what ended processes left behind for the target.
@@ -36,21 +38,23 @@ class cTempFile {
  private:
   void OpenBesideTarget();
   void OpenInMemory();
-  void CopyToOutput();
+  void CopyToStream();
+  bool IsForStream() const { return fStream != kNoStream; }
   int FindError() const;
   void TakePlace();
 
   std::string fTarget;
   bool fMayReplace;
-  std::string fPlace;  ///< Where that leads: a symbolic link is followed, not replaced. Empty for the output.
+  int fStream;
+  std::string fPlace;  ///< Where that leads: a symbolic link is followed, not replaced. Empty for a stream.
   std::string fPath;   ///< Empty once there is nothing to remove.
   int fHandle = -1;    ///< Holds the lock.
 };
 
-/// Throws the cFailure for a target that stands there already, unless it may be replaced or is not given.
+/// Throws the cFailure for a target that exists already, unless it may be replaced or is not given.
 void CheckReplacing(const std::string& pTarget, bool pMayReplace);
 
-/// Throws the cFailure for a target that stands there already. pMore: what else the verb has to offer.
+/// Throws the cFailure for a target that exists already. pMore: what else the verb has to offer.
 [[noreturn]] void RefuseExisting(const std::string& pTarget, const std::string& pMore = "");
 
 }  // namespace Cli

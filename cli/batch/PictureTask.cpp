@@ -1,0 +1,55 @@
+#include "cli/batch/PictureTask.h"
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "cli/batch/StandardStreams.h"
+#include "photo/base/ShortText.h"
+#include "photo/io/TempFile.h"
+
+namespace Cli {
+namespace {
+
+/// From now on the peak is that of what follows, where the system lets us.
+void ResetPeakMemory() {
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+std::int64_t GetPeakMemory() {
+  std::ifstream stream("/proc/self/status");
+  std::int64_t kilobytes = 0;
+  for (std::string word; stream >> word;) {
+    if (word == "VmHWM:" && stream >> kilobytes) return kilobytes * 1024;
+  }
+  return 0;
+}
+
+/// Streams are opened as late as here: only one that is asked for a picture may be waited for.
+sPictureReport Tonemap(const sTonemapJob& pJob) {
+  const cInputFile input(pJob.fInput);
+  sTonemapJob job = pJob;
+  job.fInput = input.GetPath();
+  if (pJob.fOutput == kStandardStream) job.fOutput = "standard output";
+  return input.Read([&] { return TonemapPicture(job); });
+}
+
+}  // namespace
+
+tPictureRecord RunPictureTask(const sTonemapJob& pJob) {
+  try {
+    if (pJob.fExisting == eExisting::kSkip && HasTarget(pJob)) {
+      cTempFile::RemoveLeftovers(pJob.fOutput);
+      return MakeSkippedRecord(pJob);
+    }
+    ResetPeakMemory();
+    const sPictureReport report = Tonemap(pJob);
+    return MakeDoneRecord(pJob, report, GetPeakMemory());
+  } catch (const cFailure& failure) {
+    return MakeFailedRecord(pJob, failure.GetKind(), failure.what());
+  } catch (const std::exception& exception) {
+    return MakeFailedRecord(pJob, eFailure::kProcessing, pJob.fInput + ": " + Shorten(exception.what()));
+  }
+}
+
+}  // namespace Cli
