@@ -7,11 +7,11 @@
 
 #include "cli/CompareCommand.h"
 #include "cli/EqualizeCommand.h"
-#include "cli/ExitCode.h"
 #include "cli/InspectCommand.h"
 #include "cli/TonemapCommand.h"
 #include "cli/UsageError.h"
 #include "cli/Version.h"
+#include "cli/batch/ExitCode.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/help/HelpOptions.h"
 #include "cli/terminal/Console.h"

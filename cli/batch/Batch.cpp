@@ -9,8 +9,8 @@
 #include <thread>
 #include <utility>
 
-#include "cli/ExitCode.h"
 #include "cli/batch/BatchPlan.h"
+#include "cli/batch/ExitCode.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/PictureTask.h"

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "cli/ExitCode.h"
+#include "cli/batch/ExitCode.h"
 #include "photo/base/Failure.h"
 #include "photo/io/UnfinishedFile.h"
 

@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "cli/ExitCode.h"
+#include "cli/batch/ExitCode.h"
 #include "cli/batch/Interrupt.h"
 #include "cli/batch/Message.h"
 #include "photo/base/Failure.h"

@@ -12,7 +12,7 @@
 #include <thread>
 #include <utility>
 
-#include "cli/ExitCode.h"
+#include "cli/batch/ExitCode.h"
 #include "photo/base/Failure.h"
 #include "photo/base/Printf.h"
 
