@@ -7,7 +7,7 @@
 #include "tests/cli/ToolTest.h"
 #include "tests/photo/TestPictures.h"
 
-// What the built tool says of itself, and what becomes of its words and of names in them.
+// What the built tool prints about itself, lost output, and how names are shown in messages.
 
 namespace {
 
@@ -15,10 +15,10 @@ using ConsoleTool = cToolTest;
 
 TEST_F(ConsoleTool, StatesVersionFormatsAndLicence) {
   const std::string text = Run("--version").fOutput;
-  EXPECT_EQ(text.rfind("quorvane 1.0.0\n", 0), 0u) << text;
+  EXPECT_TRUE(Starts(text, "quorvane 1.0.0\n"));
   for (const char* words :
        {"libvips 8.", "OpenEXR 3.", "Little CMS 2.", "Radiance", "JPEG XL", "AVIF", "Apache-2.0"}) {
-    EXPECT_NE(text.find(words), std::string::npos) << words << '\n' << text;
+    EXPECT_TRUE(Has(text, words)) << words;
   }
   EXPECT_EQ(text.find("Exiv2 0.") != std::string::npos, text.find("GPL, version 3") != std::string::npos)
       << text;
@@ -58,11 +58,11 @@ TEST_F(ConsoleTool, EscapesWhatATerminalWouldObey) {
   scene.GetPixel(3, 3)[0] = std::nanf("");
   WritePfm(name, scene);
   std::ofstream("text-" + name) << "no picture";
-  sRun run = Run("tonemap '" + name + "' 'text-" + name + "' missing-'" + name + "' --out-dir out --json");
-  EXPECT_EQ(run.fExitCode, 1);
+  sRun run =
+      Expect(1, "tonemap '" + name + "' 'text-" + name + "' missing-'" + name + "' --out-dir out --json");
   for (const std::string& text :
        {shown + ": warning: ", "text-" + shown + ": not a picture", "missing-" + shown + ": No such"}) {
-    EXPECT_NE(run.fErrors.find("quorvane: " + text), std::string::npos) << run.fErrors;
+    EXPECT_TRUE(Has(run.fErrors, "quorvane: " + text));
   }
   const auto isPlain = [](const std::string& pText) {
     return std::none_of(pText.begin(), pText.end(),
@@ -88,7 +88,7 @@ TEST_F(ConsoleTool, EscapesWhatATerminalWouldObey) {
   EXPECT_EQ(Run(plan).fOutput, name + " -> x.png\n");
   std::ofstream("plan") << "'" QUORVANE_TOOL "' " + plan;
   EXPECT_EQ(std::system("script -qec 'sh plan' /dev/null >shown </dev/null"), 0);
-  EXPECT_EQ(ReadText("shown").rfind(shown + " -> x.png\r\n", 0), 0u) << ReadText("shown");
+  EXPECT_TRUE(Starts(ReadText("shown"), shown + " -> x.png\r\n"));
 }
 
 }  // namespace

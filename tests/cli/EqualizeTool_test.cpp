@@ -11,10 +11,8 @@ class EqualizeTool : public cToolTest {
  protected:
   /// Expects success without a word, and returns the result.
   static sStored Equalize(const std::string& pArguments, const std::string& pOutput = "result.png") {
-    const sRun run = Run("equalize --overwrite " + pArguments + " -o " + pOutput);
-    EXPECT_EQ(run.fExitCode, 0) << pArguments;
-    EXPECT_EQ(run.fErrors + run.fOutput, "") << pArguments;
-    return run.fExitCode == 0 ? Load(pOutput) : sStored{};
+    ExpectDone("equalize --overwrite " + pArguments + " -o " + pOutput);
+    return Load(pOutput);
   }
 
   /// One colour, 8 bits.
@@ -25,7 +23,7 @@ class EqualizeTool : public cToolTest {
 
   static VImage WithProfile(const VImage& pImage, const std::string& pProfile) {
     const VImage image = pImage.copy();
-    vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, pProfile.data(), pProfile.size());
+    SetBlob(image, VIPS_META_ICC_NAME, pProfile);
     return image;
   }
 };
@@ -57,13 +55,13 @@ TEST_F(EqualizeTool, KeepsSamplesDepthAndProfileUnderNeutralCurves) {
     const char* fOptions;
     const char* fOutput;
     int fBits;
-    double fTolerance;
-  } cases[] = {{"plain.png", shallow, "", "", "a.png", 8, 1.0},
-               {"adobe.tif", shallow, adobe, "", "a.tif", 8, 1.0},
-               {"wide.tif", deep, wide, "", "a.tif", 16, 40.0},
-               {"p3.png", deep, display, "", "a.png", 16, 40.0},
-               {"p3.tif", shallow, display, "", "a.tif", 8, 1.0},
-               {"alpha.png", shallow.bandjoin_const({99.0}), "", "", "a.png", 8, 1.0},
+    double fTolerance;  // below 0 where the depth changes
+  } cases[] = {{"plain.png", shallow, "", "", "a.png", 8, 0.0},
+               {"adobe.tif", shallow, adobe, "", "a.tif", 8, 0.0},
+               {"wide.tif", deep, wide, "", "a.tif", 16, 10.0},
+               {"p3.png", deep, display, "", "a.png", 16, 10.0},
+               {"p3.tif", shallow, display, "", "a.tif", 8, 0.0},
+               {"alpha.png", shallow.bandjoin_const({99.0}), "", "", "a.png", 8, 0.0},
                {"up.png", shallow, adobe, "--depth 16", "a.png", 16, -1.0},
                {"down.tif", deep, "", "", "a.jpg", 8, -1.0}};
   for (const auto& row : cases) {
@@ -85,13 +83,12 @@ TEST_F(EqualizeTool, ConvertsWhatTheEngineCannotWorkIn) {
   VImage::new_from_file("inks.tif").icc_transform("srgb").pngsave("expected.png");
   const sStored result = Equalize("inks.tif --hue-shift 10:0.5");
   EXPECT_EQ(result.fShape[2], 3);
-  EXPECT_NE(result.fProfile.find("RGB"), std::string::npos);
+  EXPECT_TRUE(Has(result.fProfile, "RGB"));
   VImage::new_from_file("result.png").icc_transform("srgb").pngsave("back.png");
-  EXPECT_LT(MeanDifference(Load("back.png"), Load("expected.png")), 2.0);
+  EXPECT_LT(MeanDifference(Load("back.png"), Load("expected.png")), 0.6);  // two conversions to 8 bits
   scene[1].copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W)).pngsave("grey.png");
   scene[1].bandjoin(scene[1]).bandjoin(scene[1]).pngsave("spread.png");
-  EXPECT_LE(LargestDifference(Equalize("grey.png --saturation 0:1 --lightness 0:1"), Load("spread.png")),
-            1.0);
+  EXPECT_EQ(Equalize("grey.png --saturation 0:1 --lightness 0:1").fSamples, Load("spread.png").fSamples);
 }
 
 TEST_F(EqualizeTool, MovesColoursAsTheCurvesSay) {
@@ -102,21 +99,20 @@ TEST_F(EqualizeTool, MovesColoursAsTheCurvesSay) {
     return std::vector<double>(all.begin(), all.begin() + 3);
   };
   const std::vector<double> green = color("red.png --hue-shift 0:0.8333");
-  EXPECT_GT(green[1], green[0] + 100.0);
-  EXPECT_GT(green[1], green[2] + 100.0);
+  EXPECT_GT(green[1], green[0] + 160.0);
+  EXPECT_GT(green[1], green[2] + 105.0);
   const std::vector<double> grey = color("red.png --saturation 10:0");
-  EXPECT_NEAR(grey[0], grey[1], 1.0);
-  EXPECT_NEAR(grey[1], grey[2], 1.0);
-  EXPECT_LT(color("blue.png --lightness 250:0.2")[2], 150.0);
+  EXPECT_EQ(grey[0], grey[1]);
+  EXPECT_EQ(grey[1], grey[2]);
+  EXPECT_NEAR(color("blue.png --lightness 250:0.2")[2], 139.0, 1.0);
   // A curve acts at its hue alone, between its points by its mode, and over the seam of the circle.
   for (const char* mode : {"smooth", "linear", "flat"}) {
     const std::string reds = std::string(" --mode ") + mode + " --saturation 330:0.2,30:0.2,60:0.5,300:0.5";
     const std::vector<double> pale = color("red.png" + reds);
-    EXPECT_LT(pale[0] - pale[1], 130.0) << mode;
+    EXPECT_NEAR(pale[0] - pale[1], 50.0, 2.5) << mode;
     const std::vector<double> blue =
         color("blue.png --mode linear --saturation 330:0.2,30:0.2,60:0.5,300:0.5");
-    EXPECT_NEAR(blue[2], 200.0, 1.0);
-    EXPECT_NEAR(blue[0], 40.0, 1.0);
+    EXPECT_EQ(blue, (std::vector<double>{40.0, 40.0, 200.0}));
   }
   const std::string slope = "red.png --saturation 0:0.5,100:0,180:0.5 --mode ";
   EXPECT_NE(color(slope + "linear"), color(slope + "smooth"));
@@ -140,11 +136,11 @@ TEST_F(EqualizeTool, KeepsResolutionAndComments) {
 TEST_F(EqualizeTool, DrawsTheCurves) {
   MakeFlat({200.0, 40.0, 40.0}).pngsave("red.png");
   const std::string curves = "--hue-shift 90:0.75,270:0.5 --saturation 0:0.25";
-  EXPECT_EQ(Run("equalize --plot a.svg " + curves).fExitCode, 0);
+  Expect(0, "equalize --plot a.svg " + curves);
   const std::string svg = ReadText("a.svg");
   for (const char* text :
        {"<svg xmlns=", ">Hue shift<", ">Lightness (neutral)<", ">Hue (degrees)<", "</svg>"}) {
-    EXPECT_NE(svg.find(text), std::string::npos) << text;
+    EXPECT_TRUE(Has(svg, text)) << text;
   }
   EXPECT_EQ(VImage::svgload("a.svg").width(), 1000);
   Equalize("red.png " + curves + " --plot b.PNG");
@@ -204,50 +200,33 @@ TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"in.png -o none/b.png --lightness 0:1", 4, "none/b.png: the folder none does not exist"},
       {"--plot none/b.svg --lightness 0:1", 4, "none/b.svg: the folder none does not exist"},
   };
-  const std::set<std::string> before = ListFolder();
-  for (const auto& row : cases) {
-    const sRun run = Run("equalize " + row.fArguments);
-    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments << '\n' << run.fErrors;
-    EXPECT_EQ(run.fErrors.rfind("quorvane: " + row.fText, 0), 0u)
-        << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;
-    EXPECT_EQ(ListFolder(), before) << row.fArguments;
-  }
+  for (const auto& row : cases) ExpectFailure(row.fExitCode, "equalize " + row.fArguments, row.fText);
 }
 
-TEST_F(EqualizeTool, PlotsAndComparisonsReplaceNothingUnlessTold) {
+TEST_F(EqualizeTool, PlotsAndComparisonsReplaceNothingUnasked) {
   ToVips8(MakeScene()).pngsave("in.png");
-  const struct {
-    const char* fArguments;
-    const char* fFile;
-  } cases[] = {{"equalize --saturation 0:1 --plot p.svg", "p.svg"},
-               {"equalize in.png -o new.png --saturation 0:1 --plot p.png", "p.png"},
-               {"inspect in.png --plot i.svg", "i.svg"},
-               {"compare in.png in.png -o side.png", "side.png"}};
-  for (const auto& row : cases) {
-    std::ofstream(row.fFile) << "old";
-    const std::set<std::string> before = ListFolder();
-    const sRun run = Run(row.fArguments);
-    EXPECT_EQ(run.fExitCode, 4) << row.fArguments;
-    EXPECT_EQ(run.fErrors + run.fOutput,
-              std::string("quorvane: ") + row.fFile + ": exists already; --overwrite replaces it\n");
-    EXPECT_EQ(ReadText(row.fFile), "old");
-    EXPECT_EQ(ListFolder(), before) << row.fArguments;
-    EXPECT_EQ(Run(std::string(row.fArguments) + " --overwrite").fExitCode, 0) << row.fArguments;
-    EXPECT_GT(fs::file_size(row.fFile), 100u) << row.fArguments;
+  const std::pair<std::string, std::string> cases[] = {
+      {"equalize --saturation 0:1 --plot p.svg", "p.svg"},
+      {"equalize in.png -o new.png --saturation 0:1 --plot p.png", "p.png"},
+      {"inspect in.png --plot i.svg", "i.svg"},
+      {"compare in.png in.png -o side.png", "side.png"}};
+  for (const auto& [arguments, file] : cases) {
+    WriteText(file, "old");
+    ExpectFailure(4, arguments, file + ": exists already; --overwrite replaces it\n");
+    EXPECT_EQ(ReadText(file), "old");
+    Expect(0, arguments + " --overwrite");
+    EXPECT_GT(fs::file_size(file), 100u) << arguments;
   }
 }
 
 TEST_F(EqualizeTool, LeavesTheOldFileWhenWritingFails) {
   ToVips16(MakeScene(400, 300)).pngsave("in.png");
-  std::ofstream("old.tif") << "old";
-  std::ofstream("old.svg") << "old";
-  const std::set<std::string> before = ListFolder();
-  for (const char* arguments : {"in.png -o old.tif", "--plot old.svg"}) {
-    const sRun run = Run(std::string("equalize --overwrite --saturation 0:1 ") + arguments, "ulimit -f 4;");
-    EXPECT_EQ(run.fExitCode, 4) << run.fErrors;
-    EXPECT_NE(run.fErrors.find(": writing failed ("), std::string::npos) << run.fErrors;
-    EXPECT_EQ(ReadText("old.tif") + ReadText("old.svg"), "oldold");
-    EXPECT_EQ(ListFolder(), before);
+  for (const std::string arguments : {"in.png -o old.tif", "--plot old.svg"}) {
+    const std::string file = arguments.substr(arguments.find("old"));
+    WriteText(file, "old");
+    ExpectFailure(4, "equalize --overwrite --saturation 0:1 " + arguments, file + ": writing failed (",
+                  "ulimit -f 4;");
+    EXPECT_EQ(ReadText(file), "old");
   }
 }
 

@@ -12,13 +12,11 @@ namespace {
 
 class InspectTool : public cToolTest {
  protected:
-  static std::string Expect(int pExitCode, const std::string& pArguments, const std::string& pBefore = "") {
-    const sRun run = Run(pArguments, pBefore);
-    EXPECT_EQ(run.fExitCode, pExitCode) << pArguments << run.fErrors;
-    return pExitCode == 0 ? run.fOutput : run.fErrors;
+  static std::string GetOutput(const std::string& pArguments, const std::string& pBefore = "") {
+    return Expect(0, pArguments, pBefore).fOutput;
   }
   static nlohmann::json Inspect(const std::string& pArguments) {
-    return nlohmann::json::parse(Expect(0, "inspect --json " + pArguments));
+    return nlohmann::json::parse(GetOutput("inspect --json " + pArguments));
   }
 };
 
@@ -45,9 +43,9 @@ TEST_F(InspectTool, MeasuresLight) {
   const double mean = 0.005 - (60 * 4 + 100 * (3 + 2 + 1)) / 460.0;
   for (const auto& [name, expected] :
        {std::pair{"min", -3.995}, {"max", 0.005}, {"dynamic_range", 4.0}, {"mean", mean}}) {
-    EXPECT_NEAR(light[name].get<double>(), expected, 0.011) << name;
+    EXPECT_NEAR(light[name].get<double>(), expected, 2e-7) << name;
   }
-  EXPECT_NEAR(light["quantiles"]["0.5"].get<double>(), -1.995, 0.011);
+  EXPECT_NEAR(light["quantiles"]["0.5"].get<double>(), -1.995, 0.005);  // half a bin of the histogram
   const auto counts = light["histogram"]["counts"].get<std::vector<int>>();
   EXPECT_EQ(counts.size(), 41u);
   EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), 0), 460);
@@ -64,7 +62,7 @@ TEST_F(InspectTool, MeasuresLight) {
   WritePfm("black.pfm", black);
   EXPECT_TRUE(Inspect("black.pfm")["log_luminance"].is_null());
   EXPECT_EQ(Inspect("black.pfm --plot black.svg")["options"], "");
-  EXPECT_NE(Expect(0, "inspect black.pfm").find("no pixel has light"), std::string::npos);
+  EXPECT_TRUE(Has(GetOutput("inspect black.pfm"), "no pixel has light"));
 }
 
 TEST_F(InspectTool, DrawsTheHistogramForEveryTerminal) {
@@ -75,9 +73,9 @@ TEST_F(InspectTool, DrawsTheHistogramForEveryTerminal) {
     std::size_t fWidth;
   } cases[] = {{"LC_ALL=C COLUMNS=60", "|#", 60}, {"LC_ALL=C.UTF-8 COLUMNS=100", "│█", 100}};
   for (const auto& row : cases) {
-    const std::string text = Expect(0, "inspect decades.pfm", row.fEnvironment);
-    EXPECT_NE(text.find(row.fBar), std::string::npos) << text;
-    EXPECT_EQ(text.find('\033'), std::string::npos);
+    const std::string text = GetOutput("inspect decades.pfm", row.fEnvironment);
+    EXPECT_TRUE(Has(text, row.fBar));
+    EXPECT_FALSE(Has(text, "\033"));
     std::istringstream lines(text.substr(text.find("Luminance")));
     std::size_t widest = 0, percent = 0;
     for (std::string line; std::getline(lines, line);) {
@@ -90,7 +88,7 @@ TEST_F(InspectTool, DrawsTheHistogramForEveryTerminal) {
   }
 }
 
-TEST_F(InspectTool, TellsMetadataAndGoesOnAfterAFailure) {
+TEST_F(InspectTool, ShowsMetadataAndGoesOnAfterAFailure) {
   VImage image = ToVips8(MakeScene());
   image.set("exif-ifd0-Make", "Maker");
   image.set("exif-ifd0-Model", "Box 7");
@@ -107,11 +105,10 @@ TEST_F(InspectTool, TellsMetadataAndGoesOnAfterAFailure) {
     EXPECT_EQ(metadata["exposure"], "1/250 s, f/5.6") << file;
     EXPECT_EQ(metadata["gps"], false) << file;
   }
-  const sRun run = Run("inspect --json photo.jpg missing.jpg photo.jpg");
-  EXPECT_EQ(run.fExitCode, 1);
+  const sRun run = Expect(1, "inspect --json photo.jpg missing.jpg photo.jpg");
   EXPECT_EQ(std::count(run.fOutput.begin(), run.fOutput.end(), '\n'), 2);
-  EXPECT_NE(run.fErrors.find("missing.jpg: No such file"), std::string::npos);
-  EXPECT_NE(run.fErrors.find("1 of 3 pictures failed"), std::string::npos);
+  EXPECT_TRUE(Has(run.fErrors, "missing.jpg: No such file"));
+  EXPECT_TRUE(Has(run.fErrors, "1 of 3 pictures failed"));
 }
 
 TEST_F(InspectTool, SaysWhatTonemapWillDo) {
@@ -126,8 +123,8 @@ TEST_F(InspectTool, SaysWhatTonemapWillDo) {
     const nlohmann::json wrap = Inspect(file)["wrap"];
     EXPECT_EQ(wrap["horizontal"], wraps);
     EXPECT_EQ(wrap["reason"], std::string(reason) == "stated" ? "metadata" : reason);
-    EXPECT_EQ(Expect(0, "inspect " + file).find("tonemap wraps around") != std::string::npos, wraps);
-    EXPECT_EQ(nlohmann::json::parse(Expect(0, "tonemap --json --overwrite -o a.png " + file))["wrap"], wraps);
+    EXPECT_EQ(bool{Has(GetOutput("inspect " + file), "tonemap wraps around")}, wraps);
+    EXPECT_EQ(nlohmann::json::parse(GetOutput("tonemap --json --overwrite -o a.png " + file))["wrap"], wraps);
   }
   // what is in the file is measured, not what alpha makes of it
   sExrKind kind{.fAlpha = std::vector<float>(20000, 0.25f)};
@@ -149,10 +146,9 @@ TEST_F(InspectTool, PlotsWhatTheEngineDoes) {
   for (const char* text : {">a &amp; b.exr<", ">Luminance of the picture<", ">Pixels (% per 0.1 decade)<",
                            ">Base layer: large contrasts<", ">Detail layer: fine contrasts<", ">Tone curve<",
                            ">Light of the result (%)<", "strength 70, "}) {
-    EXPECT_NE(svg.find(text), std::string::npos) << text;
+    EXPECT_TRUE(Has(svg, text)) << text;
   }
-  for (const char* text : {",nan", "nan,", "\"nan", "inf"})
-    EXPECT_EQ(svg.find(text), std::string::npos) << text;
+  for (const char* text : {",nan", "nan,", "\"nan", "inf"}) EXPECT_FALSE(Has(svg, text)) << text;
   EXPECT_EQ(VImage::svgload("a.svg").width(), 1240);  // well-formed, or it would not load
   EXPECT_FALSE(svg == ReadText("b.svg"));
   Expect(0, "inspect 'a & b.exr' --plot a.png");
@@ -172,7 +168,7 @@ TEST_F(InspectTool, ComparesPictures) {
       .tiffsave("b.tif");
   a.cast(VIPS_FORMAT_UCHAR).crop(0, 0, 20, 9).pngsave("small.png");
   for (const char* other : {"b.png", "b.tif"}) {
-    const auto json = nlohmann::json::parse(Expect(0, std::string("compare --json a.png ") + other));
+    const auto json = nlohmann::json::parse(GetOutput(std::string("compare --json a.png ") + other));
     EXPECT_EQ(json["all"]["largest"], 10.0);
     EXPECT_EQ(json["green"]["largest"], 4.0);
     EXPECT_EQ(json["red"]["mean"], 0.0);
@@ -196,15 +192,15 @@ TEST_F(InspectTool, ComparesPictures) {
     const char* fText;
   } cases[] = {{"a.png b.png --fail-above 9", 1, "the largest difference, 10.00, is above 9"},
                {"a.png small.png", 5, "small.png: its size is 20 x 9, that of a.png 20 x 10"},
-               {"a.png b.png -o side.gif", 2, "side.gif: "},
+               {"a.png b.png -o side.gif", 2, "side.gif: the picture of the comparison is a .png"},
                {"a.png b.png -o b.png", 2, "b.png: is the input itself"},
                {"a.png b.png --fail-above -1", 2, "--fail-above"},
                {"a.png", 2, "B is required"}};
   for (const auto& row : cases) {
-    const std::string errors = Expect(row.fExitCode, std::string("compare ") + row.fArguments);
-    EXPECT_NE(errors.find(row.fText), std::string::npos) << errors;
+    const sRun run = Expect(row.fExitCode, std::string("compare ") + row.fArguments);
+    EXPECT_TRUE(Has(run.fErrors, row.fText));
   }
-  EXPECT_EQ(Expect(0, "compare a.png a.png --fail-above 0"), "The pictures are equal.\n");
+  EXPECT_EQ(GetOutput("compare a.png a.png --fail-above 0"), "The pictures are equal.\n");
 }
 
 TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
@@ -213,18 +209,18 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
   WritePfm("scene.pfm", scene);
   Expect(0, "tonemap scene.pfm --overwrite -o full.png");
   const VImage full = VImage::new_from_file("full.png").colourspace(VIPS_INTERPRETATION_scRGB);
-  for (const int factor : {2, 4}) {
+  for (const auto& [factor, limit] : {std::pair{2, 1.5}, {4, 2.9}}) {  // measured: edges and sparks differ
     full.shrink(factor, factor).colourspace(VIPS_INTERPRETATION_sRGB).pngsave("reduced.png");
     Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview " + std::to_string(512 / factor));
     EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{512 / factor, 340 / factor, 3, 8}));
-    const auto json = nlohmann::json::parse(Expect(0, "compare --json small.png reduced.png"));
-    EXPECT_LT(json["all"]["mean"].get<double>(), 3.0) << factor;
+    const auto json = nlohmann::json::parse(GetOutput("compare --json small.png reduced.png"));
+    EXPECT_LT(json["all"]["mean"].get<double>(), limit) << factor;
   }
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 512");  // not enlarged, not changed
   EXPECT_EQ(Load("small.png").fSamples, Load("full.png").fSamples);
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 1");
   EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{1, 1, 3, 8}));
-  Expect(2, "tonemap scene.pfm --overwrite -o small.png --preview -1");
+  ExpectFailure(2, "tonemap scene.pfm --overwrite -o small.png --preview -1", "--preview: ");
   // A preview repeats itself, unless the whole is asked for.
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 100 --strength 90");
   const std::string start = "tonemap scene.pfm --overwrite --settings-from small.png -o ";
@@ -235,7 +231,7 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
       "quorvane: small.png: warning: is a preview of 100 pixels, and so it goes on; --preview 0 makes the "
       "whole picture\n");
   Expect(0, "tonemap scene.pfm --overwrite -o full.png --strength 90");
-  EXPECT_EQ(Run(start + "again.png --preview 0").fErrors, "");
+  ExpectDone(start + "again.png --preview 0");
   EXPECT_TRUE(ReadText("again.png") == ReadText("full.png"));
 }
 
@@ -265,13 +261,13 @@ TEST_F(InspectTool, ChoosesSlidersFromTheLight) {
   EXPECT_FALSE(ReadText("auto.png") == ReadText("default.png"));
   Expect(0, "inspect dark.pfm --auto --plot a.svg");
   Expect(0, "inspect dark.pfm --strength 20 --auto --plot b.svg");
-  EXPECT_NE(ReadText("a.svg").find("strength " + json["suggested"]["strength"].dump() + ","),
-            std::string::npos);
-  EXPECT_NE(ReadText("b.svg").find("strength 20,"), std::string::npos);
-  Expect(2, "tonemap dark.pfm -o a.png --auto --settings-from auto.png");
+  EXPECT_TRUE(Has(ReadText("a.svg"), "strength " + json["suggested"]["strength"].dump() + ","));
+  EXPECT_TRUE(Has(ReadText("b.svg"), "strength 20,"));
+  ExpectFailure(2, "tonemap dark.pfm -o a.png --auto --settings-from auto.png",
+                "--settings-from excludes --auto");
   const double defaults = VImage::new_from_file("default.png").avg();
   Expect(0, "tonemap dark.pfm --overwrite -o auto.png --auto");
-  EXPECT_GT(VImage::new_from_file("auto.png").avg(), defaults + 5.0);
+  EXPECT_GT(VImage::new_from_file("auto.png").avg(), defaults + 14.0);
 }
 
 }  // namespace

@@ -26,11 +26,9 @@ class QuorvaneTool : public cToolTest {
   /// Expects success, without a word but pWarning, and returns the result.
   static sStored ToneMap(const std::string& pInput, const std::string& pOptions = "",
                          const std::string& pOutput = "result.png", const std::string& pWarning = "") {
-    const sRun run = Run("tonemap " + pInput + " -o " + pOutput + " --overwrite " + pOptions);
-    EXPECT_EQ(run.fExitCode, 0) << pInput << ' ' << pOptions;
-    const std::string said = pWarning.empty() ? "" : "quorvane: " + pInput + ": warning: " + pWarning + "\n";
-    EXPECT_EQ(run.fErrors + run.fOutput, said) << pInput << ' ' << pOptions;
-    return run.fExitCode == 0 ? Load(pOutput) : sStored{};
+    ExpectDone("tonemap " + pInput + " -o " + pOutput + " --overwrite " + pOptions,
+               pWarning.empty() ? "" : "quorvane: " + pInput + ": warning: " + pWarning + "\n");
+    return Load(pOutput);
   }
 };
 
@@ -93,9 +91,9 @@ TEST_F(QuorvaneTool, ReadsEveryFormatAlike) {
   const struct {
     const char* fFile;
     double fTolerance;  // in steps of the 8-bit result: what the format's own precision leaves
-  } cases[] = {{"scene.exr", 0.0},  {"tiled.exr", 0.0}, {"exr-named.hdr", 0.0}, {"scene.hdr", 0.4},
-               {"16.png", 0.02},    {"16.tif", 0.02},   {"8.png", 1.5},         {"8.tif", 1.5},
-               {"'8[1].png'", 1.5}, {"8.jpg", 5.0}};
+  } cases[] = {{"scene.exr", 0.0},   {"tiled.exr", 0.0}, {"exr-named.hdr", 0.0}, {"scene.hdr", 0.2},
+               {"16.png", 0.006},    {"16.tif", 0.006},  {"8.png", 0.95},        {"8.tif", 0.95},
+               {"'8[1].png'", 0.95}, {"8.jpg", 3.6}};
   for (const auto& row : cases) {
     EXPECT_LE(MeanDifference(ToneMap(row.fFile), expected), row.fTolerance) << row.fFile;
   }
@@ -129,7 +127,7 @@ TEST_F(QuorvaneTool, WritesFormatDepthAndProfileThatAreAskedFor) {
 
 TEST_F(QuorvaneTool, TakesPrimariesFromTheHeader) {
   const sTestPicture scene = MakeScene();
-  sTestPicture inXYZ = scene;  // the same light, told in XYZ: D65's white is as bright as sRGB's
+  sTestPicture inXYZ = scene;  // the same light in XYZ: D65's white is as bright as sRGB's
   const TmEngine::cMatrix33 matrix = TmEngine::cColorSpace_sRGB().GetRGBToXYZNative();
   for (std::size_t i = 0; i < inXYZ.fSamples.size(); i += 3) {
     const TmEngine::cVector3 xyz =
@@ -150,9 +148,9 @@ TEST_F(QuorvaneTool, TakesPrimariesFromTheHeader) {
   WriteRadiance("zeros.hdr", scene, "PRIMARIES=0 0 0 0 0 0 0 0\n" + format);
   WriteRadiance("xyz.hdr", inXYZ, "PRIMARIES= 1 0 0 1 0 0 .31271 .32902\n" + format);
   const sStored expected = ToneMap("plain.exr");
-  EXPECT_LT(MeanDifference(ToneMap("xyz.exr"), expected), 0.1);
-  EXPECT_LT(MeanDifference(ToneMap("xyz.hdr"), expected), 1.5);
-  EXPECT_GT(MeanDifference(ToneMap("unmarked.exr"), expected), 3.0);
+  EXPECT_LT(MeanDifference(ToneMap("xyz.exr"), expected), 0.002);
+  EXPECT_LT(MeanDifference(ToneMap("xyz.hdr"), expected), 0.3);
+  EXPECT_GT(MeanDifference(ToneMap("unmarked.exr"), expected), 7.0);
   EXPECT_EQ(ToneMap("zeros.exr").fSamples, expected.fSamples);
   EXPECT_EQ(ToneMap("zeros.hdr").fSamples, ToneMap("plain.hdr").fSamples);
   EXPECT_EQ(ToneMap("nonsense.exr", "", "out.png",
@@ -211,7 +209,7 @@ TEST_F(QuorvaneTool, DecodesThroughTheEmbeddedProfile) {
   vips_image_set_blob_copy(wide.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
   wide.tiffsave("wide.tif");
   const sStored expected = ToneMap("plain.tif");
-  EXPECT_LT(MeanDifference(ToneMap("wide.tif"), expected), 0.5);
+  EXPECT_LT(MeanDifference(ToneMap("wide.tif"), expected), 0.04);
   VImage broken = ToVips16(scene);
   vips_image_set_blob_copy(broken.get_image(), VIPS_META_ICC_NAME, profile.data(), 200);
   broken.tiffsave("broken.tif");
@@ -234,8 +232,8 @@ TEST_F(QuorvaneTool, ReadsGreyPaletteAndInks) {
   colours.pngsave("full.png");
   colours.pngsave("palette.png", VImage::option()->set("palette", true)->set("Q", 100));
   colours.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb")).tiffsave("inks.tif");
-  EXPECT_LT(MeanDifference(ToneMap("palette.png"), ToneMap("full.png")), 12.0);
-  EXPECT_LT(MeanDifference(ToneMap("inks.tif"), ToneMap("full.png")), 30.0);  // paper holds fewer tones
+  EXPECT_LT(MeanDifference(ToneMap("palette.png"), ToneMap("full.png")), 4.6);
+  EXPECT_LT(MeanDifference(ToneMap("inks.tif"), ToneMap("full.png")), 28.0);  // paper holds fewer tones
 }
 
 TEST_F(QuorvaneTool, KeepsWhatIsNotFiniteFromTheEngine) {
@@ -258,7 +256,7 @@ TEST_F(QuorvaneTool, KeepsWhatIsNotFiniteFromTheEngine) {
             ToneMap("repaired.exr").fSamples);
   std::fill(scene.fSamples.begin(), scene.fSamples.end(), kNaN);
   WritePfm("nothing.pfm", scene);
-  EXPECT_EQ(Run("tonemap nothing.pfm -o black.png").fExitCode, 0);
+  Expect(0, "tonemap nothing.pfm -o black.png");
   for (const double sample : Load("black.png").fSamples) ASSERT_EQ(sample, 0.0);
 }
 
@@ -268,7 +266,7 @@ TEST_F(QuorvaneTool, RendersDarkNoiseWithoutBrightSpecks) {
   const float noise[] = {2e-4f, -6.15e-5f, 0.0f};  // red and green that cancel out to hardly any luminance
   std::copy_n(noise, 3, scene.GetPixel(2, 25));
   WriteExr("noise.exr", scene);
-  EXPECT_LT(ToneMap("noise.exr", "--black-clip 0").fSamples[3 * (25 * 48 + 2)], 128.0);
+  EXPECT_LT(ToneMap("noise.exr", "--black-clip 0").fSamples[3 * (25 * 48 + 2)], 60.0);
 }
 
 TEST_F(QuorvaneTool, ShowsTheEnginesLinesOnlyWhenAsked) {
@@ -277,7 +275,7 @@ TEST_F(QuorvaneTool, ShowsTheEnginesLinesOnlyWhenAsked) {
   const sRun run = Run("tonemap scene.pfm -o out.png --verbose");
   for (const char* text :
        {"Prepare for Rendering - Min: ", "End ToneMappingPhase1 48 x 32", "==> Linear Black: "}) {
-    EXPECT_NE(run.fErrors.find(text), std::string::npos) << text;
+    EXPECT_TRUE(Has(run.fErrors, text)) << text;
   }
   EXPECT_EQ(run.fOutput, "");
 }
@@ -288,9 +286,8 @@ TEST_F(QuorvaneTool, HelpTeaches) {
       {"tonemap ", "--strength -200..150 [70]", "--white-clip 0..200 [5]", "--depth 8|12|16 [8]",
        "--colorspace srgb|adobergb|prophoto [srgb]", "Examples:", "--wrap", "per cent"}};
   for (const std::vector<std::string>& texts : cases) {
-    const sRun run = Run(texts[0] + "--help");
-    EXPECT_EQ(run.fExitCode, 0);
-    for (const std::string& text : texts) EXPECT_NE(run.fOutput.find(text), std::string::npos) << text;
+    const sRun run = Expect(0, texts[0] + "--help");
+    for (const std::string& text : texts) EXPECT_TRUE(Has(run.fOutput, text)) << text;
   }
 }
 
@@ -371,27 +368,16 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"tonemap scene.pfm -o folder.png", 4, "folder.png: is a folder"},
       {"tonemap scene.pfm -o /proc/b.png", 4, "/proc/b.png: cannot write into the folder /proc ("},
   };
-  const std::set<std::string> before = ListFolder();
-  for (const auto& row : cases) {
-    const sRun run = Run(row.fArguments);
-    EXPECT_EQ(run.fExitCode, row.fExitCode) << row.fArguments << '\n' << run.fErrors;
-    EXPECT_EQ(run.fErrors.rfind(std::string("quorvane: ") + row.fText, 0), 0u)
-        << row.fArguments << "\nsays: " << run.fErrors << "expected: " << row.fText;
-    EXPECT_EQ(run.fOutput, "");
-    EXPECT_EQ(ListFolder(), before) << row.fArguments;
-  }
+  for (const auto& row : cases) ExpectFailure(row.fExitCode, row.fArguments, row.fText);
 }
 
 TEST_F(QuorvaneTool, LeavesTheOldResultWhenWritingFails) {
   WritePfm("scene.pfm", MakeScene(400, 300));
   for (const std::string name : {"old.png", "old.tif", "old.jpg"}) {
-    std::ofstream(name) << "old";
-    const std::set<std::string> before = ListFolder();
-    const sRun run = Run("tonemap scene.pfm --overwrite -o " + name, "ulimit -f 16;");
-    EXPECT_EQ(run.fExitCode, 4) << run.fErrors;
-    EXPECT_EQ(run.fErrors.rfind("quorvane: " + name + ": writing failed (", 0), 0u) << run.fErrors;
+    WriteText(name, "old");
+    ExpectFailure(4, "tonemap scene.pfm --overwrite -o " + name, name + ": writing failed (",
+                  "ulimit -f 16;");
     EXPECT_EQ(ReadText(name), "old");
-    EXPECT_EQ(ListFolder(), before);
   }
 }
 
@@ -404,7 +390,7 @@ TEST_F(QuorvaneTool, ReplacesTheTargetAsItStands) {
   EXPECT_TRUE(fs::is_symlink("link.png"));
   EXPECT_EQ(Load("real.png").fSamples, result.fSamples);
   EXPECT_EQ(fs::status("real.png").permissions(), fs::perms(0640));
-  EXPECT_EQ(Run("tonemap scene.pfm -o new.png", "umask 027;").fExitCode, 0);
+  Expect(0, "tonemap scene.pfm -o new.png", "umask 027;");
   EXPECT_EQ(fs::status("new.png").permissions(), fs::perms(0640));
   EXPECT_EQ(ListFolder(), (std::set<std::string>{"scene.pfm", "real.png", "link.png", "new.png"}));
 }

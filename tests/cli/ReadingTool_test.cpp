@@ -20,13 +20,7 @@ namespace {
 using Cli::ReadPicture;
 using Cli::sPicture;
 
-class ReadingTool : public cToolTest {
- protected:
-  static void SetUpTestSuite() {
-    setenv("VIPS_WARNING", "0", 1);  // libvips is silent, as in the tool
-    cToolTest::SetUpTestSuite();
-  }
-};
+using ReadingTool = cToolTest;
 
 std::vector<float> SamplesOf(const sPicture& pPicture) {
   std::vector<float> samples;
@@ -64,7 +58,7 @@ VImage ToVipsFloat(const sTestPicture& pPicture) {
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB));
 }
 
-TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
+TEST_F(ReadingTool, ReadsLightDepthAndColoursOfEveryFormat) {
   const sTestPicture scene = MakeScene(48, 32, 2.0f);
   const VImage of8 = ToVips8(scene);
   const VImage of16 = ToVips16(scene);
@@ -91,19 +85,19 @@ TEST_F(ReadingTool, TellsWhatEachFormatHolds) {
     const char* fFormat;
     int fDepth;
     const char* fColorSpace;
-    double fTolerance;
-  } cases[] = {{"a.hdr", "Radiance", 32, linear, 0.01},
+    double fTolerance;  // just above what the format's precision or its encoder leaves
+  } cases[] = {{"a.hdr", "Radiance", 32, linear, 1.3e-3},
                {"a.exr", "OpenEXR", 32, linear, 0.0},
-               {"parts.exr", "OpenEXR", 16, linear, 1e-3},
-               {"tiles.exr", "OpenEXR", 16, linear, 1e-3},
+               {"parts.exr", "OpenEXR", 16, linear, 1.3e-4},
+               {"tiles.exr", "OpenEXR", 16, linear, 1.3e-4},
                {"float.tif", "TIFF", 32, linear, 0.0},
-               {"float.jxl", "JPEG XL", 32, "RGB_D65_SRG_Rel_Lin (ICC)", 1e-4},
-               {"16.jxl", "JPEG XL", 16, "RGB_D65_SRG_Rel_SRG (ICC)", 1e-3},
-               {"8.jxl", "JPEG XL", 8, "RGB_D65_SRG_Rel_SRG (ICC)", 0.02},
-               {"8.webp", "WebP", 8, "sRGB", 0.02},
-               {"8.avif", "AVIF", 8, "sRGB", 0.1},  // colours at half the resolution
-               {"12.avif", "AVIF", 12, "sRGB", 0.1},
-               {"10.heic", "HEIF", 10, "sRGB", 0.1}};
+               {"float.jxl", "JPEG XL", 32, "RGB_D65_SRG_Rel_Lin (ICC)", 2e-5},
+               {"16.jxl", "JPEG XL", 16, "RGB_D65_SRG_Rel_SRG (ICC)", 3e-5},
+               {"8.jxl", "JPEG XL", 8, "RGB_D65_SRG_Rel_SRG (ICC)", 0.004},
+               {"8.webp", "WebP", 8, "sRGB", 0.004},
+               {"8.avif", "AVIF", 8, "sRGB", 0.009},  // colours at half the resolution
+               {"12.avif", "AVIF", 12, "sRGB", 0.0013},
+               {"10.heic", "HEIF", 10, "sRGB", 0.005}};
   const sPicture expected = ReadPicture("a.pfm");
   EXPECT_EQ(expected.fFormat, "PFM");
   for (const auto& row : cases) {
@@ -144,7 +138,7 @@ TEST_F(ReadingTool, DecodesPQAndHLG) {
     Patch("a.avif", "coded.avif", "colrnclx", 0, row.fCodes);
     const sPicture picture = ReadPicture("coded.avif");
     EXPECT_EQ(picture.fColorSpace, row.fColorSpace);
-    EXPECT_NEAR(Cli::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 0.01f) << row.fColorSpace;
+    EXPECT_NEAR(Cli::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 2.5e-4f) << row.fColorSpace;
   }
   Patch("a.avif", "odd.avif", "colrnclx", 0, {0, 9, 0, 77});
   EXPECT_EQ(ReadPicture("odd.avif").fWarnings.size(), 1u);
@@ -162,7 +156,7 @@ TEST_F(ReadingTool, DecodesFloatsThroughTheirProfile) {
   TmEngine::cVector3 linear;
   for (int i = 0; i < 3; ++i) linear[i] = std::pow(scene.GetPixel(3, 3)[i], 563.0f / 256.0f);
   const TmEngine::cVector3 xyz = TmEngine::cColorSpace_AdobeRGB98().GetRGBToXYZ() * linear;
-  EXPECT_NEAR(Cli::GetRow(picture, 3)[3 * 3 + 1], xyz[1], 0.01f * xyz[1]);
+  EXPECT_NEAR(Cli::GetRow(picture, 3)[3 * 3 + 1], xyz[1], 2e-5f * xyz[1]);
 }
 
 TEST_F(ReadingTool, KeepsAlphaToTheBit) {
@@ -210,10 +204,10 @@ TEST_F(ReadingTool, KnowsCoveredLightFromLightOfItsOwn) {
     kind.fAlpha = row.fAlpha;
     WriteExr("a.exr", stored, kind);
     sPicture picture = ReadPicture("a.exr");
-    for (int x = 0; x < 4; ++x) EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], 0.5f, 1e-5f);  // the file's
+    for (int x = 0; x < 4; ++x) EXPECT_EQ(Cli::GetRow(picture, 0)[3 * x + 1], 0.5f);  // the file's
     Cli::SettleAlpha(picture);
     for (int x = 0; x < 4; ++x) {
-      EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], row.fLight[static_cast<std::size_t>(x)], 1e-3f) << x;
+      EXPECT_NEAR(Cli::GetRow(picture, 0)[3 * x + 1], row.fLight[static_cast<std::size_t>(x)], 4e-5f) << x;
     }
     EXPECT_EQ(picture.fIsPremultiplied, row.fLight[0] == 0.5f);
   }
@@ -250,9 +244,7 @@ TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
   WriteExr("plain.exr", scene);
   WriteExr("candle.exr", scene, kind);
   const auto tonemap = [](const std::string& pArguments, const std::string& pFile) {
-    const sRun run = Run("tonemap " + pArguments + " --overwrite -o " + pFile);
-    EXPECT_EQ(run.fExitCode, 0) << run.fErrors;
-    return run.fErrors;
+    return Expect(0, "tonemap " + pArguments + " --overwrite -o " + pFile).fErrors;
   };
   const auto overBlack = [](const std::string& pFile) {
     return VImage::new_from_file(pFile.c_str()).flatten().cast(VIPS_FORMAT_DOUBLE);
@@ -260,7 +252,7 @@ TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
   for (const std::string options : {"--depth 8", "--depth 16", "--preview 45"}) {
     tonemap("plain.exr " + options, "plain.png");
     const VImage expected = VImage::new_from_file("plain.png").cast(VIPS_FORMAT_DOUBLE);
-    EXPECT_NE(tonemap("candle.exr " + options, "a.png").find("alpha is raised in "), std::string::npos);
+    EXPECT_TRUE(Has(tonemap("candle.exr " + options, "a.png"), "alpha is raised in "));
     EXPECT_LE((overBlack("a.png") - expected).abs().max(), 1.0) << options;
     EXPECT_EQ(tonemap("candle.exr --alpha ignore " + options, "b.png"), "");
     EXPECT_EQ((VImage::new_from_file("b.png") - expected).abs().max(), 0.0) << options;
@@ -270,14 +262,13 @@ TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
   }
   // premultiplied, and says so
   const std::string tiff = ReadText("a.tif");
-  EXPECT_NE(tiff.find(std::string("\x52\x01\x03\x00\x01\x00\x00\x00\x01\x00", 10)), std::string::npos);
+  EXPECT_TRUE(Has(tiff, std::string("\x52\x01\x03\x00\x01\x00\x00\x00\x01\x00", 10)));
   // and is read as it was written
   tonemap("candle.exr --depth 16", "a.tif");
   tonemap("candle.exr --depth 16 --alpha ignore", "b.tif");
   EXPECT_EQ(SamplesOf(ReadPicture("a.tif")), SamplesOf(ReadPicture("b.tif")));
   EXPECT_TRUE(ReadPicture("a.tif").fHasOwnLight);
-  EXPECT_NE(tonemap("candle.exr", "a.jpg").find("JPEG holds no transparency: the picture over black"),
-            std::string::npos);
+  EXPECT_TRUE(Has(tonemap("candle.exr", "a.jpg"), "JPEG holds no transparency: the picture over black"));
 }
 
 TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
@@ -299,24 +290,21 @@ TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
   ToVips(straight, 90, 4, VIPS_FORMAT_FLOAT)
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_scRGB))
       .tiffsave("a.tif");
-  for (const char* const file : {"a.exr", "a.tif"}) {
-    ASSERT_EQ(Run(std::string("tonemap ") + file + " --overwrite -o " + file + ".png").fErrors, "");
-  }
+  ExpectDone("tonemap a.exr -o a.exr.png");
+  ExpectDone("tonemap a.tif -o a.tif.png");
   const VImage kept = VImage::new_from_file("a.exr.png");
   EXPECT_LE((kept - VImage::new_from_file("a.tif.png")).abs().max(), 1.0);
   for (const std::string colour : {"'#c08040'", "c08040"}) {
-    ASSERT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha " + colour).fErrors, "");
+    ExpectDone("tonemap a.exr --overwrite -o over.png --alpha " + colour);
     const VImage over = kept.flatten(VImage::option()->set("background", std::vector<double>{192, 128, 64}));
     EXPECT_LE((VImage::new_from_file("over.png") - over).abs().max(), 1.0);
   }
-  ASSERT_EQ(
-      Run("tonemap a.exr --overwrite -o over.tif --depth 16 --colorspace prophoto --alpha c08040").fErrors,
-      "");
+  ExpectDone("tonemap a.exr -o over.tif --depth 16 --colorspace prophoto --alpha c08040");
   const auto corner = VImage::new_from_file("over.tif").icc_transform("srgb").getpoint(0, 0);
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(corner[static_cast<std::size_t>(i)], 192 - 64 * i, 1.5) << i;
-  EXPECT_EQ(Run("tonemap a.exr --overwrite -o over.png --alpha orange").fExitCode, 2);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(corner[static_cast<std::size_t>(i)], 192 - 64 * i, 0.5) << i;
+  ExpectFailure(2, "tonemap a.exr --overwrite -o over.png --alpha orange", "--alpha: ");
   // and the choice is kept with the result
-  ASSERT_EQ(Run("tonemap a.tif --overwrite -o again.png --settings-from over.png").fErrors, "");
+  ExpectDone("tonemap a.tif -o again.png --settings-from over.png");
   EXPECT_EQ(Load("again.png").fShape[2], 3);
 }
 
@@ -331,7 +319,7 @@ TEST_F(ReadingTool, TransparentPixelsDoNotCount) {
     sTestPicture other = scene;
     for (std::size_t i = 0; i < alpha.size(); i += 3) std::fill_n(&other.fSamples[3 * i], 3, hidden);
     ToVips16(other).bandjoin(mask).pngsave("a.png");
-    ASSERT_EQ(Run("tonemap a.png --overwrite -o out.png").fExitCode, 0);
+    ExpectDone("tonemap a.png --overwrite -o out.png");
     results.push_back(Load("out.png"));
   }
   EXPECT_EQ(results[0].fSamples, results[1].fSamples);
@@ -345,7 +333,7 @@ TEST_F(ReadingTool, TransparentPixelsDoNotCount) {
     if (alpha[i] != 0) visible += static_cast<double>(before[3 * i + 1]) / 1600.0;
     all += static_cast<double>(after[3 * i + 1]) / 2400.0;
   }
-  EXPECT_NEAR(all, visible, 0.02 * visible);
+  EXPECT_NEAR(all, visible, 0.014 * visible);
   const auto bands = static_cast<std::size_t>(results[0].fShape[2]);
   for (std::size_t i = 0; i < alpha.size(); i += 3) ASSERT_EQ(results[0].fSamples[bands * i], 0.0);
 }
@@ -364,13 +352,13 @@ TEST_F(ReadingTool, CountsWhatItRepairs) {
   EXPECT_EQ(picture.fRepairs.fNaN, 1);
   EXPECT_EQ(picture.fRepairs.fInfinite, 2);
   EXPECT_EQ(picture.fRepairs.fOutliers, 1);
-  EXPECT_GE(picture.fRepairs.fNegative, 2);
-  EXPECT_NEAR(Cli::GetRow(picture, 2)[3 * 5 + 1], 500.0f, 0.01f);
+  EXPECT_EQ(picture.fRepairs.fNegative, 2);
+  EXPECT_EQ(Cli::GetRow(picture, 2)[3 * 5 + 1], 500.0f);
   EXPECT_EQ(picture.fWarnings.size(), 2u);
   for (const float sample : SamplesOf(picture)) ASSERT_TRUE(std::isfinite(sample) && sample > -1e-6f);
 }
 
-/// An outlier becomes what +infinity does; the sun, and what is no single spot, stay.
+/// An outlier is repaired like +infinity; the sun, and bright areas of many pixels, stay.
 TEST_F(ReadingTool, OutliersAreNoLight) {
   const auto write = [](const sTestPicture& pPicture, const std::string& pFile) {
     if (pFile.ends_with(".pfm")) WritePfm(pFile, pPicture);
@@ -393,13 +381,13 @@ TEST_F(ReadingTool, OutliersAreNoLight) {
       EXPECT_EQ(picture.fRepairs.fOutliers, 1) << file << light;
       EXPECT_EQ(picture.fRepairs.fInfinite, 0) << file << light;
       ASSERT_EQ(picture.fWarnings.size(), 1u) << file;
-      if (file[2] == 'h') continue;  // which rounds
+      if (file[2] == 'h') continue;  // its samples have 8 bits
       EXPECT_EQ(SamplesOf(picture), expected) << file << light;
     }
     write(spot(1e6f, 40), file);
     const sPicture sun = ReadPicture(file);
     EXPECT_EQ(sun.fRepairs.fOutliers, 0) << file;
-    EXPECT_NEAR(Cli::GetRow(sun, 40)[3 * 31 + 1], 1e6f, 1e4f) << file;
+    EXPECT_NEAR(Cli::GetRow(sun, 40)[3 * 31 + 1], 1e6f, file[2] == 'h' ? 1500.0f : 0.0f) << file;
   }
   sTestPicture many = scene;
   for (int y = 0; y < 20; ++y) std::fill_n(many.GetPixel(0, y), 60, 1e20f);
@@ -408,10 +396,10 @@ TEST_F(ReadingTool, OutliersAreNoLight) {
   sTestPicture dark = spot(-1e20f, 40);
   WriteExr("dark.exr", dark);
   EXPECT_EQ(ReadPicture("dark.exr").fRepairs.fOutliers, 1);
-  EXPECT_NEAR(Cli::GetRow(ReadPicture("dark.exr"), 40)[3 * 31 + 1], 0.0f, 1e-6f);
+  EXPECT_NEAR(Cli::GetRow(ReadPicture("dark.exr"), 40)[3 * 31 + 1], 0.0f, 0.0f);
 }
 
-TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
+TEST_F(ReadingTool, StreamedRowsGiveTheResultOfTheWholePicture) {
   sTestPicture scene = MakeScene(300, 900);
   const auto tonemap = [](const std::string& pInput) {
     Cli::sTonemapJob job;
@@ -438,7 +426,6 @@ TEST_F(ReadingTool, RowsThatAreRenderedAsTheyComeGiveTheSame) {
     EXPECT_EQ(rows.fWarnings, whole.fWarnings) << odd;
     EXPECT_EQ(rows.fColorSpace, whole.fColorSpace);
     EXPECT_EQ(rows.fRendering.fWhiteShare, whole.fRendering.fWhiteShare) << odd;
-    EXPECT_GE(rows.fRendering.fSeconds.fPreparation, 0.0);
   }
 }
 
@@ -484,7 +471,7 @@ TEST_F(ReadingTool, ExrPicturesAreTheirDisplayWindow) {
   EXPECT_TRUE(ReadPicture("a.exr").fIsPanorama);
   EXPECT_EQ(ReadPicture("a.exr").fBitmap->GetWidth(), 48);
   WriteExr("a.exr", scene, {.fAspect = 2.0f});
-  EXPECT_NE(ReadPicture("a.exr").fWarnings.at(0).find("2 times as wide as high"), std::string::npos);
+  EXPECT_TRUE(Has(ReadPicture("a.exr").fWarnings.at(0), "2 times as wide as high"));
 }
 
 TEST_F(ReadingTool, ChoosesPartsAndLayersOfExr) {
@@ -494,30 +481,23 @@ TEST_F(ReadingTool, ChoosesPartsAndLayersOfExr) {
   sTestPicture half = scene;
   for (float& sample : half.fSamples) sample *= 0.5f;
   WriteExr("layers.exr", half, {.fChannels = {"spec.R", "spec.G", "spec.B"}});
-  EXPECT_NEAR(Compare(plain, ReadPicture("layers.exr", {"", "spec"})), 0.5, 1e-3);
+  EXPECT_NEAR(Compare(plain, ReadPicture("layers.exr", {"", "spec"})), 0.5, 1e-9);
   WriteExrParts("parts.exr", scene, false);
-  EXPECT_NE(ReadPicture("parts.exr").fWarnings.at(0).find("part 0 (depth), part 2 (small)"),
-            std::string::npos);
+  EXPECT_TRUE(Has(ReadPicture("parts.exr").fWarnings.at(0), "part 0 (depth), part 2 (small)"));
   for (const char* const part : {"1", "colour"}) {
-    EXPECT_LE(Compare(plain, ReadPicture("parts.exr", {part, ""})), 1e-3) << part;
+    EXPECT_LE(Compare(plain, ReadPicture("parts.exr", {part, ""})), 1.3e-4) << part;
   }
-  const struct {
-    const char* fArguments;
-    const char* fSaid;
-  } refused[] = {
-      {"parts.exr --part 3", "has no part 3; it has part 0 (depth), part 1 (colour), part 2 (small)"},
-      {"parts.exr --part 0", "(it has: Z)"},
-      {"parts.exr --layer spec", "has no layer spec with colours"},
-      {"layers.exr", "layers with colours: spec; --layer chooses one"},
-      {"layers.exr --layer diffuse", "layers with colours: spec"},
-      {"plain.hdr --part 1", "is not OpenEXR"}};
+  const std::pair<std::string, const char*> refused[] = {
+      {"parts.exr --part 3",
+       "parts.exr: has no part 3; it has part 0 (depth), part 1 (colour), part 2 (small)"},
+      {"parts.exr --part 0", "parts.exr: it has neither the channels R, G, B nor a channel Y (it has: Z)"},
+      {"parts.exr --layer spec", "parts.exr: has no layer spec with colours"},
+      {"layers.exr", "layers.exr: has"},
+      {"layers.exr --layer diffuse",
+       "layers.exr: has no layer diffuse with colours (R, G, B or Y); layers with colours: spec"},
+      {"plain.hdr --part 1", "plain.hdr: is not OpenEXR"}};
   WriteRadiance("plain.hdr", scene);
-  for (const auto& row : refused) {
-    const sRun run = Run(std::string("tonemap -o out.png ") + row.fArguments);
-    EXPECT_EQ(run.fExitCode, 3) << row.fArguments;
-    EXPECT_NE(run.fErrors.find(row.fSaid), std::string::npos) << run.fErrors;
-  }
-  EXPECT_NE(Run("inspect --layer spec layers.exr").fOutput.find("Parts"), 0u);
+  for (const auto& [arguments, text] : refused) ExpectFailure(3, "tonemap -o out.png " + arguments, text);
 }
 
 /// Chroma at half the resolution, and Radiance by another name.
@@ -534,7 +514,7 @@ TEST_F(ReadingTool, ReadsLuminanceChromaAndShortRadianceNames) {
     file.writePixels(48);
   }
   const sPicture chroma = ReadPicture("chroma.exr");
-  EXPECT_LE(Compare(ReadPicture("plain.exr"), chroma), 0.02);
+  EXPECT_LE(Compare(ReadPicture("plain.exr"), chroma), 0.002);
   EXPECT_EQ(chroma.fFileDepth, 16);
   WriteRadiance("a.hdr", scene);
   for (const char* const name : {"#?RGBE", "#?RGBE\r"}) {
@@ -552,12 +532,12 @@ TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
       sTestPicture flat = MakeScene(2 * size, size);
       std::fill(flat.fSamples.begin(), flat.fSamples.end(), light);
       WriteExr("flat.exr", flat);
-      ASSERT_EQ(Run("tonemap flat.exr --overwrite -o flat.png").fExitCode, 0) << light << ' ' << size;
+      Expect(0, "tonemap flat.exr --overwrite -o flat.png");
       EXPECT_EQ(Load("flat.png").fShape[0], 2 * size);
     }
   }
   ToVips8(MakeScene()).bandjoin_const({0.0}).pngsave("clear.png");
-  ASSERT_EQ(Run("tonemap clear.png --overwrite -o out.png").fExitCode, 0);
+  Expect(0, "tonemap clear.png -o out.png");
   EXPECT_EQ(VImage::new_from_file("out.png").extract_band(0, VImage::option()->set("n", 3)).max(), 0.0);
 }
 
@@ -570,17 +550,14 @@ TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
   of8.jxlsave("a.jxl");
   for (const char* ending : {"exr", "webp", "avif", "heic", "jxl"}) {
     const std::string whole = ReadText(std::string("a.") + ending);
-    ASSERT_EQ(Run(std::string("tonemap a.") + ending + " --overwrite -o out.png").fExitCode, 0) << ending;
+    Expect(0, std::string("tonemap a.") + ending + " --overwrite -o out.png");
     for (const std::size_t size : {whole.size() / 20, whole.size() / 2}) {
       std::ofstream("cut", std::ios::binary) << whole.substr(0, size);
-      const sRun run = Run("tonemap cut --overwrite -o out.png");
-      EXPECT_EQ(run.fExitCode, 3) << ending << ' ' << size;
-      EXPECT_EQ(run.fErrors.rfind("quorvane: cut: ", 0), 0u) << run.fErrors;
+      ExpectFailure(3, "tonemap cut --overwrite -o out.png", "cut: ");
     }
   }
   std::ofstream("a.svg") << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>";
-  EXPECT_NE(Run("tonemap a.svg --overwrite -o out.png").fErrors.find("not a picture of a known format"),
-            std::string::npos);
+  ExpectFailure(3, "tonemap a.svg -o b.png", "a.svg: not a picture of a known format");
 }
 
 TEST_F(ReadingTool, RefusesRowsThatAreTooLong) {
@@ -592,14 +569,11 @@ TEST_F(ReadingTool, RefusesRowsThatAreTooLong) {
   };
   write("wide.pfm", 748981, 1);
   write("longest.pfm", 748980, 1);
-  const sRun run = Run("tonemap wide.pfm -o wide.jpg");
-  EXPECT_EQ(run.fExitCode, 5);
-  EXPECT_NE(run.fErrors.find("wide.pfm: is 748981 pixels wide, and at most 748980 are possible"),
-            std::string::npos)
-      << run.fErrors;
-  EXPECT_NE(run.fErrors.find("turn it by 90 degrees"), std::string::npos) << run.fErrors;
+  const sRun run = ExpectFailure(5, "tonemap wide.pfm -o wide.jpg",
+                                 "wide.pfm: is 748981 pixels wide, and at most 748980 are possible");
+  EXPECT_TRUE(Has(run.fErrors, "turn it by 90 degrees"));
   for (const char* const job : {"longest.pfm", "wide.pfm --preview 1000"})
-    EXPECT_EQ(Run(std::string("tonemap --overwrite -o a.tif ") + job).fExitCode, 0) << job;
+    Expect(0, std::string("tonemap --overwrite -o a.tif ") + job);
 }
 
 /// A scene that goes on around its edges, with sharp borders of light all over.
@@ -622,18 +596,15 @@ sTestPicture MakePanorama(int pWidth) {
 }
 
 TEST_F(ReadingTool, RolledPanoramasGiveTheRolledResult) {
+  const std::string options = " --overwrite --wrap horizontal --depth 16 --tone-compression 20";
   for (const int width : {160, 230}) {  // the grid's cells are 4 and 5.75 pixels wide
     const sTestPicture scene = MakePanorama(width);
     WritePfm("a.pfm", scene);
-    ASSERT_EQ(Run("tonemap a.pfm --overwrite -o a.tif --wrap horizontal --depth 16 --tone-compression 20")
-                  .fExitCode,
-              0);
+    ExpectDone("tonemap a.pfm -o a.tif" + options);
     const VImage expected = VImage::new_from_file("a.tif");
     for (const int by : {1, 23, 80}) {
       WritePfm("b.pfm", Roll(scene, by));
-      ASSERT_EQ(Run("tonemap b.pfm --overwrite -o b.tif --wrap horizontal --depth 16 --tone-compression 20")
-                    .fExitCode,
-                0);
+      ExpectDone("tonemap b.pfm -o b.tif" + options);
       const VImage back =
           VImage::new_from_file("b.tif").wrap(VImage::option()->set("x", width - by)->set("y", 0));
       EXPECT_EQ((back - expected).abs().max(), 0.0) << width << ' ' << by;
@@ -641,21 +612,21 @@ TEST_F(ReadingTool, RolledPanoramasGiveTheRolledResult) {
   }
 }
 
-TEST_F(ReadingTool, KnowsPanoramas) {
-  const auto tells = [](const sTestPicture& pPicture) {
+TEST_F(ReadingTool, RecognisesPanoramas) {
+  const auto wraps = [](const sTestPicture& pPicture) {
     WriteExr("a.exr", pPicture);
     return Cli::ChooseWrap(Cli::eWrap::kAuto, ReadPicture("a.exr"));
   };
   const sTestPicture panorama = MakePanorama(256);
-  for (const int by : {0, 50, 150}) EXPECT_TRUE(tells(Roll(panorama, by))) << by;
-  EXPECT_FALSE(tells(MakeScene(256, 128)));
+  for (const int by : {0, 50, 150}) EXPECT_TRUE(wraps(Roll(panorama, by))) << by;
+  EXPECT_FALSE(wraps(MakeScene(256, 128)));
   sTestPicture half = MakePanorama(512);  // its left half, of the same shape
   for (int y = 0; y < 128; ++y)
     std::copy_n(half.GetPixel(0, 2 * y), 3 * 256, half.fSamples.data() + 3 * 256 * y);
   half.fWidth = 256;
   half.fHeight = 128;
   half.fSamples.resize(std::size_t{3} * 256 * 128);
-  EXPECT_FALSE(tells(half));
+  EXPECT_FALSE(wraps(half));
   const std::string type = "<GPano:ProjectionType>equirectangular</GPano:ProjectionType>";
   EXPECT_TRUE(Cli::StatesPanorama(type));
   EXPECT_TRUE(

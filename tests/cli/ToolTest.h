@@ -1,26 +1,15 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <set>
-#include <sstream>
-#include <string>
 #include <vector>
-#include <vips/vips8>
 
-#include "engine/color/cColorSpace.h"
+#include "tests/photo/FolderTest.h"
 
 /// For tests of the built tool: it is run in a folder of its own, on pictures made there.
-
-namespace fs = std::filesystem;
-using vips::VImage;
 
 struct sRun {
   int fExitCode = -1;  ///< -1 for an end by a signal.
@@ -30,21 +19,10 @@ struct sRun {
 
 /// A picture as it lies on disk.
 struct sStored {
-  std::vector<int> fShape;  ///< Width, height, bands, bits a sample.
+  std::vector<int> fShape;  ///< Width, height, bands, bits per sample.
   std::string fProfile;
   std::vector<double> fSamples;
 };
-
-inline std::string ReadText(const fs::path& pFile) {
-  std::ifstream stream(pFile, std::ios::binary);
-  std::stringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
-inline std::string ProfileOf(const TmEngine::sIccProfile& pProfile) {
-  return {reinterpret_cast<const char*>(pProfile.fData), static_cast<std::size_t>(pProfile.fSize)};
-}
 
 /// PNG files get the profile of sRGB with an ID of 16 bytes in its header, and nothing else.
 inline std::string WithoutID(const std::string& pProfile) {
@@ -62,25 +40,14 @@ inline double MeanDifference(const sStored& pA, const sStored& pB) {
   return sum / static_cast<double>(pA.fSamples.size());
 }
 
-class cToolTest : public ::testing::Test {
+class cToolTest : public cFolderTest {
  protected:
   static void SetUpTestSuite() {
-    ASSERT_EQ(VIPS_INIT("cToolTest"), 0);
+    cFolderTest::SetUpTestSuite();
+    unsetenv("VIPS_WARNING");  // the tool silences libvips itself
     // for the tool that is run, where it is built with the leak sanitizer (see LeakSuppressions.cpp)
     setenv("ASAN_OPTIONS", "intercept_tls_get_addr=0", 0);
     setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUORVANE_TESTS_DIR "/cli/leaks.supp", 0);
-    vips_cache_set_max(0);  // names are used again for other pictures
-  }
-
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "quorvane-test-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    fFolder = name;
-    fs::current_path(fFolder);
-  }
-  void TearDown() override {
-    fs::current_path("/");
-    fs::remove_all(fFolder);
   }
 
   /// pBefore: shell commands that run first, in the tool's own process.
@@ -93,6 +60,29 @@ class cToolTest : public ::testing::Test {
     const int status = std::system(command.c_str());
     sRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(folder + "/o"), ReadText(folder + "/e")};
     fs::remove_all(folder);
+    return run;
+  }
+
+  static sRun Expect(int pExitCode, const std::string& pArguments, const std::string& pBefore = "") {
+    sRun run = Run(pArguments, pBefore);
+    EXPECT_EQ(run.fExitCode, pExitCode) << pArguments << '\n' << run.fErrors;
+    return run;
+  }
+  /// Expects success, and pErrors to be all that is printed.
+  static void ExpectDone(const std::string& pArguments, const std::string& pErrors = "",
+                         const std::string& pBefore = "") {
+    const sRun run = Expect(0, pArguments, pBefore);
+    EXPECT_EQ(run.fErrors + run.fOutput, pErrors) << pArguments;
+  }
+  /// Expects a message that begins with pText behind the program's name, and that nothing is printed or
+  /// written.
+  static sRun ExpectFailure(int pExitCode, const std::string& pArguments, const std::string& pText,
+                            const std::string& pBefore = "") {
+    const auto before = ListTimes();
+    sRun run = Expect(pExitCode, pArguments, pBefore);
+    EXPECT_TRUE(Starts(run.fErrors, "quorvane: " + pText)) << pArguments;
+    EXPECT_EQ(run.fOutput, "") << pArguments;
+    EXPECT_TRUE(ListTimes() == before) << pArguments;
     return run;
   }
 
@@ -110,12 +100,4 @@ class cToolTest : public ::testing::Test {
     g_free(samples);
     return stored;
   }
-
-  static std::set<std::string> ListFolder() {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(".")) names.insert(entry.path().filename());
-    return names;
-  }
-
-  fs::path fFolder;
 };
