@@ -11,8 +11,10 @@
 #include "cli/Options.h"
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/StandardStreams.h"
+#include "cli/batch/VipsSession.h"
 #include "cli/plot/SideBySide.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FailureText.h"
 #include "cli/terminal/Warnings.h"
 #include "photo/Json.h"
 #include "photo/base/Failure.h"
@@ -20,7 +22,6 @@
 #include "photo/decode/LdrReader.h"
 #include "photo/encode/OutputFormat.h"
 #include "photo/encode/PictureWriter.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/picture/PictureDifference.h"
 
 namespace Cli {
@@ -47,7 +48,7 @@ sLdrPicture Read(const std::string& pFile, const sPictureChoice& pChoice, std::i
   sLdrPicture picture = NameFile(GetSpokenName(pFile), [&] {
     return ReadLdrPicture(input.GetPath(), kVerb, pChoice, MakeMemoryGate(kBytesPerPixel, pLimit));
   });
-  PrintWarnings(GetSpokenName(pFile), picture.fWarnings);
+  PrintWarnings(GetSpokenName(pFile), NameOptions(picture.fWarnings));
   return picture;
 }
 
@@ -103,7 +104,7 @@ void CheckArguments(const sCompareOptions& pOptions) {
 
 void Run(const sCompareOptions& pOptions) {
   CheckArguments(pOptions);
-  const cVipsLibrary library;
+  const cVipsSession library;
   const std::int64_t limit = ChooseMemoryLimit(pOptions.fMemoryLimit);
   const sLdrPicture a = Read(pOptions.fA, pOptions.fSource, limit);
   const sLdrPicture b = Read(pOptions.fB, pOptions.fSource, limit);

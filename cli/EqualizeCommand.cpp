@@ -14,14 +14,15 @@
 #include "cli/Options.h"
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/StandardStreams.h"
+#include "cli/batch/VipsSession.h"
 #include "cli/plot/CurvePlot.h"
 #include "cli/plot/SvgDrawing.h"
+#include "cli/terminal/FailureText.h"
 #include "cli/terminal/Warnings.h"
 #include "engine/cColorEqRenderer.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/LdrReader.h"
 #include "photo/encode/PictureWriter.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/render/CurvePoints.h"
 #include "photo/render/PictureRendering.h"
@@ -90,7 +91,7 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   sLdrPicture picture =
       NameFile(name, [&] { return ReadLdrPicture(input.GetPath(), kVerb, pOptions.fSource, gate); });
   RefuseBeyondWhite(GetSpokenName(pOptions.fInput), picture);
-  PrintWarnings(GetSpokenName(pOptions.fInput), picture.fWarnings);
+  PrintWarnings(GetSpokenName(pOptions.fInput), NameOptions(picture.fWarnings));
   NameFile(name, [&] { CheckRowLength(picture.fBitmap->GetWidth(), TmEngine::kHueChannels); });
   CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
   const int ownDepth = ChooseDepth(format, picture.fFileDepth);
@@ -101,7 +102,8 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
                             std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
   picture.fBitmap.reset();
-  PrintWarnings(GetSpokenName(pOptions.fInput), WritePicture(finished, format, pOptions.fFile, file));
+  PrintWarnings(GetSpokenName(pOptions.fInput),
+                NameOptions(WritePicture(finished, format, pOptions.fFile, file)));
 }
 
 /// Whether two names lead to one file, which need not exist.
@@ -140,7 +142,7 @@ void Run(const sEqualizeOptions& pOptions) {
   }
   const ePlotFormat plotFormat =
       pOptions.fPlot.empty() ? ePlotFormat::kSvg : ChoosePlotFormat(pOptions.fPlot);
-  const cVipsLibrary library;
+  const cVipsSession library;
   if (!pOptions.fOutput.empty()) EqualizeFile(pOptions);
   if (pOptions.fPlot.empty()) return;
   cTempFile file(pOptions.fPlot, pOptions.fOverwrite);

@@ -13,9 +13,11 @@
 #include "cli/SettingsOptions.h"
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/StandardStreams.h"
+#include "cli/batch/VipsSession.h"
 #include "cli/plot/SvgDrawing.h"
 #include "cli/plot/TonePlot.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FailureText.h"
 #include "cli/terminal/InspectionText.h"
 #include "cli/terminal/Warnings.h"
 #include "photo/Inspection.h"
@@ -23,7 +25,6 @@
 #include "photo/base/Failure.h"
 #include "photo/base/Printable.h"
 #include "photo/encode/PictureWriter.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/render/AutoSettings.h"
 #include "photo/render/PictureRendering.h"
 
@@ -82,6 +83,7 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   sInspection inspection =
       NameFile(GetSpokenName(pFile), [&] { return InspectPicture(input.GetPath(), pOptions.fSource, gate); });
   inspection.fFile = GetSpokenName(pFile);
+  inspection.fPicture.fWarnings = NameOptions(inspection.fPicture.fWarnings);
   PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
   if (pOptions.fJson) {
     Print(ToLine(MakeRecord(pFile, inspection)) + "\n");
@@ -105,7 +107,7 @@ void CheckArguments(const sInspectOptions& pOptions) {
 /// A picture that cannot be read does not keep the others from being looked at.
 void Run(const sInspectOptions& pOptions) {
   CheckArguments(pOptions);
-  const cVipsLibrary library;
+  const cVipsSession library;
   if (pOptions.fFiles.size() == 1) return Inspect(pOptions.fFiles.front(), pOptions);
   std::size_t failed = 0;
   for (const std::string& file : pOptions.fFiles) {
@@ -114,7 +116,7 @@ void Run(const sInspectOptions& pOptions) {
     } catch (const cFailure& failure) {
       if (failure.GetKind() == eFailure::kCannotWrite) throw;  // the output, not a picture
       ++failed;
-      Say(std::string("quorvane: ") + failure.what());
+      Say("quorvane: " + DescribeFailure(failure));
     }
   }
   if (failed == 0) return;

@@ -4,8 +4,10 @@
 
 #include <filesystem>
 
+#include "cli/PresetFolders.h"
 #include "cli/batch/StoredSettings.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/PresetList.h"
 #include "cli/terminal/Warnings.h"
 #include "photo/Presets.h"
 #include "photo/SettingsJson.h"
@@ -115,7 +117,10 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
 
 sSettingsChange GetChange(const sSettingsOptions& pOptions) {
   sSettingsChange change;
-  for (const std::string& preset : pOptions.fPresets) Apply(LoadPreset(preset).fChange, change);
+  const sPresetFolders folders = GetPresetFolders();
+  for (const std::string& preset : pOptions.fPresets) {
+    Apply(NameFile("--preset", [&] { return LoadPreset(folders, preset); }).fChange, change);
+  }
   Apply(pOptions.fGiven, change);
   return change;
 }
@@ -124,9 +129,9 @@ void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGrou
   if (!pOptions.fSaveAs.empty()) {
     sSettingsChange change = pOptions.fFromResult.empty() ? sSettingsChange() : ChangeTo(pGround);
     Apply(GetChange(pOptions), change);
-    SavePreset(pOptions.fSaveAs, change);
+    NameFile("--save-preset", [&] { SavePreset(GetPresetFolders(), pOptions.fSaveAs, change); });
   }
-  if (pOptions.fList) Print(ListPresets());
+  if (pOptions.fList) Print(ListPresets(FindPresets(GetPresetFolders())));
 }
 
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
@@ -140,7 +145,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   }
   const sFileOptions given = pResult.fFile;
   const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };
-  ParseResultSettings(file, text, isGiven, pSettings, pResult);
+  NameFile(file, [&] { ParseResultSettings(text, isGiven, pSettings, pResult); });
   if (pOutput.empty()) return;
   const sFormatTraits& format = GetTraits(ChooseOutputFormat(pOutput, 8));
   if (!isGiven("preview")) TellPreview(file, pResult.fPreview);

@@ -9,9 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/batch/VipsSession.h"
 #include "photo/base/Printf.h"
 #include "photo/encode/OutputFormat.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/metadata/MetadataBlocks.h"
 
 namespace Cli {
@@ -84,7 +84,7 @@ std::string GetVersion() {
 }
 
 std::string DescribeVersion() {
-  const cVipsLibrary library;
+  const cVipsSession library;
   return "quorvane " + GetVersion() + "\nLibraries: " + ListLibraries() +
          "\nReads:     " + ListReadFormats() + "\nWrites:    " + ListWrittenFormats() +
          "\nLicence:   " + DescribeLicence();

@@ -8,6 +8,7 @@
 #include "cli/CompareCommand.h"
 #include "cli/EqualizeCommand.h"
 #include "cli/InspectCommand.h"
+#include "cli/PresetFolders.h"
 #include "cli/TonemapCommand.h"
 #include "cli/UsageError.h"
 #include "cli/Version.h"
@@ -15,6 +16,8 @@
 #include "cli/batch/Interrupt.h"
 #include "cli/help/HelpOptions.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FailureText.h"
+#include "cli/terminal/PresetList.h"
 #include "photo/base/Failure.h"
 
 namespace {
@@ -30,6 +33,10 @@ int PrintAnswer(const CLI::App& pProgram, const CLI::ParseError& pAnswer) {
   const int exitCode = pProgram.exit(pAnswer, text, text);
   Cli::Print(text.str());
   return exitCode;
+}
+
+std::string ListPresetsForShells() {
+  return Cli::ListPresetsForShells(Cli::FindPresets(Cli::GetPresetFolders()));
 }
 
 int RunProgram(int pCount, char** pArguments) {
@@ -48,7 +55,7 @@ int RunProgram(int pCount, char** pArguments) {
       "  quorvane inspect photo.hdr\n"
       "  quorvane compare before.png after.png -o side.png\n"
       "  quorvane tonemap --help");
-  Cli::AddHelpOptions(program);
+  Cli::AddHelpOptions(program, {Cli::Print, Cli::GetVersion(), ListPresetsForShells});
   Cli::AddTonemapCommand(program);
   Cli::AddEqualizeCommand(program);
   Cli::AddInspectCommand(program);
@@ -78,7 +85,7 @@ int main(int pCount, char** pArguments) {
   } catch (const Cli::sOutputClosed&) {
     return Cli::eExitCode_CannotWrite;  // who closed it knows
   } catch (const Cli::cFailure& failure) {
-    return Report(failure.what(), Cli::GetExitCode(failure.GetKind()));
+    return Report(Cli::DescribeFailure(failure), Cli::GetExitCode(failure.GetKind()));
   } catch (const std::exception& exception) {
     return Report(exception.what(), Cli::eExitCode_Processing);
   }

@@ -9,13 +9,13 @@
 #include <string>
 #include <string_view>
 
+#include "cli/batch/VipsSession.h"
 #include "fuzz/MemoryFile.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/LdrReader.h"
 #include "photo/decode/PictureReader.h"
 #include "photo/encode/PictureWriter.h"
 #include "photo/io/TempFile.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/picture/Alpha.h"
 
 namespace {
@@ -94,7 +94,7 @@ void Try(const tRead& pRead) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
-  static const Cli::cVipsLibrary library;
+  static const Cli::cVipsSession library;
   const std::string_view content(reinterpret_cast<const char*>(pBytes), pSize);
   if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
   const cMemoryFile file(content);

@@ -24,9 +24,9 @@ void CheckRanges(const Cli::sSettingsChange& pChange) {
 }
 
 void ReadPreset(const std::string& pText) {
-  const Cli::sPreset preset = Cli::ParsePreset("preset", pText);
+  const Cli::sPreset preset = Cli::ParsePreset(pText);
   CheckRanges(preset.fChange);
-  const Cli::sPreset again = Cli::ParsePreset("again", Cli::ToJson(preset));
+  const Cli::sPreset again = Cli::ParsePreset(Cli::ToJson(preset));
   Expect(again.fChange == preset.fChange && again.fName == preset.fName);
   Expect(again.fDescription == preset.fDescription);
 }
@@ -35,11 +35,11 @@ void ReadResult(const std::string& pText) {
   const auto isGiven = [](const std::string&) { return false; };
   Cli::sSettings settings;
   Cli::sOutputOptions result;
-  Cli::ParseResultSettings("result", pText, isGiven, settings, result);
+  Cli::ParseResultSettings(pText, isGiven, settings, result);
   CheckRanges(Cli::ChangeTo(settings));
   Cli::sSettings again;
   Cli::sOutputOptions resultAgain;
-  Cli::ParseResultSettings("again", Cli::ToJson(settings, result), isGiven, again, resultAgain);
+  Cli::ParseResultSettings(Cli::ToJson(settings, result), isGiven, again, resultAgain);
   Expect(again == settings && resultAgain.fDepth == result.fDepth);
   Expect(resultAgain.fColorSpace == result.fColorSpace && resultAgain.fPreview == result.fPreview);
 }

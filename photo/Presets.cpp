@@ -1,45 +1,25 @@
 #include "photo/Presets.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
-#include <sstream>
 #include <vector>
 
 #include "photo/base/Failure.h"
-#include "photo/base/Printable.h"
 
 namespace Cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kEnding[] = ".json";
-
-/// Empty where the environment names no home.
-fs::path GetUserFolder() {
-  const char* const config = std::getenv("XDG_CONFIG_HOME");
-  if (config != nullptr && config[0] == '/') return fs::path(config) / "quorvane/presets";
-  const char* const home = std::getenv("HOME");
-  return home != nullptr && home[0] != '\0' ? fs::path(home) / ".config/quorvane/presets" : fs::path();
-}
-
-/// Where the running program's presets lie: installed, or in the folder in which it was built.
-fs::path GetOwnFolder() {
-  std::error_code error;
-  const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
-  const fs::path installed = (here / QUORVANE_DATA_FROM_BIN / "quorvane/presets").lexically_normal();
-  return fs::is_directory(installed, error) ? installed : here / "share/quorvane/presets";
-}
+constexpr char kExtension[] = ".json";
 
 bool IsFileName(const std::string& pNameOrFile) {
-  return pNameOrFile.find('/') != std::string::npos || pNameOrFile.ends_with(kEnding);
+  return pNameOrFile.find('/') != std::string::npos || pNameOrFile.ends_with(kExtension);
 }
 
 bool IsFile(const fs::path& pFile) {
@@ -47,7 +27,7 @@ bool IsFile(const fs::path& pFile) {
   return fs::is_regular_file(pFile, error);
 }
 
-fs::path FindPreset(const std::string& pNameOrFile) {
+fs::path FindPreset(const sPresetFolders& pFolders, const std::string& pNameOrFile) {
   if (IsFile(pNameOrFile)) return pNameOrFile;
   if (IsFileName(pNameOrFile)) {
     std::error_code error;
@@ -56,69 +36,37 @@ fs::path FindPreset(const std::string& pNameOrFile) {
     }
     throw cFailure(eFailure::kUsage, pNameOrFile, "there is no preset file of that name");
   }
-  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
+  for (const std::string& folder : {pFolders.fUser, pFolders.fOwn}) {
     if (folder.empty()) continue;
-    fs::path file = folder / (pNameOrFile + kEnding);
+    fs::path file = fs::path(folder) / (pNameOrFile + kExtension);
     if (IsFile(file)) return file;
   }
-  throw cFailure(eFailure::kUsage, "",
-                 "--preset: there is neither a file nor a preset '" + pNameOrFile +
-                     "'; --list-presets shows those there are");
+  throw cFailure(eFailure::kUsage, "there is neither a file nor a preset '" + pNameOrFile +
+                                       "'; {list-presets} shows those there are");
 }
 
 sPreset ReadPreset(const fs::path& pFile) {
   constexpr std::uintmax_t kLargest = 1 << 20;  // a photograph that was named by mistake is not read
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(pFile, error);
-  if (!error && size > kLargest) {
-    throw cFailure(eFailure::kUsage, pFile.string(), "is no preset: it is too large for one");
-  }
-  std::ifstream stream(pFile, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) throw cFailure(eFailure::kCannotRead, pFile.string(), std::strerror(errno));
-  return ParsePreset(pFile.string(), text);
-}
-
-struct sFound {
-  fs::path fFile;
-  std::string fPlace;  ///< In words.
-  bool fIsHidden;      ///< By the user's preset of that name.
-};
-
-/// The user's presets, then the program's, by name.
-std::vector<sFound> FindPresets() {
-  std::vector<sFound> presets;
-  std::set<fs::path> names;
-  for (const fs::path& folder : {GetUserFolder(), GetOwnFolder()}) {
+  return NameFile(pFile.string(), [&] {
     std::error_code error;
-    std::set<fs::path> files;
-    for (fs::directory_iterator entry(folder, error); !error && entry != fs::end(entry);
-         entry.increment(error)) {
-      if (entry->path().extension() == kEnding && IsFile(entry->path())) files.insert(entry->path());
-    }
-    for (const fs::path& file : files) {
-      const bool isHidden = !names.insert(file.stem()).second;
-      const std::string place = folder == GetOwnFolder() ? "built in" : file.string();
-      presets.push_back({file, isHidden ? place + ", hidden by yours" : place, isHidden});
-    }
-  }
-  return presets;
+    const std::uintmax_t size = fs::file_size(pFile, error);
+    if (!error && size > kLargest) throw cFailure(eFailure::kUsage, "is no preset: it is too large for one");
+    std::ifstream stream(pFile, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream) throw cFailure(eFailure::kCannotRead, std::strerror(errno));
+    return ParsePreset(text);
+  });
 }
 
-/// One line of the list: the name, what it is for, and where it lies.
-std::string Describe(const fs::path& pFile, const std::string& pPlace) {
-  std::string text;
-  try {
-    text = ReadPreset(pFile).fDescription;
-  } catch (const cFailure& failure) {
-    text = std::string("cannot be used: ") + failure.what();
+/// The files of a folder that may be presets, by name; none where it cannot be read.
+std::set<fs::path> ListFiles(const std::string& pFolder) {
+  std::error_code error;
+  std::set<fs::path> files;
+  for (fs::directory_iterator entry(pFolder, error); !error && entry != fs::end(entry);
+       entry.increment(error)) {
+    if (entry->path().extension() == kExtension && IsFile(entry->path())) files.insert(entry->path());
   }
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  std::ostringstream line;
-  line.width(16);
-  line << std::left << pFile.stem().string() << ' ';
-  line << text << (text.empty() ? "(" : " (") << pPlace << ")";
-  return ToPrintable(line.str()) + "\n";
+  return files;
 }
 
 /// What a preset without a description of its own is about: "strength 90, contrast 40".
@@ -134,9 +82,9 @@ std::string DescribeChange(const sSettingsChange& pChange) {
   return text;
 }
 
-fs::path ChooseTarget(const std::string& pNameOrFile) {
+fs::path ChooseTarget(const sPresetFolders& pFolders, const std::string& pNameOrFile) {
   if (IsFileName(pNameOrFile)) return pNameOrFile;
-  const fs::path folder = GetUserFolder();
+  const fs::path folder = pFolders.fUser;
   if (folder.empty()) {
     throw cFailure(eFailure::kCannotWrite, pNameOrFile,
                    "neither XDG_CONFIG_HOME nor HOME says where presets are kept; name a file");
@@ -144,42 +92,39 @@ fs::path ChooseTarget(const std::string& pNameOrFile) {
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) throw cFailure(eFailure::kCannotWrite, folder.string(), error.message());
-  return folder / (pNameOrFile + kEnding);
+  return folder / (pNameOrFile + kExtension);
 }
 
 }  // namespace
 
-sPreset LoadPreset(const std::string& pNameOrFile) {
-  return ReadPreset(FindPreset(pNameOrFile));
+sPreset LoadPreset(const sPresetFolders& pFolders, const std::string& pNameOrFile) {
+  return ReadPreset(FindPreset(pFolders, pNameOrFile));
 }
 
-std::string ListPresets() {
-  std::string list;
-  for (const sFound& found : FindPresets()) list += Describe(found.fFile, found.fPlace);
-  return list;
-}
-
-std::string ListPresetsForShells() {
-  std::string list;
-  for (const sFound& found : FindPresets()) {
-    if (found.fIsHidden) continue;
-    try {
-      std::string text = ReadPreset(found.fFile).fDescription;
-      std::replace_if(
-          text.begin(), text.end(), [](unsigned char pC) { return pC < ' '; }, ' ');
-      list += found.fFile.stem().string() + "\t" + text + "\n";
-    } catch (const cFailure&) {
-      continue;  // nobody can use it
+std::vector<sPresetEntry> FindPresets(const sPresetFolders& pFolders) {
+  std::vector<sPresetEntry> presets;
+  std::set<fs::path> names;
+  for (const std::string& folder : {pFolders.fUser, pFolders.fOwn}) {
+    for (const fs::path& file : ListFiles(folder)) {
+      const bool isHidden = !names.insert(file.stem()).second;
+      sPresetEntry entry{file.stem().string(), file.string(), folder == pFolders.fOwn, isHidden, {}, {}};
+      try {
+        entry.fDescription = ReadPreset(file).fDescription;
+      } catch (const cFailure& failure) {
+        entry.fFault = failure.what();
+      }
+      presets.push_back(entry);
     }
   }
-  return list;
+  return presets;
 }
 
-void SavePreset(const std::string& pNameOrFile, const sSettingsChange& pChange) {
+void SavePreset(const sPresetFolders& pFolders, const std::string& pNameOrFile,
+                const sSettingsChange& pChange) {
   if (pChange == sSettingsChange()) {
-    throw cFailure(eFailure::kUsage, "", "--save-preset: neither a preset nor a slider is given to be saved");
+    throw cFailure(eFailure::kUsage, "neither a preset nor a slider is given to be saved");
   }
-  const fs::path target = ChooseTarget(pNameOrFile);
+  const fs::path target = ChooseTarget(pFolders, pNameOrFile);
   const std::string text = ToJson(sPreset{target.stem().string(), DescribeChange(pChange), pChange});
   std::FILE* const file = std::fopen(target.c_str(), "wbx");
   if (file == nullptr && errno == EEXIST) {

@@ -1,26 +1,37 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "photo/SettingsJson.h"
 
 namespace Cli {
 
-/// Presets lie, a file NAME.json each, in the user's folder ($XDG_CONFIG_HOME/quorvane/presets, by default
-/// ~/.config/quorvane/presets) and in the program's own (share/quorvane/presets beside its bin folder). All
-/// functions throw cFailure.
+// All functions throw cFailure.
+
+/// Where presets are, a file NAME.json each. Empty names stand for no folder.
+struct sPresetFolders {
+  std::string fUser;  ///< The user's presets hide
+  std::string fOwn;   ///< the program's of the same name.
+};
 
 /// A file of that very name comes first, then the user's preset, then the program's.
-sPreset LoadPreset(const std::string& pNameOrFile);
+sPreset LoadPreset(const sPresetFolders& pFolders, const std::string& pNameOrFile);
 
-/// Every preset by name, with its description and place; a line each. A file that cannot be used is listed
-/// with the reason.
-std::string ListPresets();
+struct sPresetEntry {
+  std::string fName;
+  std::string fFile;
+  bool fIsBuiltIn;  ///< One of the program's.
+  bool fIsHidden;   ///< By the user's preset of that name.
+  std::string fDescription;
+  std::string fFault;  ///< Why it cannot be used; empty where it can.
+};
 
-/// Those that --preset takes by name, for completions: name, tabulator, description, a line each.
-std::string ListPresetsForShells();
+/// The user's presets, then the program's, by name.
+std::vector<sPresetEntry> FindPresets(const sPresetFolders& pFolders);
 
 /// pNameOrFile: a file where it has a / or ends in .json, else a name. What exists already is never replaced.
-void SavePreset(const std::string& pNameOrFile, const sSettingsChange& pChange);
+void SavePreset(const sPresetFolders& pFolders, const std::string& pNameOrFile,
+                const sSettingsChange& pChange);
 
 }  // namespace Cli

@@ -41,11 +41,7 @@ std::string Show(const tJson& pValue) {
 /// Refuses files with a word about what is wrong at which key.
 class cReader {
  public:
-  explicit cReader(const std::string& pFile) : fFile(pFile) {}
-
-  [[noreturn]] void Refuse(const std::string& pReason) const {
-    throw cFailure(eFailure::kUsage, fFile, pReason);
-  }
+  [[noreturn]] void Refuse(const std::string& pReason) const { throw cFailure(eFailure::kUsage, pReason); }
   [[noreturn]] void Refuse(const std::string& pKey, const tJson& pValue, const std::string& pWanted) const {
     Refuse("\"" + pKey + "\": " + Show(pValue) + " is not " + pWanted);
   }
@@ -134,8 +130,6 @@ class cReader {
     Refuse(pSlider.fName, pValue,
            "a number from " + ToText(pSlider.fLowest) + " to " + ToText(pSlider.fHighest));
   }
-
-  const std::string& fFile;
 };
 
 std::string WriteUnless(int pDefault, int pValue) {
@@ -248,8 +242,8 @@ std::string ToJson(const sPreset& pPreset) {
          ",\n  \"settings\": {\n    " + WriteSettings(pPreset.fChange, ",\n    ") + "\n  }\n}\n";
 }
 
-sPreset ParsePreset(const std::string& pFile, const std::string& pText) {
-  const cReader reader(pFile);
+sPreset ParsePreset(const std::string& pText) {
+  const cReader reader;
   const tJson object = reader.Parse(pText);
   reader.CheckVersion(object, kPresetKey, "preset");
   reader.CheckObject(object, "the preset", {kPresetKey, "name", "description", "settings"});
@@ -268,10 +262,9 @@ std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult) {
          WriteSettings(ChangeTo(pSettings), ", ") + "}, \"result\": {" + fields + "}}";
 }
 
-void ParseResultSettings(const std::string& pFile, const std::string& pText,
-                         const std::function<bool(const std::string&)>& pIsGiven, sSettings& pSettings,
-                         sOutputOptions& pResult) {
-  const cReader reader(pFile);
+void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
+                         sSettings& pSettings, sOutputOptions& pResult) {
+  const cReader reader;
   const tJson object = reader.Parse(pText);
   reader.CheckVersion(object, kResultKey, "result of this program");
   reader.CheckObject(object, "the settings that it carries", {kResultKey, "settings", "result"});

@@ -18,15 +18,14 @@ struct sPreset {
 
 /// Numbers are written with the fewest digits that read back as the same float.
 std::string ToJson(const sPreset& pPreset);
-/// Throws cFailure (usage), in the name of pFile, for whatever is unknown, of another type, or out of range.
-sPreset ParsePreset(const std::string& pFile, const std::string& pText);
+/// Throws cFailure (usage) for whatever is unknown, of another type, or out of range.
+sPreset ParsePreset(const std::string& pText);
 
-/// What a result tells of how it was made, on one line: all settings, and the output options that decide its
+/// What a result stores of how it was made, on one line: all settings, and the output options that decide its
 /// pixels and its bytes.
 std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult);
-/// As ParsePreset. pIsGiven: tells by an output option's name whether the command line decides it.
-void ParseResultSettings(const std::string& pFile, const std::string& pText,
-                         const std::function<bool(const std::string&)>& pIsGiven, sSettings& pSettings,
-                         sOutputOptions& pResult);
+/// Throws as ParsePreset does. pIsGiven: by an output option's name, whether the caller decides it.
+void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
+                         sSettings& pSettings, sOutputOptions& pResult);
 
 }  // namespace Cli

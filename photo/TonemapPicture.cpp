@@ -36,7 +36,7 @@ void MakeFolder(const std::string& pTarget) {
   if (!folder.empty()) std::filesystem::create_directories(folder, error);
   if (error) {
     throw cFailure(eFailure::kCannotWrite, pTarget,
-                   "its folder cannot be made (" + error.message() + "); give another --out-dir");
+                   "its folder cannot be made (" + error.message() + "); give another {out-dir}");
   }
 }
 
@@ -167,7 +167,7 @@ eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
   if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
   if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
-    RefuseExisting(pJob.fOutput, ", --skip-existing leaves it as it is");
+    RefuseExisting(pJob.fOutput, ", {skip-existing} leaves it as it is");
   return format;
 }
 

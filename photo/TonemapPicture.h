@@ -34,7 +34,7 @@ struct sTonemapJob {
   bool fVerbose = false;
 };
 
-/// What is told of a picture when it is done.
+/// What is known of a picture when it is done.
 struct sPictureReport {
   int fWidth = 0;
   int fHeight = 0;
@@ -47,7 +47,7 @@ struct sPictureReport {
   sRenderingReport fRendering;
   double fReadSeconds = 0.0;
   double fWriteSeconds = 0.0;
-  std::vector<std::string> fWarnings;
+  std::vector<std::string> fWarnings;  ///< Parameters are named as NameParameters takes them.
 };
 
 /// The format that a job's target, or its stream, asks for, checked against its depth. Throws cFailure.

@@ -1,7 +1,5 @@
 #include "cli/batch/Batch.h"
 
-#include <vips/vips.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
@@ -15,8 +13,10 @@
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/PictureTask.h"
 #include "cli/batch/StandardStreams.h"
+#include "cli/batch/VipsSession.h"
 #include "cli/batch/WorkerPool.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FailureText.h"
 #include "cli/terminal/Progress.h"
 #include "photo/Json.h"
 #include "photo/PictureRecord.h"
@@ -105,7 +105,7 @@ std::string FindObstacle(const sTonemapJob& pJob) {
     if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
     return "";
   } catch (const cFailure& failure) {
-    return failure.what();
+    return DescribeFailure(failure);
   }
 }
 
@@ -136,9 +136,9 @@ std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
 /// What each worker does when it begins: libvips starts there, never in the parent.
 tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers) {
   return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
-    static const cVipsLibrary library;
+    static const cVipsSession library;
     if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
-      vips_concurrency_set(std::max(1, CountCores() / pWorkers));  // the workers share the cores
+      SetVipsThreads(std::max(1, CountCores() / pWorkers));  // the workers share the cores
     }
     return [&pJobs, pMemory, pAsk](std::size_t pTask) {
       sTonemapJob job = pJobs[pTask];

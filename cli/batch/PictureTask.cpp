@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/batch/StandardStreams.h"
+#include "cli/terminal/FailureText.h"
 #include "photo/base/ShortText.h"
 #include "photo/io/TempFile.h"
 
@@ -43,10 +44,11 @@ tPictureRecord RunPictureTask(const sTonemapJob& pJob) {
       return MakeSkippedRecord(pJob);
     }
     ResetPeakMemory();
-    const sPictureReport report = Tonemap(pJob);
+    sPictureReport report = Tonemap(pJob);
+    report.fWarnings = NameOptions(report.fWarnings);
     return MakeDoneRecord(pJob, report, GetPeakMemory());
   } catch (const cFailure& failure) {
-    return MakeFailedRecord(pJob, failure.GetKind(), failure.what());
+    return MakeFailedRecord(pJob, failure.GetKind(), DescribeFailure(failure));
   } catch (const std::exception& exception) {
     return MakeFailedRecord(pJob, eFailure::kProcessing, pJob.fInput + ": " + Shorten(exception.what()));
   }

@@ -1,15 +1,15 @@
 #include "cli/batch/StoredSettings.h"
 
+#include "cli/batch/VipsSession.h"
 #include "cli/batch/WorkerPool.h"
 #include "photo/base/Failure.h"
-#include "photo/io/VipsLibrary.h"
 #include "photo/metadata/Metadata.h"
 
 namespace Cli {
 
 std::string ReadStoredSettingsApart(const std::string& pFile) {
   const auto makeTask = [&pFile](const tAskForMemory&) -> tTask {
-    static const cVipsLibrary library;
+    static const cVipsSession library;
     return [&pFile](std::size_t) { return ReadStoredSettings(pFile); };
   };
   cWorkerPool pool({}, makeTask);

@@ -6,12 +6,9 @@
 #include <fstream>
 #include <string>
 
-#include "cli/Version.h"
 #include "cli/help/Completion.h"
 #include "cli/help/HelpText.h"
 #include "cli/help/ManPage.h"
-#include "cli/terminal/Console.h"
-#include "photo/Presets.h"
 #include "photo/base/Failure.h"
 
 namespace Cli {
@@ -32,10 +29,10 @@ void Write(const std::filesystem::path& pFile, const std::string& pText) {
 }
 
 /// Under pFolder as they are installed under a prefix.
-void WriteAll(const CLI::App& pProgram, const std::filesystem::path& pFolder) {
+void WriteAll(const CLI::App& pProgram, const std::string& pVersion, const std::filesystem::path& pFolder) {
   const sHelpPage program = MakeHelpPage(pProgram);
   const auto writeManPage = [&](const sHelpPage& pPage) {
-    Write(pFolder / "man/man1" / (GetManName(pPage) + ".1"), MakeManPage(program, pPage, GetVersion()));
+    Write(pFolder / "man/man1" / (GetManName(pPage) + ".1"), MakeManPage(program, pPage, pVersion));
   };
   writeManPage(program);
   for (const sHelpPage& verb : program.fVerbs) writeManPage(verb);
@@ -46,13 +43,13 @@ void WriteAll(const CLI::App& pProgram, const std::filesystem::path& pFolder) {
 
 }  // namespace
 
-void AddHelpOptions(CLI::App& pProgram) {
+void AddHelpOptions(CLI::App& pProgram, const sHelpFacts& pFacts) {
   pProgram.formatter(std::make_shared<CLI::FormatterLambda>(
       [](const CLI::App* pApp, const std::string&, CLI::AppFormatMode) {
         return MakeHelpText(MakeHelpPage(*pApp));
       }));
-  const auto print = [&pProgram](const std::string& pShell) {
-    Print(MakeCompletion(MakeHelpPage(pProgram), pShell));
+  const auto print = [&pProgram, printText = pFacts.fPrint](const std::string& pShell) {
+    printText(MakeCompletion(MakeHelpPage(pProgram), pShell));
     throw CLI::Success();
   };
   pProgram
@@ -63,13 +60,13 @@ void AddHelpOptions(CLI::App& pProgram) {
   // for the scripts
   pProgram
       .add_flag_callback("--complete-presets",
-                         [] {
-                           Print(ListPresetsForShells());
+                         [pFacts] {
+                           pFacts.fPrint(pFacts.fPresetsForShells());
                            throw CLI::Success();
                          })
       ->group("");
-  const auto write = [&pProgram](const std::string& pFolder) {
-    WriteAll(pProgram, pFolder);
+  const auto write = [&pProgram, version = pFacts.fVersion](const std::string& pFolder) {
+    WriteAll(pProgram, version, pFolder);
     throw CLI::Success();
   };
   pProgram.add_option_function<std::string>("--write-help", write)->group("");  // for the build

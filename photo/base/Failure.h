@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/base/cException.h"
+#include "photo/base/ParameterNames.h"
 #include "photo/base/ShortText.h"
 
 namespace Cli {
@@ -32,10 +33,11 @@ class cFailure : public std::exception {
   eFailure GetKind() const { return fKind; }
   /// Empty where none is at fault, or named yet.
   const std::string& GetFile() const { return fFile; }
+  /// Parameters are named as NameParameters takes them.
   const std::string& GetReason() const { return fReason; }
   void SetFile(const std::string& pFile) {
     fFile = pFile;
-    fText = (pFile.empty() ? "" : pFile + ": ") + fReason;
+    fText = (pFile.empty() ? "" : pFile + ": ") + NameParameters(fReason);
   }
 
   /// "FILE: REASON", or the reason alone.

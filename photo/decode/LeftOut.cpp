@@ -60,7 +60,7 @@ std::vector<std::string> ListLeftOut(const std::string& pFile, const VImage& pIm
   const sTiffDirectories directories = isTiff ? ReadTiffDirectories(pFile) : sTiffDirectories{};
   const int pictures = isTiff ? CountPictures(directories) : CountPages(pImage);
   if (pPage == 0 && pictures > 1) {
-    leftOut.push_back(Printf("only one of its %d pages is read; --page chooses another", pictures));
+    leftOut.push_back(Printf("only one of its %d pages is read; {page} chooses another", pictures));
   }
   if (pPage == 0 && IsThumbnail(directories)) {
     leftOut.emplace_back("its first page is stated to be a thumbnail; the picture that it shows is left out");

@@ -12,11 +12,11 @@ sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoi
                            const tMemoryGate& pGate) {
   const eFileKind kind = TellFileKind(pFile);
   if (kind != eFileKind::kVips && pChoice.fPage > 1) {
-    throw cFailure(eFailure::kCannotRead, "has no pages; leave --page out");
+    throw cFailure(eFailure::kCannotRead, "has no pages; leave {page} out");
   }
   if (kind == eFileKind::kExr) return OpenExr(pFile, pChoice, pGate);
   if (!pChoice.IsDefault()) {
-    throw cFailure(eFailure::kCannotRead, "is not OpenEXR, whose parts --part and --layer choose");
+    throw cFailure(eFailure::kCannotRead, "is not OpenEXR, whose parts {part} and {layer} choose");
   }
   return kind == eFileKind::kPfm ? OpenPfm(pFile, pGate) : OpenWithVips(pFile, pChoice, pGate);
 }

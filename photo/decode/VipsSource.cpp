@@ -109,8 +109,8 @@ VImage Open(const std::string& pFile, VipsAccess pAccess, const sPictureChoice& 
   const int pages = CountPages(image);
   if (pChoice.fPage > pages && !(pages == 1 && pChoice.fTakesSingle)) {
     throw cFailure(eFailure::kCannotRead,
-                   pages == 1 ? "has only one page; leave --page out"
-                              : "has " + std::to_string(pages) + " pages; give --page one of them");
+                   pages == 1 ? "has only one page; leave {page} out"
+                              : "has " + std::to_string(pages) + " pages; give {page} one of them");
   }
   if (pChoice.fPage > 0 && pages > 1) {
     image = open(pFile, OpenSource(pFile, pAmendment), pAccess, pChoice.fPage);

@@ -54,19 +54,19 @@ void CheckDepth(const std::string& pFile, const sFormatTraits& pFormat, int pDep
   });
   throw cFailure(eFailure::kUsage, pFile,
                  std::string(pFormat.fName) + " holds " + ListDepths(pFormat) + " bits" +
-                     (pFormat.fDepths.size() == 1 ? " only" : "") + "; use --depth " + ListDepths(pFormat) +
+                     (pFormat.fDepths.size() == 1 ? " only" : "") + "; use {depth} " + ListDepths(pFormat) +
                      ", or write " + others);
 }
 
 void CheckOptions(const std::string& pFile, const sFormatTraits& pFormat, const sFileOptions& pOptions) {
   if (pOptions.fQuality != 0 && pFormat.fQuality == 0) {
     throw cFailure(eFailure::kUsage, pFile,
-                   std::string(pFormat.fName) + " loses nothing and has no --quality; --compression is its " +
+                   std::string(pFormat.fName) + " loses nothing and has no {quality}; {compression} is its " +
                        "choice of size against time");
   }
   if (pOptions.fCompression >= 0 && pFormat.fCompression < 0) {
     throw cFailure(eFailure::kUsage, pFile,
-                   "--compression is for .png and .tif; " + std::string(pFormat.fName) + " takes --quality");
+                   "{compression} is for .png and .tif; " + std::string(pFormat.fName) + " takes {quality}");
   }
 }
 

@@ -96,7 +96,7 @@ int ChooseQuality(const std::string& pProfile, eOutputFormat pFormat, int pWante
   }
   constexpr int kLossless = 100;
   if (pWanted > 0 && pWanted < kLossless) {
-    pWarnings.emplace_back("JPEG XL in this colour space is written without loss; --quality acts on sRGB");
+    pWarnings.emplace_back("JPEG XL in this colour space is written without loss; {quality} acts on sRGB");
   }
   return kLossless;
 }

@@ -27,8 +27,8 @@ struct sFinishedPicture {
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
 
 /// Writes the picture with its profile, and with its alpha and metadata as far as the format has a place for
-/// them, to pFile and lets it take its target's place. Returns what had to be left out, in words. The same
-/// picture gives the same bytes. libvips must be running. Throws cFailure.
+/// them, to pFile and lets it take its target's place. Returns what had to be left out, in words (see
+/// NameParameters). The same picture gives the same bytes. libvips must be running. Throws cFailure.
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile);
 

@@ -99,7 +99,7 @@ int Claim(const std::string& pPath, int pFlags) {
 }  // namespace
 
 void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
-  throw cFailure(eFailure::kCannotWrite, pTarget, "exists already; --overwrite replaces it" + pMore);
+  throw cFailure(eFailure::kCannotWrite, pTarget, "exists already; {overwrite} replaces it" + pMore);
 }
 
 void CheckReplacing(const std::string& pTarget, bool pMayReplace) {

@@ -103,7 +103,7 @@ int FindPart(const std::vector<sPicturePart>& pParts, const std::string& pWanted
   }
   throw cFailure(eFailure::kCannotRead, "it has neither the channels R, G, B nor a channel Y (it has: " +
                                             (channels.empty() ? "none" : channels) + ")" +
-                                            (layers.empty() ? "" : list + "; --layer chooses one"));
+                                            (layers.empty() ? "" : list + "; {layer} chooses one"));
 }
 
 }  // namespace
@@ -137,7 +137,7 @@ std::string DescribeLeftOut(const std::vector<sPicturePart>& pParts, const sExrS
       names.push_back(layer.empty() ? "the layer without a name" : "layer " + layer);
     }
   }
-  return names.empty() ? "" : "left out: " + Join(names) + "; --part and --layer choose";
+  return names.empty() ? "" : "left out: " + Join(names) + "; {part} and {layer} choose";
 }
 
 }  // namespace Cli

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "photo/Presets.h"
+
+namespace Cli {
+
+/// $XDG_CONFIG_HOME/quorvane/presets, by default ~/.config/quorvane/presets, and share/quorvane/presets
+/// beside the folder of the running program.
+sPresetFolders GetPresetFolders();
+
+}  // namespace Cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "photo/Presets.h"
+
+namespace Cli {
+
+/// Every preset by name, with its description and place; a line each. A file that cannot be used is listed
+/// with the reason.
+std::string ListPresets(const std::vector<sPresetEntry>& pPresets);
+
+/// Those that --preset takes by name, for completions: name, tabulator, description, a line each.
+std::string ListPresetsForShells(const std::vector<sPresetEntry>& pPresets);
+
+}  // namespace Cli
