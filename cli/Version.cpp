@@ -12,7 +12,7 @@
 #include "cli/batch/VipsSession.h"
 #include "photo/base/Printf.h"
 #include "photo/encode/OutputFormat.h"
-#include "photo/metadata/MetadataBlocks.h"
+#include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
 namespace {

@@ -3,7 +3,7 @@
 #include "cli/batch/VipsSession.h"
 #include "cli/batch/WorkerPool.h"
 #include "photo/base/Failure.h"
-#include "photo/metadata/Metadata.h"
+#include "photo/metadata/PictureMetadata.h"
 
 namespace Cli {
 

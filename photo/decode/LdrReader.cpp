@@ -16,7 +16,7 @@
 #include "photo/decode/VipsSource.h"
 #include "photo/icc/NamedProfile.h"
 #include "photo/icc/ProfileSpace.h"
-#include "photo/metadata/Metadata.h"
+#include "photo/metadata/PictureMetadata.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/Picture.h"
 

@@ -3,14 +3,15 @@
 #include "photo/decode/PngColors.h"
 #include "photo/decode/VipsSource.h"
 #include "photo/icc/NamedProfile.h"
+#include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
 namespace {
 
 /// Cameras state Adobe RGB (1998) by a name in EXIF alone.
 bool IsAdobeRGB(const cMetadata& pMetadata) {
-  return pMetadata.GetExif("Exif.Iop.InteroperabilityIndex") == "R03" &&
-         pMetadata.GetExif("Exif.Photo.ColorSpace") != "1";
+  tExifTexts exif = GetMetadataLibrary().ListExif(pMetadata.GetBlocks());
+  return exif["Exif.Iop.InteroperabilityIndex"] == "R03" && exif["Exif.Photo.ColorSpace"] != "1";
 }
 
 }  // namespace

@@ -16,7 +16,7 @@
 #include "photo/decode/tiff/TiffSamples.h"
 #include "photo/icc/IccDecoder.h"
 #include "photo/light/LightRows.h"
-#include "photo/metadata/Metadata.h"
+#include "photo/metadata/PictureMetadata.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
 

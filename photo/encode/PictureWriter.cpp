@@ -10,7 +10,7 @@
 #include "photo/encode/TiffWriter.h"
 #include "photo/icc/NamedProfile.h"
 #include "photo/io/VipsLibrary.h"
-#include "photo/metadata/Metadata.h"
+#include "photo/metadata/PictureMetadata.h"
 #include "photo/picture/ResultAlpha.h"
 
 namespace Cli {
@@ -136,18 +136,17 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
   const VImage image = ViewPicture(pPicture, traits.fHasAlpha && !pPicture.fAlpha.empty());
   const sPictureFacts facts{image.width(), image.height(), GetExifColorSpace(pPicture.fProfile),
                             FindInteropIndex(pPicture.fProfile)};
-  cMetadata metadata = pPicture.fMetadata != nullptr ? *pPicture.fMetadata : cMetadata();
-  metadata.Keep(pOptions.fMetadata);
-  metadata.PutSettings(pPicture.fSettings);
-  metadata.PutInto(image, facts, IsCompleted(pFormat), warnings);
+  const cResultMetadata metadata(pPicture.fMetadata.get(), image, facts, pOptions.fMetadata,
+                                 pPicture.fSettings, IsCompleted(pFormat), warnings);
+  metadata.PutInto(image);
   const std::string profile =
       pFormat == eOutputFormat::kPng ? ToPngProfile(pPicture.fProfile) : pPicture.fProfile;
   vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
   Save(image, pFormat, ChooseQuality(pPicture.fProfile, pFormat, pOptions.fQuality, warnings),
        pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPicture.fIsPremultiplied,
        pPath);
-  if (IsCompleted(pFormat)) metadata.Complete(pPath, image, facts, warnings);
-  if (pFormat == eOutputFormat::kJxl) CompleteJxl(pPath, image);
+  metadata.Complete(pPath, warnings);
+  if (pFormat == eOutputFormat::kJxl) metadata.CompleteJxl(pPath);
   return warnings;
 }
 

@@ -6,14 +6,20 @@
 #include <sstream>
 
 #include "photo/base/Printf.h"
+#include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
 namespace {
 
+std::string Get(const tExifTexts& pExif, const std::string& pKey) {
+  const auto field = pExif.find(pKey);
+  return field == pExif.end() ? "" : field->second;
+}
+
 /// The first of these fields that is set, on one line and without the blanks that cameras fill it up with.
-std::string GetText(const cMetadata& pMetadata, std::initializer_list<const char*> pKeys) {
+std::string GetText(const tExifTexts& pExif, std::initializer_list<const char*> pKeys) {
   for (const char* key : pKeys) {
-    std::string text = pMetadata.GetExif(key);
+    std::string text = Get(pExif, key);
     std::replace_if(
         text.begin(), text.end(), [](unsigned char pC) { return pC < ' '; }, ' ');
     text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
@@ -30,9 +36,9 @@ struct sNumbers {
   double fThird = 0.0;
 };
 
-sNumbers GetNumbers(const cMetadata& pMetadata, const char* pKey) {
+sNumbers GetNumbers(const tExifTexts& pExif, const char* pKey) {
   sNumbers numbers;
-  std::istringstream words(pMetadata.GetExif(pKey));
+  std::istringstream words(Get(pExif, pKey));
   for (double* const to : {&numbers.fFirst, &numbers.fSecond, &numbers.fThird}) {
     std::string word;
     words >> word;
@@ -43,17 +49,17 @@ sNumbers GetNumbers(const cMetadata& pMetadata, const char* pKey) {
   return numbers;
 }
 
-double GetNumber(const cMetadata& pMetadata, const char* pKey) {
-  return GetNumbers(pMetadata, pKey).fFirst;
+double GetNumber(const tExifTexts& pExif, const char* pKey) {
+  return GetNumbers(pExif, pKey).fFirst;
 }
 
 void Append(std::string& pTo, const std::string& pText, const char* pBetween) {
   if (!pText.empty()) pTo += (pTo.empty() ? "" : pBetween) + pText;
 }
 
-std::string DescribeCamera(const cMetadata& pMetadata) {
-  std::string text = GetText(pMetadata, {"Exif.Image.Make"});
-  const std::string model = GetText(pMetadata, {"Exif.Image.Model"});
+std::string DescribeCamera(const tExifTexts& pExif) {
+  std::string text = GetText(pExif, {"Exif.Image.Make"});
+  const std::string model = GetText(pExif, {"Exif.Image.Model"});
   if (model.starts_with(text)) text.clear();
   Append(text, model, " ");
   return text;
@@ -64,63 +70,64 @@ std::string DescribeTime(double pSeconds) {
   return pSeconds < 0.4 ? Printf("1/%.0f s", 1.0 / pSeconds) : Printf("%g s", pSeconds);
 }
 
-std::string DescribeExposure(const cMetadata& pMetadata) {
-  std::string text = DescribeTime(GetNumber(pMetadata, "Exif.Photo.ExposureTime"));
-  if (const double stop = GetNumber(pMetadata, "Exif.Photo.FNumber"); stop > 0.0)
+std::string DescribeExposure(const tExifTexts& pExif) {
+  std::string text = DescribeTime(GetNumber(pExif, "Exif.Photo.ExposureTime"));
+  if (const double stop = GetNumber(pExif, "Exif.Photo.FNumber"); stop > 0.0)
     Append(text, Printf("f/%.3g", stop), ", ");
-  if (const double speed = GetNumber(pMetadata, "Exif.Photo.ISOSpeedRatings"); speed > 0.0) {
+  if (const double speed = GetNumber(pExif, "Exif.Photo.ISOSpeedRatings"); speed > 0.0) {
     Append(text, Printf("ISO %.0f", speed), ", ");
   }
-  if (const double length = GetNumber(pMetadata, "Exif.Photo.FocalLength"); length > 0.0) {
+  if (const double length = GetNumber(pExif, "Exif.Photo.FocalLength"); length > 0.0) {
     Append(text, Printf("%.3g mm", length), ", ");
   }
   return text;
 }
 
-std::string DescribeDistance(const cMetadata& pMetadata) {
+std::string DescribeDistance(const tExifTexts& pExif) {
   constexpr double kInfinite = 4294967295.0;  // a numerator with all bits set
-  const double metres = GetNumber(pMetadata, "Exif.Photo.SubjectDistance");
+  const double metres = GetNumber(pExif, "Exif.Photo.SubjectDistance");
   if (metres >= kInfinite) return "infinite";
   return metres > 0.0 ? Printf("%.3g m", metres) : "";
 }
 
-std::string DescribeDate(const cMetadata& pMetadata) {
-  std::string text = GetText(pMetadata, {"Exif.Photo.DateTimeOriginal"});
-  if (text.empty()) return GetText(pMetadata, {"Exif.Photo.DateTimeDigitized", "Exif.Image.DateTime"});
-  Append(text, GetText(pMetadata, {"Exif.Photo.OffsetTimeOriginal"}), " ");
+std::string DescribeDate(const tExifTexts& pExif) {
+  std::string text = GetText(pExif, {"Exif.Photo.DateTimeOriginal"});
+  if (text.empty()) return GetText(pExif, {"Exif.Photo.DateTimeDigitized", "Exif.Image.DateTime"});
+  Append(text, GetText(pExif, {"Exif.Photo.OffsetTimeOriginal"}), " ");
   return text;
 }
 
-/// "27.71700 N"; empty where latitude or longitude is not told.
-std::string DescribeAngle(const cMetadata& pMetadata, const std::string& pName) {
+/// "27.71700 N"; empty where latitude or longitude is not stated.
+std::string DescribeAngle(const tExifTexts& pExif, const std::string& pName) {
   const std::string key = "Exif.GPSInfo." + pName;
-  if (pMetadata.GetExif(key).empty()) return "";
-  const sNumbers angle = GetNumbers(pMetadata, key.c_str());
+  if (Get(pExif, key).empty()) return "";
+  const sNumbers angle = GetNumbers(pExif, key.c_str());
   std::string text = Printf("%.5f", angle.fFirst + angle.fSecond / 60.0 + angle.fThird / 3600.0);
-  Append(text, GetText(pMetadata, {(key + "Ref").c_str()}), " ");
+  Append(text, GetText(pExif, {(key + "Ref").c_str()}), " ");
   return text;
 }
 
-std::string DescribePosition(const cMetadata& pMetadata) {
-  std::string text = DescribeAngle(pMetadata, "GPSLatitude");
-  Append(text, DescribeAngle(pMetadata, "GPSLongitude"), ", ");
-  if (text.empty() || pMetadata.GetExif("Exif.GPSInfo.GPSAltitude").empty()) return text;
-  const double metres = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitude");
-  const bool isBelow = GetNumber(pMetadata, "Exif.GPSInfo.GPSAltitudeRef") == 1.0;
+std::string DescribePosition(const tExifTexts& pExif) {
+  std::string text = DescribeAngle(pExif, "GPSLatitude");
+  Append(text, DescribeAngle(pExif, "GPSLongitude"), ", ");
+  if (text.empty() || Get(pExif, "Exif.GPSInfo.GPSAltitude").empty()) return text;
+  const double metres = GetNumber(pExif, "Exif.GPSInfo.GPSAltitude");
+  const bool isBelow = GetNumber(pExif, "Exif.GPSInfo.GPSAltitudeRef") == 1.0;
   return text + Printf(", %.0f m", isBelow ? -metres : metres);
 }
 
 }  // namespace
 
 sMetadataSummary SummariseMetadata(const cMetadata& pMetadata) {
-  return {DescribeCamera(pMetadata),
-          GetText(pMetadata, {"Exif.Photo.LensModel"}),
-          DescribeExposure(pMetadata),
-          DescribeDistance(pMetadata),
-          DescribeDate(pMetadata),
-          GetText(pMetadata, {"Exif.Image.ImageDescription"}),
-          GetText(pMetadata, {"Exif.Image.Copyright"}),
-          DescribePosition(pMetadata)};
+  const tExifTexts exif = GetMetadataLibrary().ListExif(pMetadata.GetBlocks());
+  return {DescribeCamera(exif),
+          GetText(exif, {"Exif.Photo.LensModel"}),
+          DescribeExposure(exif),
+          DescribeDistance(exif),
+          DescribeDate(exif),
+          GetText(exif, {"Exif.Image.ImageDescription"}),
+          GetText(exif, {"Exif.Image.Copyright"}),
+          DescribePosition(exif)};
 }
 
 }  // namespace Cli

@@ -6,13 +6,13 @@
 
 namespace Cli {
 
-/// What a person asks of a photograph's metadata; empty for what they do not tell.
+/// What a person asks of a photograph's metadata; empty for what they do not state.
 struct sMetadataSummary {
   std::string fCamera;
   std::string fLens;
   std::string fExposure;  ///< "1/250 s, f/8, ISO 100, 35 mm".
   std::string fDistance;  ///< "3.2 m".
-  std::string fDate;      ///< As EXIF has it; what local time is ahead of UTC may follow: " +02:00".
+  std::string fDate;      ///< As EXIF has it, followed by the offset from UTC where stated: " +02:00".
   std::string fDescription;
   std::string fCopyright;
   std::string fPosition;  ///< "27.71700 N, 85.31700 E, 1305 m".

@@ -16,7 +16,7 @@ struct sAxis {
 constexpr sAxis kAcross = {"CroppedAreaImageWidthPixels", "FullPanoWidthPixels", "CroppedAreaLeftPixels"};
 constexpr sAxis kDown = {"CroppedAreaImageHeightPixels", "FullPanoHeightPixels", "CroppedAreaTopPixels"};
 
-void Follow(const tGet& pGet, const sAxis& pAxis, int pSize, std::map<std::string, long>& pTo) {
+void FitAxis(const tGet& pGet, const sAxis& pAxis, int pSize, std::map<std::string, long>& pTo) {
   const std::optional<long> area = pGet(pAxis.fArea);
   const long before = area.value_or(pGet(pAxis.fFull).value_or(0));
   if (before <= 0 || before == pSize) return;
@@ -31,10 +31,10 @@ void Follow(const tGet& pGet, const sAxis& pAxis, int pSize, std::map<std::strin
 
 }  // namespace
 
-std::map<std::string, long> FollowSize(const tGet& pGet, int pWidth, int pHeight) {
+std::map<std::string, long> FitPanoramaSizes(const tGet& pGet, int pWidth, int pHeight) {
   std::map<std::string, long> changed;
-  Follow(pGet, kAcross, pWidth, changed);
-  Follow(pGet, kDown, pHeight, changed);
+  FitAxis(pGet, kAcross, pWidth, changed);
+  FitAxis(pGet, kDown, pHeight, changed);
   return changed;
 }
 

@@ -1,9 +1,9 @@
 #include "photo/metadata/XmpText.h"
 
 #include <charconv>
-#include <optional>
+#include <pugixml.hpp>
+#include <sstream>
 #include <string_view>
-#include <utility>
 
 #include "photo/metadata/PanoramaSizes.h"
 
@@ -11,128 +11,132 @@ namespace Cli {
 namespace {
 
 constexpr char kProperty[] = "quorvane:Settings";
-constexpr char kEnd[] = "</rdf:RDF>";
+constexpr std::string_view kDevelopment = "crs:";
 
-struct sEntity {
-  std::string_view fText;
-  char fCharacter;
+/// A property is an attribute of a description, or an element in it.
+struct sProperty {
+  pugi::xml_attribute fAttribute;
+  pugi::xml_node fElement;
+
+  explicit operator bool() const { return fAttribute || fElement; }
+  std::string Get() const { return fAttribute ? fAttribute.value() : fElement.text().get(); }
+  void Set(const std::string& pValue) {
+    if (fAttribute) {
+      fAttribute.set_value(pValue.c_str());
+    } else {
+      fElement.text().set(pValue.c_str());
+    }
+  }
 };
-constexpr sEntity kEntities[] = {{"&amp;", '&'},   {"&lt;", '<'},   {"&gt;", '>'},   {"&quot;", '"'},
-                                 {"&apos;", '\''}, {"&#x9;", '\t'}, {"&#xA;", '\n'}, {"&#xD;", '\r'}};
 
-std::string Escape(const std::string& pText) {
-  std::string result;
-  for (const char c : pText) {
-    std::string_view written(&c, 1);
-    for (const sEntity& entity : kEntities) {
-      if (entity.fCharacter == c) written = entity.fText;
+/// Blanks and instructions stay, so that the packet is as it was but for what is changed.
+bool Parse(const std::string& pPacket, pugi::xml_document& pTo) {
+  const std::size_t size = pPacket.find_last_not_of('\0') + 1;  // some files fill up with them
+  return pTo.load_buffer(pPacket.data(), size,
+                         pugi::parse_default | pugi::parse_pi | pugi::parse_comments | pugi::parse_ws_pcdata);
+}
+
+std::string Save(const pugi::xml_document& pDocument) {
+  std::ostringstream stream;
+  pDocument.save(stream, "", pugi::format_raw | pugi::format_no_declaration);
+  return stream.str();
+}
+
+/// The next node outside pNode and what is in it. Null at the end.
+pugi::xml_node SkipNode(pugi::xml_node pNode) {
+  while (pNode && !pNode.next_sibling()) pNode = pNode.parent();
+  return pNode.next_sibling();
+}
+
+/// In the order of the text. Packets can be nested deeper than a call stack is.
+pugi::xml_node NextNode(pugi::xml_node pNode) {
+  return pNode.first_child() ? pNode.first_child() : SkipNode(pNode);
+}
+
+sProperty FindProperty(const pugi::xml_document& pDocument, const char* pName) {
+  for (pugi::xml_node node = pDocument.first_child(); node; node = NextNode(node)) {
+    if (const pugi::xml_attribute attribute = node.attribute(pName)) return {attribute, {}};
+    if (std::string_view(node.name()) == pName) return {{}, node};
+  }
+  return {};
+}
+
+void DropDevelopment(pugi::xml_document& pDocument) {
+  const auto isDropped = [](const char* pName) { return std::string_view(pName).starts_with(kDevelopment); };
+  for (pugi::xml_node node = pDocument.first_child(); node;) {
+    const pugi::xml_node inner = isDropped(node.name()) ? pugi::xml_node() : node;
+    if (!inner) {
+      const pugi::xml_node dropped = node;
+      node = SkipNode(node);
+      dropped.parent().remove_child(dropped);
+      continue;
     }
-    result += written;
-  }
-  return result;
-}
-
-std::string Unescape(std::string_view pText) {
-  std::string result;
-  while (!pText.empty()) {
-    std::size_t length = 1;
-    char character = pText.front();
-    for (const sEntity& entity : kEntities) {
-      if (!pText.starts_with(entity.fText)) continue;
-      length = entity.fText.size();
-      character = entity.fCharacter;
+    for (pugi::xml_attribute attribute = node.first_attribute(); attribute;) {
+      const pugi::xml_attribute next = attribute.next_attribute();
+      if (isDropped(attribute.name())) node.remove_attribute(attribute);
+      attribute = next;
     }
-    result += character;
-    pText.remove_prefix(length);
+    node = NextNode(node);
   }
-  return result;
 }
 
-/// Where the property's value is, as an attribute's or an element's: start and length; 0, 0 for nowhere.
-std::pair<std::size_t, std::size_t> FindValue(const std::string& pPacket,
-                                              const std::string& pProperty = kProperty) {
-  const std::size_t name = pPacket.find(pProperty);
-  const std::size_t mark = name == std::string::npos ? name : pPacket.find_first_of("\"'>", name);
-  if (mark == std::string::npos) return {0, 0};
-  const std::size_t end = pPacket.find(pPacket[mark] == '>' ? '<' : pPacket[mark], mark + 1);
-  return end == std::string::npos ? std::pair<std::size_t, std::size_t>{0, 0}
-                                  : std::pair{mark + 1, end - mark - 1};
-}
-
-/// The end of the attribute or element that begins at pName; 0 where it has none.
-std::size_t FindEnd(const std::string& pPacket, std::size_t pName) {
-  const std::string name = pPacket.substr(pName, pPacket.find_first_of(" =/>\t\r\n", pName) - pName);
-  if (pPacket[pName - 1] != '<') {
-    const std::size_t quote = pPacket.find_first_of("\"'", pName);
-    return quote == std::string::npos ? 0 : pPacket.find(pPacket[quote], quote + 1) + 1;
+void FitPanorama(pugi::xml_document& pDocument, int pWidth, int pHeight) {
+  const auto find = [&](const std::string& pName) {
+    return FindProperty(pDocument, ("GPano:" + pName).c_str());
+  };
+  const auto get = [&](const std::string& pName) -> std::optional<long> {
+    const sProperty property = find(pName);
+    if (!property) return std::nullopt;
+    const std::string text = property.Get();
+    long number = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+  };
+  for (const auto& [name, number] : FitPanoramaSizes(get, pWidth, pHeight)) {
+    find(name).Set(std::to_string(number));
   }
-  const std::size_t mark = pPacket.find('>', pName);
-  if (mark != std::string::npos && pPacket[mark - 1] == '/') return mark + 1;
-  const std::string close = "</" + name + ">";
-  const std::size_t end = pPacket.find(close, pName);
-  return end == std::string::npos ? 0 : end + close.size();
 }
 
 }  // namespace
 
-std::string PutSettingsIntoXmp(std::string pPacket, const std::string& pJson) {
-  const std::string value = Escape(pJson);
-  if (const auto [start, length] = FindValue(pPacket); start != 0) {
-    return pPacket.replace(start, length, value);
+std::string PutSettingsIntoXmp(const std::string& pPacket, const std::string& pJson) {
+  pugi::xml_document document;
+  const bool isRead = Parse(pPacket, document);
+  sProperty settings = isRead ? FindProperty(document, kProperty) : sProperty{};
+  if (settings) {
+    settings.Set(pJson);
+    return Save(document);
   }
-  if (pPacket.rfind(kEnd) == std::string::npos) {
-    pPacket =
-        "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
-        "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"></rdf:RDF></x:xmpmeta>";
+  sProperty list = isRead ? FindProperty(document, "rdf:RDF") : sProperty{};
+  if (!list.fElement) {
+    document.reset();
+    pugi::xml_node packet = document.append_child("x:xmpmeta");
+    packet.append_attribute("xmlns:x").set_value("adobe:ns:meta/");
+    list.fElement = packet.append_child("rdf:RDF");
+    list.fElement.append_attribute("xmlns:rdf").set_value("http://www.w3.org/1999/02/22-rdf-syntax-ns#");
   }
-  return pPacket.insert(pPacket.rfind(kEnd),
-                        std::string("<rdf:Description rdf:about=\"\" xmlns:quorvane=\"urn:quorvane:xmp#\" ") +
-                            kProperty + "=\"" + value + "\"/>");
+  pugi::xml_node description = list.fElement.append_child("rdf:Description");
+  description.append_attribute("rdf:about").set_value("");
+  description.append_attribute("xmlns:quorvane").set_value("urn:quorvane:xmp#");
+  description.append_attribute(kProperty).set_value(pJson.c_str());
+  return Save(document);
 }
 
 std::string FindSettingsInXmp(const std::string& pPacket) {
-  const auto [start, length] = FindValue(pPacket);
-  return Unescape(std::string_view(pPacket).substr(start, length));
+  pugi::xml_document document;
+  if (!Parse(pPacket, document)) return "";
+  const sProperty settings = FindProperty(document, kProperty);
+  return settings ? settings.Get() : "";
 }
 
-std::string DropDevelopment(std::string pPacket) {
-  constexpr std::string_view kPrefix = "crs:";
-  for (std::size_t at = pPacket.find(kPrefix); at != std::string::npos; at = pPacket.find(kPrefix, at)) {
-    const char before = at == 0 ? 'x' : pPacket[at - 1];
-    const bool isName = before == '<' || before == ' ' || before == '\t' || before == '\r' || before == '\n';
-    const std::size_t end = isName ? FindEnd(pPacket, at) : 0;
-    if (end <= at) {
-      ++at;
-      continue;
-    }
-    pPacket.erase(at - 1, end - at + 1);
-    --at;
-  }
-  return pPacket;
-}
-
-std::string FitPanorama(std::string pPacket, int pWidth, int pHeight) {
-  const auto get = [&](const std::string& pName) -> std::optional<long> {
-    const auto [start, length] = FindValue(pPacket, "GPano:" + pName);
-    long number = 0;
-    const char* const first = pPacket.data() + start;
-    const bool isNumber = length > 0 && std::from_chars(first, first + length, number).ptr == first + length;
-    return isNumber ? std::optional(number) : std::nullopt;
-  };
-  for (const auto& [name, number] : FollowSize(get, pWidth, pHeight)) {
-    const auto [start, length] = FindValue(pPacket, "GPano:" + name);
-    pPacket.replace(start, length, std::to_string(number));
-  }
-  return pPacket;
-}
-
-std::string TurnXmpUpright(std::string pPacket) {
-  constexpr std::string_view kName = "tiff:Orientation";
-  for (std::size_t at = pPacket.find(kName); at != std::string::npos; at = pPacket.find(kName, at + 1)) {
-    const std::size_t value = pPacket.find_first_not_of(" =\"'>", at + kName.size());
-    if (value != std::string::npos && pPacket[value] >= '1' && pPacket[value] <= '8') pPacket[value] = '1';
-  }
-  return pPacket;
+std::optional<std::string> CorrectXmp(const std::string& pPacket, int pWidth, int pHeight) {
+  pugi::xml_document document;
+  if (!Parse(pPacket, document)) return std::nullopt;
+  DropDevelopment(document);
+  FitPanorama(document, pWidth, pHeight);
+  if (sProperty orientation = FindProperty(document, "tiff:Orientation")) orientation.Set("1");
+  return Save(document);
 }
 
 }  // namespace Cli

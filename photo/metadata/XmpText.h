@@ -1,24 +1,22 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace Cli {
 
-// The tool's settings in the text of an XMP packet: the property quorvane:Settings.
+// XMP packets, where no library of their own handles them. Properties are known by their usual prefixes.
 
-/// The packet with the settings in it; an empty or strange one makes place for a new one.
-std::string PutSettingsIntoXmp(std::string pPacket, const std::string& pJson);
+/// The packet with the tool's settings as the property quorvane:Settings; an empty or damaged one is
+/// replaced.
+std::string PutSettingsIntoXmp(const std::string& pPacket, const std::string& pJson);
 
 /// The settings that the packet holds; empty for none.
 std::string FindSettingsInXmp(const std::string& pPacket);
 
-/// The packet without how a raw file was developed (crs), which programs would do to the result again.
-std::string DropDevelopment(std::string pPacket);
-
-/// With what GPano says of a panorama in pixels fitted to this size.
-std::string FitPanorama(std::string pPacket, int pWidth, int pHeight);
-
-/// Writes 1, for upright, over what the packet says of the orientation.
-std::string TurnXmpUpright(std::string pPacket);
+/// The packet as it is right for an upright picture of this size: without how a raw file was developed (crs),
+/// which programs would do to the result again, and with a panorama's sizes (GPano) fitted. None for a
+/// damaged one.
+std::optional<std::string> CorrectXmp(const std::string& pPacket, int pWidth, int pHeight);
 
 }  // namespace Cli

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "photo/base/Printf.h"
+#include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
 namespace {
@@ -43,14 +44,14 @@ std::string GetText(const Imf::Header& pHeader, const char* pName) {
   return text == nullptr ? "" : text->value().substr(0, text->value().find('\0'));
 }
 
-/// None for what is no number; infinity is one.
+/// None for NaN; infinity is a number.
 std::optional<double> GetNumber(const Imf::Header& pHeader, const char* pName) {
   const auto* const number = pHeader.findTypedAttribute<Imf::FloatAttribute>(pName);
   if (number == nullptr || std::isnan(number->value())) return std::nullopt;
   return static_cast<double>(number->value());
 }
 
-/// The simplest fraction that is as near to a positive number as a float tells: 0.004f is 1/250. Infinity is
+/// The simplest fraction within the precision of a float of a positive number: 0.004f is 1/250. Infinity is
 /// what EXIF takes for it. Empty for what fits into no fraction of 32 bits.
 std::string ToFraction(double pNumber) {
   constexpr double kMost = 4294967295.0;
@@ -141,11 +142,17 @@ std::shared_ptr<const cMetadata> ReadExrMetadata(const Imf::Header& pHeader) {
   fields.AddPositives();
   fields.AddDate();
   fields.AddPosition();
-  constexpr double kMillimetresAnInch = 25.4;
-  const double density = GetNumber(pHeader, "xDensity").value_or(0.0) / kMillimetresAnInch;
+  std::vector<std::string> warnings;
+  sMetadataBlocks blocks = GetMetadataLibrary().Make(fields.Get(), warnings);
+  constexpr double kMillimetresPerInch = 25.4;
+  const double density = GetNumber(pHeader, "xDensity").value_or(0.0) / kMillimetresPerInch;
   const double aspect = static_cast<double>(pHeader.pixelAspectRatio());
-  const bool isTold = density > 0.0 && std::isfinite(density) && std::isfinite(density * aspect);
-  return std::make_shared<cMetadata>(fields.Get(), isTold ? density : 0.0, isTold ? density * aspect : 0.0);
+  if (density > 0.0 && density * aspect > 0.0 && std::isfinite(density) && std::isfinite(density * aspect)) {
+    blocks.fXResolution = density;
+    blocks.fYResolution = density * aspect;
+    blocks.fFields.push_back({"resolution-unit", "in"});
+  }
+  return std::make_shared<cMetadata>(std::move(blocks), "", std::move(warnings));
 }
 
 }  // namespace Cli

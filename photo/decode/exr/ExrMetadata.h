@@ -8,7 +8,7 @@
 
 namespace Cli {
 
-/// What the standard attributes of a header tell of the photograph, as the fields of EXIF that mean the same:
+/// The standard attributes of a header that describe the photograph, as the corresponding fields of EXIF:
 /// owner (as Copyright), comments, capDate with utcOffset, expTime, aperture, isoSpeed, focus,
 /// nominalFocalLength, make, model and serial number of camera and lens, latitude, longitude and altitude;
 /// xDensity as resolution. What cannot be true (a date in another form, a negative time) is left out.

@@ -1,4 +1,4 @@
-#include "photo/metadata/FileHead.h"
+#include "photo/metadata/MetadataHead.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -112,10 +112,10 @@ void MoveRest(const cOpenFile& pFile, std::int64_t pFrom, std::int64_t pEnd, std
 
 }  // namespace
 
-sFileHead ReadFileHead(const std::string& pPath) {
+sMetadataHead ReadMetadataHead(const std::string& pPath) {
   const cOpenFile file(pPath, O_RDONLY);
   const std::string start = file.Read(kPngStart.size(), 0);
-  sFileHead head;
+  sMetadataHead head;
   head.fPixels = -1;
   if (start == kPngStart) {
     head.fPixels = FindPngPixels(file);
@@ -129,7 +129,7 @@ sFileHead ReadFileHead(const std::string& pPath) {
   return head;
 }
 
-void ReplaceFileHead(const std::string& pPath, const sFileHead& pOld, const std::string& pNew) {
+void ReplaceMetadataHead(const std::string& pPath, const sMetadataHead& pOld, const std::string& pNew) {
   if (!pNew.ends_with(pOld.fEnd)) throw std::runtime_error("its metadata do not end where its pixels begin");
   const cOpenFile file(pPath, O_RDWR);
   const std::size_t size = pNew.size() - pOld.fEnd.size();

@@ -1,6 +1,5 @@
-#include "photo/metadata/MetadataBlocks.h"
-
 #include <zlib.h>
+
 #include <algorithm>
 #include <exception>
 #include <exiv2/exiv2.hpp>
@@ -8,26 +7,27 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "photo/io/BigEndian.h"
-#include "photo/metadata/FileHead.h"
+#include "photo/metadata/MetadataHead.h"
+#include "photo/metadata/MetadataLibrary.h"
 #include "photo/metadata/PanoramaSizes.h"
 
 namespace Cli {
+namespace {
 
-struct sMetadataBlocks {
+/// The blocks as Exiv2 has them.
+struct sParsed {
   Exiv2::ExifData fExif;
   Exiv2::IptcData fIptc;
   Exiv2::XmpData fXmp;
+
+  bool IsEmpty() const { return fExif.empty() && fIptc.empty() && fXmp.empty(); }
 };
-
-namespace {
-
-using vips::VImage;
-
-constexpr std::string_view kExifStart("Exif\0\0", 6);
 
 #ifdef EXV_ENABLE_BMFF
 constexpr int kBmff = Exiv2::ImageType::bmff;  // HEIF, AVIF
@@ -39,24 +39,44 @@ constexpr int kBmff = -1;
 void EnableBmff() {}
 #endif
 
-/// What was wrong first since the last call of TakeFault().
-std::string gFault;
+/// Collects what Exiv2 reports while one of these lives, in place of its handler, which comes back after.
+/// Exiv2 has one handler and one XMP toolkit for all threads, so these take turns.
+class cFaultScope {
+ public:
+  cFaultScope() : fLock(gMutex), fHandler(Exiv2::LogMsg::handler()), fLevel(Exiv2::LogMsg::level()) {
+    Exiv2::LogMsg::setLevel(Exiv2::LogMsg::error);
+    Exiv2::LogMsg::setHandler(Note);
+    gFault.clear();
+  }
+  cFaultScope(const cFaultScope&) = delete;
+  cFaultScope& operator=(const cFaultScope&) = delete;
+  ~cFaultScope() {
+    Exiv2::LogMsg::setHandler(fHandler);
+    Exiv2::LogMsg::setLevel(fLevel);
+  }
 
-void NoteFault(int, const char* pText) {
-  if (gFault.empty()) gFault = pText;
-}
+  /// What was wrong first, on one line; it is forgotten then. Empty for nothing.
+  std::string Take() {
+    const std::string fault = std::exchange(gFault, "");
+    return fault.substr(0, fault.find('\n'));
+  }
 
-std::string TakeFault() {
-  std::string fault;
-  fault.swap(gFault);
-  return fault.substr(0, fault.find('\n'));
-}
+ private:
+  static void Note(int, const char* pText) {
+    if (gFault.empty()) gFault = pText;
+  }
 
-/// The toolkit for XMP starts once a process; nothing is written to standard error.
+  inline static std::recursive_mutex gMutex;
+  inline static std::string gFault;
+
+  std::lock_guard<std::recursive_mutex> fLock;
+  Exiv2::LogMsg::Handler fHandler;
+  Exiv2::LogMsg::Level fLevel;
+};
+
+/// The toolkit for XMP starts once a process.
 void StartExiv2() {
   static const bool kStarted = [] {
-    Exiv2::LogMsg::setLevel(Exiv2::LogMsg::error);
-    Exiv2::LogMsg::setHandler(NoteFault);
     EnableBmff();
     Exiv2::XmpParser::initialize();
     Exiv2::XmpProperties::registerNs("urn:quorvane:xmp#", "quorvane");
@@ -68,12 +88,13 @@ void StartExiv2() {
 /// What pWork throws, or Exiv2 reports meanwhile; empty when all went well.
 template <class tWork>
 std::string FaultOf(const tWork& pWork) {
-  TakeFault();
+  cFaultScope scope;
+  StartExiv2();
   try {
     pWork();
-    return TakeFault();
+    return scope.Take();
   } catch (const std::exception& error) {
-    TakeFault();
+    scope.Take();
     const std::string text = error.what();
     return text.empty() ? "no reason given" : text;
   }
@@ -92,33 +113,74 @@ const Exiv2::byte* BytesOf(std::string_view pText) {
   return reinterpret_cast<const Exiv2::byte*>(pText.data());
 }
 
-std::string_view GetField(const VImage& pImage, const char* pName) {
-  const void* data = nullptr;
-  std::size_t size = 0;
-  if (pImage.get_typeof(pName) == 0 || vips_image_get_blob(pImage.get_image(), pName, &data, &size) != 0) {
-    return {};
-  }
-  return {static_cast<const char*>(data), size};
-}
-
 /// pPath: absolute, since other names could be taken for addresses.
-void ReadFromFile(const std::string& pPath, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
+void ReadFromFile(const std::string& pPath, sParsed& pTo, std::vector<std::string>& pWarnings) {
   const auto image = Exiv2::ImageFactory::open(pPath, false);
   Warn("its metadata are damaged; what could be read is kept", FaultOf([&] { image->readMetadata(); }),
        pWarnings);
-  pBlocks = {image->exifData(), image->iptcData(), image->xmpData()};
+  pTo = {image->exifData(), image->iptcData(), image->xmpData()};
 }
 
-void ReadFromVips(const VImage& pImage, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
-  std::string_view exif = GetField(pImage, VIPS_META_EXIF_NAME);
-  if (exif.starts_with(kExifStart)) exif.remove_prefix(kExifStart.size());
-  const auto decode = [&] {
-    Exiv2::ExifParser::decode(pBlocks.fExif, BytesOf(exif), static_cast<std::uint32_t>(exif.size()));
+void ParseExif(const std::string& pBlock, Exiv2::ExifData& pTo) {
+  Exiv2::ExifParser::decode(pTo, BytesOf(pBlock), static_cast<std::uint32_t>(pBlock.size()));
+}
+
+void ReadFromBlocks(const sMetadataBlocks& pFound, sParsed& pTo, std::vector<std::string>& pWarnings) {
+  const auto decode = [&] { ParseExif(pFound.fExif, pTo.fExif); };
+  const auto parse = [&] { Exiv2::XmpParser::decode(pTo.fXmp, pFound.fXmp); };
+  if (!pFound.fExif.empty())
+    Warn("its EXIF is damaged; what could be read is kept", FaultOf(decode), pWarnings);
+  if (!pFound.fXmp.empty()) Warn("its XMP is damaged; what could be read is kept", FaultOf(parse), pWarnings);
+}
+
+/// From blocks that Exiv2 has written.
+sParsed Parse(const sMetadataBlocks& pBlocks) {
+  sParsed parsed;
+  FaultOf([&] {
+    if (!pBlocks.fExif.empty()) ParseExif(pBlocks.fExif, parsed.fExif);
+    if (!pBlocks.fXmp.empty()) Exiv2::XmpParser::decode(parsed.fXmp, pBlocks.fXmp);
+    const auto iptc = static_cast<std::uint32_t>(pBlocks.fIptc.size());
+    if (iptc > 0) Exiv2::IptcParser::decode(parsed.fIptc, BytesOf(pBlocks.fIptc), iptc);
+  });
+  return parsed;
+}
+
+std::string ToText(const Exiv2::byte* pBytes, long pSize) {
+  return pSize <= 0 ? ""
+                    : std::string(reinterpret_cast<const char*>(pBytes), static_cast<std::size_t>(pSize));
+}
+
+std::string PackExif(const Exiv2::ExifData& pExif, bool pIsShort) {
+  if (pIsShort) {
+    Exiv2::Blob blob;
+    Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, pExif);
+    return {blob.begin(), blob.end()};
+  }
+  Exiv2::MemIo io;
+  Exiv2::TiffParser::encode(io, nullptr, 0, Exiv2::littleEndian, pExif, {}, {});
+  return ToText(io.mmap(), static_cast<long>(io.size()));
+}
+
+/// What cannot be packed is left out.
+void Pack(const sParsed& pParsed, bool pIsExifShort, sMetadataBlocks& pTo,
+          std::vector<std::string>& pWarnings) {
+  pTo.fExif = pTo.fIptc = pTo.fXmp = "";
+  const auto pack = [&](const char* pName, std::string& pBlock, const auto& pWork) {
+    const std::string fault = FaultOf(pWork);
+    if (pBlock.empty()) Warn(std::string("its ") + pName + " is left out", fault, pWarnings);
   };
-  if (!exif.empty()) Warn("its EXIF is damaged; what could be read is kept", FaultOf(decode), pWarnings);
-  const std::string xmp(GetField(pImage, VIPS_META_XMP_NAME));
-  const auto parse = [&] { Exiv2::XmpParser::decode(pBlocks.fXmp, xmp); };
-  if (!xmp.empty()) Warn("its XMP is damaged; what could be read is kept", FaultOf(parse), pWarnings);
+  if (!pParsed.fExif.empty()) {
+    pack("EXIF", pTo.fExif, [&] { pTo.fExif = PackExif(pParsed.fExif, pIsExifShort); });
+  }
+  if (!pParsed.fIptc.empty()) {
+    pack("IPTC", pTo.fIptc, [&] {
+      const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(pParsed.fIptc);
+      pTo.fIptc = ToText(buffer.pData_, buffer.size_);
+    });
+  }
+  if (!pParsed.fXmp.empty()) {
+    pack("XMP", pTo.fXmp, [&] { Exiv2::XmpParser::encode(pTo.fXmp, pParsed.fXmp); });
+  }
 }
 
 /// Of the first image's tags: how its samples lie in the file that it comes from, and blocks of their own.
@@ -198,7 +260,6 @@ void SetInteropIndex(Exiv2::ExifData& pExif, const std::string& pIndex) {
 void CorrectExif(Exiv2::ExifData& pExif, const sCorrections& pCorrections) {
   using Exiv2::ExifKey;
   const sPictureFacts& facts = pCorrections.fFacts;
-  DropWhatIsOfInput(pExif);
   SetWhereThere<ExifKey, std::uint16_t>(pExif, "Exif.Image.Orientation", 1);
   SetWhereThere<ExifKey, std::uint32_t>(pExif, "Exif.Photo.PixelXDimension", facts.fWidth);
   SetWhereThere<ExifKey, std::uint32_t>(pExif, "Exif.Photo.PixelYDimension", facts.fHeight);
@@ -213,7 +274,7 @@ void CorrectExif(Exiv2::ExifData& pExif, const sCorrections& pCorrections) {
                                            {72, 1}, kInch);
 }
 
-void FollowPanorama(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
+void FitPanorama(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   const std::string start = "Xmp.GPano.";
   const auto get = [&](const std::string& pName) -> std::optional<long> {
     const auto datum = pXmp.findKey(Exiv2::XmpKey(start + pName));
@@ -221,7 +282,7 @@ void FollowPanorama(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
     const long number = datum->toLong();
     return datum->value().ok() ? std::optional(number) : std::nullopt;
   };
-  for (const auto& [name, number] : FollowSize(get, pFacts.fWidth, pFacts.fHeight)) {
+  for (const auto& [name, number] : FitPanoramaSizes(get, pFacts.fWidth, pFacts.fHeight)) {
     pXmp[start + name] = std::to_string(number);
   }
 }
@@ -240,7 +301,7 @@ void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   for (const auto& row : values) {
     if (row.fValue != 0 && Has<Exiv2::XmpKey>(pXmp, row.fKey)) pXmp[row.fKey] = std::to_string(row.fValue);
   }
-  FollowPanorama(pXmp, pFacts);
+  FitPanorama(pXmp, pFacts);
 }
 
 /// A PNG with EXIF in its own chunk, behind the header; Exiv2 would hide it in a text that few look into.
@@ -274,7 +335,7 @@ bool IsJpeg(const std::string& pPath) {
 }
 
 /// The new head for a file's. Throws what Exiv2 throws.
-std::string PutIn(const sFileHead& pHead, const sMetadataBlocks& pBlocks) {
+std::string PutIn(const sMetadataHead& pHead, const sParsed& pBlocks) {
   const std::string& head = pHead.fFile;
   auto image = Exiv2::ImageFactory::open(BytesOf(head), static_cast<long>(head.size()));
   image->readMetadata();
@@ -297,8 +358,8 @@ std::string PutIn(const sFileHead& pHead, const sMetadataBlocks& pBlocks) {
 }
 
 /// Tries each kind alone, and clears those that cannot be written into the head.
-void DropFaulty(const sFileHead& pHead, sMetadataBlocks& pBlocks, std::vector<std::string>& pWarnings) {
-  const auto isFaulty = [&](const char* pName, const sMetadataBlocks& pPart) {
+void DropFaulty(const sMetadataHead& pHead, sParsed& pBlocks, std::vector<std::string>& pWarnings) {
+  const auto isFaulty = [&](const char* pName, const sParsed& pPart) {
     const std::string fault = FaultOf([&] { PutIn(pHead, pPart); });
     Warn(std::string("its ") + pName + " is left out", fault, pWarnings);
     return !fault.empty();
@@ -308,7 +369,108 @@ void DropFaulty(const sFileHead& pHead, sMetadataBlocks& pBlocks, std::vector<st
   if (isFaulty("XMP", {{}, {}, pBlocks.fXmp})) pBlocks.fXmp.clear();
 }
 
+sParsed MakeCorrected(const sMetadataBlocks& pBlocks, const sCorrections& pCorrections,
+                      std::vector<std::string>& pWarnings) {
+  const sMetadataKinds& kinds = pCorrections.fKinds;
+  sParsed parsed = Parse(pBlocks);
+  if (!kinds.fExif) parsed.fExif.clear();
+  if (!kinds.fIptc) parsed.fIptc.clear();
+  if (!kinds.fXmp) parsed.fXmp.clear();
+  const auto correct = [&] {
+    if (!parsed.fExif.empty()) CorrectExif(parsed.fExif, pCorrections);
+    CorrectXmp(parsed.fXmp, pCorrections.fFacts);
+    if (!pCorrections.fSettings.empty() && kinds.fXmp) {
+      parsed.fXmp["Xmp.quorvane.Settings"] = pCorrections.fSettings;
+    }
+  };
+  Warn("its metadata are not corrected", FaultOf(correct), pWarnings);
+  return parsed;
+}
+
+/// What libvips writes, whoever writes the blocks.
+bool IsLeftToVips(const sVipsField& pField) {
+  return pField.fName.starts_with("png-comment-") || pField.fName.starts_with("resolution-");
+}
+
+class cExiv2Library : public cMetadataLibrary {
+ public:
+  sMetadataBlocks Read(const std::string& pFile, const sMetadataBlocks& pFound,
+                       std::vector<std::string>& pWarnings) const override {
+    sParsed parsed;
+    const auto read = [&] {
+      const std::string path = pFile.empty() ? "" : std::filesystem::absolute(pFile).string();
+      if (!path.empty() && IsReadType(Exiv2::ImageFactory::getType(path))) {
+        ReadFromFile(path, parsed, pWarnings);
+      } else {
+        ReadFromBlocks(pFound, parsed, pWarnings);
+      }
+    };
+    Warn("its metadata cannot be read", FaultOf(read), pWarnings);
+    sMetadataBlocks blocks = pFound;
+    blocks.fHasThumbnail = Has<Exiv2::ExifKey>(parsed.fExif, "Exif.Thumbnail.JPEGInterchangeFormat");
+    std::erase_if(blocks.fFields, [](const sVipsField& pField) { return !IsLeftToVips(pField); });
+    DropWhatIsOfInput(parsed.fExif);
+    Pack(parsed, false, blocks, pWarnings);
+    return blocks;
+  }
+
+  sMetadataBlocks Make(const std::vector<sExifField>& pExif,
+                       std::vector<std::string>& pWarnings) const override {
+    sParsed parsed;
+    for (const sExifField& field : pExif) {
+      const auto set = [&] { parsed.fExif[field.fKey] = field.fText; };
+      Warn(field.fKey + " is left out", FaultOf(set), pWarnings);
+    }
+    sMetadataBlocks blocks;
+    Pack(parsed, false, blocks, pWarnings);
+    return blocks;
+  }
+
+  tExifTexts ListExif(const sMetadataBlocks& pBlocks) const override {
+    tExifTexts texts;
+    sMetadataBlocks exif;
+    exif.fExif = pBlocks.fExif;
+    for (const Exiv2::Exifdatum& datum : Parse(exif).fExif) {
+      const std::string group = datum.groupName();
+      const bool isNote = group != "Image" && group != "Photo" && group != "GPSInfo" && group != "Iop";
+      if (!isNote && datum.tagName() != "MakerNote") texts.emplace(datum.key(), datum.toString());
+    }
+    return texts;
+  }
+
+  sMetadataBlocks Correct(const sMetadataBlocks& pBlocks, const sCorrections& pCorrections,
+                          std::vector<std::string>& pWarnings) const override {
+    sMetadataBlocks blocks = pBlocks;
+    Pack(MakeCorrected(pBlocks, pCorrections, pWarnings), true, blocks, pWarnings);
+    blocks.fIptc.clear();  // libvips writes none from bare data sets
+    return blocks;
+  }
+
+  bool WritesFiles() const override { return true; }
+
+  void Write(const std::string& pPath, const sMetadataBlocks& pBlocks, const sCorrections& pCorrections,
+             std::vector<std::string>& pWarnings) const override {
+    sParsed sound = MakeCorrected(pBlocks, pCorrections, pWarnings);
+    if (sound.IsEmpty() && !IsJpeg(pPath)) return;
+    const sMetadataHead head = ReadMetadataHead(pPath);
+    std::string completed;
+    const auto put = [&] { completed = PutIn(head, sound); };
+    if (!FaultOf(put).empty()) {
+      DropFaulty(head, sound, pWarnings);
+      completed.clear();
+      const std::string fault = FaultOf(put);
+      if (completed.empty()) return Warn("its metadata are left out", fault, pWarnings);
+    }
+    ReplaceMetadataHead(pPath, head, completed);
+  }
+};
+
 }  // namespace
+
+const cMetadataLibrary& GetMetadataLibrary() {
+  static const cExiv2Library kLibrary;
+  return kLibrary;
+}
 
 bool HasExiv2() {
   return true;
@@ -316,95 +478,6 @@ bool HasExiv2() {
 
 std::string GetExiv2Version() {
   return Exiv2::versionString();
-}
-
-std::shared_ptr<const sMetadataBlocks> ReadBlocks(const std::string& pFile, const VImage& pImage,
-                                                  std::vector<std::string>& pWarnings) {
-  StartExiv2();
-  auto blocks = std::make_shared<sMetadataBlocks>();
-  const auto read = [&] {
-    const std::string path = std::filesystem::absolute(pFile).string();
-    const bool isJxl = pImage.get_string(VIPS_META_LOADER) == std::string("jxlload_source");
-    if (!isJxl && IsReadType(Exiv2::ImageFactory::getType(path))) {
-      ReadFromFile(path, *blocks, pWarnings);
-    } else {
-      ReadFromVips(pImage, *blocks, pWarnings);
-    }
-  };
-  Warn("its metadata cannot be read", FaultOf(read), pWarnings);
-  return blocks;
-}
-
-std::shared_ptr<const sMetadataBlocks> MakeBlocks(const std::vector<sExifField>& pExif, VImage&,
-                                                  std::vector<std::string>& pWarnings) {
-  auto blocks = std::make_shared<sMetadataBlocks>();
-  for (const sExifField& field : pExif) {
-    const auto set = [&] { blocks->fExif[field.fKey] = field.fText; };
-    Warn(field.fKey + " is left out", FaultOf(set), pWarnings);
-  }
-  return blocks;
-}
-
-std::string GetExifText(const sMetadataBlocks* pBlocks, const VImage&, const std::string& pKey) {
-  if (pBlocks == nullptr) return "";
-  const Exiv2::ExifData& exif = pBlocks->fExif;
-  const auto field = std::find_if(exif.begin(), exif.end(),
-                                  [&](const Exiv2::Exifdatum& pDatum) { return pDatum.key() == pKey; });
-  return field == exif.end() ? "" : field->toString();
-}
-
-bool HasThumbnail(const sMetadataBlocks* pBlocks) {
-  return pBlocks != nullptr && Has<Exiv2::ExifKey>(pBlocks->fExif, "Exif.Thumbnail.JPEGInterchangeFormat");
-}
-
-std::shared_ptr<sMetadataBlocks> CorrectBlocks(const sMetadataBlocks* pBlocks,
-                                               const sCorrections& pCorrections) {
-  StartExiv2();
-  auto blocks =
-      pBlocks == nullptr ? std::make_shared<sMetadataBlocks>() : std::make_shared<sMetadataBlocks>(*pBlocks);
-  if (!pCorrections.fKinds.fExif) blocks->fExif.clear();
-  if (!pCorrections.fKinds.fIptc) blocks->fIptc.clear();
-  if (!pCorrections.fKinds.fXmp) blocks->fXmp.clear();
-  if (!blocks->fExif.empty()) CorrectExif(blocks->fExif, pCorrections);
-  CorrectXmp(blocks->fXmp, pCorrections.fFacts);
-  if (!pCorrections.fSettings.empty() && pCorrections.fKinds.fXmp) {
-    blocks->fXmp["Xmp.quorvane.Settings"] = pCorrections.fSettings;
-  }
-  return blocks;
-}
-
-void HandToVips(const sMetadataBlocks& pBlocks, const VImage& pTo, std::vector<std::string>& pWarnings) {
-  const auto encodeExif = [&] {
-    Exiv2::Blob blob;
-    Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, pBlocks.fExif);
-    std::string data(kExifStart);
-    data.append(blob.begin(), blob.end());
-    vips_image_set_blob_copy(pTo.get_image(), VIPS_META_EXIF_NAME, data.data(), data.size());
-  };
-  const auto encodeXmp = [&] {
-    std::string data;
-    Exiv2::XmpParser::encode(data, pBlocks.fXmp);
-    vips_image_set_blob_copy(pTo.get_image(), VIPS_META_XMP_NAME, data.data(), data.size());
-  };
-  if (!pBlocks.fExif.empty()) Warn("its EXIF is left out", FaultOf(encodeExif), pWarnings);
-  if (!pBlocks.fXmp.empty()) Warn("its XMP is left out", FaultOf(encodeXmp), pWarnings);
-}
-
-void WriteBlocks(const std::string& pPath, const sMetadataBlocks& pBlocks,
-                 std::vector<std::string>& pWarnings) {
-  const bool isEmpty = pBlocks.fExif.empty() && pBlocks.fIptc.empty() && pBlocks.fXmp.empty();
-  if (isEmpty && !IsJpeg(pPath)) return;
-  const sFileHead head = ReadFileHead(pPath);
-  sMetadataBlocks sound = pBlocks;
-  std::string completed;
-  const auto put = [&] { completed = PutIn(head, sound); };
-  if (!FaultOf(put).empty()) {
-    DropFaulty(head, sound, pWarnings);
-    completed.clear();
-    const std::string fault = FaultOf(put);
-    if (completed.empty()) return Warn("its metadata are left out", fault, pWarnings);
-  }
-  ReplaceFileHead(pPath, head, completed);
 }
 
 }  // namespace Cli

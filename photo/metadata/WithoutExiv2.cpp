@@ -1,0 +1,19 @@
+#include "photo/metadata/MetadataLibrary.h"
+
+// For builds without Exiv2.
+
+namespace Cli {
+
+const cMetadataLibrary& GetMetadataLibrary() {
+  return GetPlainLibrary();
+}
+
+bool HasExiv2() {
+  return false;
+}
+
+std::string GetExiv2Version() {
+  return "";
+}
+
+}  // namespace Cli
