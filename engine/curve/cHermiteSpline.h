@@ -83,10 +83,9 @@ class cHermiteSpline : public cTransfer {
   std::unique_ptr<sControlPoint[]> fControlPoints;
   int fCount = 0;
   // Each table has room for one entry more than it has inputs; only the float table fills it. The large ones
-  // take no pages until they are built, which writes every entry.
-  std::unique_ptr<float[]> fFloatTable = std::make_unique_for_overwrite<float[]>(kTableSize + 1);
-  std::unique_ptr<unsigned short[]> f16BitTable =
-      std::make_unique_for_overwrite<unsigned short[]>(kTableSize + 1);
+  // are not cleared, so that they take no pages until they are built, which writes every entry.
+  std::unique_ptr<float[]> fFloatTable{new float[kTableSize + 1]};
+  std::unique_ptr<unsigned short[]> f16BitTable{new unsigned short[kTableSize + 1]};
   std::unique_ptr<float[]> f8BitInputFloatTable = std::make_unique<float[]>(257);
   std::unique_ptr<unsigned char[]> f8BitTable = std::make_unique<unsigned char[]>(257);
   mutable bool fFloatTableValid = false;
