@@ -97,9 +97,11 @@ void CheckArguments(const sCompareOptions& pOptions) {
   if (GetEnding(pOptions.fOutput) != ".png") {
     throw cFailure(eFailure::kUsage, pOptions.fOutput, "the picture of the comparison is a .png");
   }
-  CheckIsAnother(pOptions.fA, pOptions.fOutput);
-  CheckIsAnother(pOptions.fB, pOptions.fOutput);
-  CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
+  NameFile(pOptions.fOutput, [&] {
+    CheckIsAnother(pOptions.fA, pOptions.fOutput);
+    CheckIsAnother(pOptions.fB, pOptions.fOutput);
+    CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
+  });
 }
 
 void Run(const sCompareOptions& pOptions) {
@@ -115,8 +117,10 @@ void Run(const sCompareOptions& pOptions) {
   }
   const sPictureDifference difference = ComparePictures(*a.fBitmap, *b.fBitmap);
   if (!pOptions.fOutput.empty()) {
-    cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
-    WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
+    NameFile(pOptions.fOutput, [&] {
+      cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
+      WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
+    });
   }
   Print(pOptions.fJson ? ToLine(ToJson(difference)) + "\n" : Describe(difference));
   if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {

@@ -9,7 +9,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "cli/Options.h"
 #include "cli/batch/MemoryBudget.h"
@@ -19,13 +19,11 @@
 #include "cli/plot/SvgDrawing.h"
 #include "cli/terminal/FailureText.h"
 #include "cli/terminal/Warnings.h"
-#include "engine/cColorEqRenderer.h"
+#include "photo/EqualizePicture.h"
+#include "photo/MemoryEstimate.h"
 #include "photo/base/Failure.h"
-#include "photo/decode/LdrReader.h"
 #include "photo/encode/PictureWriter.h"
-#include "photo/picture/OutputBitmap.h"
 #include "photo/render/CurvePoints.h"
-#include "photo/render/PictureRendering.h"
 
 namespace Cli {
 namespace {
@@ -45,65 +43,47 @@ struct sEqualizeOptions {
   std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
 };
 
-/// Renders into pPicture's own pixels where the depth stays.
-cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
-  TmEngine::cBitmapLDR& input = *pPicture.fBitmap;
-  std::unique_ptr<TmEngine::cBitmapLDR> output;
-  if ((pDepth > 8 ? 16 : 8) != input.GetBitDepth()) {
-    output = MakeOutputBitmap(input.GetWidth(), input.GetHeight(), pDepth, TmEngine::eColorSpaceID_sRGB);
-    output->SetColorSpace(input.GetColorSpace());
-  }
-  const auto renderer = std::make_unique<TmEngine::cColorEqRenderer>();
-  renderer->SetInput(&input);
-  renderer->SetOutput(output != nullptr ? output.get() : &input);
-  renderer->SetHueCurves(MakeHueCurve(pCurves.fHueShift, pCurves.fMode).get(),
-                         MakeHueCurve(pCurves.fSaturation, pCurves.fMode).get(),
-                         MakeHueCurve(pCurves.fLightness, pCurves.fMode).get());
-  renderer->Render();
-  return cResultPixels(output != nullptr ? *output : input);
+eOutputFormat ChooseFormat(const sEqualizeOptions& pOptions) {
+  const std::string name = pOptions.fOutput != kStandardStream
+                               ? pOptions.fOutput
+                               : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
+  const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
+  return NameFile(name, [&] { return ChooseOutputFormat(name, leastDepth, pOptions.fFile); });
 }
 
-cResultPixels Equalize(const sEqualizeOptions& pOptions, sLdrPicture& pPicture, int pDepth) {
-  return NameFailures(eFailure::kProcessing, GetSpokenName(pOptions.fInput), "equalize",
-                      [&] { return RenderCurves(pPicture, pDepth, pOptions.fCurves); });
-}
-
-/// Samples that go beyond white are no finished picture.
-void RefuseBeyondWhite(const std::string& pFile, const sLdrPicture& pPicture) {
-  if (pPicture.fBeyondWhite.empty()) return;
-  throw cFailure(eFailure::kCannotRead, pFile,
-                 "its light goes beyond white (" + pPicture.fBeyondWhite +
-                     "); tone-map it first, then equalize the result");
+/// The job in the options, whose input is read from pPath.
+sEqualizeJob MakeJob(const sEqualizeOptions& pOptions, const std::string& pPath) {
+  const bool isStream = pOptions.fOutput == kStandardStream;
+  sEqualizeJob job;
+  job.fInput = pPath;
+  job.fOutput = isStream ? "standard output" : pOptions.fOutput;
+  if (isStream) job.fOutputStream = STDOUT_FILENO;
+  job.fFormat = ChooseFormat(pOptions);
+  job.fSource = pOptions.fSource;
+  job.fCurves = pOptions.fCurves;
+  job.fDepth = pOptions.fDepth;
+  job.fFile = pOptions.fFile;
+  job.fMayReplace = pOptions.fOverwrite;
+  job.fMemoryGate = [format = job.fFormat,
+                     limit = ChooseMemoryLimit(pOptions.fMemoryLimit)](std::int64_t pPixels) {
+    constexpr int kDeepest = 16;  // a deeper input makes a deeper result
+    CheckMemoryLimit(EstimateMemory(pPixels, format, kDeepest), limit);
+  };
+  return job;
 }
 
 void EqualizeFile(const sEqualizeOptions& pOptions) {
-  const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
-  const std::string target = pOptions.fOutput != kStandardStream
-                                 ? pOptions.fOutput
-                                 : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
-  const eOutputFormat format = ChooseOutputFormat(target, leastDepth, pOptions.fFile);
-  const tMemoryGate gate = [&](std::int64_t pPixels) {
-    // a deeper input makes a deeper result
-    CheckMemoryLimit(EstimateMemory(pPixels, format, 16), ChooseMemoryLimit(pOptions.fMemoryLimit));
-  };
-  const std::string name = GetSpokenName(pOptions.fInput);
+  ChooseFormat(pOptions);  // refused before a stream is read
   const cInputFile input(pOptions.fInput);
-  sLdrPicture picture =
-      NameFile(name, [&] { return ReadLdrPicture(input.GetPath(), kVerb, pOptions.fSource, gate); });
-  RefuseBeyondWhite(GetSpokenName(pOptions.fInput), picture);
-  PrintWarnings(GetSpokenName(pOptions.fInput), NameOptions(picture.fWarnings));
-  NameFile(name, [&] { CheckRowLength(picture.fBitmap->GetWidth(), TmEngine::kHueChannels); });
-  CheckFits(pOptions.fOutput, format, picture.fBitmap->GetWidth(), picture.fBitmap->GetHeight());
-  const int ownDepth = ChooseDepth(format, picture.fFileDepth);
-  // before the work, so that a place that cannot be written to is told early
-  const bool isStream = pOptions.fOutput == kStandardStream;
-  cTempFile file(isStream ? "standard output" : pOptions.fOutput, pOptions.fOverwrite,
-                 isStream ? STDOUT_FILENO : cTempFile::kNoStream);
-  sFinishedPicture finished{Equalize(pOptions, picture, pOptions.fDepth != 0 ? pOptions.fDepth : ownDepth),
-                            std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
-  picture.fBitmap.reset();
-  PrintWarnings(GetSpokenName(pOptions.fInput),
-                NameOptions(WritePicture(finished, format, pOptions.fFile, file)));
+  std::vector<std::string> warnings;
+  const auto print = [&] { PrintWarnings(GetSpokenName(pOptions.fInput), NameOptions(warnings)); };
+  try {
+    input.Read([&] { EqualizePicture(MakeJob(pOptions, input.GetPath()), warnings); });
+  } catch (const cFailure&) {
+    print();
+    throw;
+  }
+  print();
 }
 
 /// Whether two names lead to one file, which need not exist.
@@ -133,10 +113,11 @@ void CheckArguments(const sEqualizeOptions& pOptions) {
 
 void Run(const sEqualizeOptions& pOptions) {
   CheckArguments(pOptions);
-  if (pOptions.fOutput != kStandardStream) CheckIsAnother(pOptions.fInput, pOptions.fOutput);
-  CheckIsAnother(pOptions.fInput, pOptions.fPlot);
-  if (pOptions.fOutput != kStandardStream) CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
-  CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
+  const std::string result = pOptions.fOutput == kStandardStream ? "" : pOptions.fOutput;
+  for (const std::string& target : {result, pOptions.fPlot})
+    NameFile(target, [&] { CheckIsAnother(pOptions.fInput, target); });
+  for (const std::string& target : {result, pOptions.fPlot})
+    NameFile(target, [&] { CheckReplacing(target, pOptions.fOverwrite); });
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
     throw cFailure(eFailure::kUsage, pOptions.fPlot, "is the result as well; give the plot another name");
   }
@@ -145,8 +126,10 @@ void Run(const sEqualizeOptions& pOptions) {
   const cVipsSession library;
   if (!pOptions.fOutput.empty()) EqualizeFile(pOptions);
   if (pOptions.fPlot.empty()) return;
-  cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
-  WritePlot(DrawHueCurves(pOptions.fCurves), plotFormat, file);
+  NameFile(pOptions.fPlot, [&] {
+    cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
+    WritePlot(DrawHueCurves(pOptions.fCurves), plotFormat, file);
+  });
 }
 
 void AddCurveOption(CLI::App& pVerb, const std::string& pName, tHuePoints& pPoints,

@@ -90,7 +90,7 @@ void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   } else {
     Print(DescribeInspection(inspection, GetTerminal()));
   }
-  if (!pOptions.fPlot.empty()) WriteFigure(inspection, pOptions);
+  if (!pOptions.fPlot.empty()) NameFile(pOptions.fPlot, [&] { WriteFigure(inspection, pOptions); });
 }
 
 void CheckArguments(const sInspectOptions& pOptions) {
@@ -100,8 +100,10 @@ void CheckArguments(const sInspectOptions& pOptions) {
   if (pOptions.fPlot.empty()) return;
   if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
   ChoosePlotFormat(pOptions.fPlot);
-  CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
-  CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
+  NameFile(pOptions.fPlot, [&] {
+    CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
+    CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
+  });
 }
 
 /// A picture that cannot be read does not keep the others from being looked at.

@@ -147,7 +147,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };
   NameFile(file, [&] { ParseResultSettings(text, isGiven, pSettings, pResult); });
   if (pOutput.empty()) return;
-  const sFormatTraits& format = GetTraits(ChooseOutputFormat(pOutput, 8));
+  const sFormatTraits& format = GetTraits(NameFile(pOutput, [&] { return ChooseOutputFormat(pOutput, 8); }));
   if (!isGiven("preview")) TellPreview(file, pResult.fPreview);
   if (!isGiven("depth")) TakeNearestDepth(pOutput, file, format, pResult.fDepth);
   if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;

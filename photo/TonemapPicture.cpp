@@ -35,7 +35,7 @@ void MakeFolder(const std::string& pTarget) {
   std::error_code error;
   if (!folder.empty()) std::filesystem::create_directories(folder, error);
   if (error) {
-    throw cFailure(eFailure::kCannotWrite, pTarget,
+    throw cFailure(eFailure::kCannotWrite,
                    "its folder cannot be made (" + error.message() + "); give another {out-dir}");
   }
 }
@@ -165,10 +165,18 @@ void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFil
 
 eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
-  if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
-  if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
-    RefuseExisting(pJob.fOutput, ", {skip-existing} leaves it as it is");
+  NameFile(pJob.fOutput, [&] {
+    if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
+    if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
+      RefuseExisting(", {skip-existing} leaves it as it is");
+  });
   return format;
+}
+
+cTempFile PrepareTarget(const sTonemapJob& pJob, eOutputFormat pFormat, const sPictureReport& pReport) {
+  CheckFits(pFormat, pReport.fWidth, pReport.fHeight);
+  if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
+  return OpenTarget(pJob.fOutput, pJob.fExisting != eExisting::kRefuse, pJob.fOutputStream);
 }
 
 sPictureReport Tonemap(const sTonemapJob& pJob) {
@@ -185,10 +193,8 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
     report.fHeight = loaded->fBitmap->GetHeight();
   }
   CheckRowLength(report.fWidth);
-  CheckFits(pJob.fOutput, format, report.fWidth, report.fHeight);
-  if (pJob.fMakesFolder) MakeFolder(pJob.fOutput);
   // before the work, so that a place that cannot be written to is reported early
-  cTempFile file(pJob.fOutput, pJob.fExisting != eExisting::kRefuse, pJob.fOutputStream);
+  cTempFile file = NameFile(pJob.fOutput, [&] { return PrepareTarget(pJob, format, report); });
   sWork work;
   if (!loaded) RenderStreamed(pJob, std::move(opened), report, work);
   if (!work.fPixels && !loaded) loaded = Load(pJob, Reopen(pJob, report), report);
@@ -196,15 +202,15 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   ReportInfo(work.fInfo, report);
   // What was decided for this picture is kept, so that it can be repeated.
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;
-  Write(pJob, std::move(work), format, file, report);
+  NameFile(pJob.fOutput, [&] { Write(pJob, std::move(work), format, file, report); });
   return report;
 }
 
 }  // namespace
 
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob) {
-  return ChooseOutputFormat(IsForStream(pJob) ? "result." + pJob.fStreamFormat : pJob.fOutput,
-                            pJob.fResult.fDepth, pJob.fResult.fFile);
+  const std::string name = IsForStream(pJob) ? "result." + pJob.fStreamFormat : pJob.fOutput;
+  return NameFile(name, [&] { return ChooseOutputFormat(name, pJob.fResult.fDepth, pJob.fResult.fFile); });
 }
 
 bool HasTarget(const sTonemapJob& pJob) {

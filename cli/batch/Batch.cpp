@@ -19,6 +19,7 @@
 #include "cli/terminal/FailureText.h"
 #include "cli/terminal/Progress.h"
 #include "photo/Json.h"
+#include "photo/MemoryEstimate.h"
 #include "photo/PictureRecord.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/FileKind.h"
@@ -102,7 +103,8 @@ std::string FindObstacle(const sTonemapJob& pJob) {
   try {
     // a stream could not be read again
     if (!IsStream(pJob.fInput)) NameFile(pJob.fInput, [&] { return TellFileKind(pJob.fInput); });
-    if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob)) RefuseExisting(pJob.fOutput);
+    if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob))
+      NameFile(pJob.fOutput, [] { RefuseExisting(); });
     return "";
   } catch (const cFailure& failure) {
     return DescribeFailure(failure);

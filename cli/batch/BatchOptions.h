@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/batch/InputList.h"
+#include "cli/terminal/Progress.h"
 #include "photo/TonemapPicture.h"
 
 namespace CLI {
@@ -12,10 +13,8 @@ class App;
 
 namespace Cli {
 
-/// What becomes of a target that stands there already is the business of sTonemapJob.
-enum class eProgress { kAuto, kBar, kPlain, kJson, kNone };
-
-/// One run of the verb: which pictures, where to, and how many at a time.
+/// One run of the verb: which pictures, where to, and how many at a time. What becomes of a target that
+/// exists is up to sTonemapJob.
 struct sBatchOptions {
   sInputNames fInputs;
   std::string fOutput;  ///< Of a single picture; "-" for standard output.

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/terminal/PassedOver.h"
+
 namespace Cli {
 
 /// What the user names as inputs.
@@ -18,19 +20,6 @@ struct sInput {
   std::string fFolder;             ///< Below the folder that was named: "2024/june"; empty for files.
   bool fIsFound = false;           ///< In a folder: nobody named it.
   bool fIsKnownByContent = false;  ///< Its name does not say that it is a picture.
-};
-
-/// How many files and folders were passed over in the folders that were named.
-struct sLeftOut {
-  std::size_t fUnknown = 0;  ///< Of no known format.
-  std::size_t fHidden = 0;
-  std::size_t fLinks = 0;    ///< To folders, or to nothing.
-  std::size_t fSpecial = 0;  ///< Pipes, sockets and devices.
-};
-
-struct sUnreadableFolder {
-  std::string fFolder;
-  std::string fReason;
 };
 
 struct sInputList {

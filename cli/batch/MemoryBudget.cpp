@@ -5,19 +5,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <limits>
 #include <utility>
 
 #include "cli/batch/AvailableMemory.h"
+#include "photo/MemoryEstimate.h"
 #include "photo/base/Failure.h"
 
 namespace Cli {
-namespace {
-
-constexpr std::int64_t kUnlimited = std::numeric_limits<std::int64_t>::max();
-
-}  // namespace
-
 void cMemoryBudget::Ask(int pWorker, std::int64_t pBytes) {
   fWaiting.emplace_back(pWorker, pBytes);
 }
@@ -58,12 +52,6 @@ std::int64_t ParseMemorySize(const std::string& pText) {
   return static_cast<std::int64_t>(size);
 }
 
-/// Beside its pixels, what a process takes to read, render and write a picture.
-std::int64_t AddProcess(std::int64_t pPixels, std::int64_t pBytes) {
-  constexpr std::int64_t kProcess = std::int64_t{64} << 20;
-  return pPixels > (kUnlimited - kProcess) / pBytes ? kUnlimited : kProcess + pPixels * pBytes;
-}
-
 }  // namespace
 
 void AddMemoryLimit(CLI::App& pVerb, const std::string& pMeaning, std::int64_t& pLimit) {
@@ -89,18 +77,6 @@ std::string MemoryToText(std::int64_t pBytes) {
   return text;
 }
 
-std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth) {
-  const bool isDeep = pDepth > 8;
-  switch (pFormat) {
-    case eOutputFormat::kAvif:
-      return AddProcess(pPixels, isDeep ? 80 : 60);
-    case eOutputFormat::kJxl:
-      return AddProcess(pPixels, 110);
-    default:
-      return AddProcess(pPixels, 44);
-  }
-}
-
 void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit) {
   if (pBytes <= pLimit) return;
   throw cFailure(eFailure::kProcessing, "needs about " + MemoryToText(pBytes) +
@@ -109,7 +85,7 @@ void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit) {
 }
 
 tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
-  return [=](std::int64_t pPixels) { CheckMemoryLimit(AddProcess(pPixels, pBytes), pLimit); };
+  return [=](std::int64_t pPixels) { CheckMemoryLimit(EstimateMemory(pPixels, pBytes), pLimit); };
 }
 
 }  // namespace Cli

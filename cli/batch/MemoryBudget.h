@@ -7,7 +7,6 @@
 #include <string>
 #include <utility>
 
-#include "photo/encode/OutputFormat.h"
 #include "photo/picture/MemoryGate.h"
 
 namespace CLI {
@@ -23,7 +22,7 @@ class cMemoryBudget {
 
   /// pBytes: no more than the limit. A worker asks once until it gives back.
   void Ask(int pWorker, std::int64_t pBytes);
-  /// Who has asked longest, if there is room; nobody overtakes. What it asked for is its own from now on.
+  /// Grants the oldest request if it fits (first come, first served) and returns its worker.
   std::optional<int> GrantNext();
   /// What the worker holds or waits for; nothing where there is none.
   void GiveBack(int pWorker);
@@ -42,10 +41,6 @@ std::int64_t ChooseMemoryLimit(std::int64_t pGiven);
 
 /// "1.5 GiB".
 std::string MemoryToText(std::int64_t pBytes);
-
-/// The most that a process holds while it reads, renders and writes a picture, in bytes; measured. Encoders
-/// of some formats need more than the engine does.
-std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
 
 /// Throws the cFailure for a picture that alone needs more than the limit.
 void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit);

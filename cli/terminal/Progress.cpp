@@ -55,18 +55,6 @@ eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed) {
   return isatty(STDERR_FILENO) != 0 ? eProgress::kBar : eProgress::kPlain;
 }
 
-std::string DescribeLeftOut(const sLeftOut& pLeftOut) {
-  std::string text;
-  const auto add = [&](std::size_t pCount, const char* pWhat) {
-    if (pCount > 0) text += (text.empty() ? "" : ", ") + Format("%s (%zu)", pWhat, pCount);
-  };
-  add(pLeftOut.fUnknown, "unknown format");
-  add(pLeftOut.fHidden, "hidden");
-  add(pLeftOut.fLinks, "linked folders and broken links");
-  add(pLeftOut.fSpecial, "pipes, sockets and devices");
-  return text;
-}
-
 cProgress::cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut)
     : fWay(pWay), fHasColour(CanColour()), fPictures(pPictures), fLeftOut(pLeftOut) {}
 

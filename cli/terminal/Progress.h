@@ -5,13 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "cli/batch/BatchOptions.h"
+#include "cli/terminal/PassedOver.h"
 #include "photo/PictureRecord.h"
 
 namespace Cli {
 
-/// Tells on standard error how a run goes: warnings and failures in every way of telling, the rest as asked
-/// for. A bar is one line that is drawn anew.
+enum class eProgress { kAuto, kBar, kPlain, kJson, kNone };
+
+/// Reports on standard error how a run goes: warnings and failures in every way of reporting, the rest as
+/// asked for. A bar is one line that is drawn anew.
 class cProgress {
  public:
   /// pWay: not kAuto, see ChooseProgress. pLeftOut: null where no folders were searched.
@@ -53,8 +55,5 @@ class cProgress {
 
 /// What kAuto stands for: nothing for one picture that was named, a bar on a terminal, else lines.
 eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed);
-
-/// "unknown format (2), hidden (1)"; "" for nothing.
-std::string DescribeLeftOut(const sLeftOut& pLeftOut);
 
 }  // namespace Cli

@@ -47,25 +47,24 @@ bool HasDepth(const sFormatTraits& pFormat, int pDepth) {
   return std::count(pFormat.fDepths.begin(), pFormat.fDepths.end(), pDepth) > 0;
 }
 
-void CheckDepth(const std::string& pFile, const sFormatTraits& pFormat, int pDepth) {
+void CheckDepth(const sFormatTraits& pFormat, int pDepth) {
   if (HasDepth(pFormat, pDepth)) return;
   const std::string others = ListFormats([&](const sFormatTraits& pOther) {
     return HasDepth(pOther, pDepth) ? pOther.fEndings.front() : std::string();
   });
-  throw cFailure(eFailure::kUsage, pFile,
-                 std::string(pFormat.fName) + " holds " + ListDepths(pFormat) + " bits" +
-                     (pFormat.fDepths.size() == 1 ? " only" : "") + "; use {depth} " + ListDepths(pFormat) +
-                     ", or write " + others);
+  throw cFailure(eFailure::kUsage, std::string(pFormat.fName) + " holds " + ListDepths(pFormat) + " bits" +
+                                       (pFormat.fDepths.size() == 1 ? " only" : "") + "; use {depth} " +
+                                       ListDepths(pFormat) + ", or write " + others);
 }
 
-void CheckOptions(const std::string& pFile, const sFormatTraits& pFormat, const sFileOptions& pOptions) {
+void CheckOptions(const sFormatTraits& pFormat, const sFileOptions& pOptions) {
   if (pOptions.fQuality != 0 && pFormat.fQuality == 0) {
-    throw cFailure(eFailure::kUsage, pFile,
-                   std::string(pFormat.fName) + " loses nothing and has no {quality}; {compression} is its " +
-                       "choice of size against time");
+    throw cFailure(eFailure::kUsage, std::string(pFormat.fName) +
+                                         " loses nothing and has no {quality}; {compression} is its " +
+                                         "choice of size against time");
   }
   if (pOptions.fCompression >= 0 && pFormat.fCompression < 0) {
-    throw cFailure(eFailure::kUsage, pFile,
+    throw cFailure(eFailure::kUsage,
                    "{compression} is for .png and .tif; " + std::string(pFormat.fName) + " takes {quality}");
   }
 }
@@ -88,11 +87,11 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth, const sFi
   const std::string ending = GetEnding(pFile);
   for (const sFormatTraits& format : kFormats) {
     if (std::count(format.fEndings.begin(), format.fEndings.end(), ending) == 0) continue;
-    CheckDepth(pFile, format, pDepth);
-    CheckOptions(pFile, format, pOptions);
+    CheckDepth(format, pDepth);
+    CheckOptions(format, pOptions);
     return format.fFormat;
   }
-  throw cFailure(eFailure::kUsage, pFile,
+  throw cFailure(eFailure::kUsage,
                  "unknown ending of an output name; use " +
                      ListFormats([](const sFormatTraits& pFormat) { return pFormat.fEndings.front(); }));
 }
@@ -103,13 +102,13 @@ int ChooseDepth(eOutputFormat pFormat, int pDepth) {
   return above == depths.begin() ? depths.front() : *(above - 1);
 }
 
-void CheckFits(const std::string& pFile, eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight) {
+void CheckFits(eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight) {
   const sFormatTraits& format = GetTraits(pFormat);
   if (std::max(pWidth, pHeight) <= format.fLargestSide) return;
-  throw cFailure(eFailure::kCannotWrite, pFile,
-                 std::string(format.fName) + " holds at most " + std::to_string(format.fLargestSide) +
-                     " pixels a side, and the picture has " + std::to_string(pWidth) + " x " +
-                     std::to_string(pHeight) + "; write .png, .tif or .jxl");
+  throw cFailure(eFailure::kCannotWrite, std::string(format.fName) + " holds at most " +
+                                             std::to_string(format.fLargestSide) +
+                                             " pixels a side, and the picture has " + std::to_string(pWidth) +
+                                             " x " + std::to_string(pHeight) + "; write .png, .tif or .jxl");
 }
 
 }  // namespace Cli

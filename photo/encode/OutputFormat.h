@@ -42,6 +42,6 @@ eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth, const sFi
 int ChooseDepth(eOutputFormat pFormat, int pDepth);
 
 /// Throws cFailure for a picture that the format is too small for.
-void CheckFits(const std::string& pFile, eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight);
+void CheckFits(eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight);
 
 }  // namespace Cli

@@ -155,20 +155,20 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
 void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
   std::error_code error;
   if (std::filesystem::equivalent(pInput, pOutput, error)) {
-    throw cFailure(eFailure::kUsage, pOutput, "is the input itself; give the result another name");
+    throw cFailure(eFailure::kUsage, "is the input itself; give the result another name");
   }
 }
 
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile) {
-  CheckFits(pFile.GetTarget(), pFormat, pPicture.fPixels.GetWidth(), pPicture.fPixels.GetHeight());
+  CheckFits(pFormat, pPicture.fPixels.GetWidth(), pPicture.fPixels.GetHeight());
   std::vector<std::string> warnings;
   try {
     warnings = WriteInto(pFile.GetPath(), pPicture, pFormat, pOptions);
   } catch (const vips::VError&) {
     pFile.Refuse(TakeVipsError());
   } catch (const std::bad_alloc&) {
-    throw cFailure(eFailure::kCannotWrite, pFile.GetTarget(), "not enough memory to write it");
+    throw cFailure(eFailure::kCannotWrite, "not enough memory to write it");
   } catch (const std::runtime_error& error) {
     pFile.Refuse(error.what());
   }

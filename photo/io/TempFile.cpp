@@ -42,21 +42,20 @@ std::string FollowLink(const std::string& pTarget) {
 }
 
 /// Refuses what must not, or cannot, be replaced.
-void CheckTarget(const std::string& pTarget, const std::string& pPlace, const std::string& pFolder) {
+void CheckTarget(const std::string& pPlace, const std::string& pFolder) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(pPlace, error);
   if (std::filesystem::is_directory(status)) {
-    throw cFailure(eFailure::kCannotWrite, pTarget, "is a folder; give the name of a file in it");
+    throw cFailure(eFailure::kCannotWrite, "is a folder; give the name of a file in it");
   }
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    throw cFailure(eFailure::kCannotWrite, pTarget, "is not a regular file");
+    throw cFailure(eFailure::kCannotWrite, "is not a regular file");
   }
   if (std::filesystem::exists(status) && access(pPlace.c_str(), W_OK) != 0) {
-    throw cFailure(eFailure::kCannotWrite, pTarget, "is write-protected; give another name");
+    throw cFailure(eFailure::kCannotWrite, "is write-protected; give another name");
   }
   if (!std::filesystem::exists(pFolder, error)) {
-    throw cFailure(eFailure::kCannotWrite, pTarget,
-                   "the folder " + pFolder + " does not exist; create it first");
+    throw cFailure(eFailure::kCannotWrite, "the folder " + pFolder + " does not exist; create it first");
   }
 }
 
@@ -98,30 +97,29 @@ int Claim(const std::string& pPath, int pFlags) {
 
 }  // namespace
 
-void RefuseExisting(const std::string& pTarget, const std::string& pMore) {
-  throw cFailure(eFailure::kCannotWrite, pTarget, "exists already; {overwrite} replaces it" + pMore);
+void RefuseExisting(const std::string& pMore) {
+  throw cFailure(eFailure::kCannotWrite, "exists already; {overwrite} replaces it" + pMore);
 }
 
 void CheckReplacing(const std::string& pTarget, bool pMayReplace) {
   std::error_code error;
-  if (!pMayReplace && std::filesystem::is_regular_file(pTarget, error)) RefuseExisting(pTarget);
+  if (!pMayReplace && std::filesystem::is_regular_file(pTarget, error)) RefuseExisting();
 }
 
-cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace, int pStream)
-    : fTarget(pTarget), fMayReplace(pMayReplace), fStream(pStream) {
-  if (IsForStream()) {
-    OpenInMemory();
-  } else {
-    fPlace = FollowLink(pTarget);
-    CheckTarget(fTarget, fPlace, FolderOf(fPlace));
-    OpenBesideTarget();
-    RemoveLeftovers(fTarget);
-  }
+cTempFile::cTempFile(const std::string& pTarget, bool pMayReplace)
+    : fMayReplace(pMayReplace), fPlace(FollowLink(pTarget)) {
+  CheckTarget(fPlace, FolderOf(fPlace));
+  OpenBesideTarget();
+  RemoveLeftovers(pTarget);
+}
+
+cTempFile::cTempFile(int pStream) : fStream(pStream) {
+  OpenInMemory();
 }
 
 void cTempFile::OpenInMemory() {
   fHandle = memfd_create("result", MFD_CLOEXEC);
-  if (fHandle < 0) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(errno));
+  if (fHandle < 0) throw cFailure(eFailure::kCannotWrite, std::strerror(errno));
   fPath = "/proc/self/fd/" + std::to_string(fHandle);
 }
 
@@ -137,7 +135,7 @@ void cTempFile::OpenBesideTarget() {
     fHandle = fPath.size() < PATH_MAX ? mkostemp(fPath.data(), O_CLOEXEC) : (errno = ENAMETOOLONG, -1);
   }
   if (fHandle < 0) {
-    throw cFailure(eFailure::kCannotWrite, fTarget,
+    throw cFailure(eFailure::kCannotWrite,
                    "cannot write into the folder " + FolderOf(fPlace) + " (" + std::strerror(errno) + ")");
   }
   [[maybe_unused]] const bool isEmptied = ftruncate(fHandle, 0) == 0;
@@ -179,7 +177,7 @@ int cTempFile::FindError() const {
 
 void cTempFile::Refuse(const std::string& pReason) const {
   const int error = FindError();
-  throw cFailure(eFailure::kCannotWrite, fTarget,
+  throw cFailure(eFailure::kCannotWrite,
                  "writing failed (" + (error != 0 ? std::strerror(error) : pReason) + ")");
 }
 
@@ -188,7 +186,7 @@ void cTempFile::CopyToStream() {
   const bool isCopied = file >= 0 && CopyStream(file, fStream);
   const int error = errno;
   close(file);
-  if (!isCopied) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(error));
+  if (!isCopied) throw cFailure(eFailure::kCannotWrite, std::strerror(error));
 }
 
 void cTempFile::TakePlace() {
@@ -197,9 +195,9 @@ void cTempFile::TakePlace() {
   if (!fMayReplace) {
     if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return;
     const bool isUnknown = errno == EINVAL || errno == ENOSYS;  // to this kind of file system
-    if (errno == EEXIST || (isUnknown && access(to, F_OK) == 0)) RefuseExisting(fTarget);
+    if (errno == EEXIST || (isUnknown && access(to, F_OK) == 0)) RefuseExisting();
   }
-  if (std::rename(from, to) != 0) throw cFailure(eFailure::kCannotWrite, fTarget, std::strerror(errno));
+  if (std::rename(from, to) != 0) throw cFailure(eFailure::kCannotWrite, std::strerror(errno));
 }
 
 void cTempFile::RemoveLeftovers(const std::string& pTarget) {
@@ -211,6 +209,10 @@ void cTempFile::RemoveLeftovers(const std::string& pTarget) {
     unlink(path.c_str());
     close(handle);
   }
+}
+
+cTempFile OpenTarget(const std::string& pTarget, bool pMayReplace, int pStream) {
+  return pStream == cTempFile::kNoStream ? cTempFile(pTarget, pMayReplace) : cTempFile(pStream);
 }
 
 }  // namespace Cli

@@ -16,15 +16,15 @@ class cTempFile {
  public:
   static constexpr int kNoStream = -1;
 
-  /// pMayReplace: whether a target that exists by then is replaced. pStream: an open handle to write to in
-  /// place of a file, which pTarget is then the name of in messages; it stays the caller's. Throws cFailure,
-  /// in the name of the target, when the place cannot be written to.
-  explicit cTempFile(const std::string& pTarget, bool pMayReplace = true, int pStream = kNoStream);
+  /// pMayReplace: whether a target that exists by then is replaced. Throws cFailure when the place cannot be
+  /// written to.
+  explicit cTempFile(const std::string& pTarget, bool pMayReplace = true);
+  /// pStream: an open handle to write to, which stays the caller's. Throws cFailure.
+  explicit cTempFile(int pStream);
   cTempFile(const cTempFile&) = delete;
   cTempFile& operator=(const cTempFile&) = delete;
   ~cTempFile();
 
-  const std::string& GetTarget() const { return fTarget; }  ///< As people call it.
   const std::string& GetPath() const { return fPath; }
   void Commit();  ///< The file becomes the target. Throws cFailure.
 
@@ -43,18 +43,20 @@ class cTempFile {
   int FindError() const;
   void TakePlace();
 
-  std::string fTarget;
-  bool fMayReplace;
-  int fStream;
+  bool fMayReplace = false;
+  int fStream = kNoStream;
   std::string fPlace;  ///< Where that leads: a symbolic link is followed, not replaced. Empty for a stream.
   std::string fPath;   ///< Empty once there is nothing to remove.
   int fHandle = -1;    ///< Holds the lock.
 };
 
+/// The file for pTarget, or for pStream where that is given.
+cTempFile OpenTarget(const std::string& pTarget, bool pMayReplace, int pStream);
+
 /// Throws the cFailure for a target that exists already, unless it may be replaced or is not given.
 void CheckReplacing(const std::string& pTarget, bool pMayReplace);
 
-/// Throws the cFailure for a target that exists already. pMore: what else the verb has to offer.
-[[noreturn]] void RefuseExisting(const std::string& pTarget, const std::string& pMore = "");
+/// Throws the cFailure for a target that exists already. pMore: what else there is to do about it.
+[[noreturn]] void RefuseExisting(const std::string& pMore = "");
 
 }  // namespace Cli

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "photo/encode/OutputFormat.h"
+#include "photo/io/TempFile.h"
+#include "photo/picture/MemoryGate.h"
+#include "photo/picture/PictureChoice.h"
+#include "photo/render/CurvePoints.h"
+
+namespace Cli {
+
+/// One finished picture to change by curves over hue, from file to file, or into a stream.
+struct sEqualizeJob {
+  std::string fInput;
+  std::string fOutput;
+  int fOutputStream = cTempFile::kNoStream;  ///< As in sTonemapJob.
+  eOutputFormat fFormat = eOutputFormat::kPng;
+  sPictureChoice fSource;
+  sHueCurveOptions fCurves;
+  int fDepth = 0;  ///< 0 for the input's, or the most that the format holds.
+  sFileOptions fFile;
+  bool fMayReplace = false;
+  tMemoryGate fMemoryGate;  ///< Asked before the pixels are read.
+};
+
+/// Reads, renders and writes one picture; the target is set in one step, or stays as it is. pWarnings: what
+/// had to be put right or left out so far, also where the work fails. libvips must be running. Throws
+/// cFailure.
+void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnings);
+
+}  // namespace Cli

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+#include "photo/encode/OutputFormat.h"
+
+namespace Cli {
+
+/// The most that a process holds while it reads, renders and writes a picture, in bytes; measured. Encoders
+/// of some formats need more than the engine does.
+std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
+
+/// For work that takes pBytes per pixel. What no number holds becomes the largest one.
+std::int64_t EstimateMemory(std::int64_t pPixels, std::int64_t pBytes);
+
+}  // namespace Cli
