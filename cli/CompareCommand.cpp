@@ -94,7 +94,7 @@ void CheckArguments(const sCompareOptions& pOptions) {
     throw cFailure(eFailure::kUsage, "", "standard input (-) can be A or B, not both");
   }
   if (pOptions.fOutput.empty()) return;
-  if (GetEnding(pOptions.fOutput) != ".png") {
+  if (GetExtension(pOptions.fOutput) != ".png") {
     throw cFailure(eFailure::kUsage, pOptions.fOutput, "the picture of the comparison is a .png");
   }
   NameFile(pOptions.fOutput, [&] {
@@ -135,7 +135,7 @@ void Run(const sCompareOptions& pOptions) {
 void AddCompareCommand(CLI::App& pProgram) {
   const auto options = std::make_shared<sCompareOptions>();
   CLI::App* const verb =
-      pProgram.add_subcommand(kVerb, "Tells how far two finished pictures of one size are apart.");
+      pProgram.add_subcommand(kVerb, "Measures how much two finished pictures of one size differ.");
   verb->add_option("A", options->fA, "A picture of 8 or 16 bits")->required()->option_text(" ");
   verb->add_option("B", options->fB, "Another; A or B may be -, standard input")
       ->required()

@@ -33,7 +33,7 @@ constexpr char kVerb[] = "equalize";
 struct sEqualizeOptions {
   std::string fInput;
   std::string fOutput;
-  std::string fFormat;  ///< Of standard output, as an ending without its point; "" for png.
+  std::string fFormat;  ///< Of standard output, as a file extension without its point; "" for png.
   std::string fPlot;
   sPictureChoice fSource;
   sHueCurveOptions fCurves;
@@ -159,7 +159,7 @@ void AddCurveOptions(CLI::App& pVerb, sHueCurveOptions& pCurves) {
   pVerb
       .add_option_function<std::string>(
           "--mode", [modes, &pCurves](const std::string& pName) { pCurves.fMode = modes.at(pName); },
-          "Way from point to point: through finite differences, straight, or level at each point")
+          "Interpolation between points: smooth (finite differences), linear, or flat tangents")
       ->check(CLI::IsMember({"smooth", "linear", "flat"}))
       ->option_text("smooth|linear|flat [smooth]")
       ->group("Curves");

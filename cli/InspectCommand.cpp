@@ -118,7 +118,7 @@ void Run(const sInspectOptions& pOptions) {
     } catch (const cFailure& failure) {
       if (failure.GetKind() == eFailure::kCannotWrite) throw;  // the output, not a picture
       ++failed;
-      Say("quorvane: " + DescribeFailure(failure));
+      PrintMessage("quorvane: " + DescribeFailure(failure));
     }
   }
   if (failed == 0) return;
@@ -127,20 +127,30 @@ void Run(const sInspectOptions& pOptions) {
       std::to_string(failed) + " of " + std::to_string(pOptions.fFiles.size()) + " pictures failed");
 }
 
+constexpr char kFooter[] =
+    "Dynamic range is the logarithm of the 99.9 % over the 1 % quantile of the luminances above 0; full "
+    "range\n"
+    "that of the largest over the smallest. A decade is a factor of 10, a stop one of 2. The suggested\n"
+    "sliders are those of 'quorvane tonemap --auto'.\n\n"
+    "Examples:\n"
+    "  quorvane inspect photo.hdr\n"
+    "  quorvane inspect photo.exr --plot photo.svg --strength 90\n"
+    "  quorvane inspect --json *.hdr";
+
 }  // namespace
 
 void AddInspectCommand(CLI::App& pProgram) {
   const auto options = std::make_shared<sInspectOptions>();
   CLI::App* const verb = pProgram.add_subcommand(
       "inspect",
-      "Tells what a photograph holds: size, format, light, bad pixels, metadata, sliders that suit it.");
+      "Shows size, format, dynamic range, invalid pixels, metadata and suggested sliders of a photograph.");
   verb->add_option("FILE", options->fFiles,
                    "The photographs, of any format that tonemap reads; - for standard input")
       ->required()
       ->option_text(" ");
   AddChoiceOptions(*verb, options->fSource);
   AddPageOption(*verb, options->fSource);
-  verb->add_flag("--json", options->fJson, "One JSON object a photograph, a line each");
+  verb->add_flag("--json", options->fJson, "One JSON object per photograph and line");
   verb->add_option("--plot", options->fPlot,
                    "Draws the distribution of luminance, the curves of base and detail layer and the\n"
                    "tone curve into an .svg or .png; the sliders below apply to it")
@@ -151,15 +161,7 @@ void AddInspectCommand(CLI::App& pProgram) {
   verb->add_flag("--auto", options->fAuto, "Take the suggested sliders for the plot where none are given")
       ->group("Sliders");
   AddSliderOptions(*verb, options->fGiven);
-  verb->footer(
-      "Dynamic range is the logarithm of the 99.9 % over the 1 % quantile of the luminances above 0; full "
-      "range\n"
-      "that of the largest over the smallest. A decade is a factor of 10, a stop one of 2. The suggested\n"
-      "sliders are those of 'quorvane tonemap --auto'.\n\n"
-      "Examples:\n"
-      "  quorvane inspect photo.hdr\n"
-      "  quorvane inspect photo.exr --plot photo.svg --strength 90\n"
-      "  quorvane inspect --json *.hdr");
+  verb->footer(kFooter);
   verb->callback([options] { Run(*options); });
 }
 

@@ -52,7 +52,7 @@ sAlphaChoice ReadAlpha(const std::string& pText) {
 void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
   pVerb
       .add_option("--depth", pDepth,
-                  "Bits a sample of the result: 16 for .png, .tif and .jxl, 12 for .avif, 8 for all")
+                  "Bits per sample of the result: 16 for .png, .tif and .jxl, 12 for .avif, 8 for all")
       ->check(CLI::IsMember({8, 12, 16}))
       ->option_text("8|12|16 [" + pDefault + "]")
       ->group("Result");
@@ -61,7 +61,7 @@ void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
 void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
   pVerb
       .add_option("--quality", pOptions.fQuality,
-                  "How true .jpg, .webp, .avif and .jxl stay: 100 is best and largest\n"
+                  "Quality of .jpg, .webp, .avif and .jxl: 100 is best and largest\n"
                   "(defaults: 90 for .avif, 95 for the others); .jxl of 100, and of other colours\n"
                   "than sRGB, loses nothing")
       ->check(IntegerIn(1, 100))

@@ -38,10 +38,10 @@ CLI::Validator HasName() {
 }
 
 /// Who tries sliders on previews wants the whole picture in the end.
-void TellPreview(const std::string& pResult, int pPreview) {
+void WarnOfPreview(const std::string& pResult, int pPreview) {
   if (pPreview == 0) return;
-  PrintWarnings(pResult, {"is a preview of " + std::to_string(pPreview) +
-                          " pixels, and so it goes on; --preview 0 makes the whole picture"});
+  PrintWarnings(pResult, {"was a " + std::to_string(pPreview) +
+                          "-pixel preview, so this result will be one too; use --preview 0 for full size"});
 }
 
 /// A depth that nobody asked for gives way where the format does not hold it.
@@ -125,9 +125,9 @@ sSettingsChange GetChange(const sSettingsOptions& pOptions) {
   return change;
 }
 
-void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGround) {
+void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pBase) {
   if (!pOptions.fSaveAs.empty()) {
-    sSettingsChange change = pOptions.fFromResult.empty() ? sSettingsChange() : ChangeTo(pGround);
+    sSettingsChange change = pOptions.fFromResult.empty() ? sSettingsChange() : ChangeTo(pBase);
     Apply(GetChange(pOptions), change);
     NameFile("--save-preset", [&] { SavePreset(GetPresetFolders(), pOptions.fSaveAs, change); });
   }
@@ -148,7 +148,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
   NameFile(file, [&] { ParseResultSettings(text, isGiven, pSettings, pResult); });
   if (pOutput.empty()) return;
   const sFormatTraits& format = GetTraits(NameFile(pOutput, [&] { return ChooseOutputFormat(pOutput, 8); }));
-  if (!isGiven("preview")) TellPreview(file, pResult.fPreview);
+  if (!isGiven("preview")) WarnOfPreview(file, pResult.fPreview);
   if (!isGiven("depth")) TakeNearestDepth(pOutput, file, format, pResult.fDepth);
   if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;
   if (format.fCompression < 0) pResult.fFile.fCompression = given.fCompression;

@@ -14,7 +14,7 @@ namespace Cli {
 
 /// What a command line says of the look.
 struct sSettingsOptions {
-  std::string fFromResult;            ///< A picture whose settings are the ground; empty for the defaults.
+  std::string fFromResult;            ///< A picture whose settings are the base; empty for the defaults.
   std::vector<std::string> fPresets;  ///< Names or files, in the order in which they are laid over it.
   sSettingsChange fGiven;             ///< The options, which win over all.
   std::string fSaveAs;                ///< A preset to write, name or file; empty for none.
@@ -30,15 +30,15 @@ void AddSliderOptions(CLI::App& pVerb, sSettingsChange& pGiven);
 /// Adds the sliders, --wrap, and all that has to do with presets. pOptions must outlive the parsing.
 void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions);
 
-/// What is laid over the ground: the presets in their order, then the options. Throws cFailure.
+/// What is laid over the base: the presets in their order, then the options. Throws cFailure.
 sSettingsChange GetChange(const sSettingsOptions& pOptions);
 
-/// Lists the presets and saves one, as far as that is asked for. pGround: what TakeFromResult found. Throws
+/// Lists the presets and saves one, as far as that is asked for. pBase: what TakeFromResult found. Throws
 /// cFailure.
-void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pGround);
+void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pBase);
 
 /// Takes settings and output options from the result that is named, if one is; those that pVerb was given on
-/// its command line stay, and so does what pOutput's format has no use for (pOutput may be empty). Tells on
+/// its command line stay, and so does what pOutput's format has no use for (pOutput may be empty). Warns on
 /// standard error of a depth that the format does not hold, and of a preview. Throws cFailure.
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
                     sSettings& pSettings, sOutputOptions& pResult);

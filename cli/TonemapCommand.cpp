@@ -35,6 +35,28 @@ void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   if (exitCode != 0) throw CLI::RuntimeError(exitCode);
 }
 
+constexpr char kFooter[] =
+    "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "
+    "others by the profile or the numbers in them, else as sRGB.\n\n"
+    "A result keeps the settings it was made with, so that --settings-from can repeat them. Presets are "
+    "JSON files: your own lie in $XDG_CONFIG_HOME/quorvane/presets (~/.config/quorvane/presets) and win "
+    "over those that are built in.\n\n"
+    "With -r, hidden files, raw files of cameras, linked folders and files of unknown formats are left "
+    "out, and counted in the last line on standard error and in the last object of --json. A sub-folder "
+    "that cannot be read counts as one failed picture.\n\n"
+    "Messages show control characters in names as \\x1b. --dry-run does so on a terminal; into files and "
+    "pipes it writes names as they are. In JSON, a name that is not UTF-8 has its bytes in input_base64 "
+    "or output_base64 as well.\n\n"
+    "The exit code of a single picture shows what went wrong with it (3, 4 or 5); of several, 1 says that "
+    "one or more failed. An interrupted run (130) leaves no half results: --skip-existing continues "
+    "it.\n\n"
+    "Examples:\n"
+    "  quorvane tonemap photo.hdr -o photo.png\n"
+    "  quorvane tonemap photo.hdr -o photo.jpg --preset vivid --strength 60\n"
+    "  quorvane tonemap other.hdr -o other.jpg --settings-from photo.jpg\n"
+    "  quorvane tonemap -r photos --out-dir results --format jpg --skip-existing\n"
+    "  quorvane tonemap panorama.exr -o print.tif --wrap horizontal --depth 16 --colorspace prophoto";
+
 }  // namespace
 
 void AddTonemapCommand(CLI::App& pProgram) {
@@ -60,27 +82,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->option_text("N")
       ->group("Result");
   verb->add_flag("--verbose", job.fVerbose, "Show what the engine measures and decides");
-  verb->footer(
-      "Linear files (.hdr, .exr, .pfm) are taken as sRGB primaries unless their header says otherwise, "
-      "others by the profile or the numbers in them, else as sRGB.\n\n"
-      "A result keeps the settings it was made with, so that --settings-from can repeat them. Presets are "
-      "JSON files: your own lie in $XDG_CONFIG_HOME/quorvane/presets (~/.config/quorvane/presets) and win "
-      "over those that are built in.\n\n"
-      "With -r, hidden files, raw files of cameras, linked folders and files of unknown formats are left "
-      "out, and counted in the last line on standard error and in the last object of --json. A sub-folder "
-      "that cannot be read counts as one failed picture.\n\n"
-      "Messages show control characters in names as \\x1b. --dry-run does so on a terminal; into files and "
-      "pipes it writes names as they are. In JSON, a name that is not UTF-8 has its bytes in input_base64 "
-      "or output_base64 as well.\n\n"
-      "The exit code of a single picture tells what went wrong with it (3, 4 or 5); of several, 1 says that "
-      "one or more failed. An interrupted run (130) leaves no half results: --skip-existing goes on with "
-      "it.\n\n"
-      "Examples:\n"
-      "  quorvane tonemap photo.hdr -o photo.png\n"
-      "  quorvane tonemap photo.hdr -o photo.jpg --preset vivid --strength 60\n"
-      "  quorvane tonemap other.hdr -o other.jpg --settings-from photo.jpg\n"
-      "  quorvane tonemap -r photos --out-dir results --format jpg --skip-existing\n"
-      "  quorvane tonemap panorama.exr -o print.tif --wrap horizontal --depth 16 --colorspace prophoto");
+  verb->footer(kFooter);
   verb->callback([verb, options] { Run(*verb, *options); });
 }
 

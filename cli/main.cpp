@@ -23,7 +23,7 @@
 namespace {
 
 int Report(const std::string& pText, Cli::eExitCode pExitCode) {
-  Cli::Say("quorvane: " + pText);
+  Cli::PrintMessage("quorvane: " + pText);
   return pExitCode;
 }
 
@@ -63,13 +63,13 @@ int RunProgram(int pCount, char** pArguments) {
   try {
     program.parse(pCount, pArguments);
   } catch (const CLI::RuntimeError& end) {
-    return end.get_exit_code();  // everything was told
+    return end.get_exit_code();  // everything was reported
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return PrintAnswer(program, error);
     const std::vector<CLI::App*> verbs = program.get_subcommands();
     const std::string verb = verbs.empty() ? "" : verbs.front()->get_name() + " ";
     Report(Cli::DescribeUsageError(program, error), Cli::eExitCode_Usage);
-    Cli::Say("Run 'quorvane " + verb + "--help' for what it takes.");
+    Cli::PrintMessage("Run 'quorvane " + verb + "--help' for what it takes.");
     return Cli::eExitCode_Usage;
   }
   return Cli::eExitCode_Done;

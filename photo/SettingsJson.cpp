@@ -46,7 +46,7 @@ class cReader {
     Refuse("\"" + pKey + "\": " + Show(pValue) + " is not " + pWanted);
   }
 
-  /// The file's object. A key that stands twice is refused: one of the two would be ignored. Nesting is
+  /// The file's object. A key that is given twice is refused: one of the two would be ignored. Nesting is
   /// limited before there is a value: what shows it takes stack for each level.
   tJson Parse(const std::string& pText) const {
     std::vector<std::set<std::string>> keys;
@@ -59,7 +59,7 @@ class cReader {
       if (pEvent == tJson::parse_event_t::object_start) keys.emplace_back();
       if (pEvent == tJson::parse_event_t::object_end) keys.pop_back();
       if (pEvent == tJson::parse_event_t::key && !keys.back().insert(pValue.get<std::string>()).second) {
-        Refuse("the key " + Quote(pValue.get<std::string>()) + " stands there twice");
+        Refuse("the key " + Quote(pValue.get<std::string>()) + " is given twice");
       }
       return true;
     };

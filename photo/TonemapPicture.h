@@ -25,7 +25,7 @@ struct sTonemapJob {
   std::string fStreamFormat = "png";  ///< What goes into a stream, as a file extension without its point.
   eExisting fExisting = eExisting::kRefuse;
   bool fMakesFolder = false;  ///< Whether the target's folder is made where it is missing.
-  sSettings fSettings;        ///< The ground,
+  sSettings fSettings;        ///< The base,
   bool fAuto = false;         ///< or chosen from the picture instead,
   sSettingsChange fChange;    ///< and what is laid over it.
   sPictureChoice fSource;     ///< Its fIgnoresAlpha follows from fResult.
@@ -57,7 +57,7 @@ eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
 bool HasTarget(const sTonemapJob& pJob);
 
 /// Reads, renders and writes one picture; the target is set in one step, or stays as it is. libvips must be
-/// running. What stands there is refused unless it is to be replaced: leaving pictures out is the caller's
+/// running. What exists is refused unless it is to be replaced: leaving pictures out is the caller's
 /// business. Throws cFailure.
 sPictureReport TonemapPicture(const sTonemapJob& pJob);
 

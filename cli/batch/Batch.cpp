@@ -35,7 +35,7 @@ int CountCores() {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }
 
-/// Takes what is told of each picture, and knows the exit code in the end.
+/// Takes the record of each picture, and knows the exit code in the end.
 class cReport {
  public:
   cReport(const sBatchOptions& pOptions, const sBatchPlan& pPlan)
@@ -51,9 +51,9 @@ class cReport {
     }
   }
 
-  void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+  void Add(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
     Write(pRecord);
-    fProgress.Tell(pJob, pRecord);
+    fProgress.Report(pJob, pRecord);
     if (!pRecord.contains("error")) return;
     const int code = pRecord["error"]["code"];
     fExitCode = fIsSingle ? code : eExitCode_PictureFailed;
@@ -123,10 +123,10 @@ int ShowPlan(const sBatchPlan& pPlan) {
     Print(NameForOutput(job.fInput) + " -> " + NameForOutput(job.fOutput) + NameForOutput(note) + "\n");
   }
   for (const sUnreadableFolder& folder : pPlan.fUnreadable) {
-    Say("quorvane: " + folder.fFolder + ": " + folder.fReason);
+    PrintMessage("quorvane: " + folder.fFolder + ": " + folder.fReason);
   }
   if (const std::string leftOut = DescribeLeftOut(pPlan.fLeftOut); !leftOut.empty()) {
-    Say("left out: " + leftOut);
+    PrintMessage("left out: " + leftOut);
   }
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
@@ -160,16 +160,16 @@ void RemoveLeftovers(const sTonemapJob& pJob) {
 }
 
 /// A worker that ends because the whole run is interrupted is no failure of its picture.
-void TellEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
+void ReportEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
   const sTonemapJob& job = pJobs[pEnd.fTask];
-  if (pEnd.fIsAnswered) return pReport.Tell(job, FromLine(pEnd.fText));
+  if (pEnd.fIsAnswered) return pReport.Add(job, FromLine(pEnd.fText));
   RemoveLeftovers(job);
   if (pIsInterrupted) return;
-  pReport.Tell(job, MakeFailedRecord(job, eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
+  pReport.Add(job, MakeFailedRecord(job, eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
 }
 
 /// Returns whether the run was interrupted.
-bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pReport) {
+bool RunJobs(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pReport) {
   const cInterruptWatch interrupt;
   const int tick = pReport.GetProgress().HasBar() ? 250 : -1;
   for (std::size_t next = 0;;) {
@@ -184,7 +184,7 @@ bool WorkOff(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pR
     }
     const auto end = pPool.Wait(interrupt.GetHandle(), tick);
     const bool isInterrupted = interrupt.HasCome();
-    if (end) TellEnd(pJobs, *end, isInterrupted, pReport);
+    if (end) ReportEnd(pJobs, *end, isInterrupted, pReport);
     if (isInterrupted) return true;
     pReport.GetProgress().Draw();
   }
@@ -208,7 +208,7 @@ bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t
   bool isInterrupted = false;
   {
     cWorkerPool pool({workers, pMemory, pOptions.fTimeout}, MakeTaskMaker(pJobs, pMemory, workers));
-    isInterrupted = WorkOff(pool, pJobs, pOptions.fFailFast, pReport);
+    isInterrupted = RunJobs(pool, pJobs, pOptions.fFailFast, pReport);
     givenUp = pool.GetTasksInWork();
   }
   for (const std::size_t task : givenUp) RemoveLeftovers(pJobs[task]);

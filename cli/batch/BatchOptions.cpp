@@ -25,7 +25,7 @@ void ParseShard(const std::string& pText, sBatchOptions& pOptions) {
 void AddInputs(CLI::App& pVerb, sBatchOptions& pOptions) {
   pVerb
       .add_option("INPUT", pOptions.fInputs.fNames,
-                  "Photographs, told by their content; folders with -r; - for standard input")
+                  "Photographs, recognised by their content; folders with -r; - for standard input")
       ->option_text("INPUT...");
   pVerb.add_flag("-r,--recursive", pOptions.fInputs.fRecursive,
                  "Take the pictures in folders and below, known by extension or content; sub-folders are\n"
@@ -45,10 +45,10 @@ void AddInputs(CLI::App& pVerb, sBatchOptions& pOptions) {
 }
 
 void AddTargets(CLI::App& pVerb, sBatchOptions& pOptions) {
-  constexpr char kGroup[] = "Where to";
+  constexpr char kGroup[] = "Output";
   CLI::Option* const output =
       pVerb.add_option("-o,--output", pOptions.fOutput,
-                       "The result of one picture; its ending chooses the format; - for standard output");
+                       "The result of one picture; its extension chooses the format; - for standard output");
   output->option_text("FILE")->group(kGroup);
   pVerb.add_option("--out-dir", pOptions.fOutputFolder, "The folder for results; made where it is missing")
       ->option_text("DIR")
@@ -57,7 +57,7 @@ void AddTargets(CLI::App& pVerb, sBatchOptions& pOptions) {
   pVerb
       .add_option("--name", pOptions.fName,
                   "Names in that folder, from {stem} and {name} (the input's name without and with its\n"
-                  "ending), {ext} (--format) and {index} (place in the sorted list: 0001)")
+                  "extension), {ext} (--format) and {index} (place in the sorted list: 0001)")
       ->option_text("PATTERN [{stem}_tm.{ext}]")
       ->excludes(output)
       ->group(kGroup);
@@ -72,12 +72,12 @@ void AddExisting(CLI::App& pVerb, sBatchOptions& pOptions) {
   };
   CLI::Option* const overwrite = pVerb.add_flag_function("--overwrite", set(eExisting::kReplace),
                                                          "Replace results that exist (refused otherwise)");
-  overwrite->group("Where to");
+  overwrite->group("Output");
   pVerb
       .add_flag_function("--skip-existing", set(eExisting::kSkip),
-                         "Leave out pictures whose result exists: goes on with a batch that was ended")
+                         "Leave out pictures whose result exists: continues a batch that was ended")
       ->excludes(overwrite)
-      ->group("Where to");
+      ->group("Output");
 }
 
 void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
@@ -99,7 +99,7 @@ void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
       ->group(kGroup);
   pVerb.add_flag("--fail-fast", pOptions.fFailFast, "Begin no more pictures once one has failed")
       ->group(kGroup);
-  pVerb.add_flag("--dry-run", pOptions.fDryRun, "Tell what would be done, and do nothing")->group(kGroup);
+  pVerb.add_flag("--dry-run", pOptions.fDryRun, "List what would be done, and do nothing")->group(kGroup);
 }
 
 void AddReports(CLI::App& pVerb, sBatchOptions& pOptions) {
@@ -119,7 +119,7 @@ void AddReports(CLI::App& pVerb, sBatchOptions& pOptions) {
       ->group(kGroup);
   pVerb
       .add_flag("--json", pOptions.fJson,
-                "One JSON object a picture, a line each, on standard output; with -r, a last one counts\n"
+                "One JSON object per picture and line on standard output; with -r, a last one counts\n"
                 "what was left out")
       ->group(kGroup);
 }

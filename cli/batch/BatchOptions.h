@@ -20,7 +20,7 @@ struct sBatchOptions {
   std::string fOutput;  ///< Of a single picture; "-" for standard output.
   std::string fOutputFolder;
   std::string fName = "{stem}_tm.{ext}";
-  std::string fFormat;  ///< An ending without its point; "" for png, or what fOutput ends in.
+  std::string fFormat;  ///< A file extension without its point; "" for png, or what fOutput ends in.
   int fShard = 1;       ///< Pictures fShard, fShard + fShards, ... of the sorted list.
   int fShards = 1;
   int fWorkers = 0;               ///< 0 for the number of cores.

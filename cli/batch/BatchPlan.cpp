@@ -29,10 +29,10 @@ struct sPlanned {
 void CheckOutput(const sBatchOptions& pOptions) {
   const bool isStream = pOptions.fOutput == kStandardStream;
   if (pOptions.fOutput.empty() && pOptions.fOutputFolder.empty()) {
-    RefuseCall("Where to? Give -o FILE for one picture, or --out-dir DIR");
+    RefuseCall("No output given: use -o FILE for one picture, or --out-dir DIR");
   }
   if (!pOptions.fOutput.empty() && !pOptions.fFormat.empty() && !isStream) {
-    RefuseCall("--format goes with --out-dir or -o -; the ending of " + pOptions.fOutput +
+    RefuseCall("--format goes with --out-dir or -o -; the extension of " + pOptions.fOutput +
                " chooses its format");
   }
   if (isStream && pOptions.fJson) RefuseCall("-o - and --json both want standard output");
@@ -47,13 +47,13 @@ void CheckInputs(const sInputNames& pNames) {
   }
 }
 
-/// The ending of results in a folder, or on standard output.
-std::string EndingOf(const sBatchOptions& pOptions) {
+/// The extension of results in a folder, or on standard output.
+std::string GetResultExtension(const sBatchOptions& pOptions) {
   return pOptions.fFormat.empty() ? "png" : pOptions.fFormat;
 }
 
 std::string ChooseTarget(const sBatchOptions& pOptions, const sInput& pInput, std::size_t pIndex) {
-  const std::string name = MakeTargetName(pOptions.fName, pInput.fFile, EndingOf(pOptions), pIndex);
+  const std::string name = MakeTargetName(pOptions.fName, pInput.fFile, GetResultExtension(pOptions), pIndex);
   return (std::filesystem::path(pOptions.fOutputFolder) / pInput.fFolder / name).string();
 }
 
@@ -116,7 +116,7 @@ std::vector<sTonemapJob> TakeShard(const sBatchOptions& pOptions, const std::vec
     job.fInput = pPairs[i].fInput->fFile;
     job.fOutput = pPairs[i].fTarget;
     if (job.fOutput == kStandardStream) job.fOutputStream = STDOUT_FILENO;
-    job.fStreamFormat = EndingOf(pOptions);
+    job.fStreamFormat = GetResultExtension(pOptions);
     job.fMakesFolder = !pOptions.fOutputFolder.empty();
     jobs.push_back(std::move(job));
   }
@@ -131,7 +131,7 @@ void CheckBatch(const sBatchOptions& pOptions) {
 }
 
 std::string NameAnyTarget(const sBatchOptions& pOptions) {
-  if (pOptions.fOutput == kStandardStream) return "result." + EndingOf(pOptions);
+  if (pOptions.fOutput == kStandardStream) return "result." + GetResultExtension(pOptions);
   return pOptions.fOutput.empty() ? ChooseTarget(pOptions, {"picture", "", false, false}, 1)
                                   : pOptions.fOutput;
 }

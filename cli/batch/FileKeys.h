@@ -5,7 +5,7 @@
 
 namespace Cli {
 
-/// Tells whether two names are those of one file, which need not exist: their keys are equal. What a last
+/// Detects whether two names are those of one file, which need not exist: their keys are equal. What a last
 /// part that is a link leads to is not looked at.
 class cFileKeys {
  public:

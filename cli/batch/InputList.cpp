@@ -22,16 +22,17 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What a file in a folder may end in to be taken for a picture. Its content decides later.
-constexpr std::string_view kEndings[] = {".hdr", ".pic",  ".rgbe", ".exr",  ".pfm",  ".png",  ".tif", ".tiff",
-                                         ".jpg", ".jpeg", ".webp", ".heic", ".heif", ".avif", ".jxl"};
+constexpr std::string_view kExtensions[] = {".hdr",  ".pic",  ".rgbe", ".exr",  ".pfm",
+                                            ".png",  ".tif",  ".tiff", ".jpg",  ".jpeg",
+                                            ".webp", ".heic", ".heif", ".avif", ".jxl"};
 
 /// Raw files of cameras are not read, though many begin as TIFF files do.
-constexpr std::string_view kRawEndings[] = {".3fr", ".arw", ".cr2", ".dcr", ".dng", ".erf", ".fff", ".gpr",
-                                            ".iiq", ".k25", ".kdc", ".mef", ".mos", ".nef", ".nrw", ".orf",
-                                            ".pef", ".raw", ".rw2", ".rwl", ".sr2", ".srf", ".srw"};
+constexpr std::string_view kRawExtensions[] = {".3fr", ".arw", ".cr2", ".dcr", ".dng", ".erf", ".fff", ".gpr",
+                                               ".iiq", ".k25", ".kdc", ".mef", ".mos", ".nef", ".nrw", ".orf",
+                                               ".pef", ".raw", ".rw2", ".rwl", ".sr2", ".srf", ".srw"};
 
-bool HasEndingOf(std::span<const std::string_view> pEndings, const fs::path& pFile) {
-  return std::find(pEndings.begin(), pEndings.end(), GetEnding(pFile.string())) != pEndings.end();
+bool HasExtensionOf(std::span<const std::string_view> pExtensions, const fs::path& pFile) {
+  return std::find(pExtensions.begin(), pExtensions.end(), GetExtension(pFile.string())) != pExtensions.end();
 }
 
 bool IsHidden(const fs::path& pFile) {
@@ -79,8 +80,8 @@ class cFolderWalk {
   }
 
   void TakeFile(const fs::path& pFile) {
-    const bool isKnown = HasEndingOf(kEndings, pFile);
-    if (!isKnown && (HasEndingOf(kRawEndings, pFile) || !HoldsPicture(pFile.string()))) {
+    const bool isKnown = HasExtensionOf(kExtensions, pFile);
+    if (!isKnown && (HasExtensionOf(kRawExtensions, pFile) || !HoldsPicture(pFile.string()))) {
       ++fList.fLeftOut.fUnknown;
       return;
     }

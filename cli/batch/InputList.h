@@ -28,9 +28,9 @@ struct sInputList {
   std::vector<sUnreadableFolder> fUnreadable;  ///< Below those that were named.
 };
 
-/// The pictures. Of folders, files with the ending or the content of a known format are taken; hidden ones
-/// are not, nor what lies in pResults where that is a folder below. A file that is named is taken as it is,
-/// whether it exists or not. Throws cFailure.
+/// The pictures. From folders, files with the extension or the content of a known format are taken; hidden
+/// ones are not, nor what lies in pResults where that is a folder below. A file that is named is taken as it
+/// is, whether it exists or not. Throws cFailure.
 sInputList ListInputs(const sInputNames& pNames, const std::string& pResults);
 
 }  // namespace Cli

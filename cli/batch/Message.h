@@ -6,9 +6,9 @@
 
 namespace Cli {
 
-/// What goes over the socket between a worker and its parent: to the worker a task's number, or leave to use
+/// What goes over the socket between a worker and its parent: to the worker a task's number, or the grant of
 /// the memory that it asked for; from it that request in bytes, or the answer.
-enum class eMessage : char { kTask = 'T', kLeave = 'L', kMemory = 'M', kAnswer = 'A' };
+enum class eMessage : char { kTask = 'T', kGranted = 'G', kMemory = 'M', kAnswer = 'A' };
 
 struct sMessage {
   eMessage fKind;

@@ -21,8 +21,8 @@ std::string ToDigits(std::size_t pIndex) {
 
 }  // namespace
 
-std::string MakeTargetName(const std::string& pPattern, const std::string& pInput, const std::string& pEnding,
-                           std::size_t pIndex) {
+std::string MakeTargetName(const std::string& pPattern, const std::string& pInput,
+                           const std::string& pExtension, std::size_t pIndex) {
   if (pPattern.find('/') != std::string::npos) Refuse("names a file; folders belong into --out-dir");
   const std::filesystem::path input = pInput == kStandardStream ? "stdin" : pInput;
   std::string name;
@@ -37,7 +37,7 @@ std::string MakeTargetName(const std::string& pPattern, const std::string& pInpu
     } else if (word == "name") {
       name += input.filename().string();
     } else if (word == "ext") {
-      name += pEnding;
+      name += pExtension;
     } else if (word == "index") {
       name += ToDigits(pIndex);
     } else {

@@ -20,7 +20,7 @@ class cTaskClock {
   }
   void Resume() { fEnd = tTime::now() + fLeft; }
 
-  /// When the time is over; nothing while the clock stands still.
+  /// When the time is over; nothing while the clock is stopped.
   std::optional<tTime::time_point> GetEnd() const { return fEnd; }
   bool IsOver() const { return fEnd.has_value() && tTime::now() >= *fEnd; }
 

@@ -21,7 +21,7 @@
 namespace Cli {
 namespace {
 
-/// The parent answers a request for memory with leave, when there is room; it goes away otherwise.
+/// The parent grants a request for memory as soon as there is room. If it ends before, so does its worker.
 void WaitForMemory(int pSocket, cMessageReader& pReader, std::int64_t pBytes) {
   const bool isAsked = SendMessage(pSocket, eMessage::kMemory, std::to_string(pBytes));
   if (!isAsked || !pReader.Wait()) _exit(eExitCode_Interrupted);
@@ -35,8 +35,9 @@ void Serve(int pSocket, const tTaskMaker& pMakeTask) {
   }
 }
 
-/// The worker's whole life. It ends without what the parent's exit would do.
-[[noreturn]] void Live(int pSocket, pid_t pParent, const tTaskMaker& pMakeTask) {
+/// All that a worker does. It ends by _exit: buffers and handlers that it has from its parent are the
+/// parent's to flush and run.
+[[noreturn]] void RunWorker(int pSocket, pid_t pParent, const tTaskMaker& pMakeTask) {
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (getppid() != pParent) _exit(eExitCode_Interrupted);
   try {
@@ -66,7 +67,7 @@ sWorker StartWorker(const tTaskMaker& pMakeTask, const std::vector<int>& pOthers
   if (child == 0) {
     close(sockets[0]);
     for (const int other : pOthers) close(other);
-    Live(sockets[1], parent, pMakeTask);
+    RunWorker(sockets[1], parent, pMakeTask);
   }
   close(sockets[1]);
   if (child < 0) {

@@ -18,7 +18,7 @@ struct sWorker {
 /// What a worker does for a task: gets its number, returns its answer.
 using tTask = std::function<std::string(std::size_t)>;
 
-/// What a worker does once, when it begins: gets the function that waits for leave to use so many bytes, and
+/// What a worker does once, when it begins: gets the function that waits until so many bytes are granted, and
 /// returns its task. Both run in the worker's process.
 using tAskForMemory = std::function<void(std::int64_t)>;
 using tTaskMaker = std::function<tTask(const tAskForMemory&)>;

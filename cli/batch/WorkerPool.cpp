@@ -44,7 +44,7 @@ void WaitForOwnSignal(int pOther) {
   poll(&handle, 1, kMilliseconds);
 }
 
-std::string TellEnd(int pStatus) {
+std::string DescribeEnd(int pStatus) {
   if (WIFEXITED(pStatus) && WEXITSTATUS(pStatus) == eExitCode_Interrupted)
     return "its worker process was asked to end (SIGTERM)";
   if (!WIFSIGNALED(pStatus))
@@ -56,7 +56,7 @@ std::string TellEnd(int pStatus) {
   return std::string("its worker process crashed (") + strsignal(signal) + "); the file may be damaged";
 }
 
-std::string TellLateness(double pSeconds) {
+std::string DescribeLateness(double pSeconds) {
   return Printf("took longer than --timeout %g second%s; a larger --timeout gives it more time", pSeconds,
                 pSeconds == 1.0 ? "" : "s");
 }
@@ -144,7 +144,7 @@ std::optional<sTaskEnd> cWorkerPool::Wait(int pOther, int pMilliseconds) {
   poll(handles.data(), handles.size(), GetPatience(pMilliseconds));
   if (handles.back().revents != 0) return std::nullopt;
   for (std::size_t i = 0; i < fMembers.size(); ++i) {
-    if (handles[i].revents == 0 && fMembers[i].fClock.IsOver()) return End(i);
+    if (handles[i].revents == 0 && fMembers[i].fClock.IsOver()) return GiveUp(i);
   }
   for (std::size_t i = 0; i < fMembers.size(); ++i) {
     if (handles[i].revents != 0) return Listen(i, pOther);  // the others at the next call
@@ -154,7 +154,7 @@ std::optional<sTaskEnd> cWorkerPool::Wait(int pOther, int pMilliseconds) {
 
 std::optional<sTaskEnd> cWorkerPool::Listen(std::size_t pMember, int pOther) {
   sMember& member = fMembers[pMember];
-  if (!member.fReader.Read()) return Bury(pMember, pOther);
+  if (!member.fReader.Read()) return TakeDead(pMember, pOther);
   const std::optional<sMessage> message = member.fReader.Take();
   if (!message) return std::nullopt;
   const bool isAnswer = message->fKind == eMessage::kAnswer;
@@ -175,8 +175,8 @@ cWorkerPool::sMember cWorkerPool::Remove(std::size_t pMember) {
   return member;
 }
 
-/// What becomes of a worker that has closed its socket, or said what makes no sense.
-std::optional<sTaskEnd> cWorkerPool::Bury(std::size_t pMember, int pOther) {
+/// Removes a worker that has closed its socket, or sent what is no message.
+std::optional<sTaskEnd> cWorkerPool::TakeDead(std::size_t pMember, int pOther) {
   const sMember member = Remove(pMember);
   const auto latest = tClock::now() + std::chrono::seconds(1);
   std::optional<int> status = WaitForEnd(member.fWorker.fProcess, latest);
@@ -184,19 +184,19 @@ std::optional<sTaskEnd> cWorkerPool::Bury(std::size_t pMember, int pOther) {
   if (!member.fTask.has_value()) return std::nullopt;
   if (!status) return sTaskEnd{*member.fTask, false, "its worker process went wrong, and was killed"};
   if (WIFEXITED(*status) && WEXITSTATUS(*status) == eExitCode_Interrupted) WaitForOwnSignal(pOther);
-  return sTaskEnd{*member.fTask, false, TellEnd(*status)};
+  return sTaskEnd{*member.fTask, false, DescribeEnd(*status)};
 }
 
-/// What becomes of a worker that takes too long.
-sTaskEnd cWorkerPool::End(std::size_t pMember) {
+/// Kills a worker that takes too long.
+sTaskEnd cWorkerPool::GiveUp(std::size_t pMember) {
   const sMember member = Remove(pMember);
   Kill(member.fWorker.fProcess);
-  return {*member.fTask, false, TellLateness(fLimits.fSeconds)};
+  return {*member.fTask, false, DescribeLateness(fLimits.fSeconds)};
 }
 
 void cWorkerPool::GrantMemory() {
   while (const std::optional<int> next = fBudget.GrantNext()) {
-    SendMessage(*next, eMessage::kLeave, "");
+    SendMessage(*next, eMessage::kGranted, "");
     if (fLimits.fSeconds <= 0.0) continue;
     const auto member = std::find_if(fMembers.begin(), fMembers.end(), [&](const sMember& pMember) {
       return pMember.fWorker.fSocket == *next;

@@ -59,8 +59,8 @@ class cWorkerPool {
   void AddMember();
   int GetPatience(int pMilliseconds) const;
   std::optional<sTaskEnd> Listen(std::size_t pMember, int pOther);
-  std::optional<sTaskEnd> Bury(std::size_t pMember, int pOther);
-  sTaskEnd End(std::size_t pMember);
+  std::optional<sTaskEnd> TakeDead(std::size_t pMember, int pOther);
+  sTaskEnd GiveUp(std::size_t pMember);
   sMember Remove(std::size_t pMember);
   void GrantMemory();
 

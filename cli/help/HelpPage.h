@@ -9,7 +9,7 @@ class App;
 
 namespace Cli {
 
-/// What is told of one option or positional argument. --help, man pages and completions are made of these.
+/// The help on one option or positional argument. --help, man pages and completions are made of these.
 struct sHelpOption {
   std::vector<std::string> fNames;  ///< "-o", "--output"; none for a positional.
   std::string fArgument;            ///< "FILE", "8|16", "0..100"; empty for a flag.

@@ -29,7 +29,8 @@ constexpr sAxis kValues = {0.0, 1.0, kBottom, kTop};
 
 enum class eMarker { kCircle, kSquare, kDiamond };
 
-/// How a curve looks and what its ends mean. Curves that lie on one another are told apart by their dashes.
+/// How a curve looks and what its ends mean. Curves that lie on one another are distinguished by their
+/// dashes.
 struct sLook {
   const char* fName;
   const char* fMeaning;

@@ -43,10 +43,10 @@ std::string Escape(const std::string& pText) {
 }  // namespace
 
 ePlotFormat ChoosePlotFormat(const std::string& pFile) {
-  const std::string ending = GetEnding(pFile);
-  if (ending == ".svg") return ePlotFormat::kSvg;
-  if (ending == ".png") return ePlotFormat::kPng;
-  throw cFailure(eFailure::kUsage, pFile, "unknown ending of a plot's name; use .svg or .png");
+  const std::string extension = GetExtension(pFile);
+  if (extension == ".svg") return ePlotFormat::kSvg;
+  if (extension == ".png") return ePlotFormat::kPng;
+  throw cFailure(eFailure::kUsage, pFile, "unknown extension of a plot's name; use .svg or .png");
 }
 
 void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {

@@ -9,7 +9,7 @@ namespace Cli {
 /// What a drawing is written as.
 enum class ePlotFormat { kSvg, kPng };
 
-/// The format that the ending of the name asks for. Throws cFailure.
+/// The format that the extension of the name asks for. Throws cFailure.
 ePlotFormat ChoosePlotFormat(const std::string& pFile);
 
 /// Writes the drawing and lets the file take its target's place. libvips must be running. Throws cFailure.

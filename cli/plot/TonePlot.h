@@ -9,7 +9,7 @@ namespace Cli {
 
 /// What the renderer made of a picture, as SVG text: the distribution of its luminance, the curves of the
 /// base and the detail layer, and the tone curve. pName: of the picture, for the title. pSettings: a line
-/// that tells the sliders.
+/// that lists the sliders.
 std::string DrawToneFigure(const std::string& pName, const std::string& pSettings,
                            const sPictureStatistics& pStatistics, const TmEngine::cTmRenderer& pRenderer);
 

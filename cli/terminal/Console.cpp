@@ -32,7 +32,7 @@ std::string NameForOutput(const std::string& pName) {
   return isatty(STDOUT_FILENO) != 0 ? ToPrintable(pName) : pName;
 }
 
-void Say(const std::string& pLine, const char* pColour) {
+void PrintMessage(const std::string& pLine, const char* pColour) {
   const bool isColoured = *pColour != '\0';
   std::fprintf(stderr, "%s%s%s\n", isColoured ? pColour : "", ToPrintable(pLine).c_str(),
                isColoured ? "\033[0m" : "");

@@ -21,6 +21,6 @@ void Print(const std::string& pText);
 std::string NameForOutput(const std::string& pName);
 
 /// Writes a line to standard error, printable whatever it holds. pColour: what a terminal takes for one.
-void Say(const std::string& pLine, const char* pColour = "");
+void PrintMessage(const std::string& pLine, const char* pColour = "");
 
 }  // namespace Cli

@@ -20,7 +20,7 @@ namespace {
 constexpr char kRed[] = "\033[31m";
 constexpr char kClearLine[] = "\r\033[K";
 
-/// Whether standard error is a terminal that draws what it is told, and nobody asked for plain text.
+/// Whether standard error is a terminal that understands control sequences, and nobody asked for plain text.
 bool CanColour() {
   const char* const unwanted = std::getenv("NO_COLOR");
   const char* const terminal = std::getenv("TERM");
@@ -64,23 +64,23 @@ void cProgress::NoteFolder(const sUnreadableFolder& pFolder) {
   Fail(pFolder.fFolder + ": " + pFolder.fReason);
 }
 
-void cProgress::Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+void cProgress::Report(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
   const std::string status = pRecord["status"];
   Count(pJob, status);
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (pRecord.contains("warnings")) PrintWarnings(pJob.fInput, pRecord["warnings"]);
   if (status == "failed") Fail(pRecord["error"]["message"].get<std::string>());
-  if (fWay == eProgress::kPlain) TellPlainly(pJob, status);
-  if (fWay == eProgress::kJson) Say(ToLine(MakeEvent("picture", pJob.fInput)));
+  if (fWay == eProgress::kPlain) ReportPlainly(pJob, status);
+  if (fWay == eProgress::kJson) PrintMessage(ToLine(MakeEvent("picture", pJob.fInput)));
 }
 
 void cProgress::Fail(const std::string& pMessage) const {
-  Say("quorvane: " + pMessage, fHasColour ? kRed : "");
+  PrintMessage("quorvane: " + pMessage, fHasColour ? kRed : "");
 }
 
 void cProgress::Warn(const std::string& pText) {
   if (HasBar()) std::fputs(kClearLine, stderr);
-  Say("quorvane: warning: " + pText);
+  PrintMessage("quorvane: warning: " + pText);
 }
 
 void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
@@ -91,10 +91,10 @@ void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
   fFailedInputs.push_back(pJob.fInput);
 }
 
-void cProgress::TellPlainly(const sTonemapJob& pJob, const std::string& pStatus) const {
+void cProgress::ReportPlainly(const sTonemapJob& pJob, const std::string& pStatus) const {
   if (pStatus == "failed") return;
   const std::string what = pStatus == "done" ? pJob.fInput + " -> " + pJob.fOutput : pJob.fOutput + " exists";
-  Say(Format("[%zu/%zu] ", fDone + fSkipped + fFailed, fPictures) + what);
+  PrintMessage(Format("[%zu/%zu] ", fDone + fSkipped + fFailed, fPictures) + what);
 }
 
 void cProgress::Draw() {
@@ -113,23 +113,23 @@ void cProgress::Draw() {
 void cProgress::Finish() {
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (fWay == eProgress::kNone) return;
-  if (fWay == eProgress::kJson) return Say(ToLine(MakeSummary()));
+  if (fWay == eProgress::kJson) return PrintMessage(ToLine(MakeSummary()));
   if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // reported already
-  Say(Summarise());
+  PrintMessage(Summarise());
   constexpr std::size_t kMost = 20;
   for (std::size_t i = 0; i < std::min(kMost, fFailedInputs.size()); ++i)
-    Say("  failed: " + fFailedInputs[i]);
-  if (fFailedInputs.size() > kMost) Say(Format("  and %zu more", fFailedInputs.size() - kMost));
+    PrintMessage("  failed: " + fFailedInputs[i]);
+  if (fFailedInputs.size() > kMost) PrintMessage(Format("  and %zu more", fFailedInputs.size() - kMost));
 }
 
 void cProgress::Interrupt(eExisting pExisting) {
   if (fPictures == 1) {
-    return Say("quorvane: interrupted; the result was not written: run the same command again");
+    return PrintMessage("quorvane: interrupted; the result was not written: run the same command again");
   }
   if (HasBar()) std::fputs(kClearLine, stderr);
   const char* const instead = pExisting == eExisting::kReplace ? " in place of --overwrite" : "";
-  Say("quorvane: interrupted: " + Summarise());
-  Say(std::string("To go on, run the same command with --skip-existing") + instead + ".");
+  PrintMessage("quorvane: interrupted: " + Summarise());
+  PrintMessage(std::string("To go on, run the same command with --skip-existing") + instead + ".");
 }
 
 std::string cProgress::Summarise() const {

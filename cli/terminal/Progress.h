@@ -20,7 +20,7 @@ class cProgress {
   cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut);
 
   void NoteFolder(const sUnreadableFolder& pFolder);  ///< One that could not be read.
-  void Tell(const sTonemapJob& pJob, const tPictureRecord& pRecord);
+  void Report(const sTonemapJob& pJob, const tPictureRecord& pRecord);
   void Warn(const std::string& pText);  ///< Of the run, not of a picture.
   void Draw();                          ///< The bar, with the time that is left by now.
   void Finish();                        ///< The summary.
@@ -33,7 +33,7 @@ class cProgress {
 
  private:
   void Count(const sTonemapJob& pJob, const std::string& pStatus);
-  void TellPlainly(const sTonemapJob& pJob, const std::string& pStatus) const;
+  void ReportPlainly(const sTonemapJob& pJob, const std::string& pStatus) const;
   void Fail(const std::string& pMessage) const;
   tPictureRecord MakeEvent(const char* pEvent, const std::string& pInput = "") const;
   std::string Summarise() const;

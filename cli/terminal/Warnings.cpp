@@ -6,7 +6,7 @@ namespace Cli {
 
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings) {
   const std::string start = "quorvane: " + pFile + ": warning: ";
-  for (const std::string& warning : pWarnings) Say(std::string(start).append(warning));
+  for (const std::string& warning : pWarnings) PrintMessage(std::string(start).append(warning));
 }
 
 }  // namespace Cli

@@ -12,7 +12,7 @@ namespace Cli {
 std::string ToPrintable(const std::string& pText);
 std::vector<std::string> ToPrintable(const std::vector<std::string>& pTexts);
 
-/// The same for JSON text, whose value stays: all of those characters as "\u009b". pJson: valid UTF-8.
+/// JSON text of the same value, with all of those characters as "\u009b". pJson: valid UTF-8.
 std::string ToPrintableJson(const std::string& pJson);
 
 /// Whether all of it is UTF-8.

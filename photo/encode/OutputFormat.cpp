@@ -50,7 +50,7 @@ bool HasDepth(const sFormatTraits& pFormat, int pDepth) {
 void CheckDepth(const sFormatTraits& pFormat, int pDepth) {
   if (HasDepth(pFormat, pDepth)) return;
   const std::string others = ListFormats([&](const sFormatTraits& pOther) {
-    return HasDepth(pOther, pDepth) ? pOther.fEndings.front() : std::string();
+    return HasDepth(pOther, pDepth) ? pOther.fExtensions.front() : std::string();
   });
   throw cFailure(eFailure::kUsage, std::string(pFormat.fName) + " holds " + ListDepths(pFormat) + " bits" +
                                        (pFormat.fDepths.size() == 1 ? " only" : "") + "; use {depth} " +
@@ -76,24 +76,24 @@ const sFormatTraits& GetTraits(eOutputFormat pFormat) {
                        [&](const sFormatTraits& pKnown) { return pKnown.fFormat == pFormat; });
 }
 
-std::string GetEnding(const std::string& pFile) {
-  std::string ending = std::filesystem::path(pFile).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
+std::string GetExtension(const std::string& pFile) {
+  std::string extension = std::filesystem::path(pFile).extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](unsigned char pC) { return static_cast<char>(std::tolower(pC)); });
-  return ending;
+  return extension;
 }
 
 eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth, const sFileOptions& pOptions) {
-  const std::string ending = GetEnding(pFile);
+  const std::string extension = GetExtension(pFile);
   for (const sFormatTraits& format : kFormats) {
-    if (std::count(format.fEndings.begin(), format.fEndings.end(), ending) == 0) continue;
+    if (std::count(format.fExtensions.begin(), format.fExtensions.end(), extension) == 0) continue;
     CheckDepth(format, pDepth);
     CheckOptions(format, pOptions);
     return format.fFormat;
   }
   throw cFailure(eFailure::kUsage,
-                 "unknown ending of an output name; use " +
-                     ListFormats([](const sFormatTraits& pFormat) { return pFormat.fEndings.front(); }));
+                 "unknown extension of an output name; use " +
+                     ListFormats([](const sFormatTraits& pFormat) { return pFormat.fExtensions.front(); }));
 }
 
 int ChooseDepth(eOutputFormat pFormat, int pDepth) {

@@ -22,19 +22,19 @@ struct sFileOptions {
 struct sFormatTraits {
   eOutputFormat fFormat;
   const char* fName;
-  std::vector<std::string> fEndings;  ///< With their points, in small letters.
-  std::vector<int> fDepths;           ///< Bits a sample, rising.
-  int fQuality;                       ///< The default; 0 for a format that loses nothing.
-  int fCompression;                   ///< The default; -1 for a format that takes none.
+  std::vector<std::string> fExtensions;  ///< With their points, in small letters.
+  std::vector<int> fDepths;              ///< Bits per sample, rising.
+  int fQuality;                          ///< The default; 0 for a format that loses nothing.
+  int fCompression;                      ///< The default; -1 for a format that takes none.
   bool fHasAlpha;
   int fLargestSide;  ///< In pixels.
 };
 const sFormatTraits& GetTraits(eOutputFormat pFormat);
 
-/// The ending of a file's name, with its point, in small letters.
-std::string GetEnding(const std::string& pFile);
+/// The extension of a file's name, with its point, in small letters.
+std::string GetExtension(const std::string& pFile);
 
-/// The format that the ending of the name asks for, checked against the depth and the options. Throws
+/// The format that the extension of the name asks for, checked against the depth and the options. Throws
 /// cFailure.
 eOutputFormat ChooseOutputFormat(const std::string& pFile, int pDepth, const sFileOptions& pOptions = {});
 

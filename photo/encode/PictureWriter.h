@@ -16,7 +16,7 @@ class cMetadata;
 /// A finished picture and all that its file says of it.
 struct sFinishedPicture {
   cResultPixels fPixels;
-  std::vector<std::uint16_t> fAlpha;           ///< A value a pixel, 65535 opaque; empty for none.
+  std::vector<std::uint16_t> fAlpha;           ///< A value per pixel, 65535 opaque; empty for none.
   std::string fProfile;                        ///< ICC, of the samples.
   std::shared_ptr<const cMetadata> fMetadata;  ///< Null for none.
   std::string fSettings;                       ///< The tool's own, as JSON, for its XMP; empty for none.

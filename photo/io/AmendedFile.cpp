@@ -25,7 +25,7 @@ struct sAmendedFile {
     if (fHandle >= 0) close(fHandle);
   }
   gint64 GetNewLength() const { return static_cast<gint64>(fAmendment.fBytes.size()); }
-  /// Of what comes after the replaced bytes, from its place here to its place in the file.
+  /// How far what comes after the replaced bytes lies further on in the file than here.
   gint64 GetShift() const { return fAmendment.fLength - GetNewLength(); }
 };
 

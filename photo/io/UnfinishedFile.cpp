@@ -13,7 +13,7 @@ namespace {
 std::atomic_flag gIsInUse;
 char gPath[PATH_MAX];
 
-/// Of what signal handlers may call.
+/// By a call that signal handlers may make.
 void SleepAMoment() noexcept {
   constexpr timespec kMoment = {0, 1'000'000};
   nanosleep(&kMoment, nullptr);

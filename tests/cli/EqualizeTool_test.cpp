@@ -187,7 +187,7 @@ TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
       {"in.png -o b.png --lightness " + many, 2, "--lightness: has 101 points; a curve takes 1 to 100"},
       {"in.png -o b.png --lightness 0:1 --mode wild", 2, "--mode: wild not in {smooth,linear,flat}"},
       {"in.png -o b.jpg --lightness 0:1 --depth 16", 2, "b.jpg: JPEG holds 8 bits only"},
-      {"in.png -o b.png --lightness 0:1 --plot b.gif", 2, "b.gif: unknown ending of a plot's name"},
+      {"in.png -o b.png --lightness 0:1 --plot b.gif", 2, "b.gif: unknown extension of a plot's name"},
       {"in.png -o b.png --lightness 0:1 --plot ./b.png", 2, "./b.png: is the result as well"},
       {"in.png -o in.png --lightness 0:1", 2, "in.png: is the input itself"},
       {"in.png -o b.png --lightness 0:1 --plot in.png", 2, "in.png: is the input itself"},

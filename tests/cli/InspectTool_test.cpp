@@ -226,10 +226,9 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
   const std::string start = "tonemap scene.pfm --overwrite --settings-from small.png -o ";
   const sRun again = Run(start + "again.png");
   EXPECT_TRUE(ReadText("again.png") == ReadText("small.png"));
-  EXPECT_EQ(
-      again.fErrors,
-      "quorvane: small.png: warning: is a preview of 100 pixels, and so it goes on; --preview 0 makes the "
-      "whole picture\n");
+  EXPECT_EQ(again.fErrors,
+            "quorvane: small.png: warning: was a 100-pixel preview, so this result will be one too; use "
+            "--preview 0 for full size\n");
   Expect(0, "tonemap scene.pfm --overwrite -o full.png --strength 90");
   ExpectDone(start + "again.png --preview 0");
   EXPECT_TRUE(ReadText("again.png") == ReadText("full.png"));

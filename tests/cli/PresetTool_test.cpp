@@ -122,7 +122,7 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
       {Preset(R"("contrast": null)"), "\"contrast\": null is not a number from -100 to 100"},
       {Preset(R"("wrap": "vertical")"), "\"wrap\": \"vertical\" is not none, horizontal or auto"},
       {Preset(R"("wrap": 1)"), "\"wrap\": 1 is not none, horizontal or auto"},
-      {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" stands there twice"},
+      {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" is given twice"},
       {Preset(R"("strength": )" + Nest(80000)), "cannot be used: it is nested deeper than 64 levels"},
       {Preset(R"("strength": )" + Nest(61)),
        "\"strength\": the given value is not a number"},  // as deep as is read

@@ -376,7 +376,7 @@ TEST_F(WritingTool, RefusesOptionsThatDoNotFit) {
       {"a.avif --depth 16", "a.avif: AVIF holds 8 or 12 bits; use --depth 8 or 12, or write .png"},
       {"a.png --depth 12", "a.png: PNG holds 8 or 16 bits; use --depth 8 or 16, or write .avif"},
       {"a.png --metadata exif,all", "--metadata: 'all' is neither all nor none, nor one of exif, xmp"},
-      {"a.bmp", "a.bmp: unknown ending of an output name; use .png, .tif, .jpg, .webp, .avif or .jxl"}};
+      {"a.bmp", "a.bmp: unknown extension of an output name; use .png, .tif, .jpg, .webp, .avif or .jxl"}};
   for (const auto& [arguments, text] : cases) {
     ExpectFailure(2, std::string("tonemap in.pfm --overwrite -o ") + arguments, text);
   }
