@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "photo/base/Printable.h"
+#include "photo/Printable.h"
 #include "photo/decode/PictureReader.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "photo/base/Printable.h"
+#include "photo/Printable.h"
 
 namespace Cli {
 

@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 #include "photo/Json.h"
+#include "photo/Printable.h"
 #include "photo/base/Failure.h"
-#include "photo/base/Printable.h"
 #include "photo/base/ShortText.h"
 #include "photo/render/ColorSpaceName.h"
 

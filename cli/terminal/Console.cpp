@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "photo/Printable.h"
 #include "photo/base/Failure.h"
-#include "photo/base/Printable.h"
 
 namespace Cli {
 

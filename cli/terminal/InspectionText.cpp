@@ -2,7 +2,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextHistogram.h"
-#include "photo/base/Printable.h"
+#include "photo/Printable.h"
 #include "photo/base/Printf.h"
 
 namespace Cli {

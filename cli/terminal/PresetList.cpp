@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "photo/base/Printable.h"
+#include "photo/Printable.h"
 
 namespace Cli {
 namespace {

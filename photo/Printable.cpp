@@ -1,4 +1,4 @@
-#include "photo/base/Printable.h"
+#include "photo/Printable.h"
 
 #include <glib.h>
 
