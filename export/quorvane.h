@@ -55,8 +55,7 @@ typedef struct tm_quorvane_image {
   int32_t output_row_pitch;
 
   /* 0: a pixel's first sample is red and its last one blue, in both buffers. Others: the reverse, and rows
-   * are written as packed blue, green, red triples, which fits N = 3 only. RGBE input has its order anyway.
-   */
+   * are written as packed blue, green, red triples, which fits N = 3 only. RGBE input keeps its own order. */
   int32_t reversed_order;
 
   int32_t reserved1[2]; /* Not read. */
@@ -134,54 +133,59 @@ TM_QUORVANE_OFFSET(tm_quorvane_settings, horizontal_wrap, 60);
  *   input_pixels   The picture. Not NULL. Only read; need not be aligned.
  *                  8 or 16 bits: height * width * N samples, rows packed.
  *                  32 bits (RGBE): height rows of 4 * width bytes, each the plane of red mantissas, then
- * green, then blue, then the shared exponents e. A value is mantissa * 2^(e - 136), e 0 is black.
+ *                  green, then blue, then the shared exponents e. A value is mantissa * 2^(e - 136);
+ *                  where e is 0, it is black.
  *   output_pixels  Room for (height - 1) * S + width * N samples. Not NULL. Need not be aligned.
  *
  * Returns
  *    1  The picture is done.
- *   -2  Not supported: an unknown colour space (nothing is logged, settings stay as they are), or input bits
- *       other than 8, 16 and 32 (settings are logged and white_clip is changed). output_pixels stay as they
- *       are.
+ *   -2  Not supported: an unknown colour space (nothing is logged, settings stay as they are), or input
+ *       bits other than 8, 16 and 32 (settings are logged and white_clip is changed). output_pixels stay
+ *       as they are.
  *
  * Throws
- *   C++ exceptions, all derived from std::exception:
- *   std::runtime_error  A null pointer; sizes or samples per pixel below 1; a row pitch that is too small;
- * rows of more than 748980 pixels ("Scanline width exceeds max tile size."); output bits other than 8 and 16
- * ("Output image is not set."; the row pitch is not looked at then); NaN for lighting or microcontrast; a
- * lack of memory for pixels. std::bad_alloc      Any other lack of memory. what() describes the fault.
- * Whatever the way out, all memory of the call is released, but for the short texts of a thrown exception.
- * After an exception the output may hold a part of the picture.
+ *   C++ exceptions, all derived from std::exception; what() describes the fault.
  *
- *   A C program cannot catch them: it ends in std::terminate. Check the arguments first, or link a C++ file
- *   that catches.
+ *   std::runtime_error  A null pointer; sizes or samples per pixel below 1; a row pitch that is too
+ *                       small; rows of more than 748980 pixels ("Scanline width exceeds max tile size.");
+ *                       output bits other than 8 and 16 ("Output image is not set."; the row pitch is not
+ *                       checked then); NaN for lighting or microcontrast; no memory for pixels.
+ *   std::bad_alloc      No memory for anything else.
  *
- *   Do not unload the library (dlclose) while you hold an exception of it, also in a std::exception_ptr: its
- *   type, its functions and its destructor are code and data of the library. Copy what() first, leave the
- * catch block, then unload.
+ *   Whatever the way out, all memory of the call is released, but for the short texts of a thrown
+ *   exception. After an exception the output may hold a part of the picture.
+ *
+ *   A C program cannot catch them: it ends in std::terminate. Check the arguments first, or link a C++
+ *   file that catches.
+ *
+ *   Do not unload the library (dlclose) while you hold an exception of it, also in a std::exception_ptr:
+ *   its type, its functions and its destructor are code and data of the library. Copy what() first, leave
+ *   the catch block, then unload.
  *
  * Memory
  *   About 22 bytes per pixel and a few megabytes beside the host's buffers, and a grid of cells, which is
- * small for sliders within their ranges. Lighting and microcontrast far above theirs ask for a grid far
- * larger than the picture. With more than 100 million cells (1.6 GB), and more than eight for each pixel,
- * std::runtime_error is thrown before that memory is taken. No picture comes near with both at 15 or below.
+ *   small for sliders within their ranges. Lighting and microcontrast far above theirs ask for a grid far
+ *   larger than the picture. With more than 100 million cells (1.6 GB), and more than eight for each
+ *   pixel, std::runtime_error is thrown before that memory is taken. No picture comes near with both at
+ *   15 or below.
  *
  * Threads
  *   The work is done on the calling thread. No state is kept: calls may run at the same time on different
  *   threads, each with its own settings and output. The image record and the input may be shared.
  *
  *   The floating-point state of the calling thread does not matter: rounding modes, traps and modes that
- * flush denormal numbers to zero are put aside for the time of the call. Whatever the way out, they are back
- * then, and the status flags are as they were.
+ *   flush denormal numbers to zero are put aside for the time of the call. Whatever the way out, they are
+ *   back then, and the status flags are as they were.
  *
  * Standard error
- *   Eight lines with the sizes and settings, a few lines of statistics, for 16-bit output with reversed_order
- * 0 a line for each of some sampled pixels, and a closing line.
+ *   Eight lines with the sizes and settings, a few lines of statistics, for 16-bit output with
+ *   reversed_order 0 a line for each of some sampled pixels, and a closing line.
  *
- *   A standard error that cannot be written to costs the lines, never the picture. A pipe that nobody reads
- *   raises no SIGPIPE by these lines; signal handlers, the signal mask and pending signals are left alone. Do
- *   not close descriptor 2 but open /dev/null there: the next file that is opened would get its number, and
- * the lines. With a buffer of the host's (setvbuf) lines are kept, and may raise SIGPIPE when the host
- * flushes it.
+ *   A standard error that cannot be written to costs the lines, never the picture. A pipe that nobody
+ *   reads raises no SIGPIPE by these lines; signal handlers, the signal mask and pending signals are left
+ *   alone. Do not close descriptor 2 but open /dev/null there: the next file that is opened would get its
+ *   number, and the lines. With a buffer of the host's (setvbuf) lines are kept, and may raise SIGPIPE
+ *   when the host flushes it.
  */
 #if defined(__GNUC__)
 __attribute__((visibility("default")))
