@@ -72,7 +72,7 @@ void sRun::Fill() {
 
 struct sCase {
   const char* fName;
-  int fBytes;  // read and written, a pixel
+  int fBytes;  // read and written, per pixel
   void (*fCall)(const sKernels&, sRun&);
 };
 

@@ -25,7 +25,7 @@ using namespace TmEngine;
 namespace Bench {
 namespace {
 
-// Of an untouched set of sliders.
+// The values of sliders at rest.
 constexpr float kSigmaS = static_cast<float>(kWidth) / 1000.0f * 25.0f;
 constexpr float kSigmaR = 0.32f;
 constexpr double kGamma = 2.2;
@@ -63,7 +63,7 @@ void Check(int pInputBits, int pOutputBits) {
   if (output != expected) throw std::runtime_error("the call's picture differs from the plain build's");
 }
 
-/// What the stages hand on.
+/// The stages' intermediate results.
 struct sStages {
   cColorSpace_sRGB fSpace;
   cMatrix33 fToWorking = cColorSpace_ProPhotoRGB().GetXYZToRGB();
@@ -117,7 +117,7 @@ sStages& Stages() {
   return *stages;
 }
 
-/// pDo returns the seconds of one turn. pBytes: read and written, a pixel; 0 where that says little.
+/// pDo returns the seconds of one turn. pBytes: read and written, per pixel; 0 where that says little.
 template <class tDo>
 void Register(const std::string& pName, double pBytes, const tDo& pDo) {
   benchmark::RegisterBenchmark(pName.c_str(), [=](benchmark::State& pState) {

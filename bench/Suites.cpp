@@ -2,7 +2,7 @@
 //
 //   quorvane-bench-kernels --benchmark_filter=kernel/
 //
-// per_pixel is the time a pixel. Bytes a second count what is read and what is written; look-up tables are
+// per_pixel is the time per pixel. Bytes a second count what is read and what is written; look-up tables are
 // left out. Stages and operations are given in processor time.
 #include "bench/Suites.h"
 

@@ -30,7 +30,8 @@ double Seconds(const tDo& pDo) {
   return ProcessorTime().fTotal - start;
 }
 
-/// What a benchmark of manual time reports: seconds a pixel, and bytes (read and written, a pixel) a second.
+/// What a benchmark of manual time reports: seconds per pixel, and bytes (read and written, per pixel) per
+/// second.
 inline void ReportPixels(benchmark::State& pState, double pPixels, double pBytes) {
   using tCounter = benchmark::Counter;
   pState.counters["per_pixel"] = tCounter(

@@ -96,7 +96,7 @@ sImages::sImages(int pWidth, int pHeight, int pFirst) : fWidth(pWidth), fHeight(
   fEqualiser16.SetInput(&f16);
 }
 
-/// Images of 8 bits tell of their end unless their pixels are taken.
+/// Images of 8 bits log their destruction unless their pixels are taken.
 sImages::~sImages() {
   for (cBitmapBGR8* image : {&f8, &fTo8}) std::free(image->TakeBitmapData());
 }
@@ -128,7 +128,7 @@ void Equalise(cColorEqRenderer& pRenderer, cBitmapLDR& pFrom, cBitmapLDR& pTo) {
 
 struct sOperation {
   const char* fName;
-  int fBytes;  // read and written, a pixel; lines of memory that are read for a part count whole
+  int fBytes;  // read and written, per pixel; lines of memory that are read in part count whole
   void (*fRun)(sImages&);
 };
 
@@ -207,7 +207,7 @@ void Check(const sOperation& pOperation) {
     sImages pixel(1, 1, x);
     pOperation.fRun(pixel);
     if (row.PixelBytes(x) == pixel.PixelBytes(0)) continue;
-    throw std::runtime_error(std::string(pOperation.fName) + " depends on what stands beside a pixel");
+    throw std::runtime_error(std::string(pOperation.fName) + " depends on the neighbours of a pixel");
   }
 }
 

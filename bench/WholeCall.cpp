@@ -17,7 +17,7 @@
 namespace {
 
 constexpr double kMega = 1e6;
-constexpr double kPlainBytes = 60.0;  // a pixel; more than either build takes
+constexpr double kPlainBytes = 60.0;  // per pixel; more than either build takes
 
 struct sSize {
   std::string fName;
@@ -96,7 +96,7 @@ int CallPlain(const sPicture& pPicture, unsigned char* pOutput) {
 
 // ---- Measuring ----
 
-/// One build's calls: nanoseconds and bytes a pixel, a value a call.
+/// One build's calls: nanoseconds and bytes per pixel, one value per call.
 struct sCalls {
   std::vector<double> fTotal, fSystem, fBytes;
 
@@ -158,7 +158,7 @@ bool FitsMemory(const sSize& pSize, const sDepth& pDepth) {
 
 void PrintHeading() {
   std::printf(
-      "nanoseconds of processor time a pixel (the system's part), bytes a pixel above the host's\n\n");
+      "nanoseconds of processor time per pixel (the system's part), bytes per pixel above the host's\n\n");
   std::printf("%-12s %-6s  %22s  %22s  %s\n", "size", "bits", "engine", "plain build", "ratio");
 }
 
@@ -201,7 +201,7 @@ void WriteJson(const std::string& pPath, const std::vector<sResult>& pResults) {
 
 // ---- The program ----
 
-/// Above the limit the plain build is not run; its largest picture of the same depth stands in.
+/// Above the limit the plain build is not run; its largest picture of that depth is taken in its place.
 void RelateToLargest(const std::vector<sResult>& pDone, sResult& pResult) {
   if (!pResult.fPlain.fTotal.empty()) return;
   double largest = 0.0;

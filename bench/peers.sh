@@ -2,7 +2,7 @@
 # Measures Quorvane and other tone mappers of Debian on one and the same picture: one core each, in turn.
 #   bench/peers.sh            3 rounds at 4 and 24 megapixels
 #   bench/peers.sh 5 4        5 rounds at 4 megapixels
-# Installs what is missing; a peer that cannot be had is left out. Writes docs/performance.md anew.
+# Installs what is missing; a peer that is not available is left out. Writes docs/performance.md anew.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -43,7 +43,7 @@ make_picture() {
   [ -e "$picture" ] || build/release/quorvane-scene --width "$width" "$picture"
 }
 
-# Runs a shell command. ns: nanoseconds of processor time a pixel, of all that it starts; share: what it had of
+# Runs a shell command. ns: nanoseconds of processor time per pixel, of all that it starts; share: what it had of
 # the time that passed.
 cost() {
   local times
@@ -79,7 +79,7 @@ run_pfstools() {
   rm -f $pfs
 }
 
-# The program tells the milliseconds that passed in its operator.
+# The program prints the milliseconds that passed in its operator.
 run_luminance() {
   command -v luminance-hdr-cli >/dev/null || return 0
   local operator passed

@@ -21,7 +21,7 @@ pixels=$((width * height))
 jpg='[Q=95,optimize-coding,subsample-mode=off]'
 png='[compression=3,filter=sub]'
 tif='[compression=deflate,predictor=horizontal]'
-# The result's ending and the tool's options, the input, bits of the engine's input and output, how vips converts.
+# The result's file extension and the tool's options, the input, bits of the engine's input and output, how vips converts.
 conversions=(
   "jpg||scene.hdr|32-8|colourspace finished.hdr vips.jpg$jpg srgb"
   "png||scene.hdr|32-8|colourspace finished.hdr vips.png$png srgb"
@@ -48,7 +48,7 @@ seconds_of() {
   { time taskset -c "$core" "$@" >output.txt 2>errors.txt; } 2>&1 | awk '{ print $1 + $2 }'
 }
 
-# Seconds, and bytes a pixel with the host's own two buffers.
+# Seconds, and bytes per pixel with the host's own two buffers.
 engine() {
   local bits=$1
   taskset -c "$core" "$bench" --sizes "${width}x$height" --depths "$bits" --rounds 1 --plain-limit 0 --json engine.json \
@@ -61,22 +61,22 @@ engine() {
 median() { sort -g | awk '{ v[NR] = $1 } END { printf "%.3f", NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
 measure() {
-  local ending options input bits convert round parts whole engine_seconds engine_bytes tool_bytes depth=
-  IFS='|' read -r ending options input bits convert <<<"$1"
+  local extension options input bits convert round parts whole engine_seconds engine_bytes tool_bytes depth=
+  IFS='|' read -r extension options input bits convert <<<"$1"
   read -ra options <<<"$options"
   read -ra convert <<<"$convert"
   : >rounds.txt
   for ((round = 0; round < rounds; ++round)); do
     parts=$(seconds_of vips "${convert[@]}")
     read -r engine_seconds engine_bytes < <(engine "$bits")
-    whole=$(seconds_of "$tool" tonemap "$input" --overwrite -o "result.$ending" --json "${options[@]}")
+    whole=$(seconds_of "$tool" tonemap "$input" --overwrite -o "result.$extension" --json "${options[@]}")
     echo "$whole $parts $engine_seconds" >>rounds.txt
   done
   tool_bytes=$(sed -n 's/.*"peak_memory":\([0-9]*\).*/\1/p' output.txt)
   [ "${bits#*-}" = 8 ] || depth='16-bit '
   # shellcheck disable=SC2016  # they are quotes of code
   printf '| `.%s` to %s`.%s` | %.2f | %.2f + %.2f | %.2f | %.1f | %.1f |\n' "${input##*.}" \
-    "$depth" "$ending" \
+    "$depth" "$extension" \
     "$(awk '{ print $1 }' rounds.txt | median)" "$(awk '{ print $2 }' rounds.txt | median)" \
     "$(awk '{ print $3 }' rounds.txt | median)" "$(awk '{ print $1 / ($2 + $3) }' rounds.txt | median)" \
     "$(awk -v n="$pixels" -v b="$tool_bytes" 'BEGIN { print b / n }')" "$engine_bytes"
@@ -94,6 +94,6 @@ cd $work
 "$tool" tonemap scene.hdr --overwrite -o finished.tif --depth 16
 vips colourspace finished.tif linear.v scrgb
 vips copy linear.v finished.hdr
-echo "| $megapixels megapixels | tool s | vips + engine s | ratio | tool bytes a pixel | engine with its host's buffers |"
+echo "| $megapixels megapixels | tool s | vips + engine s | ratio | tool bytes per pixel | engine with its host's buffers |"
 echo '|---|---:|---:|---:|---:|---:|'
 for conversion in "${conversions[@]}"; do measure "$conversion"; done

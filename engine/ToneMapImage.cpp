@@ -8,7 +8,7 @@
 namespace TmEngine {
 namespace {
 
-// What a caller cannot choose.
+// Parameters that a caller cannot choose.
 constexpr bool kStrengthInContrast = true;
 constexpr bool kExposureScale = true;
 constexpr float kExposure = 0.0f;

@@ -48,8 +48,7 @@ class cTmRenderer {
   /// An image of the input's size, whose depth and colour space the picture is encoded in. Stays the
   /// caller's.
   void SetOutput(cBitmapLDR* pOutput);
-  /// The same without images: the picture comes from and goes to rows that the caller makes and takes. Both
-  /// stay the caller's.
+  /// Rows in place of images: the caller makes and takes the picture row by row. Both stay the caller's.
   void SetInputRows(const cRowSource& pInput);
   void SetOutputRows(cRowSink& pOutput);
   /// Curves over hue (0 to 1 for 0 to 360 degrees), neutral at 0.5: hue shift, saturation, lightness (kept,
@@ -72,13 +71,13 @@ class cTmRenderer {
                          bool pExposureScale, float pExposure, float pMicrocontrast, float pLighting,
                          float pLocalContrast, bool pHorizontalWrap, bool pTest1, bool pTest2,
                          float pWhiteClip, float pBlackClip);
-  /// Black and white points that apply instead of those that the clip shares find: for a picture that stands
-  /// for another, as a reduced one does. None takes them back.
+  /// Black and white points to use instead of those that the clip percentages give, so that a reduced picture
+  /// is rendered like its original. None takes them back.
   void SetBlackWhite(const std::optional<sBlackWhite>& pPoints);
-  /// Whether the stages write their lines to standard error (they do at first).
+  /// Whether the stages write their lines to standard error (the default).
   void SetVerbose(bool pVerbose);
 
-  // What must run again at the next Render.
+  // Marks what must run again at the next Render.
   void InvalidateAll();
   void InvalidatePhase1();  ///< Phase 1 and what follows.
   void InvalidatePhase2();  ///< Phase 2 and what follows.
@@ -96,7 +95,7 @@ class cTmRenderer {
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 
-  // What the stages found, as of their last run.
+  // The stages' results, as of their last run.
   const sLuminanceRange& GetLuminanceRange() const { return fLuminance; }
   const sLayerStatistics& GetLayerStatistics() const { return fLayers; }
   const sToneTables& GetToneTables() const { return fToneTables; }
@@ -121,7 +120,7 @@ class cTmRenderer {
 
   cLargeRegion fRegion;  // of what follows
 
-  // What the stages hand on; null until the preparation has run.
+  // The stages' intermediate results; null until the preparation has run.
   std::unique_ptr<cBitmapU16T> fColorRecords;
   tPlane fLogLuminance;
   tPlane fBase;

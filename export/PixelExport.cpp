@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Copies a blue, green, red row as it stands. The host's row may be shorter than the picture's, but not
+/// Copies a blue, green, red row unchanged. The host's row may be shorter than the picture's, but not
 /// negative; what lies between its last pixel and its next row is padding, which stays.
 void CopyRow(const tm_quorvane_image& pImage, const unsigned char* pFrom, std::ptrdiff_t pY,
              unsigned char* pTo) {
@@ -48,7 +48,8 @@ void LogSampledPixels(const tm_quorvane_image& pImage, const TmEngine::sSampleRo
   }
 }
 
-/// Whether the host's rows are what the engine writes: three samples a pixel, room for all, and aligned.
+/// Whether the host's rows are what the engine writes: three samples per pixel, long enough for all, and
+/// aligned.
 bool TakesRows(const tm_quorvane_image& pImage, const void* pPixels) {
   const bool isAligned = pImage.output_bits == 8 || (reinterpret_cast<std::uintptr_t>(pPixels) & 1) == 0;
   return isAligned && pImage.samples_per_pixel == 3 &&

@@ -57,7 +57,8 @@ void CheckPixels(const tm_quorvane_image& pImage, const void* pInputPixels, cons
            "Argument pSamplesPerPixel must be greater than zero.");
 }
 
-/// Pixels that are written one by one need a place each. A row that is copied as a whole may be cut.
+/// Pixels that are written one by one need a row long enough for all. A row that is copied as a whole may be
+/// cut.
 void CheckRowPitch(const tm_quorvane_image& pImage) {
   const bool isCopied = pImage.reversed_order != 0;
   const std::int64_t least = isCopied ? 0 : std::int64_t{pImage.samples_per_pixel} * pImage.width;

@@ -15,7 +15,7 @@ class cAllocationHook {
   void Remove();
 
   // None of these may allocate.
-  virtual bool Allows(std::size_t pBytes) = 0;  ///< Whether a block can be had.
+  virtual bool Allows(std::size_t pBytes) = 0;  ///< Whether a block may be allocated.
   /// Whether memory outside the heap can be mapped.
   virtual bool AllowsMapping(std::size_t) { return true; }
   virtual void Mapped(std::size_t) {}

@@ -1,4 +1,4 @@
-// What the leak sanitizer is told. The functions are looked up by name, so they must be visible.
+// The options of the leak sanitizer. The functions are looked up by name, so they must be visible.
 
 // The texts of a thrown exception stay allocated on purpose (see cException). libx265, by which pictures for
 // tests are written, keeps some memory too.

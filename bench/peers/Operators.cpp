@@ -1,5 +1,5 @@
 // One round of tone-mapping operators on one picture, each called once: OpenCV's, and the library's exported
-// function. Prints a line for each: its name, a tab, nanoseconds of processor time a pixel.
+// function. Prints a line for each: its name, a tab, nanoseconds of processor time per pixel.
 //
 //   operators PICTURE.hdr
 //
@@ -22,7 +22,7 @@ namespace {
 
 constexpr float kExposure = 0.35f;  // of pictures of 16 bits, which clip what is brighter than white
 
-constexpr double kWarmBytes = 100.0;  // a pixel; most take less
+constexpr double kWarmBytes = 100.0;  // per pixel; most take less
 
 template <class tDo>
 void Time(const char* pName, const cv::Mat& pPicture, const tDo& pDo) {
@@ -92,7 +92,7 @@ int main(int pCount, char** pArguments) {
   cv::setNumThreads(1);
   try {
     const cv::Mat picture = cv::imread(pArguments[1], cv::IMREAD_UNCHANGED);
-    if (picture.type() != CV_32FC3) throw std::runtime_error("not a picture of three floats a pixel");
+    if (picture.type() != CV_32FC3) throw std::runtime_error("not a picture of three floats per pixel");
     const Bench::cSilence silence;  // the library's lines
     TimeAll(picture);
   } catch (const std::exception& failure) {

@@ -20,10 +20,10 @@ struct sFreePlane {
   }
 };
 
-/// One float a pixel, row-major without padding, not cleared.
+/// One float per pixel, row-major without padding, not cleared.
 using tPlane = std::unique_ptr<float[], sFreePlane>;
 
-/// From pRegion, which must stay as long, where it has room, else from malloc; null without memory.
+/// A plane in pRegion, which must outlive it, where that has room, else from malloc; null without memory.
 tPlane AllocPlane(int pWidth, int pHeight, cLargeRegion* pRegion = nullptr);
 
 /// Index of the first pixel of row pY of a plane.

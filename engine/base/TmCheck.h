@@ -12,14 +12,14 @@
 
 namespace TmEngine {
 
-/// Where a check stands: what an exception tells about its origin.
+/// Where a check is made: what an exception reports about its origin.
 struct sThrowPlace {
   const char* fFunction;
   const char* fFile;
   int fLine;
 };
 
-// The throws stand out of line, one function a class: checked code stays small.
+// The throws are out of line, one function per class, so that checked code stays small.
 [[noreturn]] void Throw_cArgumentException(const char* pMessage, const sThrowPlace& pPlace);
 [[noreturn]] void Throw_cArgumentNullException(const char* pMessage, const sThrowPlace& pPlace);
 [[noreturn]] void Throw_cInvalidOperationException(const char* pMessage, const sThrowPlace& pPlace);
@@ -27,7 +27,7 @@ struct sThrowPlace {
 
 }  // namespace TmEngine
 
-/// The place of the line that it stands in, for a helper that makes a group of checks in its caller's name.
+/// The place of the line that uses it, for a helper that makes a group of checks in its caller's name.
 #define TM_HERE (::TmEngine::sThrowPlace{kSignature, kSourceFile, __LINE__})
 
 /// Throws pException (a class name of this namespace) with pMessage, in the name of pPlace.
@@ -39,6 +39,6 @@ struct sThrowPlace {
 /// Throws pException with pMessage unless pCondition holds.
 #define TM_CHECK(pCondition, pException, pMessage) TM_CHECK_AT(TM_HERE, pCondition, pException, pMessage)
 
-/// The same with a fixed line number, where hosts know the check by it.
+/// TM_CHECK with a fixed line number, for checks that hosts know by their line.
 #define TM_CHECK_LINE(pLine, pCondition, pException, pMessage) \
   TM_CHECK_AT((::TmEngine::sThrowPlace{kSignature, kSourceFile, pLine}), pCondition, pException, pMessage)

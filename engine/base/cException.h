@@ -9,7 +9,7 @@ namespace TmEngine {
 /// Every text is a NUL-terminated 8-bit string and may be null, except the message (a null message becomes an
 /// empty text). The constructor makes its own copies of the texts and never releases them: copies of an
 /// exception share the blocks of their source, so that copying while an exception is in flight cannot fail
-/// half-way. A copy that cannot be had leaves its text null.
+/// half-way. A copy for which there is no memory leaves its text null.
 class cException : public std::runtime_error {
  public:
   cException(const char* const& pClassName, const char* const& pCategory, const char* const& pMessage,

@@ -82,10 +82,10 @@ cLargeRegion::~cLargeRegion() {
 }
 
 void* cLargeRegion::Take(std::size_t pBytes) {
-  const std::size_t room = RoomOf(pBytes);
-  if (room > fBytes - fTaken) return nullptr;
+  const std::size_t needed = SizeOf(pBytes);
+  if (needed > fBytes - fTaken) return nullptr;
   char* const block = fStart + fTaken;
-  fTaken += room;
+  fTaken += needed;
   Permit(block, pBytes);
   return block;
 }

@@ -13,8 +13,8 @@
 namespace TmEngine {
 
 /// Memory of a few megabytes straight from the system, which begins where a large page does, for blocks that
-/// are too small to get large pages one by one: most of the cost of fresh memory is paid a page. Only speed
-/// depends on it: where there is no region, blocks are had elsewhere.
+/// are too small to get large pages one by one: most of the cost of fresh memory is paid per page. Only speed
+/// depends on it: where there is no region, blocks come from malloc.
 class cLargeRegion {
 #if defined(TM_WATCHES_ADDRESSES)
   static constexpr std::size_t kGap = 64;  // behind each block, where the sanitizer reports what is touched
@@ -24,7 +24,7 @@ class cLargeRegion {
 
  public:
   cLargeRegion() = default;
-  /// Without memory where the system has none of that kind, or for sizes that do not gain.
+  /// Empty for sizes that gain nothing, and where the system has no such memory.
   explicit cLargeRegion(std::size_t pBytes);
   cLargeRegion(cLargeRegion&& pFrom) noexcept {
     Swap(pFrom);
@@ -32,11 +32,11 @@ class cLargeRegion {
   cLargeRegion& operator=(cLargeRegion&& pFrom) noexcept;
   ~cLargeRegion();
 
-  /// A block that stays the region's, aligned to 64 bytes and not cleared; null when there is no room.
+  /// A block that the region owns, aligned to 64 bytes and not cleared; null when the region is full.
   void* Take(std::size_t pBytes);
 
-  /// What Take needs for a block.
-  static constexpr std::size_t RoomOf(std::size_t pBytes) {
+  /// Bytes that Take needs for a block.
+  static constexpr std::size_t SizeOf(std::size_t pBytes) {
     return ((pBytes + 63) & ~std::size_t{63}) + kGap;
   }
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kSourceFile[] = ".\\cMemUtils.cpp";
 
-/// Frees every tile and the array; tells whether a tile was null.
+/// Frees every tile and the array; returns whether a tile was null.
 bool FreeTiles(void** pTiles, int pTileCount) {
   bool sawNull = false;
   for (int i = 0; i < pTileCount; ++i) {

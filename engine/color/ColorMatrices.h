@@ -11,7 +11,7 @@ struct sChromaticities {
 };
 
 // The derivations of an RGB space's matrices, all in double. Chromaticities that span no space are not
-// detected: where a matrix has no inverse, zeros stand in for it.
+// detected: where a matrix has no inverse, zeros take its place.
 
 /// Linear RGB to XYZ relative to the space's own white, which (1, 1, 1) maps to with Y = 1.
 cMatrix33d DeriveRGBToXYZNative(const sChromaticities& pSpace);

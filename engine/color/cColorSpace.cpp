@@ -115,7 +115,8 @@ cMatrix33d cColorSpace::BuildRGBToXYZd(float pRedX, float pRedY, float pGreenX, 
   return DeriveRGBToXYZD50({{pRedX, pRedY}, {pGreenX, pGreenY}, {pBlueX, pBlueY}, {pWhiteX, pWhiteY}});
 }
 
-// In the constructors below, a transfer that cannot be had leaves the other to the base's destructor.
+// In the constructors below, the base's destructor frees the first transfer if there is no memory for the
+// second.
 
 cColorSpace_sRGB::cColorSpace_sRGB() : cColorSpace({0.64f, 0.33f}, {0.3f, 0.6f}, {0.15f, 0.06f}, kD65) {
   fToLinear = new cTransfer_sRGBToLinear;

@@ -53,8 +53,8 @@ class cTransferLinearTo_sRGB : public cRowTransfer {
   void FillRow(const float* pX, float* pTo, int pCount) const override;
 };
 
-/// The check of the tables made of transfers: cArgumentNullException for null, in the name of pSignature. It
-/// stands in the source of the transfers, which is the one that their exceptions name.
+/// The check of the tables made of transfers: cArgumentNullException for null, in the name of pSignature.
+/// Their exceptions name the transfers' source, so it is written there.
 void CheckTransfer(const cTransfer* pTransfer, const char* pSignature);
 
 /// Linear interpolation in a table of equally spaced samples over [0, 1].

@@ -29,8 +29,8 @@ std::unique_ptr<sControlPoint[]> CopyPoints(const sControlPoint* pFrom, int pCou
   return points;
 }
 
-// Sorting needs an order that holds for every input: an x that is not a number, which the table takes as 0,
-// comes before all numbers.
+// Sorting needs an order that holds for every input: an x that is NaN, which the table takes as 0, comes
+// before all numbers.
 bool IsBefore(const sControlPoint& pLeft, const sControlPoint& pRight) {
   const float left = pLeft.fPoint.fX;
   const float right = pRight.fPoint.fX;

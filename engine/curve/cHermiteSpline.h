@@ -11,8 +11,8 @@ namespace TmEngine {
 /// A point of a curve, with the tangents of the segments that leave and reach it.
 struct sControlPoint {
   cVector2 fPoint;            ///< x = input, y = output.
-  cVector2 fNextTangent;      ///< Of the segment that starts here.
-  cVector2 fPreviousTangent;  ///< Of the segment that ends here.
+  cVector2 fNextTangent;      ///< Tangent at the start of the next segment.
+  cVector2 fPreviousTangent;  ///< Tangent at the end of the segment before.
   unsigned int fID = 0;       ///< Position in the array as given, before sorting.
 };
 static_assert(sizeof(sControlPoint) == 28);
@@ -28,13 +28,13 @@ enum eSplineInterpolationMode : int {
 /// A curve on [0, 1] through control points, joined by cubic Hermite segments. Rendered once after a change
 /// into a table of 65,536 samples, which Evaluate reads; other tables derive from it on demand.
 ///
-/// Points may lie outside [0, 1]: the table shows the part within, samples clamped to [0, 1]. A coordinate
-/// that is not a number counts as 0 there. Tables are built in const calls, without locks: one thread at a
+/// Points may lie outside [0, 1]: the table shows the part within, samples clamped to [0, 1]. A NaN
+/// coordinate counts as 0 there. Tables are built in const calls, without locks: one thread at a
 /// time. A call that throws, for want of memory too, leaves points, tangents and mode as they were.
 class cHermiteSpline : public cTransfer {
  public:
   cHermiteSpline();  ///< The diagonal: (0, 0) and (1, 1), mode 0.
-  /// Mode and points of pFrom, numbered as they stand there.
+  /// Mode and points of pFrom, numbered in their present order.
   explicit cHermiteSpline(const cHermiteSpline& pFrom);
   cHermiteSpline& operator=(const cHermiteSpline&) = delete;
   ~cHermiteSpline() override;
@@ -101,8 +101,7 @@ struct sKeyFrameTexts {
 };
 
 /// The checks of cInterpolatedHermiteSpline's key frames, in the name of pSignature: cArgumentException for
-/// the counts, cArgumentNullException. They stand in the source of the base, which is the one that their
-/// exceptions name.
+/// the counts, cArgumentNullException. Their exceptions name the base's source, so they are written there.
 void CheckKeyFrames(int pControlPointCount, int pKeyFrameCount, const void* pCPs,
                     const sKeyFrameTexts& pTexts, const char* pSignature);
 

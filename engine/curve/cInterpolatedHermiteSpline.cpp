@@ -10,7 +10,7 @@ namespace {
 constexpr int kInitialKeyFrames = 2;
 constexpr int kFloatsPerPoint = 6;
 
-// The two forms of SetKeyFrames check the same, in other words.
+// Both forms of SetKeyFrames make the same checks, with different texts.
 constexpr sKeyFrameTexts kRecordTexts = {"Argument pControlPointCount must be greater than or equal to two.",
                                          "Argument pKeyFrameCount must be greater than or equal to one."};
 constexpr sKeyFrameTexts kFloatTexts = {"Argument pControlPointCount must be greater or equal than two.",
@@ -20,7 +20,7 @@ std::size_t RecordCount(int pControlPointCount, int pKeyFrameCount) {
   return static_cast<std::size_t>(pControlPointCount) * static_cast<std::size_t>(pKeyFrameCount);
 }
 
-// A place between two neighbouring frames: the frame before it, and how much of the frame after it.
+// A position between two neighbouring frames: the frame before it, and the share of the frame after it.
 struct sPosition {
   int fFrame;
   float fWeight;

@@ -11,7 +11,7 @@ class cInterpolatedHermiteSpline : public cHermiteSpline {
  public:
   cInterpolatedHermiteSpline();                                      ///< Two key frames, both the diagonal.
   explicit cInterpolatedHermiteSpline(const cHermiteSpline& pFrom);  ///< Two key frames, both pFrom's points.
-  /// The same: a curve is copied as it stands, its key frames are not.
+  /// Two key frames, both pFrom's present points: key frames are not copied.
   explicit cInterpolatedHermiteSpline(const cInterpolatedHermiteSpline& pFrom);
   ~cInterpolatedHermiteSpline() override;
 
@@ -21,7 +21,7 @@ class cInterpolatedHermiteSpline : public cHermiteSpline {
   /// may be the spline's own. Afterwards the points are frame 0, updated by the mode.
   void SetKeyFrames(eSplineInterpolationMode pMode, int pControlPointCount, int pKeyFrameCount,
                     const sControlPoint* pCPs);
-  /// The same from six floats a point: the point, its previous tangent, its next tangent.
+  /// Key frames of six floats per point: the point, its previous tangent, its next tangent.
   void SetKeyFrames(eSplineInterpolationMode pMode, int pControlPointCount, int pKeyFrameCount,
                     const float* pCPs);
   /// Blends the points at pT: 0 is the first frame, 1 and above the last; NaN and values below 0 take frame

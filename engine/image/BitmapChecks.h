@@ -5,7 +5,7 @@
 #include "engine/base/TmCheck.h"
 
 /// Argument checks that the image classes and image operations share. Each makes one check (or a group, in
-/// the order told) in the name of pPlace and composes its text from the names of the things compared.
+/// the order stated) in the name of pPlace and composes its text from the names of the things compared.
 
 namespace TmEngine {
 
@@ -27,7 +27,7 @@ void CheckStride(int pStride, const char* pName, std::int64_t pLeast, const char
 /// Width, then height: "Argument FIRST->fWidth must be equal to SECOND->fWidth." and the like.
 void CheckSameSize(const cBitmap& pFirst, const char* pFirstName, const cBitmap& pSecond,
                    const char* pSecondName, const sThrowPlace& pPlace);
-/// The partner of an operation of pThis: not null, then of the same size ("this->fWidth").
+/// Checks the other image of an operation of pThis: not null, then of equal size ("this->fWidth").
 void CheckPartner(const cBitmap* pPartner, const char* pName, const cBitmap& pThis,
                   const sThrowPlace& pPlace);
 

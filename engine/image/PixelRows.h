@@ -12,8 +12,8 @@ class cColorSpace;
 /// processor's nearest cache.
 inline constexpr int kRunLength = 1024;
 
-/// Rows that make up a run together. What a step of the work has just written, the next one reads from the
-/// cache only when there is enough in between; in narrow pictures one row is not.
+/// Rows that make up a run together. Each step of the work reads what the step before wrote, which is in the
+/// cache only when enough was done in between; in narrow pictures, one row is not enough.
 inline int RowsOfRun(int pWidth) {
   return pWidth < kRunLength ? kRunLength / pWidth : 1;
 }
@@ -24,8 +24,8 @@ struct sRowsOfRun {
   int fCount;
 };
 
-/// Of the run that row pY belongs to. Where a picture lies in tiles of pTileHeight rows, no run crosses from
-/// one to the next.
+/// The rows of the run that row pY belongs to. Where a picture lies in tiles of pTileHeight rows, no run
+/// crosses from one to the next.
 inline sRowsOfRun RunOfRow(int pY, int pWidth, int pHeight, int pTileHeight) {
   const int inTile = pY % pTileHeight;
   const int rows = RowsOfRun(pWidth);
@@ -62,7 +62,7 @@ void ForEachPart(int pWidth, int pY, int pX, int pCount, const tPart& pPart) {
   }
 }
 
-/// Takes pixels of three samples apart, into a plane a sample.
+/// Splits pixels of three samples into three planes.
 inline void SplitPixels(const float* pPixels, int pCount, float* pTo0, float* pTo1, float* pTo2) {
   for (int i = 0; i < pCount; ++i, pPixels += 3) {
     pTo0[i] = pPixels[0];
@@ -72,7 +72,7 @@ inline void SplitPixels(const float* pPixels, int pCount, float* pTo0, float* pT
 }
 
 /// Where a renderer's input comes from, a run of pixels at a time: linear light, D50-relative XYZ. Rows are
-/// asked for from top to bottom, each from left to right, once a preparation.
+/// read from top to bottom, each from left to right, once per preparation.
 class cRowSource {
  public:
   cRowSource(int pWidth, int pHeight) : fWidth(pWidth), fHeight(pHeight) {}
@@ -83,7 +83,7 @@ class cRowSource {
   int GetWidth() const { return fWidth; }
   int GetHeight() const { return fHeight; }
 
-  /// Writes the pCount (at most kRunLength) pixels from column pX of row pY on, a plane a channel.
+  /// Writes the pCount (at most kRunLength) pixels from column pX of row pY on, one plane per channel.
   virtual void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const = 0;
 
  private:
@@ -91,7 +91,7 @@ class cRowSource {
   int fHeight;
 };
 
-/// A row's samples: three a pixel, without gaps.
+/// A row's samples: three per pixel, without gaps.
 struct sSampleRow {
   void* fSamples;
   bool fRedFirst;  ///< Red, green, blue; else blue, green, red.

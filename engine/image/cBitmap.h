@@ -17,7 +17,7 @@ class cBitmap {
   virtual int GetStride() const;   ///< Bytes from one row to the next.
   virtual void SwapWidthHeight();  ///< Implemented by no class: throws cInvalidOperationException.
 
-  int GetWidth() const { return fWidth; }    ///< Pixels a row.
+  int GetWidth() const { return fWidth; }    ///< Pixels per row.
   int GetHeight() const { return fHeight; }  ///< Rows.
 
  protected:
@@ -25,13 +25,13 @@ class cBitmap {
   cBitmap(int pWidth, int pHeight) : fWidth(pWidth), fHeight(pHeight) {}
 
   /// The allocation rule of every untiled image: width and height rounded up to multiples of 4 pixels and
-  /// rows, not cleared, from malloc. Null when the stride does not fit an int or the block cannot be had.
+  /// rows, not cleared, from malloc. Null when the stride does not fit an int or there is no memory.
   static void* AllocRows(int pWidth, int pHeight, int pPixelBytes, int& pStride);
-  /// The same with the checks of every AllocBitmapData, in the name of pPlace: sizes (cArgumentException),
+  /// AllocRows with the checks of every AllocBitmapData, in the name of pPlace: sizes (cArgumentException),
   /// then the block (cOutOfMemoryException with pFailureText).
   static void* AllocRows(int pWidth, int pHeight, int pPixelBytes, int& pStride, const char* pFailureText,
                          const sThrowPlace& pPlace);
-  /// One block, padding included, when the strides are equal; otherwise pRowBytes a row. Strides in bytes.
+  /// One block, padding included, when the strides are equal; otherwise pRowBytes per row. Strides in bytes.
   /// The source may be the destination's own block.
   static void CopyRows(void* pTo, int pToStride, const void* pFrom, int pFromStride, std::size_t pRowBytes,
                        int pRows);

@@ -9,7 +9,7 @@ namespace TmEngine {
 class cBitmapBGR8;
 class cTransferLUT_F32I16;
 
-/// Three unsigned 16-bit samples a pixel: blue, green, red, native byte order. Strides are in bytes.
+/// Three unsigned 16-bit samples per pixel: blue, green, red, native byte order. Strides are in bytes.
 class cBitmapBGR16 : public cBitmapLDR {
  public:
   /// Throws cArgumentException (sizes) or cOutOfMemoryException and sets pStride. The block is not cleared.

@@ -85,7 +85,7 @@ unsigned char* cBitmapBGR8::GetBitmapData() {
 unsigned char* cBitmapBGR8::TakeBitmapData() {
   unsigned char* const block = fBGR8;
   fBGR8 = nullptr;
-  fWidth = fHeight = fStride = 0;  // no operation looks for pixels that are gone
+  fWidth = fHeight = fStride = 0;  // the pixels belong to the caller now
   return block;
 }
 

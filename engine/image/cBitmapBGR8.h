@@ -9,7 +9,7 @@ namespace TmEngine {
 class cTransferLUT_I8F32;
 class cTransferLUT_F32I8;
 
-/// Three unsigned 8-bit samples a pixel: blue, green, red. Strides are in bytes.
+/// Three unsigned 8-bit samples per pixel: blue, green, red. Strides are in bytes.
 class cBitmapBGR8 : public cBitmapLDR {
  public:
   /// Throws cArgumentException (sizes) or cOutOfMemoryException and sets pStride. The block is not cleared.

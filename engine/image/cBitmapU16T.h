@@ -9,12 +9,12 @@ namespace TmEngine {
 
 class cLargeRegion;
 
-/// A tiled image of a chosen number of 16-bit channels a pixel (see cMemUtils::TiledBitmapAlloc).
+/// A tiled image of a chosen number of 16-bit channels per pixel (see cMemUtils::TiledBitmapAlloc).
 class cBitmapU16T : public cBitmap {
  public:
   /// Throws cArgumentException (sizes, channels), cInvalidOperationException (a row over 10 MiB) or
   /// cOutOfMemoryException.
-  /// Lies in pRegion, which must stay as long, as one tile, where that has room.
+  /// One tile in pRegion, which must outlive the image, where the region has room for it.
   cBitmapU16T(int pWidth, int pHeight, int pPlane, cLargeRegion* pRegion = nullptr);
   ~cBitmapU16T() override;
 

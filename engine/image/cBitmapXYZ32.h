@@ -4,8 +4,8 @@
 
 namespace TmEngine {
 
-/// Three floats a pixel: CIE XYZ (D50-relative, white has Y = 1), or linear light in the order that the
-/// operation which filled it tells. Rows advance by fStride / 4 floats.
+/// Three floats per pixel: CIE XYZ (D50-relative, white has Y = 1), or linear light in the order that the
+/// operation which filled it states. Rows advance by fStride / 4 floats.
 class cBitmapXYZ32 : public cBitmap {
  public:
   /// Throws cArgumentException (sizes) or cOutOfMemoryException and sets pStride. The block is not cleared.

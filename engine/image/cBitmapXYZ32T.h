@@ -8,7 +8,7 @@ namespace TmEngine {
 
 class cBitmapXYZ32;
 
-/// The tiled twin of cBitmapXYZ32: three floats a pixel (see cMemUtils::TiledBitmapAlloc).
+/// The tiled twin of cBitmapXYZ32: three floats per pixel (see cMemUtils::TiledBitmapAlloc).
 class cBitmapXYZ32T : public cBitmap {
  public:
   cBitmapXYZ32T(int pWidth, int pHeight);

@@ -4,7 +4,7 @@
 
 namespace TmEngine {
 
-/// One float a pixel, for luminance and other planes. Rows advance by fStride / 4 floats.
+/// One float per pixel, for luminance and other planes. Rows advance by fStride / 4 floats.
 class cBitmapY32 : public cBitmap {
  public:
   /// Throws cArgumentException (sizes) or cOutOfMemoryException and sets pStride. The block is not cleared.

@@ -6,7 +6,7 @@ namespace TmEngine {
 
 class cBitmapLDR;
 
-/// One byte a pixel: grey as ITU-R BT.601 luma of encoded samples, in 16-bit fixed point.
+/// One byte per pixel: grey as ITU-R BT.601 luma of encoded samples, in 16-bit fixed point.
 class cBitmapY8 : public cBitmap {
  public:
   /// Throws cArgumentException (sizes) or cOutOfMemoryException and sets pStride. The block is not cleared.

@@ -128,8 +128,8 @@ struct sStretch {
   }
 };
 
-/// Every channel by its own stretch. Constants stand side by side as samples do, so that whole vectors of
-/// samples are worked on.
+/// Stretches each channel by its own range. The constants are laid out as the samples are, so that whole
+/// vectors of samples are worked on.
 void StretchPixels(cBitmapXYZ32& pImage, const std::array<sRange, 3>& pRanges) {
   constexpr int kLanes = 48;
   float mins[kLanes], ranges[kLanes];

@@ -51,7 +51,7 @@ class cImageUtils {
   /// Encodes linear light, order kept, through the destination's colour space.
   static void BGR32LinearToBGR8(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR8* pDstBGR8);
   static void BGR32LinearToBGR16(const cBitmapXYZ32* pSrcBGR32, cBitmapBGR16* pDstBGR16);
-  // The same into a new image of the source's size, owned by the caller.
+  // Conversions into a new image of the source's size, owned by the caller.
   static cBitmapXYZ32* BGR8ToBGR32(const cBitmapBGR8* pSrcBGR8);
   static cBitmapXYZ32* BGR16ToBGR32(const cBitmapBGR16* pSrcBGR16);
   static cBitmapXYZ32* BGR8ToBGR32Linear(const cBitmapBGR8* pSrcBGR8);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kSourceFile[] = ".\\cImageUtilsArithmetic.cpp";
 
-/// A rectangle's place in two images.
+/// A rectangle's position in two images.
 struct sRectangle {
   int fSrcX, fSrcY, fDstX, fDstY, fWidth, fHeight;
 };
@@ -46,7 +46,7 @@ void CheckCopy(const tImage* pSrc, const char* pSrcName, const tImage* pDst, con
   CheckCorners(*pDst, pRectangle.fDstX, pRectangle.fDstY, pRectangle, "destination", pPlace);
 }
 
-/// pSamples of a pixel. Sample by sample, so that overlapping rectangles copy forward.
+/// Copies the pSamples of each pixel. Sample by sample, so that overlapping rectangles copy forward.
 template <class tImage>
 void CopyRectangle(const tImage& pSrc, tImage& pDst, const sRectangle& pRectangle, int pSamples) {
   const auto from = RowsOf(pSrc);
@@ -91,8 +91,8 @@ void CheckComparison(const tImage* pSrc1, const tImage* pSrc2, const sThrowPlace
   CheckSameSize(*pSrc1, "pSrc1", *pSrc2, "pSrc2", pPlace);
 }
 
-/// Of samples: in their own type, so that as many as possible are compared at once, and without a minimum,
-/// which not every processor has.
+/// |pA - pB| in the samples' own type, so that vectors hold as many as possible, and without a minimum, which
+/// not every processor has for vectors.
 template <class tSample>
 tSample Distance(tSample pA, tSample pB) {
   const tSample larger = std::max(pA, pB);
@@ -108,8 +108,8 @@ struct sChannelSums {
   double fD[3] = {0.0, 0.0, 0.0};
 };
 
-/// Of samples a row: whole numbers, which may be added in any order. fLanes sums for as many samples side by
-/// side, of 16 pixels; a block of them overflows nothing.
+/// Adds a row of whole numbers, whose order does not matter: kLanes sums side by side, for the samples of 16
+/// pixels, over blocks that are short enough not to overflow.
 template <class tSample>
 void AddDistances(const tSample* p1, const tSample* p2, int pWidth, sChannelSums& pSums) {
   constexpr int kLanes = 48;
@@ -131,7 +131,7 @@ void AddDistances(const tSample* p1, const tSample* p2, int pWidth, sChannelSums
   for (int c = 0; c < 3; ++c) pSums.fD[c] += static_cast<double>(sums[c]);
 }
 
-/// Of floats: added one after the other, as the order decides the last bits.
+/// Adds a row of floats one after the other, as their order decides the last bits.
 void AddDistances(const float* p1, const float* p2, int pWidth, sChannelSums& pSums) {
   double sum0 = pSums.fD[0], sum1 = pSums.fD[1], sum2 = pSums.fD[2];
   for (int x = 0; x < pWidth; ++x, p1 += 3, p2 += 3) {

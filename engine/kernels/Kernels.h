@@ -4,7 +4,7 @@
 
 namespace TmEngine {
 
-/// A run of colours in XYZ, a plane each.
+/// A run of colours in XYZ, one plane per channel.
 struct sXYZRun {
   const float* fX;
   const float* fY;
@@ -19,7 +19,7 @@ struct sColorRun {
   float* fLuminance;  ///< null in a run without
 };
 
-/// What is written by an operation that looks for the range of values. NaN counts as neither.
+/// The smallest and largest of some values. NaN counts as neither.
 struct sRange {
   float fMin;
   float fMax;
@@ -43,8 +43,8 @@ struct sExposure {
 
 /// What the equaliser makes of a colour.
 struct sEqualiser {
-  const float* fHues;       ///< three floats a hue code
-  const float* fLightness;  ///< one a hue code, neutral at 0.5
+  const float* fHues;       ///< three floats per hue code
+  const float* fLightness;  ///< one per hue code, neutral at 0.5
   const float* fMatrix;     ///< row-major, from linear working RGB to linear output RGB
 };
 
@@ -83,7 +83,7 @@ struct sKernels {
   void (*fQuantise)(const float* pValues, float pMin, float pWidth, int* pIndices, int pCount);
   /// truncate((v - pMin) * pScale) in [0, 65535].
   void (*fBins)(const float* pValues, float pMin, float pScale, int* pBins, int pCount);
-  /// The three channels of each colour as indices of 65,536-entry tables over [0, 1]. pHues: three floats a
+  /// The three channels of each colour as indices of 65,536-entry tables over [0, 1]. pHues: three floats per
   /// hue code, or null for those of a neutral cHueTable.
   void (*fColorIndices)(const sColorRun& pFrom, const float* pHues, const sExposure& pExposure, int* pR,
                         int* pG, int* pB, int pCount);

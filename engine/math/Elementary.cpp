@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// What the processor makes of 0 / 0, whose sign is seen when it is printed. x: finite.
+/// The NaN that the processor computes for 0 / 0: its sign shows when it is printed. x: finite.
 double NotANumber(double x) {
   return (x - x) / (x - x);
 }
@@ -26,7 +26,7 @@ double PowerOfTwo(int pExponent) {
   return DoublesOf(static_cast<tWords>(pExponent + 1023) << 52);
 }
 
-/// The sum of pResult times its power of two, where that may be too large or denormal.
+/// The sum of pResult times its power of two, which may overflow or be denormal.
 double Assemble(const sScaled& pResult) {
   const int exponent = static_cast<int>(static_cast<std::int64_t>(pResult.fExponent) >> 52);
   const double sum = pResult.fHigh + pResult.fLow;
@@ -34,7 +34,7 @@ double Assemble(const sScaled& pResult) {
     const int half = exponent / 2;
     return sum * PowerOfTwo(half) * PowerOfTwo(exponent - half);
   }
-  // Rounded once, where denormals end: that is the last place of sums with this number.
+  // Adding this number rounds the sum once, at the last place that denormals have.
   const double align = PowerOfTwo(-1022 - exponent);
   const double high = align + pResult.fHigh;
   const double rounded = high + ((pResult.fHigh - (high - align)) + pResult.fLow);

@@ -51,7 +51,7 @@ float Kernel(const float* pAt, std::ptrdiff_t pStep) {
 bool cBilateralGrid::IsWithinBounds(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin,
                                     float pRangeMax) {
   constexpr double kAlways = 1e8, kPerPixel = 8.0;
-  // Of three axes, 64 bits may not hold the product; a double does without loss of what matters.
+  // The product of three axes may not fit 64 bits; a double's rounding is far below the limit's precision.
   const double cells = static_cast<double>(AxisCells(static_cast<float>(pWidth - 1), pSigmaS)) *
                        static_cast<double>(AxisCells(static_cast<float>(pHeight - 1), pSigmaS)) *
                        static_cast<double>(AxisCells(pRangeMax - pRangeMin, pSigmaR));
@@ -83,7 +83,8 @@ float* cBilateralGrid::AllocCells() const {
 
 namespace {
 
-/// The first whole number from pFirst to pEnd that pHolds does not hold for; it holds for those before only.
+/// The first whole number from pFirst to pEnd for which pHolds is false. pHolds is true up to some number and
+/// false from there on (the search is binary).
 template <class tHolds>
 std::int64_t FirstBeyond(std::int64_t pFirst, std::int64_t pEnd, const tHolds& pHolds) {
   while (pFirst < pEnd) {
@@ -97,7 +98,8 @@ std::int64_t FirstBeyond(std::int64_t pFirst, std::int64_t pEnd, const tHolds& p
   return pFirst;
 }
 
-/// Columns that a row is summed over, counted on beyond its edges.
+/// Columns that a row is summed over; negative ones, and those from the width on, lie around the wrapped
+/// edges.
 struct sExtent {
   std::int64_t fFirst;
   std::int64_t fEnd;
@@ -156,8 +158,8 @@ struct sSplat {
 
   void Add(int pIndex) const { Store(CellOf(pIndex), Load(CellOf(pIndex)) + SumsOf(pIndex)); }
 
-  /// Adds the first pCount values. A cell's sums wait until another cell's turn comes: where that is seldom,
-  /// an addition is faster than one that waits for the memory of the one before.
+  /// Adds the first pCount values. Sums stay in a register until the cell changes: where that is seldom, this
+  /// is faster than a store and a load, each waiting for the one before, for every value.
   void AddStretches(int pCount) const {
     float* cell = CellOf(0);
     tSums sums = Load(cell);
@@ -213,8 +215,8 @@ void cBilateralGrid::SplatRow(const float* pFrom, const int* pCellsZ, const std:
   }
 }
 
-/// A row that is summed several times over, mostly into few cells, so that each addition to a cell would wait
-/// for the one before.
+/// Sums a wrapped row, which is taken several times over and falls mostly into few cells, so that each
+/// addition to a cell would wait for the one before.
 bool cBilateralGrid::SplatRepeatedRow(const bool* pCancel, const float* pFrom, const int* pCellsZ,
                                       const std::vector<sColumns>& pColumns, float* pRow) {
   const std::ptrdiff_t stepZ = 2 * Cell(0, 0, 1);
@@ -272,7 +274,7 @@ bool cBilateralGrid::BlurPass(const bool* pCancel, std::ptrdiff_t pStep, const f
   });
 }
 
-/// A pass that leaves the quotient of value and weight in the value's place.
+/// The last pass of the blur, which also replaces each sum of values by the mean: the sum over the weight.
 bool cBilateralGrid::BlurAndNormalise(const bool* pCancel, std::ptrdiff_t pStep, const float* pFrom,
                                       float* pTo) const {
   return ForEachInteriorRow(pCancel, [=](std::ptrdiff_t pFirst, std::ptrdiff_t pEnd) {
@@ -301,11 +303,11 @@ bool cBilateralGrid::Blur(const bool* pCancel) {
 }
 
 void cBilateralGrid::FindSliceColumns() {
-  const std::size_t room = static_cast<std::size_t>(fWidth) + kSlack;
-  fFractionsX.resize(room);
-  fRowCells.resize(room);
-  fRowFractions.resize(room);
-  fRowBase.resize(room);
+  const std::size_t length = static_cast<std::size_t>(fWidth) + kSlack;
+  fFractionsX.resize(length);
+  fRowCells.resize(length);
+  fRowFractions.resize(length);
+  fRowBase.resize(length);
   for (int x = 0; x < fWidth; ++x) {
     const sPosition position = GridPosition(static_cast<float>(x), fSigmaS, fCellsX);
     fFractionsX[static_cast<std::size_t>(x)] = position.fFraction;

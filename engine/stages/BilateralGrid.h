@@ -22,10 +22,10 @@ class cBilateralGrid {
   cBilateralGrid(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin, float pRangeMax);
 
   /// Whether such a grid has at most 100 million cells (of 16 bytes, with those of the blur), or at most
-  /// eight for each pixel of a larger picture. A pixel falls into one cell and a blur reaches its neighbours:
-  /// a grid beyond is as good as empty. What is refused is finer by far than sliders are meant for: half as
-  /// far again as documented they give 92 million cells at the utmost, in square pictures whose luminances
-  /// span all that floats hold (77 decades). Ranges without end and NaN are refused, too.
+  /// eight for each pixel of a larger picture. A pixel falls into one cell and a blur reaches its neighbours,
+  /// so a larger grid is mostly empty. Sliders half as far again as documented stay within the bounds: they
+  /// give at most 92 million cells, in square pictures whose luminances span all that floats hold (77
+  /// decades). Infinite ranges and NaN are out of bounds.
   static bool IsWithinBounds(int pWidth, int pHeight, float pSigmaS, float pSigmaR, float pRangeMin,
                              float pRangeMax);
 
@@ -69,7 +69,7 @@ class cBilateralGrid {
   tCells fCells;    // pairs: sum of values, sum of weights; x fastest, then y, then z
   tCells fScratch;  // until the blur is done
 
-  // For SliceRow: where each column lies between its two cells, and room for a row.
+  // For SliceRow: where each column lies between its two cells, and scratch for a row.
   std::vector<sColumns> fColumns;
   std::vector<float> fFractionsX;
   std::vector<int> fRowCells;

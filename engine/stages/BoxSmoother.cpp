@@ -21,7 +21,7 @@ struct sBox {
 
 sBox BoxOf(float pSigma, int pLongestLine) {
   const float radius = pSigma <= 1.0f ? pSigma - pSigma * 0.58f : pSigma - 0.58f;
-  // A box that covers the whole line from every sample is as large as any.
+  // From there on, a larger box covers no more: it holds the whole line from every sample.
   if (!(radius < static_cast<float>(pLongestLine))) return {pLongestLine, 0.0f};
   const float reach = std::ceil(radius);
   return {static_cast<int>(reach), reach - radius};

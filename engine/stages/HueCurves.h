@@ -20,10 +20,10 @@ class cHueCurves {
   void Replace(const cHermiteSpline* pHHCurve, const cHermiteSpline* pHSCurve, const cHermiteSpline* pHLCurve,
                bool& pDirty, const sThrowPlace& pPlace);
 
-  /// Builds pTable, which is always the same one, by hue shift and saturation. Neutral curves leave a new
-  /// table as it is, and null where there is none, until other curves came. Throws std::bad_alloc. Polls
-  /// pCancel before each curve's table and while it builds pTable; returns false, with pTable still to be
-  /// built, when it is set.
+  /// Builds pTable from hue shift and saturation, when a curve has changed since; pass the same table each
+  /// time. While the curves have always been neutral, a new table is left as it is, and null where there is
+  /// none. Throws std::bad_alloc. Polls pCancel before each curve's table and while it builds pTable; returns
+  /// false, with pTable still to be built, when it is set.
   bool BuildHueTable(std::unique_ptr<cHueTable>& pTable, const bool* pCancel);
   /// The lightness curve's 65,536 samples, 0.5 is neutral. They hold until the next Replace.
   const float* Lightness() const;

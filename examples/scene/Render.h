@@ -14,7 +14,8 @@ struct sSceneOptions {
   std::uint32_t fSeed = 1;  ///< another seed, another grain
 };
 
-/// Linear light with sRGB primaries: three floats a pixel (red, green, blue), rows from the top, no padding.
+/// Linear light with sRGB primaries: three floats per pixel (red, green, blue), rows from the top, no
+/// padding.
 struct sHdrPicture {
   int fWidth = 0;
   int fHeight = 0;

@@ -151,7 +151,7 @@ class cFurnisher {
     Ball({0.95f, 2.07f, 0.18f}, {0.10f, 0.10f, 0.10f}, Polished, {0.93f, 0.93f, 0.95f});
   }
 
-  void Books(float pFrom, float pTo, float pFoot, float pRoom, std::uint32_t pShelf) {
+  void Books(float pFrom, float pTo, float pFoot, float pHeight, std::uint32_t pShelf) {
     static constexpr sVec3 kBindings[] = {
         {0.42f, 0.030f, 0.028f}, {0.028f, 0.085f, 0.30f}, {0.035f, 0.20f, 0.075f},
         {0.60f, 0.34f, 0.035f},  {0.20f, 0.085f, 0.035f}, {0.55f, 0.48f, 0.35f},
@@ -160,7 +160,7 @@ class cFurnisher {
     for (std::uint32_t i = 0; x < pTo; ++i) {
       const std::uint32_t id = Hash(pShelf, i, 5);
       const float thick = 0.022f + 0.034f * Hash01(id, 1);
-      const float high = pRoom * (0.66f + 0.26f * Hash01(id, 2));
+      const float high = pHeight * (0.66f + 0.26f * Hash01(id, 2));
       const float deep = 0.17f + 0.10f * Hash01(id, 3);
       const bool gap = Hash01(id, 4) > 0.93f;
       if (!gap && x + thick < pTo) {

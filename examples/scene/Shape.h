@@ -22,7 +22,7 @@ struct sRay {
 struct sShape {
   eShape fKind = eShape::Box;
   int fMaterial = 0;
-  std::uint32_t fSeed = 0;  ///< tells equal shapes apart
+  std::uint32_t fSeed = 0;  ///< distinguishes equal shapes
   float fTop = 1.0f;
   sVec3 fColour;
   sVec3 fCentre;

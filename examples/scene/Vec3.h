@@ -70,7 +70,7 @@ inline float Luminance(sVec3 pC) {
   return 0.2126f * pC.fX + 0.7152f * pC.fY + 0.0722f * pC.fZ;
 }
 
-/// Two unit vectors that stand at right angles to the unit vector pNormal and to each other.
+/// Two unit vectors at right angles to the unit vector pNormal and to each other.
 struct sFrame {
   sVec3 fU;
   sVec3 fV;

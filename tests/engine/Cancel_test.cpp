@@ -30,7 +30,7 @@
 namespace TmEngine {
 namespace {
 
-// Rows of several memory pages, so that pages tell rows apart.
+// Rows of several memory pages, so that pages distinguish rows.
 constexpr int kWidth = 4096;
 constexpr int kHeight = 24;
 constexpr std::size_t kPlaneBytes = std::size_t{4} * kWidth * kHeight;
@@ -200,7 +200,7 @@ class CancelRenderer : public testing::Test {
     fRenderer->SetToneParameters(44.0f, 0.5f, true, 20.0f, true, 0.0f, 100.0f, 60.0f, 40.0f, true, false,
                                  false, 1.0f, 1.0f);
   }
-  /// Renders, after pBegin, and tells which stages wrote their last line.
+  /// Calls pBegin and renders; returns which stages wrote their last line.
   std::string Render(
       bool* pCancel, bool* pAborted, const std::function<void()>& pBegin = [] {}) {
     cStderrCapture capture;

@@ -112,7 +112,7 @@ struct sJob {
   std::unique_ptr<cColorEqRenderer> fRenderer = std::make_unique<cColorEqRenderer>();
 };
 
-// The formulas once more, a pixel at a time, nothing tabulated but the curves.
+// The formulas once more, pixel by pixel, nothing tabulated but the curves.
 
 Reference::sHexcone HueColor(int pHue, const sCurves& pCurves) {
   const int shifted = (pCurves.fHH->Get16BitTable()[pHue] - 32767 + pHue + 65536) % 65536;
@@ -246,7 +246,7 @@ TEST(cColorEqRenderer, GivesThePictureBackUnderNeutralCurves) {
   }
 }
 
-/// An input that tells when its pixels are read.
+/// An input that reports when its pixels are read.
 class cWatchedImage : public cBitmapBGR16 {
  public:
   cWatchedImage() : cBitmapBGR16(9, 6, eColorSpaceID_sRGB) { FillWithColors(*this); }

@@ -50,7 +50,7 @@ struct sJob {
     fRenderer->SetToneParameters(pStrength, 0.5f, true, 20.0f, true, pExposure, pMicrocontrast, pLighting,
                                  0.0f, false, false, false, 1.0f, 1.0f);
   }
-  /// Renders and tells which stages wrote their line: prepare, phase 1, phase 2.
+  /// Renders; returns which stages wrote their line: prepare, phase 1, phase 2.
   std::string Stages() {
     cStderrCapture capture;
     fRenderer->Render();
@@ -223,7 +223,7 @@ TEST(cTmRenderer, StopsWhenCancelledAndRunsInFullAfterwards) {
   EXPECT_EQ(job.Pixels(), expected);
 }
 
-TEST(cTmRenderer, SurvivesWhatIsNotANumber) {
+TEST(cTmRenderer, SurvivesNaN) {
   sJob job;
   for (int i = 0; i < 40; ++i) job.fInput.GetBitmapData()[7 * i] = i % 2 == 0 ? kNaN : -1e30f;
   for (const float strength : {44.0f, kNaN, 1e30f, -1e30f}) {

@@ -11,7 +11,7 @@
 #include "tests/export/HostCall.h"
 
 // Whole calls give the same bytes and lines with every set of lanes. In this program the engine works with
-// the set that a test names: the choice below takes the place of its own.
+// the set that a test names: the choice below replaces its own.
 
 namespace {
 

@@ -119,7 +119,7 @@ sCall Call(const sDepths& pDepths) {
   return call;
 }
 
-/// The same call over another filling of the output: equal bytes are bytes that were written.
+/// Repeats the call over another filling of the output: equal bytes are bytes that were written.
 std::vector<unsigned char> WithoutHistogram(const sDepths& pDepths, int pRefused, unsigned char pFilling) {
   sCall call = Call(pDepths);
   std::fill(call.fOutput.begin(), call.fOutput.end(), pFilling);

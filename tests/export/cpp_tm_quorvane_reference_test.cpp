@@ -37,7 +37,7 @@ struct sCase {
   std::uint64_t fSeed = 0;
 };
 
-/// What tells a case from the others: all else follows from the seed.
+/// What distinguishes a case: all else follows from the seed.
 std::string Describe(const sCase& pCase) {
   const tm_quorvane_image& image = pCase.fImage;
   std::ostringstream text;

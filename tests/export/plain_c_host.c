@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
   const char* const start = "zx_tm_quorvane:  8 x 6  - bsp: 32 -> 8\n";
   const char* const end = "zx_tm_quorvane  end\n";
   check(strncmp(log, start, strlen(start)) == 0, "the log starts with sizes and depths");
-  check(strstr(log, "Strength [-34 60 100]:     47.30\n") != NULL, "the log tells the strength");
+  check(strstr(log, "Strength [-34 60 100]:     47.30\n") != NULL, "the log has the strength");
   check(strlen(log) > strlen(end) && strcmp(log + strlen(log) - strlen(end), end) == 0, "the log ends");
 
   image.input_bits = 12;

@@ -99,7 +99,7 @@ void HashFarOut(tTable& pTable) {
   }
 }
 
-/// Odd sizes, four samples a pixel, both channel orders.
+/// Odd sizes, four samples per pixel, both channel orders.
 void HashShapes(tTable& pTable) {
   for (const auto& [width, height] : {std::pair{1, 1}, {1, 700}, {700, 1}, {17, 33}, {640, 360}, {2500, 3}}) {
     for (const int reversed : {0, 1}) {

@@ -59,7 +59,7 @@ void CheckArguments(const tm_quorvane_image& pImage, const void* pInput, const v
   Check(pitch >= least, "Argument pOutputRowPitch must be greater than or equal to pSamplesPerPixel*pWidth.");
 }
 
-// ---- Where a pixel's three samples stand in the host's buffers ----
+// ---- Where a pixel's three samples are in the host's buffers ----
 
 using tOffsets = std::array<int, 3>;
 

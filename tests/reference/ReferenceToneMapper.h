@@ -31,7 +31,7 @@ struct sStatistics {
 };
 
 struct sPicture {
-  std::vector<std::uint16_t> fBGR;  ///< dense, three samples a pixel; for 8 bits the high byte of each
+  std::vector<std::uint16_t> fBGR;  ///< dense, three samples per pixel; for 8 bits the high byte of each
   sStatistics fStatistics;
 };
 

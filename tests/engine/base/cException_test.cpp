@@ -7,7 +7,7 @@
 namespace TmEngine {
 namespace {
 
-TEST(cException, TellsItsClassMessageAndPlace) {
+TEST(cException, ReportsItsClassMessageAndPlace) {
   const cArgumentException argument("m", 7, "f", "t", "s");
   const cArgumentNullException null("m", 7, "f", "t", "s");
   const cInvalidOperationException operation("m", 7, "f", "t", "s");

@@ -19,7 +19,7 @@ TEST(cLargeRegion, GivesBlocksUntilItIsFull) {
   cLargeRegion region(5 * kMega);
   void* const first = region.Take(3 * kMega - 1);
   if (first == nullptr) GTEST_SKIP() << "this build or system has no regions";
-  const std::size_t rest = 6 * kMega - cLargeRegion::RoomOf(3 * kMega - 1) - cLargeRegion::RoomOf(0);
+  const std::size_t rest = 6 * kMega - cLargeRegion::SizeOf(3 * kMega - 1) - cLargeRegion::SizeOf(0);
   void* const second = region.Take(rest);  // the region is rounded up to whole large pages
   ASSERT_NE(second, nullptr);
   EXPECT_EQ(region.Take(1), nullptr);
@@ -29,7 +29,7 @@ TEST(cLargeRegion, GivesBlocksUntilItIsFull) {
   EXPECT_EQ(static_cast<unsigned char*>(first)[3 * kMega - 2], 1);
 
   region = cLargeRegion(4 * kMega);  // the former goes back
-  EXPECT_NE(region.Take(4 * kMega - cLargeRegion::RoomOf(0)), nullptr);
+  EXPECT_NE(region.Take(4 * kMega - cLargeRegion::SizeOf(0)), nullptr);
   cLargeRegion other(std::move(region));
   EXPECT_EQ(other.Take(1), nullptr);
 }

@@ -62,7 +62,7 @@ TEST(cMemUtils, ChecksATiledAllocation) {
                 TM_STATE(tooWide, alloc(INT_MAX, INT_MAX, INT_MAX))});
   // More bands than an int counts is a want of memory like any other.
   EXPECT_EQ(alloc(873812, INT_MAX, 12), nullptr);
-  EXPECT_EQ(stride + 10 * count + 100 * height, 321) << "nothing is told on failure";
+  EXPECT_EQ(stride + 10 * count + 100 * height, 321) << "nothing is set on failure";
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they reserve address space
@@ -72,7 +72,7 @@ TEST(cMemUtils, ReturnsAllBandsWhenOneCannotBeHad) {
   const rlimit tight = {std::size_t{512} << 20, old.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
   int stride = 0, count = 0, height = 0;
-  for (int attempt = 0; attempt < 4; ++attempt) {  // bands kept by a failure would leave no room
+  for (int attempt = 0; attempt < 4; ++attempt) {  // bands kept by a failure would leave no memory
     EXPECT_EQ(cMemUtils::TiledBitmapAlloc(100000, 10000, 12, stride, count, height), nullptr);
     void** const tiles = cMemUtils::TiledBitmapAlloc(100000, 34, 12, stride, count, height);
     EXPECT_NE(tiles, nullptr);

@@ -8,7 +8,7 @@
 #include "tests/ExceptionCheck.h"
 #include "tests/Numbers.h"
 
-// All arrays of the curves come from here: how many more can be had; negative: any number.
+// All arrays of the curves are allocated here: how many more may be; negative: any number.
 static int gArraysLeft = -1;
 
 void* operator new[](std::size_t pSize) {
@@ -29,7 +29,7 @@ namespace {
 
 constexpr auto kSupplied = eSplineInterpolationMode_Supplied;
 
-// Key frames of pPoints points: record i stands at x = its place in the frame, its other floats are from i
+// Key frames of pPoints points: record i has x = its position in the frame, its other floats are from i
 // on.
 std::vector<sControlPoint> Frames(int pPoints, int pCount) {
   std::vector<sControlPoint> records;
@@ -65,7 +65,7 @@ TEST(cInterpolatedHermiteSpline, KeepsFramesUntilThePointCountChanges) {
   EXPECT_EQ(spline.GetKeyFrameCount(), 2);
   spline.MovePoint(1, {1, 0.25f});
   spline.InterpolateKeyFrames(0.5f);
-  EXPECT_TRUE(spline == diagonal);  // the frames of the start still stand
+  EXPECT_TRUE(spline == diagonal);  // the first frames are still there
 
   spline.SetKeyFrames(kSupplied, 3, 3, Frames(3, 3).data());  // a new count does not wipe what it comes with
   EXPECT_EQ(spline.GetPointAt(2).fY, 2.0f);

@@ -6,7 +6,7 @@
 
 #include "tests/ExceptionCheck.h"
 
-/// An allocation that cannot be had is null under the address sanitizer too. Once in a test program.
+/// Makes a failed allocation return null under the address sanitizer too. Once in a test program.
 #define TM_TEST_NULL_ON_HUGE_ALLOCATION                                                    \
   extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() { \
     return "allocator_may_return_null=1";                                                  \

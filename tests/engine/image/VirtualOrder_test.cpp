@@ -13,10 +13,10 @@
 namespace TmEngine {
 namespace {
 
-/// The place of a virtual operation among those of its class; the destructor takes the first two. A pointer
-/// to a virtual member is the offset of its place and a mark, which lies in the first or in the second word.
+/// The slot of a virtual operation among those of its class; the destructor takes the first two. A pointer to
+/// a virtual member is the offset of its slot and a mark, which lies in the first or in the second word.
 template <class tMember>
-std::ptrdiff_t PlaceOf(tMember pMember) {
+std::ptrdiff_t SlotOf(tMember pMember) {
   std::ptrdiff_t words[2];
   static_assert(sizeof pMember == sizeof words);
   std::memcpy(words, &pMember, sizeof words);
@@ -26,8 +26,8 @@ std::ptrdiff_t PlaceOf(tMember pMember) {
 
 template <class... tMembers>
 void ExpectOrder(std::ptrdiff_t pFirst, tMembers... pMembers) {
-  std::ptrdiff_t place = pFirst;
-  for (const std::ptrdiff_t each : {PlaceOf(pMembers)...}) EXPECT_EQ(each, place++);
+  std::ptrdiff_t slot = pFirst;
+  for (const std::ptrdiff_t each : {SlotOf(pMembers)...}) EXPECT_EQ(each, slot++);
 }
 
 TEST(VirtualOperations, KeepTheirOrder) {

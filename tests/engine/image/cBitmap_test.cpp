@@ -47,7 +47,7 @@ void CheckClass(const std::string& pName, const std::string& pSampleType, const 
                {TM_ARG(width, alloc(0, 0)), TM_ARG(width, alloc(INT_MIN, 1)), TM_ARG(height, alloc(1, 0)),
                 TM_MEMORY(pMemoryText, alloc(INT_MAX, 1)), TM_MEMORY(pMemoryText, alloc(INT_MAX, INT_MAX)),
                 TM_MEMORY(pMemoryText, tBitmap(1 << 27, INT_MAX, pMore...))});
-  EXPECT_EQ(stride, 77) << "a failed allocation tells no stride";
+  EXPECT_EQ(stride, 77) << "a failed allocation sets no stride";
   ExpectChecks(scope + "c" + pName + "(int,int" + pTail + ")",
                {TM_ARG(width, tBitmap(0, 0, pMore...)), TM_ARG(height, tBitmap(1, -1, pMore...))});
   ExpectChecks(

@@ -21,7 +21,7 @@ namespace {
 
 const cMatrix33 kIdentity(1, 0, 0, 0, 1, 0, 0, 0, 1);
 const cMatrix33 kDigits(1, 10, 100, 1000, 10000, 100000, 2, 20, 200);
-/// Of (1e8, 1e8, 1) it makes (1, 0, -1) only when sums go from left to right.
+/// Maps (1e8, 1e8, 1) to (1, 0, -1) only when sums are taken from left to right.
 const cMatrix33 kCancelling(1, -1, 1, 0, 0, 0, 1, -1, -1);
 const float kPad = -77.0f;
 
