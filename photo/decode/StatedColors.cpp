@@ -1,5 +1,6 @@
 #include "photo/decode/StatedColors.h"
 
+#include "photo/decode/HeifColors.h"
 #include "photo/decode/PngColors.h"
 #include "photo/decode/VipsSource.h"
 #include "photo/icc/NamedProfile.h"

@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <string_view>
 
 #include "engine/color/cTransfer.h"
-#include "photo/io/BigEndian.h"
-#include "photo/io/FileReader.h"
 
 namespace Cli {
 namespace {
@@ -74,10 +71,6 @@ const tKnown* Find(const tKnown (&pKnown)[tCount], int pCode) {
   return found == std::end(pKnown) ? nullptr : found;
 }
 
-int Read16(const std::string& pBytes, std::size_t pAt) {
-  return static_cast<int>(ReadBigEndian(std::string_view(pBytes).substr(pAt, 2)));
-}
-
 }  // namespace
 
 std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
@@ -92,16 +85,6 @@ std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const
                       std::to_string(pPrimaries) + ", transfer " + std::to_string(pTransfer) + "); " +
                       pInstead);
   return std::nullopt;
-}
-
-std::optional<sCodedColors> ReadHeifColors(const std::string& pFile, std::vector<std::string>& pWarnings) {
-  constexpr std::size_t kFarthest = 65536;  // properties stand before the pixels
-  const std::string name = "colrnclx";
-  const std::string start = cFileReader(pFile).Read(0, kFarthest);
-  const std::size_t at = start.find(name);
-  if (at == std::string::npos || at + name.size() + 4 > start.size()) return std::nullopt;
-  return FindCodedColors(Read16(start, at + name.size()), Read16(start, at + name.size() + 2),
-                         "sRGB is taken", pWarnings);
 }
 
 float DecodeSample(const sCodedColors& pColors, float pSample) {

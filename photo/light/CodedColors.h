@@ -30,9 +30,6 @@ struct sCodedColors {
 std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
                                             std::vector<std::string>& pWarnings);
 
-/// What a HEIF or AVIF file states; none where it leaves that to a profile, or where it is not known here.
-std::optional<sCodedColors> ReadHeifColors(const std::string& pFile, std::vector<std::string>& pWarnings);
-
 /// The linear light of an encoded sample in [0, 1]. 1 is the white of paper: it is reached at 203 candela a
 /// square metre of PQ, and at 75 % of HLG, and lights go beyond.
 float DecodeSample(const sCodedColors& pColors, float pSample);

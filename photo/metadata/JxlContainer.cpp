@@ -1,12 +1,14 @@
 #include "photo/metadata/JxlContainer.h"
 
+#include <jxl/decode_cxx.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <string_view>
 
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileBytes.h"
+#include "photo/io/FileReader.h"
 
 namespace Cli {
 namespace {
@@ -48,7 +50,7 @@ sBoxHeader ReadHeader(std::string_view pStart) {
   return header.fSize < header.fLength ? sBoxHeader{} : header;
 }
 
-/// Of an Exif box: a number of four bytes tells how many follow before it begins.
+/// EXIF begins in its box after an offset, which is a number of four bytes itself.
 std::string_view SkipOffset(std::string_view pContent) {
   if (pContent.size() < 4) return {};
   const std::uint64_t start = 4 + ReadBigEndian(pContent.substr(0, 4));
@@ -59,25 +61,103 @@ bool IsMetadata(std::string_view pType) {
   return pType == "Exif" || pType == "xml ";
 }
 
-void Take(const std::string& pType, const std::string& pContent, sJxlMetadata& pTo) {
-  if (pType == "Exif" && pTo.fExif.empty()) pTo.fExif = SkipOffset(pContent);
-  if (pType == "xml " && pTo.fXmp.empty()) pTo.fXmp = pContent;
-  if (pType == "brob") pTo.fHasCompressed |= IsMetadata(pContent.substr(0, 4));
-}
+/// Walks the boxes of a file by libjxl, which reads those that Brotli compressed, too.
+class cBoxReader {
+ public:
+  explicit cBoxReader(const std::string& pFile) : fFile(pFile), fDecoder(JxlDecoderMake(nullptr)) {
+    JxlDecoderSubscribeEvents(fDecoder.get(), JXL_DEC_BOX);
+    fCanDecompress = JxlDecoderSetDecompressBoxes(fDecoder.get(), JXL_TRUE) == JXL_DEC_SUCCESS;
+  }
 
-/// Of a box's content: all metadata, but the type alone of what is compressed.
-std::uint64_t CountWanted(std::string_view pType, std::uint64_t pContent) {
-  if (pType == "brob") return std::min<std::uint64_t>(pContent, 4);
-  return IsMetadata(pType) ? pContent : 0;
-}
+  sJxlMetadata Read() {
+    Feed();
+    for (;;) {
+      const JxlDecoderStatus status = JxlDecoderProcessInput(fDecoder.get());
+      if (status == JXL_DEC_NEED_MORE_INPUT && Feed()) continue;
+      if (status == JXL_DEC_BOX_NEED_MORE_OUTPUT && Grow()) continue;
+      Finish(status == JXL_DEC_BOX || status == JXL_DEC_SUCCESS);
+      if (status != JXL_DEC_BOX) return fMetadata;
+      Begin();
+    }
+  }
 
-/// Empty where they cannot be read.
-std::string ReadAt(std::ifstream& pStream, std::uint64_t pAt, std::uint64_t pCount) {
-  std::string bytes(static_cast<std::size_t>(pCount), '\0');
-  pStream.seekg(static_cast<std::streamoff>(pAt));
-  if (!pStream.read(bytes.data(), static_cast<std::streamsize>(pCount))) bytes.clear();
-  return bytes;
-}
+ private:
+  static constexpr std::size_t kPiece = 1 << 18;
+
+  /// False where no more input helps.
+  bool Feed() {
+    const std::size_t left = JxlDecoderReleaseInput(fDecoder.get());
+    fInput.erase(0, fInput.size() - left);
+    const std::string more = fFile.Read(fAt, kPiece);
+    fAt += more.size();
+    fInput += more;
+    const bool isEnd = more.empty();
+    // To find a file closed in the midst of a box makes libjxl write to standard error. Only a compressed box
+    // needs it, to be known as whole where it is the last one.
+    if (isEnd && (fIsClosed || !fIsWanted || !fIsCompressed)) return false;
+    JxlDecoderSetInput(fDecoder.get(), reinterpret_cast<const std::uint8_t*>(fInput.data()), fInput.size());
+    if (isEnd) JxlDecoderCloseInput(fDecoder.get());
+    fIsClosed = isEnd;
+    return true;
+  }
+
+  std::string GetType(bool pIsInner) const {
+    JxlBoxType type = {};
+    JxlDecoderGetBoxType(fDecoder.get(), type, pIsInner ? JXL_TRUE : JXL_FALSE);
+    return {type, sizeof type};
+  }
+
+  void Begin() {
+    fType = GetType(true);
+    fIsCompressed = GetType(false) == "brob";
+    const bool isNew = fType == "Exif" ? fMetadata.fExif.empty() : fMetadata.fXmp.empty();
+    fIsWanted = IsMetadata(fType) && isNew && (fCanDecompress || !fIsCompressed);
+    if (IsMetadata(fType) && !fCanDecompress && fIsCompressed) fMetadata.fHasUnread = true;
+    if (fIsWanted) SetBuffer(0);
+  }
+
+  /// Makes room for more of the box; false where that is more than any picture has.
+  bool Grow() {
+    constexpr std::size_t kMost = 1 << 26;
+    const std::size_t used = fContent.size() - JxlDecoderReleaseBoxBuffer(fDecoder.get());
+    if (used >= kMost) fContent.clear();
+    if (used < kMost) SetBuffer(used);
+    return used < kMost;
+  }
+
+  void SetBuffer(std::size_t pUsed) {
+    fContent.resize(std::max(2 * pUsed, kPiece));
+    JxlDecoderSetBoxBuffer(fDecoder.get(), reinterpret_cast<std::uint8_t*>(fContent.data()) + pUsed,
+                           fContent.size() - pUsed);
+  }
+
+  /// Takes the box that was read last. Of one that is cut short, what is there counts, unless it is
+  /// compressed.
+  void Finish(bool pIsWhole) {
+    if (!fIsWanted) return;
+    fIsWanted = false;
+    const std::size_t unused = JxlDecoderReleaseBoxBuffer(fDecoder.get());
+    fContent.resize(fContent.size() - std::min(unused, fContent.size()));
+    if (!pIsWhole && (fIsCompressed || fContent.empty())) {
+      fMetadata.fHasUnread = fMetadata.fHasUnread || fIsCompressed;
+      return;
+    }
+    if (fType == "Exif") fMetadata.fExif = SkipOffset(fContent);
+    if (fType == "xml ") fMetadata.fXmp = fContent;
+  }
+
+  cFileReader fFile;
+  JxlDecoderPtr fDecoder;
+  bool fCanDecompress = false;
+  bool fIsClosed = false;
+  std::uint64_t fAt = 0;  ///< In the file.
+  std::string fInput;
+  std::string fType;  ///< Of the box at hand, whose content is in fContent as far as it is wanted.
+  bool fIsCompressed = false;
+  bool fIsWanted = false;
+  std::string fContent;
+  sJxlMetadata fMetadata;
+};
 
 /// A file in boxes, without metadata.
 struct sParts {
@@ -86,9 +166,8 @@ struct sParts {
 };
 
 sParts TakeApart(const std::string& pFile) {
-  sParts parts{std::string(kSignature), ""};
+  sParts parts{std::string(kSignature).append(kFileType), ""};
   if (!pFile.starts_with(kSignature)) {  // a bare codestream
-    parts.fHead += kFileType;
     AppendBox(parts.fRest, "jxlc", "", pFile);
     return parts;
   }
@@ -96,8 +175,9 @@ sParts TakeApart(const std::string& pFile) {
     std::string_view box = std::string_view(pFile).substr(at);
     const sBoxHeader header = ReadHeader(box.substr(0, 16));
     if (!header.fType.empty() && header.fSize < box.size()) box = box.substr(0, header.fSize);
-    const bool isHead = (header.fType == "ftyp" || header.fType == "jxll") && header.fSize == box.size();
-    if (!IsMetadata(header.fType)) (isHead ? parts.fHead : parts.fRest) += box;
+    const bool isHead = header.fType == "jxll" && header.fSize == box.size();
+    const bool isKept = !IsMetadata(header.fType) && header.fType != "ftyp";
+    if (isKept) (isHead ? parts.fHead : parts.fRest) += box;
     at += box.size();
   }
   return parts;
@@ -106,20 +186,8 @@ sParts TakeApart(const std::string& pFile) {
 }  // namespace
 
 sJxlMetadata ReadJxlMetadata(const std::string& pFile) {
-  std::ifstream stream(pFile, std::ios::binary | std::ios::ate);
-  const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(stream.tellg(), 0));
-  sJxlMetadata metadata;
-  if (ReadAt(stream, 0, std::min<std::uint64_t>(size, kSignature.size())) != kSignature) return metadata;
-  for (std::uint64_t at = kSignature.size(); at < size;) {
-    const std::uint64_t left = size - at;
-    const sBoxHeader header = ReadHeader(ReadAt(stream, at, std::min<std::uint64_t>(left, 16)));
-    if (header.fType.empty() || header.fLength > left) break;
-    const std::uint64_t content = std::min(header.fSize, left) - header.fLength;
-    Take(header.fType, ReadAt(stream, at + header.fLength, CountWanted(header.fType, content)), metadata);
-    if (header.fSize > left) break;
-    at += header.fSize;
-  }
-  return metadata;
+  if (cFileReader(pFile).Read(0, kSignature.size()) != kSignature) return {};
+  return cBoxReader(pFile).Read();
 }
 
 void WriteJxlMetadata(const std::string& pPath, const sJxlMetadata& pMetadata) {

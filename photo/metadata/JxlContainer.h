@@ -6,11 +6,11 @@ namespace Cli {
 
 // JPEG XL files are a bare codestream, or boxes (ISO/IEC 18181-2) that hold one beside metadata.
 
-/// What a file tells of its picture.
+/// Metadata that describe the picture.
 struct sJxlMetadata {
   std::string fExif;  ///< From its byte order mark on; empty for none.
   std::string fXmp;
-  bool fHasCompressed = false;  ///< There are more, compressed by Brotli ("brob"), which are not read.
+  bool fHasUnread = false;  ///< There are more, compressed by Brotli ("brob"), that could not be read.
 };
 
 /// Nothing for a bare codestream, and for a file of another format. What is damaged ends the search.

@@ -50,7 +50,7 @@ std::shared_ptr<const cMetadata> ReadMetadata(const std::string& pFile, const VI
   std::vector<std::string> warnings;
   const bool isJxl = pImage.get_string(VIPS_META_LOADER) == std::string("jxlload_source");
   sMetadataBlocks blocks = GetMetadataLibrary().Read(isJxl ? "" : pFile, found, warnings);
-  if (boxes.fHasCompressed) warnings.emplace_back("its compressed metadata (brob) are left out");
+  if (boxes.fHasUnread) warnings.emplace_back("its compressed metadata (brob) are left out");
   return std::make_shared<cMetadata>(std::move(blocks), std::move(found.fXmp), std::move(warnings));
 }
 

@@ -40,7 +40,7 @@ double CountMultiples(int pFirst, int pLast, int pStep) {
   return static_cast<double>(floor(pLast) - floor(std::int64_t{pFirst} - 1));
 }
 
-/// Of an area as it is stored without compression.
+/// The size of an area that is stored without compression.
 double CountBytes(const Imf::ChannelList& pChannels, const Imath::Box2i& pArea) {
   double bytes = 0.0;
   for (auto channel = pChannels.begin(); channel != pChannels.end(); ++channel) {
@@ -54,11 +54,8 @@ double CountBytes(const Imf::ChannelList& pChannels, const Imath::Box2i& pArea) 
 
 class cChunkCheck {
  public:
-  cChunkCheck(const std::string& pFile, Imf::InputPart& pFrom)
-      : fName(pFile),
-        fFrom(pFrom),
-        fWindow(pFrom.header().dataWindow()),
-        fExtent(fWindow.size() + Imath::V2i(1)) {}
+  explicit cChunkCheck(Imf::InputPart& pFrom)
+      : fFrom(pFrom), fWindow(pFrom.header().dataWindow()), fExtent(fWindow.size() + Imath::V2i(1)) {}
 
   void CheckLines() {
     const int lines = CountChunkLines(fFrom.header());
@@ -88,10 +85,9 @@ class cChunkCheck {
     const Imath::V2i corner = fWindow.min + Imath::V2i(pX, pY);
     const Imath::Box2i area(corner, corner + Imath::V2i(pWidth - 1, pHeight - 1));
     if (fSize >= (isPlain ? CountBytes(fFrom.header().channels(), area) : 1.0)) return;
-    throw cFailure(eFailure::kCannotRead, fName, "cut short: it holds fewer pixels than its header promises");
+    throw cFailure(eFailure::kCannotRead, "cut short: it holds fewer pixels than its header promises");
   }
 
-  const std::string& fName;
   Imf::InputPart& fFrom;
   Imath::Box2i fWindow;
   Imath::V2i fExtent;
@@ -108,8 +104,8 @@ int CountChunkLines(const Imf::Header& pHeader) {
   return lines < static_cast<unsigned>(height) ? static_cast<int>(lines) : height;
 }
 
-void CheckExrChunks(const std::string& pFile, Imf::InputPart& pFrom) {
-  cChunkCheck check(pFile, pFrom);
+void CheckExrChunks(Imf::InputPart& pFrom) {
+  cChunkCheck check(pFrom);
   if (IsTiled(pFrom.header())) return check.CheckTiles();
   check.CheckLines();
 }

@@ -208,7 +208,7 @@ sOpenedPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoi
   const sWindow window = ChooseWindow(header, picture.fWarnings);
   WarnOfShape(header, picture.fWarnings);
   CheckWindows(window, data, pGate);
-  CheckExrChunks(pFile, part->fPart);
+  CheckExrChunks(part->fPart);
   const bool isRgb = part->fSource.fColours == eExrColours::kRgb;
   picture.fFormat = "OpenEXR";
   picture.fFileDepth = header.channels()[part->fSource.NameOf(isRgb ? "R" : "Y")].type == Imf::HALF ? 16 : 32;
