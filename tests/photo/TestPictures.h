@@ -63,6 +63,25 @@ inline sTestPicture Roll(const sTestPicture& pPicture, int pBy) {
   return {pPicture.fWidth, pPicture.fHeight, RollRows(pPicture.fSamples, pPicture.fWidth, pBy)};
 }
 
+/// A panorama: left and right edges meet, with sharp borders of light all over.
+inline sTestPicture MakePanorama(int pWidth) {
+  sTestPicture scene = MakeScene(pWidth, pWidth / 2);
+  unsigned seed = 1;
+  for (int y = 0; y < scene.fHeight; ++y) {
+    for (int x = 0; x < pWidth; ++x) {
+      const double angle = 2.0 * 3.14159265 * x / pWidth;
+      const double wave = 1.5 * std::sin(angle) + 0.8 * std::sin(3.0 * angle + 0.05 * y);
+      seed = seed * 1664525 + 1013904223;
+      const double light = std::pow(10.0, wave + 0.1 * (seed >> 24) / 256.0);
+      const bool isDark = std::sin(8.0 * angle + 0.2 * y) > 0.0;
+      for (int i = 0; i < 3; ++i) {
+        scene.GetPixel(x, y)[i] = static_cast<float>(light * (isDark ? 0.3 : 1.0) * (1.0 - 0.2 * i));
+      }
+    }
+  }
+  return scene;
+}
+
 inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
   std::ofstream stream(pFile, std::ios::binary);
   stream << "PF\n" << pPicture.fWidth << ' ' << pPicture.fHeight << "\n-1.0\n";
