@@ -29,7 +29,7 @@ void Run(cBitmapLDR& pInput, cBitmapLDR& pOutput, FuzzedDataProvider& pData) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
-  FuzzedDataProvider data(pBytes, pSize);  // takes numbers from the end; the pixels stand at the start
+  FuzzedDataProvider data(pBytes, pSize);  // takes numbers from the end; the pixels are at the start
   const int width = data.ConsumeIntegralInRange(1, 40);
   const int height = data.ConsumeIntegralInRange(1, data.ConsumeBool() ? 2 : 40);
   const tBitmap input = TakeBitmap(width, height, data);

@@ -24,8 +24,7 @@ constexpr float kFarValues[] = {1e2f,
                                 std::numeric_limits<float>::infinity(),
                                 -std::numeric_limits<float>::infinity()};
 
-/// Now and then two sliders that are far out of range together. Not where the input has ended, which reads as
-/// 0.
+/// Sometimes two sliders far out of range together; not after the end of the input, which reads as 0.
 void TakeFarSliders(FuzzedDataProvider& pData, tm_quorvane_settings& pSettings) {
   if (pData.ConsumeIntegralInRange(0, 7) != 7) return;
   float* const sliders[] = {&pSettings.strength,   &pSettings.lighting,   &pSettings.tone_compression,
@@ -47,7 +46,7 @@ tm_quorvane_settings TakeSettings(FuzzedDataProvider& pData) {
   return settings;
 }
 
-/// Small; or a line; or, now and then, none at all.
+/// Small, a line, or sometimes no pixels at all.
 void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
   pImage.width = pData.ConsumeIntegralInRange(1, 40);
   pImage.height = pData.ConsumeIntegralInRange(1, 40);
@@ -63,7 +62,7 @@ void TakeSize(FuzzedDataProvider& pData, tm_quorvane_image& pImage) {
     case 2:
       (pData.ConsumeBool() ? pImage.width : pImage.height) = pData.ConsumeIntegralInRange(INT32_MIN, 0);
       break;
-    case 3:  // one row of records is more than can be had (see Memory.cpp)
+    case 3:  // the records of one row exceed the available memory (see Memory.cpp)
       pImage.width = pData.ConsumeIntegralInRange(1 << 22, INT32_MAX);
       pImage.height = pData.ConsumeIntegralInRange(1 << 12, INT32_MAX);
       break;
@@ -152,7 +151,7 @@ bool IsDone(const tm_quorvane_image& pImage, const tm_quorvane_settings& pSettin
          !std::isnan(pSettings.microcontrast);
 }
 
-/// High sliders ask for fine grids, which take more memory than can be had here.
+/// High sliders need fine grids, which take more memory than is available here.
 bool MayTakeMuchMemory(const tm_quorvane_settings& pSettings) {
   return pSettings.lighting > 10.0f || pSettings.microcontrast > 0.0f;
 }
@@ -167,7 +166,7 @@ void CheckPadding(const tm_quorvane_image& pImage, cBlock& pOutput) {
   }
 }
 
-// In place of a result.
+// Exceptions, numbered in place of a result.
 constexpr int kThrown = 0;
 constexpr int kNoMemory = 2;
 

@@ -22,7 +22,7 @@ inline std::vector<TmEngine::sControlPoint> TakePoints(FuzzedDataProvider& pData
   return points;
 }
 
-/// Any mode, those that are none as well.
+/// Any mode, including invalid ones.
 inline TmEngine::eSplineInterpolationMode TakeMode(FuzzedDataProvider& pData) {
   return static_cast<TmEngine::eSplineInterpolationMode>(pData.ConsumeIntegralInRange(-1, 4));
 }

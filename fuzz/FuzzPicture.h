@@ -23,7 +23,7 @@ inline std::unique_ptr<cHermiteSpline> TakeCurve(FuzzedDataProvider& pData) {
   return curve;
 }
 
-/// Over hue: shift, saturation, lightness.
+/// Curves over hue: shift, saturation, lightness.
 struct sHueCurves {
   explicit sHueCurves(FuzzedDataProvider& pData)
       : fShift(TakeCurve(pData)), fSaturation(TakeCurve(pData)), fLightness(TakeCurve(pData)) {}
@@ -44,7 +44,7 @@ inline std::unique_ptr<cColorSpace> TakeColorSpace(FuzzedDataProvider& pData) {
       cVector2(n[0], n[1]), cVector2(n[2], n[3]), cVector2(n[4], n[5]), cVector2(n[6], n[7]), 4.0f * n[8]);
 }
 
-/// Its block, padding included.
+/// The bytes of an image, padding included.
 inline std::size_t CountBytes(const cBitmapLDR& pBitmap) {
   return static_cast<std::size_t>(pBitmap.GetStride()) * static_cast<std::size_t>(pBitmap.GetHeight());
 }

@@ -1,4 +1,4 @@
-// Writes the inputs that the fuzzers start from, a folder a door: small pictures, and noise.
+// Writes the inputs that the fuzz targets start from, one folder per target: small pictures, and noise.
 //   MakeSeeds FOLDER
 
 #include <OpenEXR/ImfRgbaFile.h>
@@ -68,7 +68,7 @@ void MakePfm(const std::string& pFolder) {
   std::ofstream(pFolder + "grey.pfm", std::ios::binary) << "Pf\n2 2\n1.0\n" << std::string(16, '\x3f');
 }
 
-/// A small ICC profile of a table with two steps an axis; for 1 grey it is a tone curve instead.
+/// A small ICC profile with a table of two steps per axis; for one colour (grey) a tone curve.
 std::string MakeProfile(int pColours) {
   const Cli::tIccHandle profile(cmsCreateProfilePlaceholder(nullptr));
   cmsSetProfileVersion(profile.get(), 4.3);
@@ -96,7 +96,7 @@ std::string MakeProfile(int pColours) {
   cmsSaveProfileToMem(profile.get(), nullptr, &size);
   std::string bytes(size, '\0');
   cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
-  std::fill_n(bytes.begin() + 24, 12, '\0');  // the time of making
+  std::fill_n(bytes.begin() + 24, 12, '\0');  // the time of creation
   return bytes;
 }
 
@@ -255,8 +255,8 @@ void MakeTiff(const std::string& pFolder) {
   }
 }
 
-/// For doors that take plain numbers.
-/// The boxes alone: the codestream is none.
+/// For targets that take plain numbers.
+/// Boxes only, without a codestream.
 void MakeJxl(const std::string& pFolder) {
   const std::string codestream("\xff\x0a what is no picture");
   std::ofstream(pFolder + "bare.jxl", std::ios::binary) << codestream;
@@ -299,8 +299,8 @@ void MakeAll(const std::string& pFolder) {
     std::filesystem::create_directories(pFolder + "/" + pDoor);
     pMake(pFolder + "/" + pDoor + "/seed-");
   };
-  for (const char* const door : {"Equaliser", "ExportedCall", "Renderer", "Spline", "Transfer"})
-    make(door, MakeNoise);
+  for (const char* const target : {"Equaliser", "ExportedCall", "Renderer", "Spline", "Transfer"})
+    make(target, MakeNoise);
   make("ReadExr", MakeExr);
   make("ReadHdr", MakeHdr);
   make("ReadPfm", MakePfm);

@@ -1,6 +1,6 @@
 // How the sanitizers treat memory. Blocks of more than 24 MB, which is more than a small picture takes,
-// cannot be had, as on a machine that has run out: what the code does then is tested, and no time goes into
-// huge pictures.
+// cannot be allocated, as on a machine without free memory: this tests how the code handles that, and saves
+// the time for huge pictures.
 
 #include <cstdlib>
 #include <new>

@@ -24,7 +24,7 @@ using namespace std::string_view_literals;
 
 enum eFormat { kHdr, kExr, kTiff, kPng, kJpeg, kPfm, kWebp, kHeif, kJxl };
 
-/// Other files are the business of other fuzzers.
+/// Files of other formats belong to other fuzz targets.
 bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
   const auto starts = [&](std::string_view pStart) { return pFile.starts_with(pStart); };
   switch (pFormat) {
@@ -54,7 +54,7 @@ bool IsOfIntegers(eFormat pFormat) {
   return pFormat != kHdr && pFormat != kExr && pFormat != kPfm;
 }
 
-/// The ending of a result of the format, which is a PNG where it holds 16 bits or takes long to write.
+/// The file extension of a result of the format; PNG for formats of 16 bits and those that are slow to write.
 const char* EndingOf(eFormat pFormat, int pDepth) {
   if (pFormat == kTiff) return ".tif";
   if (pFormat == kWebp) return ".webp";
@@ -70,8 +70,8 @@ void CheckIsFinite(const Cli::sPicture& pPicture) {
   }
 }
 
-/// Writes it as 'equalize' does, in the format that it was read from if that holds it: what the file tells
-/// beside its pixels must not keep anybody from that.
+/// Writes it as 'equalize' does, if possible in the format that it was read from: nothing in its metadata may
+/// prevent that.
 void WriteBack(Cli::sLdrPicture& pPicture) {
   const int depth = pPicture.fBitmap->GetBitDepth();
   const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + EndingOf(FUZZ_FORMAT, depth);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kLargest = 16;
 
-/// Of SetToneParameters, without the flags that have no effect.
+/// Parameters for SetToneParameters, without the flags that have no effect.
 struct sParameters {
   explicit sParameters(FuzzedDataProvider& pData) {
     for (float& value : fValues) value = TakeFloat(pData, 0.0f, 100.0f);
@@ -101,7 +101,7 @@ void Run(const sJob& pJob, FuzzedDataProvider& pData) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
-  FuzzedDataProvider data(pBytes, pSize);  // takes numbers from the end; the pixels stand at the start
+  FuzzedDataProvider data(pBytes, pSize);  // takes numbers from the end; the pixels are at the start
   const int width = data.ConsumeIntegralInRange(1, kLargest);
   const int height = data.ConsumeIntegralInRange(1, kLargest);
   const tBitmap output = TakeBitmap(width, height, data);
