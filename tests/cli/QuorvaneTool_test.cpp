@@ -155,28 +155,16 @@ TEST_F(QuorvaneTool, TurnsPicturesUpright) {
 }
 
 TEST_F(QuorvaneTool, DecodesThroughTheEmbeddedProfile) {
-  const sTestPicture scene = MakeScene(48, 32, 2.0f);
-  ToVips16(scene).tiffsave("plain.tif");
-  const TmEngine::cMatrix33 toWide =
-      TmEngine::cColorSpace_ProPhotoRGB().GetXYZToRGB() * TmEngine::cColorSpace_sRGB().GetRGBToXYZ();
-  std::vector<unsigned short> samples;
-  for (std::size_t i = 0; i < scene.fSamples.size(); i += 3) {
-    const float* p = &scene.fSamples[i];
-    const TmEngine::cVector3 wide = toWide * TmEngine::cVector3(p[0], p[1], p[2]);
-    for (int k = 0; k < 3; ++k) {
-      samples.push_back(static_cast<unsigned short>(std::lround(std::pow(wide[k], 1.0f / 1.8f) * 65535.0f)));
-    }
-  }
+  const VImage scene = ToVips16(MakeScene(48, 32, 2.0f));
   const std::string profile = ProfileOf(TmEngine::cColorSpace_ProPhotoRGB::GetIccProfile());
-  VImage wide = VImage::new_from_memory(samples.data(), samples.size() * sizeof(unsigned short), 48, 32, 3,
-                                        VIPS_FORMAT_USHORT)
-                    .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
-  vips_image_set_blob_copy(wide.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
-  wide.tiffsave("wide.tif");
+  WriteText("wide.icc", profile);
+  scene.tiffsave("plain.tif");
+  scene.icc_transform("wide.icc", VImage::option()->set("input_profile", "srgb")->set("depth", 16))
+      .tiffsave("wide.tif");
   const sStored expected = ToneMap("plain.tif");
   EXPECT_LT(MeanDifference(ToneMap("wide.tif"), expected), 0.04);
-  VImage broken = ToVips16(scene);
-  vips_image_set_blob_copy(broken.get_image(), VIPS_META_ICC_NAME, profile.data(), 200);
+  const VImage broken = scene.copy();
+  SetBlob(broken, VIPS_META_ICC_NAME, profile.substr(0, 200));
   broken.tiffsave("broken.tif");
   EXPECT_EQ(
       ToneMap("broken.tif", "", "out.png", "its colour profile is damaged or unfit; taken as sRGB").fSamples,
@@ -256,9 +244,9 @@ TEST_F(QuorvaneTool, NamesFileReasonAndWayOutOfEveryFailure) {
   ToVips8(scene).jpegsave("scene.jpg");
   ToVips16(scene).tiffsave("scene.tif",
                            VImage::option()->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_LZW));
-  for (const char* ending : {"pfm", "hdr", "exr", "png", "jpg", "tif"}) {
-    const std::string whole = ReadText(std::string("scene.") + ending);
-    std::ofstream(std::string("cut.") + ending, std::ios::binary) << whole.substr(0, whole.size() * 2 / 3);
+  for (const char* extension : {"pfm", "hdr", "exr", "png", "jpg", "tif"}) {
+    const std::string whole = ReadText(std::string("scene.") + extension);
+    std::ofstream(std::string("cut.") + extension, std::ios::binary) << whole.substr(0, whole.size() * 2 / 3);
   }
   ToVips16(scene).colourspace(VIPS_INTERPRETATION_LAB).tiffsave("lab.tif");
   std::ofstream("huge.pfm") << "PF\n2000000000 2000000000\n-1\n";

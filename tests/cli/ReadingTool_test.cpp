@@ -3,7 +3,6 @@
 
 #include <numeric>
 
-#include "photo/TonemapPicture.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/PictureReader.h"
 #include "photo/picture/Panorama.h"
@@ -324,36 +323,6 @@ TEST_F(ReadingTool, RepairsOutliersOfEveryFormat) {
   }
 }
 
-TEST_F(ReadingTool, StreamedRowsGiveTheResultOfTheWholePicture) {
-  sTestPicture scene = MakeScene(300, 900);
-  const auto tonemap = [](const std::string& pInput) {
-    Cli::sTonemapJob job;
-    job.fInput = pInput;
-    job.fOutput = pInput + ".png";
-    job.fExisting = Cli::eExisting::kReplace;
-    return Cli::TonemapPicture(job);
-  };
-  // the last of them need all rows first
-  for (const auto& [odd, y] : {std::pair{0.5f, 456},
-                               {std::nanf(""), 456},
-                               {kInfinity, 456},
-                               {1e20f, 0},
-                               {1e20f, 456},
-                               {1e38f, 899}}) {
-    scene = MakeScene(300, 900);
-    scene.GetPixel(123, y)[1] = odd;
-    WritePfm("whole.pfm", scene);
-    ToVipsFloat(scene).tiffsave("rows.tif");
-    const Cli::sPictureReport whole = tonemap("whole.pfm");
-    const Cli::sPictureReport rows = tonemap("rows.tif");
-    EXPECT_EQ(Load("rows.tif.png").fSamples, Load("whole.pfm.png").fSamples) << odd;
-    EXPECT_EQ(rows.fDynamicRange, whole.fDynamicRange) << odd;
-    EXPECT_EQ(rows.fWarnings, whole.fWarnings) << odd;
-    EXPECT_EQ(rows.fColorSpace, whole.fColorSpace);
-    EXPECT_EQ(rows.fRendering.fWhiteShare, whole.fRendering.fWhiteShare) << odd;
-  }
-}
-
 TEST_F(ReadingTool, ExrPicturesAreTheirDisplayWindow) {
   const sTestPicture scene = MakeScene(48, 32);
   WriteExr("whole.exr", scene);
@@ -473,9 +442,9 @@ TEST_F(ReadingTool, RefusesWhatIsBrokenOrUnknown) {
   of8.heifsave("a.avif", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1));
   of8.heifsave("a.heic", VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_HEVC));
   of8.jxlsave("a.jxl");
-  for (const char* ending : {"exr", "webp", "avif", "heic", "jxl"}) {
-    const std::string whole = ReadText(std::string("a.") + ending);
-    Expect(0, std::string("tonemap a.") + ending + " --overwrite -o out.png");
+  for (const char* extension : {"exr", "webp", "avif", "heic", "jxl"}) {
+    const std::string whole = ReadText(std::string("a.") + extension);
+    Expect(0, std::string("tonemap a.") + extension + " --overwrite -o out.png");
     for (const std::size_t size : {whole.size() / 20, whole.size() / 2}) {
       std::ofstream("cut", std::ios::binary) << whole.substr(0, size);
       ExpectFailure(3, "tonemap cut --overwrite -o out.png", "cut: ");

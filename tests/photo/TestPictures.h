@@ -50,7 +50,7 @@ inline sTestPicture MakeScene(int pWidth = 48, int pHeight = 32, float pDecades 
   return scene;
 }
 
-/// As it looks when every column moves pBy columns to the right, around the edge.
+/// pSamples with every column moved pBy columns to the right, around the edge.
 template <class tSample>
 std::vector<tSample> RollRows(std::vector<tSample> pSamples, int pWidth, int pBy) {
   const std::ptrdiff_t row = 3 * std::ptrdiff_t{pWidth};
@@ -92,7 +92,7 @@ inline void WritePfm(const std::string& pFile, const sTestPicture& pPicture) {
   }
 }
 
-/// pLines: header lines, each with its end. pResolution: the picture's own where it is empty.
+/// pLines: header lines with their line ends. pResolution: empty for the picture's own.
 inline void WriteRadiance(const std::string& pFile, const sTestPicture& pPicture,
                           const std::string& pLines = "", const std::string& pResolution = "",
                           const std::string& pName = "#?RADIANCE") {
@@ -156,7 +156,7 @@ inline void WriteExr(const std::string& pFile, const sTestPicture& pPicture, con
   }
 }
 
-/// A part of depth, then one of half floats, then one that nobody wants.
+/// Three parts: depth, half-float colours, and small colours that are not read.
 inline void WriteExrParts(const std::string& pFile, const sTestPicture& pPicture, bool pTiled) {
   const Imf::Header header(pPicture.fWidth, pPicture.fHeight);
   Imf::Header headers[3] = {header, header, header};
@@ -193,7 +193,7 @@ inline void WriteExrParts(const std::string& pFile, const sTestPicture& pPicture
   }
 }
 
-/// The picture with the transfer of sRGB, 16 bits a sample, as libvips takes it.
+/// The picture with the transfer of sRGB, 16 bits per sample, as libvips takes it.
 inline vips::VImage ToVips16(const sTestPicture& pPicture) {
   std::vector<unsigned short> samples;
   for (const float linear : pPicture.fSamples) {

@@ -28,12 +28,4 @@ TEST(LinearLight, NamesPrimariesThatAreAlike) {
             "primaries of the file's own");
 }
 
-TEST(LinearLight, SurfaceColoursGoThereAndBack) {
-  const Cli::sSurfaceColors surface = Cli::GetSurfaceColors();
-  const TmEngine::cVector3 white = surface.fToXYZ * TmEngine::cVector3(1.0f, 1.0f, 1.0f);
-  EXPECT_NEAR(white[1], 1.0f, 1e-5f);
-  const TmEngine::cVector3 rgb = surface.fToRGB * white;
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(rgb[i], 1.0f, 1e-5f);
-}
-
 }  // namespace
