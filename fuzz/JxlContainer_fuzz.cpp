@@ -1,5 +1,5 @@
-// The boxes of JPEG XL files: metadata are searched in any file, and replaced by others, which are found again;
-// a bare codestream stays as it was.
+// The boxes of JPEG XL files: metadata are searched in any file, and replaced by others, which are found
+// again; a bare codestream stays as it was.
 
 #include "photo/metadata/JxlContainer.h"
 

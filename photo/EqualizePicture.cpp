@@ -9,6 +9,7 @@
 #include "photo/base/Failure.h"
 #include "photo/decode/LdrReader.h"
 #include "photo/encode/PictureWriter.h"
+#include "photo/picture/ConvertFailures.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/ResultPixels.h"
 #include "photo/render/PictureRendering.h"

@@ -5,6 +5,7 @@
 #include "engine/curve/cHermiteSpline.h"
 #include "photo/base/Failure.h"
 #include "photo/picture/Alpha.h"
+#include "photo/picture/ConvertFailures.h"
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/Panorama.h"
 #include "photo/render/ChooseWrap.h"

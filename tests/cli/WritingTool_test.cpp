@@ -9,6 +9,7 @@
 #include "photo/metadata/JxlContainer.h"
 #include "photo/metadata/MetadataLibrary.h"
 #include "photo/metadata/PictureMetadata.h"
+#include "photo/picture/ConvertFailures.h"
 #include "photo/picture/OutputBitmap.h"
 #include "tests/cli/ToolTest.h"
 #include "tests/photo/TestPictures.h"
@@ -439,7 +440,7 @@ TEST(Failure, NamesFileAndReasonWhenTheEngineIsOutOfMemory) {
     throw TmEngine::cOutOfMemoryException("The grid is too large.", 1, "file", "time", "function");
   };
   try {
-    Cli::NameFailures(Cli::eFailure::kProcessing, "a.hdr", "tone-map", render);
+    Cli::NameFile("a.hdr", [&] { Cli::ConvertFailures(Cli::eFailure::kProcessing, "tone-map", render); });
     ADD_FAILURE() << "no failure";
   } catch (const Cli::cFailure& failure) {
     EXPECT_STREQ(failure.what(), "a.hdr: not enough memory to tone-map it: The grid is too large.");

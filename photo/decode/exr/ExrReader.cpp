@@ -21,6 +21,7 @@
 #include "photo/decode/exr/ExrParts.h"
 #include "photo/light/LightRows.h"
 #include "photo/picture/Alpha.h"
+#include "photo/picture/ConvertFailures.h"
 
 namespace Cli {
 namespace {
