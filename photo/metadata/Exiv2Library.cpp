@@ -441,6 +441,7 @@ class cExiv2Library : public cMetadataLibrary {
   sMetadataBlocks Correct(const sMetadataBlocks& pBlocks, const sCorrections& pCorrections,
                           std::vector<std::string>& pWarnings) const override {
     sMetadataBlocks blocks = pBlocks;
+    if (!pCorrections.fKinds.AreAll()) blocks.fFields.clear();
     Pack(MakeCorrected(pBlocks, pCorrections, pWarnings), true, blocks, pWarnings);
     blocks.fIptc.clear();  // libvips writes none from bare data sets
     return blocks;

@@ -67,7 +67,7 @@ cResultMetadata::cResultMetadata(const cMetadata* pMetadata, const VImage& pPict
   fCorrections = {pFacts, pKinds, hasThumbnail ? MakeThumbnail(pPicture) : "", pSettings};
   if (!pKinds.AreAll()) {
     fBlocks.fXResolution = fBlocks.fYResolution = sMetadataBlocks().fXResolution;
-    if (GetMetadataLibrary().WritesFiles()) fBlocks.fFields.clear();
+    if (fIsCompleted) fBlocks.fFields.clear();
   }
   if (!fIsCompleted) fBlocks = GetMetadataLibrary().Correct(fBlocks, fCorrections, pWarnings);
 }
