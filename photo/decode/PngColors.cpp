@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kName = 4;
 
-/// Of the names and sizes that are looked for; the first of each.
+/// The content of the first chunk of each name that is looked for.
 using tChunks = std::map<std::string, std::string, std::less<>>;
 
 bool IsLookedFor(std::string_view pName, std::uint64_t pSize) {

@@ -14,7 +14,7 @@ namespace Cli {
 struct sStatedColors {
   std::string fProfile;                ///< ICC.
   const char* fOrigin = "ICC";         ///< Where the profile is from: "EXIF" names one without bringing it.
-  std::optional<sCodedColors> fCoded;  ///< Of integers, where there is no profile that is of use.
+  std::optional<sCodedColors> fCoded;  ///< How integers are encoded, where no profile states it.
 };
 
 /// pImage was opened from pFile, and has these metadata.

@@ -183,7 +183,7 @@ void Pack(const sParsed& pParsed, bool pIsExifShort, sMetadataBlocks& pTo,
   }
 }
 
-/// Of the first image's tags: how its samples lie in the file that it comes from, and blocks of their own.
+/// Tags of a first image that describe how its samples lie in the input's file, or that hold other blocks.
 bool IsStorageTag(std::uint16_t pTag) {
   constexpr std::uint16_t kTags[] = {
       0x0fe, 0x0ff, 0x100, 0x101, 0x102, 0x103, 0x106, 0x107,  0x108,  0x109,  0x10a, 0x111, 0x115,
@@ -195,7 +195,7 @@ bool IsStorageTag(std::uint16_t pTag) {
   return isOldJpeg || isRaw || std::find(std::begin(kTags), std::end(kTags), pTag) != std::end(kTags);
 }
 
-/// What speaks of the file that it comes from, and of images in it that the result has not.
+/// Fields that describe the input's file, or images in it that the result does not have.
 bool IsOfInput(const Exiv2::Exifdatum& pDatum) {
   const std::string group = pDatum.groupName();
   if (group == "Image") return IsStorageTag(pDatum.tag());
@@ -203,8 +203,8 @@ bool IsOfInput(const Exiv2::Exifdatum& pDatum) {
          group.starts_with("SubThumb") || group.starts_with("Image");
 }
 
-/// The same of XMP, and of what the result has no part in: a second picture for brighter screens, a film; and
-/// of how a raw file was developed, which programs would do to the result again.
+/// Properties that describe the input's file, a second picture or film in it, or how a raw file was
+/// developed, which programs would do to the result again.
 bool IsOfInput(const Exiv2::Xmpdatum& pDatum) {
   constexpr std::string_view kStarts[] = {"hdrgm.",
                                           "Container.",
@@ -242,7 +242,7 @@ void SetWhereThere(tData& pData, const char* pKey, int pValue) {
   if (Has<tKey>(pData, pKey)) pData[pKey] = static_cast<tValue>(pValue);
 }
 
-/// It goes with what EXIF says of the exposure. Adobe RGB (1998) has no other name in EXIF.
+/// The index accompanies the fields of the exposure (Photo). EXIF has no other way to name Adobe RGB (1998).
 void SetInteropIndex(Exiv2::ExifData& pExif, const std::string& pIndex) {
   const Exiv2::ExifKey key("Exif.Iop.InteroperabilityIndex");
   const auto index = pExif.findKey(key);
@@ -304,7 +304,8 @@ void CorrectXmp(Exiv2::XmpData& pXmp, const sPictureFacts& pFacts) {
   FitPanorama(pXmp, pFacts);
 }
 
-/// A PNG with EXIF in its own chunk, behind the header; Exiv2 would hide it in a text that few look into.
+/// The PNG with EXIF in a chunk of its own behind the header. Exiv2 would write it into a text chunk, where
+/// few programs look.
 std::string WithExifChunk(std::string pPng, const Exiv2::ExifData& pExif) {
   constexpr std::size_t kHeaderEnd = 33;
   Exiv2::Blob blob;
@@ -318,7 +319,7 @@ std::string WithExifChunk(std::string pPng, const Exiv2::ExifData& pExif) {
   return pPng.insert(kHeaderEnd, chunk);
 }
 
-/// Of what libvips makes up for a JPEG.
+/// Drops the rest of the EXIF that libvips makes up for a JPEG.
 void KeepResolutionAlone(Exiv2::ExifData& pExif) {
   const auto isOther = [](const Exiv2::Exifdatum& pDatum) {
     const std::string key = pDatum.key();
@@ -357,7 +358,7 @@ std::string PutIn(const sMetadataHead& pHead, const sParsed& pBlocks) {
   return isPng && !pBlocks.fExif.empty() ? WithExifChunk(std::move(file), pBlocks.fExif) : file;
 }
 
-/// Tries each kind alone, and clears those that cannot be written into the head.
+/// Tries each kind of block alone, and clears those that cannot be written into the head.
 void DropFaulty(const sMetadataHead& pHead, sParsed& pBlocks, std::vector<std::string>& pWarnings) {
   const auto isFaulty = [&](const char* pName, const sParsed& pPart) {
     const std::string fault = FaultOf([&] { PutIn(pHead, pPart); });

@@ -33,8 +33,8 @@ void AppendBox(std::string& pTo, std::string_view pType, std::string_view pStart
 
 struct sBoxHeader {
   std::string fType;        ///< Empty where no box begins.
-  std::size_t fLength = 0;  ///< Of the header itself.
-  std::uint64_t fSize = 0;  ///< Of the whole box; kToEnd for the rest of the file.
+  std::size_t fLength = 0;  ///< The header's own bytes.
+  std::uint64_t fSize = 0;  ///< The whole box; kToEnd for the rest of the file.
 };
 
 /// pStart: the first 16 bytes of a box, or fewer where the file ends.
@@ -152,7 +152,7 @@ class cBoxReader {
   bool fIsClosed = false;
   std::uint64_t fAt = 0;  ///< In the file.
   std::string fInput;
-  std::string fType;  ///< Of the box at hand, whose content is in fContent as far as it is wanted.
+  std::string fType;  ///< The current box's; fContent holds its content where that is wanted.
   bool fIsCompressed = false;
   bool fIsWanted = false;
   std::string fContent;

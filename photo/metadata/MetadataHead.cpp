@@ -20,7 +20,7 @@ constexpr std::string_view kPngEnd("\0\0\0\0IEND\xae\x42\x60\x82", 12);
 constexpr std::string_view kJpegStart("\xff\xd8", 2);
 constexpr std::string_view kJpegEnd("\xff\xd9", 2);
 
-/// A file that is open; what goes wrong is thrown in the system's words.
+/// An open file. Errors are thrown with the system's text.
 class cOpenFile {
  public:
   cOpenFile(const std::string& pPath, int pFlags) : fHandle(open(pPath.c_str(), pFlags | O_CLOEXEC)) {
@@ -73,7 +73,7 @@ class cOpenFile {
   int fHandle;
 };
 
-/// Where the first chunk of pixels begins; -1 for nowhere.
+/// Offset of the first chunk of pixels; -1 for none.
 std::int64_t FindPngPixels(const cOpenFile& pFile) {
   std::int64_t at = static_cast<std::int64_t>(kPngStart.size());
   for (;;) {
@@ -84,7 +84,7 @@ std::int64_t FindPngPixels(const cOpenFile& pFile) {
   }
 }
 
-/// Where the first scan begins; -1 for nowhere.
+/// Offset of the first scan; -1 for none.
 std::int64_t FindJpegPixels(const cOpenFile& pFile) {
   std::int64_t at = static_cast<std::int64_t>(kJpegStart.size());
   for (;;) {
@@ -97,7 +97,7 @@ std::int64_t FindJpegPixels(const cOpenFile& pFile) {
   }
 }
 
-/// Moves what begins at pFrom to pTo, which may overlap: from the side first that would be written over.
+/// Moves the bytes from pFrom to pEnd to pTo. The ranges may overlap: what would be overwritten moves first.
 void MoveRest(const cOpenFile& pFile, std::int64_t pFrom, std::int64_t pEnd, std::int64_t pTo) {
   constexpr std::int64_t kBlock = 1 << 18;
   std::vector<char> block(kBlock);

@@ -22,7 +22,7 @@ struct sPictureFacts {
   int fWidth = 0;
   int fHeight = 0;
   int fExifColorSpace = 0;         ///< 1 sRGB, 65535 another, 0 whatever the input's metadata say.
-  const char* fInteropIndex = "";  ///< Of EXIF: "R98" sRGB, "R03" Adobe RGB (1998), "" another.
+  const char* fInteropIndex = "";  ///< EXIF's: "R98" sRGB, "R03" Adobe RGB (1998), "" another.
 };
 
 /// What a result's metadata are corrected to.

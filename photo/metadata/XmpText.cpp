@@ -64,8 +64,7 @@ sProperty FindProperty(const pugi::xml_document& pDocument, const char* pName) {
 void DropDevelopment(pugi::xml_document& pDocument) {
   const auto isDropped = [](const char* pName) { return std::string_view(pName).starts_with(kDevelopment); };
   for (pugi::xml_node node = pDocument.first_child(); node;) {
-    const pugi::xml_node inner = isDropped(node.name()) ? pugi::xml_node() : node;
-    if (!inner) {
+    if (isDropped(node.name())) {
       const pugi::xml_node dropped = node;
       node = SkipNode(node);
       dropped.parent().remove_child(dropped);

@@ -92,7 +92,7 @@ class cChunkCheck {
   Imath::Box2i fWindow;
   Imath::V2i fExtent;
   const char* fData = nullptr;
-  int fSize = 0;  ///< Of the chunk that was read last, in the file.
+  int fSize = 0;  ///< Bytes in the file of the chunk that was read last.
 };
 
 }  // namespace
