@@ -1,8 +1,9 @@
 #include "photo/light/LightLevels.h"
 
 #include <algorithm>
-#include <bit>
 #include <numeric>
+
+#include "photo/base/FloatBits.h"
 
 namespace Cli {
 namespace {
@@ -26,7 +27,7 @@ float cLightLevels::FindBound() const {
   for (int exponent = static_cast<int>(fCounts.size()) - 1; exponent >= 0 && above <= allowed; --exponent) {
     if (count(exponent) == 0) continue;
     if (lowest > kLargestOfHalf && lowest - exponent > kGap) {
-      bound = std::min(bound, std::bit_cast<float>(((exponent + 1) << kMantissaBits) - 1));
+      bound = std::min(bound, FloatOf(((exponent + 1) << kMantissaBits) - 1));
     }
     lowest = exponent;
     above += count(exponent);

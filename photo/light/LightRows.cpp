@@ -1,10 +1,11 @@
 #include "photo/light/LightRows.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#include "photo/base/FloatBits.h"
 
 namespace Cli {
 namespace {
@@ -15,7 +16,7 @@ constexpr std::int32_t kInfinity = 0x7f800000;
 /// In the bits of floats, read as integers, larger is larger above 0, infinity is above what is finite, and
 /// NaN above all.
 std::int32_t Magnitude(float pSample) {
-  return std::bit_cast<std::int32_t>(pSample) & 0x7fffffff;
+  return BitsOf(pSample) & 0x7fffffff;
 }
 
 std::int32_t LargestFinite(const float* pSamples, int pCount) {
@@ -65,7 +66,7 @@ cLightRows::cLightRows(const sLight& pLight) : fLight(pLight), fSurface(GetSurfa
 }
 
 bool cLightRows::sPart::IsSound(float pBound) const {
-  return std::bit_cast<float>(fLargest) <= pBound;
+  return FloatOf(fLargest) <= pBound;
 }
 
 bool cLightRows::Take(float* pRow, int pCount) {
@@ -84,7 +85,7 @@ bool cLightRows::Take(float* pRow, int pCount) {
 
 std::optional<sRepairs> cLightRows::Finish() {
   const float bound = fLevels.FindBound();
-  if (!fHolds && std::bit_cast<float>(fLargest) > bound) return std::nullopt;
+  if (!fHolds && FloatOf(fLargest) > bound) return std::nullopt;
   const bool isSound = std::all_of(fWaiting.begin(), fWaiting.end(),
                                    [bound](const sPart& pPart) { return pPart.IsSound(bound); });
   const float largest = isSound ? 0.0f : FindLargest(bound);
@@ -101,7 +102,7 @@ cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {
     const int count = std::min(kGroup, samples - start);
     std::int32_t largest = 0;
     for (int i = start; i < start + count; ++i) {
-      const auto bits = std::bit_cast<std::int32_t>(pRow[i]);
+      const auto bits = BitsOf(pRow[i]);
       const std::int32_t magnitude = bits & 0x7fffffff;
       largest = magnitude > largest ? magnitude : largest;
       signs |= bits;
@@ -134,7 +135,7 @@ bool cLightRows::IsOdd(const sPart& pPart) {
   const bool isBrightest = largest > fLargest;
   fLargest = std::max(fLargest, largest);
   if (!isFinite && HasInfinity(pPart.fPixels, samples)) return true;
-  return isBrightest && std::bit_cast<float>(largest) > fLevels.FindBound();
+  return isBrightest && FloatOf(largest) > fLevels.FindBound();
 }
 
 /// The brightest sample of the picture that is light.

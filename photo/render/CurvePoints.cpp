@@ -1,9 +1,11 @@
 #include "photo/render/CurvePoints.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
+
+#include "photo/base/FloatText.h"
 
 namespace Cli {
 namespace {
@@ -26,10 +28,8 @@ std::string_view TrimBlanks(std::string_view pText) {
 /// pWhat and pPoint: for the message only.
 float ParseNumber(std::string_view pText, int pHighest, const char* pWhat, std::string_view pPoint) {
   const std::string_view text = TrimBlanks(pText);
-  float number = 0.0f;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool isNumber = error == std::errc() && end == text.data() + text.size();
-  if (isNumber && number >= 0.0f && number <= static_cast<float>(pHighest)) return number;  // NaN is neither
+  const std::optional<float> number = ParseFloat(text);
+  if (number && *number >= 0.0f && *number <= static_cast<float>(pHighest)) return *number;
   throw std::invalid_argument("the " + std::string(pWhat) + " of " + Quote(pPoint) +
                               " is not a number from 0 to " + std::to_string(pHighest));
 }
@@ -74,9 +74,7 @@ tHuePoints ParseHuePoints(const std::string& pText) {
   const auto twin = std::adjacent_find(points.begin(), points.end(),
                                        [](const cVector2& pA, const cVector2& pB) { return pA.fX == pB.fX; });
   if (twin == points.end()) return points;
-  char hue[32];
-  const auto end = std::to_chars(std::begin(hue), std::end(hue), twin->fX).ptr;
-  throw std::invalid_argument("the hue " + std::string(hue, end) + " has two values");
+  throw std::invalid_argument("the hue " + ToText(twin->fX) + " has two values");
 }
 
 tHuePoints CloseCircle(const tHuePoints& pPoints) {

@@ -1,7 +1,5 @@
 #include "photo/render/Settings.h"
 
-#include <charconv>
-
 #include "engine/ToneSliders.h"
 
 namespace Cli {
@@ -69,12 +67,6 @@ std::optional<eWrap> FindWrap(const std::string& pName) {
     if (pName == GetWrapName(wrap)) return wrap;
   }
   return std::nullopt;
-}
-
-std::string ToText(float pNumber) {
-  char text[32];
-  const auto end = std::to_chars(text, text + sizeof text, pNumber);
-  return {text, end.ptr};
 }
 
 TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/ToneMapImage.h"
+#include "photo/base/FloatText.h"  // values as text
 
 namespace Cli {
 
@@ -56,9 +57,6 @@ void Apply(const sSettingsChange& pLater, sSettingsChange& pChange);
 const char* GetWrapName(eWrap pWrap);
 /// None for a name that is unknown.
 std::optional<eWrap> FindWrap(const std::string& pName);
-
-/// The shortest text that reads back as the same float: "0.1", "70".
-std::string ToText(float pNumber);
 
 /// The engine's parameters. pWrap: whether the edges of this picture meet. Saturation is none of them: it is
 /// a curve over hue.
