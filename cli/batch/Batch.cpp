@@ -102,7 +102,7 @@ class cReport {
 std::string FindObstacle(const sTonemapJob& pJob) {
   try {
     // a stream could not be read again
-    if (!IsStream(pJob.fInput)) NameFile(pJob.fInput, [&] { return TellFileKind(pJob.fInput); });
+    if (!IsStream(pJob.fInput)) NameFile(pJob.fInput, [&] { return DetectFileKind(pJob.fInput); });
     if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob))
       NameFile(pJob.fOutput, [] { RefuseExisting(); });
     return "";

@@ -12,7 +12,7 @@ struct sFreeCurve {
 };
 using tCurve = std::unique_ptr<cmsToneCurve, sFreeCurve>;
 
-tCurve MakeCurve(const sCodedColors& pColors) {
+tCurve MakeCurve(const sCicpColors& pColors) {
   if (pColors.fEncoding == eEncoding::kPower) return tCurve(cmsBuildGamma(nullptr, pColors.fPower));
   constexpr int kPowerWithLine = 4;
   const cmsFloat64Number numbers[] = {2.4, 1.0 / 1.055, 0.055 / 1.055, 1.0 / 12.92, 0.04045};
@@ -41,7 +41,7 @@ std::string Save(const tIccHandle& pProfile) {
 
 }  // namespace
 
-std::string MakeProfile(const sCodedColors& pColors) {
+std::string MakeProfile(const sCicpColors& pColors) {
   const sPrimaries& primaries = pColors.fPrimaries;
   const cmsCIExyY white = ToXyY(primaries.fWhite);
   const cmsCIExyYTRIPLE points = {ToXyY(primaries.fRed), ToXyY(primaries.fGreen), ToXyY(primaries.fBlue)};

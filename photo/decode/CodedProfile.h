@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "photo/light/CodedColors.h"
+#include "photo/light/CicpColors.h"
 
 namespace Cli {
 
 /// An ICC profile of such colours, which must not go beyond white. Empty where none can be made. The same
 /// colours give the same bytes.
-std::string MakeProfile(const sCodedColors& pColors);
+std::string MakeProfile(const sCicpColors& pColors);
 
 }  // namespace Cli

@@ -31,7 +31,7 @@ std::string ReadStart(const std::string& pFile) {
 
 }  // namespace
 
-eFileKind TellFileKind(const std::string& pFile) {
+eFileKind DetectFileKind(const std::string& pFile) {
   const std::string start = ReadStart(pFile);
   if (start == "\x76\x2f\x31\x01") return eFileKind::kExr;
   if (start.starts_with("PF") || start.starts_with("Pf")) return eFileKind::kPfm;

@@ -8,6 +8,6 @@ namespace Cli {
 enum class eFileKind { kExr, kPfm, kVips };
 
 /// Throws cFailure, in plain words, for what nobody can read as a file.
-eFileKind TellFileKind(const std::string& pFile);
+eFileKind DetectFileKind(const std::string& pFile);
 
 }  // namespace Cli

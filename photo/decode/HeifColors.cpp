@@ -29,7 +29,7 @@ tHandle OpenPrimary(const tContext& pContext, const std::string& pFile) {
 
 }  // namespace
 
-std::optional<sCodedColors> ReadHeifColors(const std::string& pFile, std::vector<std::string>& pWarnings) {
+std::optional<sCicpColors> ReadHeifColors(const std::string& pFile, std::vector<std::string>& pWarnings) {
   const tContext context(heif_context_alloc());
   const tHandle handle = OpenPrimary(context, pFile);
   if (handle == nullptr) return std::nullopt;

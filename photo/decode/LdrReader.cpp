@@ -32,7 +32,7 @@ using vips::VImage;
 
 /// The file's picture, upright. Throws cFailure unless its samples are integers of 8 or 16 bits.
 VImage OpenIntegers(const std::string& pFile, const std::string& pVerb, const sPictureChoice& pChoice) {
-  if (TellFileKind(pFile) != eFileKind::kVips) RefuseFloats(pVerb);
+  if (DetectFileKind(pFile) != eFileKind::kVips) RefuseFloats(pVerb);
   VImage image = Uncode(OpenUpright(pFile, 1, pChoice));
   switch (image.format()) {
     case VIPS_FORMAT_UCHAR:
@@ -118,7 +118,7 @@ struct sSampleColors {
 };
 
 /// Grey is spread to red, green and blue, so that RGB profiles are right for it, too.
-sSampleColors FindCodedSpace(const sCodedColors& pCoded) {
+sSampleColors FindCodedSpace(const sCicpColors& pCoded) {
   sSampleColors colors{MakeProfile(pCoded), 3, nullptr, nullptr};
   colors.fDecoder = cIccDecoder::FromProfile(colors.fProfile.data(), colors.fProfile.size(), 3);
   if (colors.fDecoder != nullptr) colors.fSpace = MatchProfile(colors.fProfile, *colors.fDecoder);
@@ -133,7 +133,7 @@ sSampleColors FindSpace(const sStatedColors& pStated, int pColours, std::vector<
     return colors;
   }
   if (pColours == 4) return colors;
-  const sCodedColors coded = pStated.fCoded.value_or(sCodedColors{});
+  const sCicpColors coded = pStated.fCoded.value_or(sCicpColors{});
   if (!coded.AreSRGB() && !coded.GoesBeyondWhite()) return FindCodedSpace(coded);
   colors.fProfile = GetIccProfile(TmEngine::eColorSpaceID_sRGB);
   colors.fSpace = std::make_unique<TmEngine::cColorSpace_sRGB>();

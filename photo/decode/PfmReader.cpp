@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "photo/base/Failure.h"
-#include "photo/light/LightRows.h"
+#include "photo/light/RowConverter.h"
 
 namespace Cli {
 namespace {
@@ -27,9 +27,9 @@ sPfmHeader ReadHeader(std::istream& pStream) {
   double scale = 0.0;
   pStream >> kind >> header.fWidth >> header.fHeight >> scale;
   pStream.get();  // the one blank before the samples
-  const bool isSound =
+  const bool isValid =
       pStream.good() && (kind == "PF" || kind == "Pf") && std::isfinite(scale) && scale != 0.0;
-  if (!isSound) throw cFailure(eFailure::kCannotRead, "its PFM header is damaged");
+  if (!isValid) throw cFailure(eFailure::kCannotRead, "its PFM header is damaged");
   header.fSamples = kind == "PF" ? 3 : 1;
   header.fSwap = (scale < 0.0) != (std::endian::native == std::endian::little);
   return header;
@@ -49,7 +49,7 @@ void CheckLength(const std::string& pFile, const sPfmHeader& pHeader, std::istre
 /// The rows, which are stored from bottom to top.
 class cPfmRows : public cPictureRows {
  public:
-  cPfmRows(std::ifstream pStream, const sPfmHeader& pHeader, const sLight& pLight)
+  cPfmRows(std::ifstream pStream, const sPfmHeader& pHeader, const sLinearLight& pLight)
       : cPictureRows(static_cast<int>(pHeader.fWidth), static_cast<int>(pHeader.fHeight), false),
         fStream(std::move(pStream)),
         fHeader(pHeader),
@@ -86,7 +86,7 @@ class cPfmRows : public cPictureRows {
   std::ifstream fStream;
   sPfmHeader fHeader;
   std::streampos fStart;
-  cLightRows fLight;
+  cRowConverter fLight;
   std::vector<float> fRow;
 };
 
@@ -99,7 +99,7 @@ sOpenedPicture OpenPfm(const std::string& pFile, const tMemoryGate& pGate) {
   CheckSize(header.fWidth, header.fHeight, pGate);
   sOpenedPicture picture;
   picture.fFormat = "PFM";
-  const sLight light = LightOf(std::nullopt, picture.fWarnings);
+  const sLinearLight light = MakeLinearLight(std::nullopt, picture.fWarnings);
   picture.fColorSpace = light.fColorSpace;
   picture.fRows = std::make_unique<cPfmRows>(std::move(stream), header, light);
   return picture;

@@ -10,7 +10,7 @@ namespace Cli {
 
 sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice,
                            const tMemoryGate& pGate) {
-  const eFileKind kind = TellFileKind(pFile);
+  const eFileKind kind = DetectFileKind(pFile);
   if (kind != eFileKind::kVips && pChoice.fPage > 1) {
     throw cFailure(eFailure::kCannotRead, "has no pages; leave {page} out");
   }

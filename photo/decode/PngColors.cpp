@@ -57,7 +57,7 @@ double ReadPart(std::string_view pContent, std::size_t pIndex) {
   return static_cast<double>(ReadBigEndian(pContent.substr(4 * pIndex, 4))) / 100000.0;
 }
 
-std::optional<sCodedColors> ReadCodes(const std::string& pContent, std::vector<std::string>& pWarnings) {
+std::optional<sCicpColors> ReadCodes(const std::string& pContent, std::vector<std::string>& pWarnings) {
   const auto code = [&](std::size_t pIndex) { return static_cast<unsigned char>(pContent[pIndex]); };
   auto colors =
       FindCodedColors(code(0), code(1), "what else the file says of its colours is taken", pWarnings);
@@ -88,8 +88,8 @@ double ReadPower(const std::string& pContent, std::vector<std::string>& pWarning
 }
 
 /// From gAMA and cHRM, each as far as it is there.
-std::optional<sCodedColors> ReadNumbers(const tChunks& pChunks, std::vector<std::string>& pWarnings) {
-  sCodedColors colors;
+std::optional<sCicpColors> ReadNumbers(const tChunks& pChunks, std::vector<std::string>& pWarnings) {
+  sCicpColors colors;
   const auto primaries = pChunks.find("cHRM");
   if (primaries != pChunks.end()) colors.fPrimaries = ReadPrimaries(primaries->second, pWarnings);
   const auto gamma = pChunks.find("gAMA");
@@ -109,8 +109,8 @@ std::optional<sCodedColors> ReadNumbers(const tChunks& pChunks, std::vector<std:
 
 }  // namespace
 
-std::optional<sCodedColors> ReadPngColors(const std::string& pFile, bool pHasProfile,
-                                          std::vector<std::string>& pWarnings) {
+std::optional<sCicpColors> ReadPngColors(const std::string& pFile, bool pHasProfile,
+                                         std::vector<std::string>& pWarnings) {
   const tChunks chunks = ReadChunks(pFile);
   if (const auto codes = chunks.find("cICP"); codes != chunks.end()) {
     if (auto colors = ReadCodes(codes->second, pWarnings)) return colors;

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "photo/light/CodedColors.h"
+#include "photo/light/CicpColors.h"
 
 namespace Cli {
 
 /// What a PNG file states of its colours besides an ICC profile, as far as that counts: cICP comes before a
 /// profile, sRGB after it, then gAMA and cHRM. None for what a profile says, or else sRGB. Reads no more than
 /// the chunks before the pixels; damaged ones are passed over.
-std::optional<sCodedColors> ReadPngColors(const std::string& pFile, bool pHasProfile,
-                                          std::vector<std::string>& pWarnings);
+std::optional<sCicpColors> ReadPngColors(const std::string& pFile, bool pHasProfile,
+                                         std::vector<std::string>& pWarnings);
 
 }  // namespace Cli

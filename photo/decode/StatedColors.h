@@ -5,16 +5,16 @@
 #include <vector>
 #include <vips/vips8>
 
-#include "photo/light/CodedColors.h"
+#include "photo/light/CicpColors.h"
 #include "photo/metadata/Metadata.h"
 
 namespace Cli {
 
 /// What a file states of the colours of its samples. Neither profile nor numbers: nothing.
 struct sStatedColors {
-  std::string fProfile;                ///< ICC.
-  const char* fOrigin = "ICC";         ///< Where the profile is from: "EXIF" names one without bringing it.
-  std::optional<sCodedColors> fCoded;  ///< How integers are encoded, where no profile states it.
+  std::string fProfile;               ///< ICC.
+  const char* fOrigin = "ICC";        ///< Where the profile is from: "EXIF" names one without bringing it.
+  std::optional<sCicpColors> fCoded;  ///< How integers are encoded, where no profile states it.
 };
 
 /// pImage was opened from pFile, and has these metadata.

@@ -15,7 +15,7 @@
 #include "photo/decode/tiff/TiffAlpha.h"
 #include "photo/decode/tiff/TiffSamples.h"
 #include "photo/icc/IccDecoder.h"
-#include "photo/light/LightRows.h"
+#include "photo/light/RowConverter.h"
 #include "photo/metadata/PictureMetadata.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
@@ -36,7 +36,7 @@ struct sLayout {
   const float* fTableOf[4] = {};          ///< Each colour's.
   std::unique_ptr<cIccDecoder> fDecoder;  ///< Null without a profile.
   const char* fOrigin = "";               ///< Of the profile.
-  sCodedColors fCoded;                    ///< Of integers without one.
+  sCicpColors fCoded;                     ///< Of integers without one.
   double fScale[3] = {1.0, 1.0, 1.0};     ///< What linear samples were multiplied by.
 
   bool IsOfFloats() const { return fFormat == VIPS_FORMAT_FLOAT; }
@@ -84,19 +84,19 @@ sLayout ChooseLayout(const std::string& pFile, const VImage& pImage, sPictureInf
   layout.fOrigin = stated.fOrigin;
   if (layout.fColours == 4 && layout.fDecoder == nullptr) RefuseLayout("it is CMYK without a profile");
   if (!isInteger) return layout;
-  if (layout.fDecoder == nullptr) layout.fCoded = stated.fCoded.value_or(sCodedColors{});
+  if (layout.fDecoder == nullptr) layout.fCoded = stated.fCoded.value_or(sCicpColors{});
   layout.fFull = static_cast<float>(GetFullSample(pImage));
   MakeTables(layout);
   return layout;
 }
 
-sLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPictureInfo& pPicture) {
+sLinearLight ChooseLight(const sLayout& pLayout, const sRadianceHeader& pHeader, sPictureInfo& pPicture) {
   if (pLayout.fDecoder != nullptr) {
     return {pLayout.fDecoder->GetMatrix(), pLayout.IsOfFloats(),
             pLayout.fDecoder->GetName() + " (" + pLayout.fOrigin + ")"};
   }
-  if (pLayout.IsOfFloats()) return LightOf(pHeader.fPrimaries, pPicture.fWarnings);
-  sLight light = LightOf(pLayout.fCoded.fPrimaries, pPicture.fWarnings);
+  if (pLayout.IsOfFloats()) return MakeLinearLight(pHeader.fPrimaries, pPicture.fWarnings);
+  sLinearLight light = MakeLinearLight(pLayout.fCoded.fPrimaries, pPicture.fWarnings);
   light.fColorSpace = pLayout.fCoded.fName;
   return light;
 }
@@ -160,13 +160,13 @@ bool IsScaled(const sLayout& pLayout) {
 }
 
 /// Whether no sample that the file can hold becomes one that has to be put right.
-bool IsSound(const sLayout& pLayout) {
+bool IsValid(const sLayout& pLayout) {
   if (pLayout.IsTransformed() || IsScaled(pLayout)) return false;
   const auto isLight = [](float pV) { return pV >= 0.0f && pV <= 1e6f; };
-  const auto isSound = [&](const std::vector<float>& pTable) {
+  const auto isValid = [&](const std::vector<float>& pTable) {
     return std::all_of(pTable.begin(), pTable.end(), isLight);
   };
-  return !pLayout.IsOfFloats() && std::all_of(pLayout.fTables, pLayout.fTables + 4, isSound);
+  return !pLayout.IsOfFloats() && std::all_of(pLayout.fTables, pLayout.fTables + 4, isValid);
 }
 
 /// Takes back what the file's exposure lines say was multiplied in.
@@ -196,12 +196,12 @@ void ToAlpha(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::uint
 }
 
 /// From the file's row to a row as the picture's light says.
-void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vector<float>& pRoom,
+void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vector<float>& pScratch,
              float* pTo) {
   if (pLayout.IsTransformed()) {
-    pRoom.resize(static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pLayout.fColours));
-    ToFloats(pFrom, pLayout, pWidth, pLayout.fColours, pRoom.data());
-    return pLayout.fDecoder->ToXYZ(pRoom.data(), pTo, pWidth);
+    pScratch.resize(static_cast<std::size_t>(pWidth) * static_cast<std::size_t>(pLayout.fColours));
+    ToFloats(pFrom, pLayout, pWidth, pLayout.fColours, pScratch.data());
+    return pLayout.fDecoder->ToXYZ(pScratch.data(), pTo, pWidth);
   }
   if (pLayout.fIsRgbe) {
     DecodeRgbe(pFrom, pWidth, pTo);
@@ -215,7 +215,7 @@ void TakeRow(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, std::vect
 /// Streams the rows: no more of the file's own pixels than a strip is in memory.
 class cVipsRows : public cPictureRows {
  public:
-  cVipsRows(const VImage& pImage, sLayout pLayout, bool pHasAlpha, const sLight& pLight)
+  cVipsRows(const VImage& pImage, sLayout pLayout, bool pHasAlpha, const sLinearLight& pLight)
       : cPictureRows(pImage.width(), pImage.height(), pHasAlpha),
         fLayout(std::move(pLayout)),
         fLight(pLight),
@@ -236,7 +236,7 @@ class cVipsRows : public cPictureRows {
     for (int x = 0; x < GetWidth(); x += TmEngine::kRunLength) {
       const int count = std::min(TmEngine::kRunLength, GetWidth() - x);
       float* const to = pTo + std::ptrdiff_t{3} * x;
-      TakeRow(row + fPixelBytes * static_cast<std::size_t>(x), fLayout, count, fRoom, to);
+      TakeRow(row + fPixelBytes * static_cast<std::size_t>(x), fLayout, count, fScratch, to);
       isDone = fLight.Take(to, count) && isDone;
     }
     return isDone;
@@ -247,10 +247,10 @@ class cVipsRows : public cPictureRows {
 
  private:
   sLayout fLayout;
-  cLightRows fLight;
+  cRowConverter fLight;
   vips::VRegion fRegion;
   std::size_t fPixelBytes;
-  std::vector<float> fRoom;
+  std::vector<float> fScratch;
 };
 
 void DescribeFile(const std::string& pFile, const VImage& pImage, sPictureInfo& pPicture) {
@@ -301,8 +301,8 @@ sOpenedPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoi
   sLayout layout = ChooseLayout(pFile, image, picture);
   std::copy_n(header.fScale, 3, layout.fScale);
   layout.fIsRgbe = IsCoded(stored);
-  sLight light = ChooseLight(layout, header, picture);
-  light.fIsSound = IsSound(layout);
+  sLinearLight light = ChooseLight(layout, header, picture);
+  light.fIsValid = IsValid(layout);
   picture.fColorSpace = light.fColorSpace;
   const bool hasAlpha = layout.fSamples > layout.fColours && !pChoice.fIgnoresAlpha;
   picture.fIsPremultiplied = hasAlpha && associated.Get() != nullptr;

@@ -74,7 +74,7 @@ std::string NamePrimaries(const sPrimaries& pP) {
   return named == std::end(kNamed) ? "primaries of the file's own" : named->fName;
 }
 
-sLight LightOf(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings) {
+sLinearLight MakeLinearLight(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings) {
   sPrimaries primaries;
   if (pStated && SpanColorSpace(*pStated)) {
     primaries = *pStated;

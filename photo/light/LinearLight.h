@@ -23,16 +23,16 @@ bool SpanColorSpace(const sPrimaries& pPrimaries);
 std::string NamePrimaries(const sPrimaries& pPrimaries);
 
 /// What linear samples mean.
-struct sLight {
+struct sLinearLight {
   std::optional<TmEngine::cMatrix33> fToXYZ;  ///< From RGB to D50-relative XYZ; none for samples in XYZ.
   bool fFitsGamut = false;  ///< Whether colours beyond those of real surfaces are brought to their border.
   std::string fColorSpace;  ///< In words.
-  bool fIsSound = false;    ///< No sample is below 0, beyond any light, or no number.
+  bool fIsValid = false;    ///< No sample is below 0, beyond any light, or no number.
 };
 
 /// Linear RGB with the primaries that a file states; where there are none, or where they span no colour space
 /// (which leaves a warning), sRGB's are taken.
-sLight LightOf(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings);
+sLinearLight MakeLinearLight(const std::optional<sPrimaries>& pStated, std::vector<std::string>& pWarnings);
 
 /// RGB of Rec. 2020, which holds the colours of real surfaces.
 struct sSurfaceColors {

@@ -23,15 +23,15 @@ struct sGathered {
 };
 
 /// Where a pixel of the long axis falls on the short one: pFirst of it on fTo, the rest on the next.
-struct sPlace {
+struct sSpan {
   std::size_t fTo;
   double fFirst;
   double fRest;
 };
 
-std::vector<sPlace> MakePlaces(int pFrom, int pTo) {
+std::vector<sSpan> MakePlaces(int pFrom, int pTo) {
   const double scale = static_cast<double>(pTo) / pFrom;
-  std::vector<sPlace> places;
+  std::vector<sSpan> places;
   for (int i = 0; i < pFrom; ++i) {
     const int to = std::min(static_cast<int>(i * scale), pTo - 1);
     const double first = std::clamp(to + 1 - i * scale, 0.0, scale);
@@ -56,12 +56,12 @@ sGathered Weigh(const float* pPixel, double pOpacity, bool pIsPremultiplied) {
 }
 
 /// Adds one row of the picture to a row of the reduced one.
-void GatherRow(const sPicture& pFrom, int pY, const std::vector<sPlace>& pPlaces,
+void GatherRow(const sPicture& pFrom, int pY, const std::vector<sSpan>& pPlaces,
                std::vector<sGathered>& pTo) {
   const float* pixel = GetRow(pFrom, pY);
   const std::size_t first = static_cast<std::size_t>(pY) * pPlaces.size();
   for (std::size_t x = 0; x < pPlaces.size(); ++x, pixel += 3) {
-    const sPlace& place = pPlaces[x];
+    const sSpan& place = pPlaces[x];
     const double opacity = pFrom.fAlpha.empty() ? 1.0 : pFrom.fAlpha[first + x] / 65535.0;
     const sGathered weighed = Weigh(pixel, opacity, pFrom.fIsPremultiplied);
     pTo[place.fTo].Add(weighed, place.fFirst);

@@ -19,7 +19,7 @@
 #include "photo/decode/exr/ExrLines.h"
 #include "photo/decode/exr/ExrMetadata.h"
 #include "photo/decode/exr/ExrParts.h"
-#include "photo/light/LightRows.h"
+#include "photo/light/RowConverter.h"
 #include "photo/picture/Alpha.h"
 #include "photo/picture/ConvertFailures.h"
 
@@ -109,7 +109,7 @@ sWindow ChooseWindow(const Imf::Header& pHeader, std::vector<std::string>& pWarn
 class cExrRows : public cPictureRows {
  public:
   cExrRows(const std::string& pFile, std::unique_ptr<sOpenPart> pPart, const sWindow& pWindow, bool pHasAlpha,
-           const sLight& pLight)
+           const sLinearLight& pLight)
       : cPictureRows(static_cast<int>(pWindow.fWidth), static_cast<int>(pWindow.fHeight), pHasAlpha),
         fPart(std::move(pPart)),
         fReader(OpenExrLines(pFile, fPart->fPart, fPart->fSource)),
@@ -174,7 +174,7 @@ class cExrRows : public cPictureRows {
   std::int64_t fDown;   ///< The line of the first row, and the place in a line of the first column;
   std::int64_t fRight;  ///< below 0 where the picture begins before its data.
   bool fHasAlphaChannel;
-  cLightRows fLight;
+  cRowConverter fLight;
   int fLines;       ///< That are read together.
   int fFirst = -1;  ///< Of the lines that were read last.
   std::vector<float> fColours;
@@ -215,7 +215,7 @@ sOpenedPicture OpenChecked(const std::string& pFile, const sPictureChoice& pChoi
   picture.fFileDepth = header.channels()[part->fSource.NameOf(isRgb ? "R" : "Y")].type == Imf::HALF ? 16 : 32;
   picture.fIsPanorama = Imf::hasEnvmap(header) && Imf::envmap(header) == Imf::ENVMAP_LATLONG;
   picture.fMetadata = ReadExrMetadata(header);
-  const sLight light = LightOf(StatedPrimaries(header), picture.fWarnings);
+  const sLinearLight light = MakeLinearLight(StatedPrimaries(header), picture.fWarnings);
   const bool hasAlpha = HasAlphaChannel(header, part->fSource) || !data.Covers(window);
   picture.fColorSpace = light.fColorSpace;
   picture.fIsPremultiplied = hasAlpha && !pChoice.fIgnoresAlpha;

@@ -1,4 +1,4 @@
-#include "photo/light/LightRows.h"
+#include "photo/light/RowConverter.h"
 
 #include <algorithm>
 #include <cmath>
@@ -61,16 +61,16 @@ bool IsPositive(const TmEngine::cMatrix33& pMatrix) {
 
 }  // namespace
 
-cLightRows::cLightRows(const sLight& pLight) : fLight(pLight), fSurface(GetSurfaceColors()) {
+cRowConverter::cRowConverter(const sLinearLight& pLight) : fLight(pLight), fSurface(GetSurfaceColors()) {
   fIsInside = fLight.fToXYZ && IsPositive(fSurface.fToRGB * *fLight.fToXYZ);
 }
 
-bool cLightRows::sPart::IsSound(float pBound) const {
+bool cRowConverter::sPart::IsValid(float pBound) const {
   return FloatOf(fLargest) <= pBound;
 }
 
-bool cLightRows::Take(float* pRow, int pCount) {
-  if (fLight.fIsSound) {
+bool cRowConverter::Take(float* pRow, int pCount) {
+  if (fLight.fIsValid) {
     Convert({pRow, pCount, 0, false}, false);
     return true;
   }
@@ -83,18 +83,18 @@ bool cLightRows::Take(float* pRow, int pCount) {
   return true;
 }
 
-std::optional<sRepairs> cLightRows::Finish() {
+std::optional<sRepairs> cRowConverter::Finish() {
   const float bound = fLevels.FindBound();
   if (!fHolds && FloatOf(fLargest) > bound) return std::nullopt;
-  const bool isSound = std::all_of(fWaiting.begin(), fWaiting.end(),
-                                   [bound](const sPart& pPart) { return pPart.IsSound(bound); });
-  const float largest = isSound ? 0.0f : FindLargest(bound);
+  const bool isValid = std::all_of(fWaiting.begin(), fWaiting.end(),
+                                   [bound](const sPart& pPart) { return pPart.IsValid(bound); });
+  const float largest = isValid ? 0.0f : FindLargest(bound);
   for (const sPart& part : fWaiting) FinishPart(part, bound, largest);
   fWaiting.clear();
   return fRepairs;
 }
 
-cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {
+cRowConverter::sPart cRowConverter::Scan(float* pRow, int pCount) {
   sPart part = {pRow, pCount, 0, false};
   std::int32_t signs = 0;
   const int samples = 3 * pCount;
@@ -115,7 +115,7 @@ cLightRows::sPart cLightRows::Scan(float* pRow, int pCount) {
 }
 
 /// Short rows that follow each other wait as one.
-void cLightRows::Wait(const sPart& pPart) {
+void cRowConverter::Wait(const sPart& pPart) {
   constexpr int kLong = 1024;
   const bool follows = !fWaiting.empty() && fWaiting.back().fCount < kLong &&
                        fWaiting.back().fPixels + std::ptrdiff_t{3} * fWaiting.back().fCount == pPart.fPixels;
@@ -128,7 +128,7 @@ void cLightRows::Wait(const sPart& pPart) {
 
 /// Whether the picture as a whole decides what becomes of it. Whatever else turns out to be an outlier is
 /// found at the end.
-bool cLightRows::IsOdd(const sPart& pPart) {
+bool cRowConverter::IsOdd(const sPart& pPart) {
   const int samples = 3 * pPart.fCount;
   const bool isFinite = pPart.fLargest < kInfinity;
   const std::int32_t largest = isFinite ? pPart.fLargest : LargestFinite(pPart.fPixels, samples);
@@ -139,7 +139,7 @@ bool cLightRows::IsOdd(const sPart& pPart) {
 }
 
 /// The brightest sample of the picture that is light.
-float cLightRows::FindLargest(float pBound) const {
+float cRowConverter::FindLargest(float pBound) const {
   float largest = 0.0f;
   for (const sPart& part : fWaiting) {
     for (int i = 0; i < 3 * part.fCount; ++i) {
@@ -150,13 +150,13 @@ float cLightRows::FindLargest(float pBound) const {
   return largest > 0.0f ? largest : 1.0f;
 }
 
-void cLightRows::FinishPart(const sPart& pPart, float pBound, float pLargest) {
-  const bool isSound = pPart.IsSound(pBound);
-  if (!isSound) Repair(pPart, pBound, pLargest);
-  Convert(pPart, pPart.fHasNegative || !isSound);
+void cRowConverter::FinishPart(const sPart& pPart, float pBound, float pLargest) {
+  const bool isValid = pPart.IsValid(pBound);
+  if (!isValid) Repair(pPart, pBound, pLargest);
+  Convert(pPart, pPart.fHasNegative || !isValid);
 }
 
-void cLightRows::Repair(const sPart& pPart, float pBound, float pLargest) {
+void cRowConverter::Repair(const sPart& pPart, float pBound, float pLargest) {
   float* pixel = pPart.fPixels;
   for (int x = 0; x < pPart.fCount; ++x, pixel += 3) {
     if (std::all_of(pixel, pixel + 3, [=](float pV) { return std::fabs(pV) <= pBound; })) continue;
@@ -167,12 +167,12 @@ void cLightRows::Repair(const sPart& pPart, float pBound, float pLargest) {
   }
 }
 
-void cLightRows::Convert(const sPart& pPart, bool pHasNegative) {
+void cRowConverter::Convert(const sPart& pPart, bool pHasNegative) {
   if (fLight.fToXYZ) Transform(pPart.fPixels, pPart.fCount, *fLight.fToXYZ);
   if (fLight.fFitsGamut && (pHasNegative || !fIsInside)) FitGamut(pPart);
 }
 
-void cLightRows::FitGamut(const sPart& pPart) {
+void cRowConverter::FitGamut(const sPart& pPart) {
   float* pixel = pPart.fPixels;
   for (int x = 0; x < pPart.fCount; ++x, pixel += 3) {
     TmEngine::cVector3 rgb = fSurface.fToRGB * TmEngine::cVector3(pixel[0], pixel[1], pixel[2]);

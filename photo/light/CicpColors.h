@@ -12,7 +12,7 @@ namespace Cli {
 enum class eEncoding { kSRGB, kPower, kPQ, kHLG };
 
 /// The colours of a picture that states them by numbers, not by a profile. The default is sRGB.
-struct sCodedColors {
+struct sCicpColors {
   sPrimaries fPrimaries;
   eEncoding fEncoding = eEncoding::kSRGB;
   double fPower = 1.0;  ///< For kPower: light is the sample to this power. 1 is linear.
@@ -27,11 +27,11 @@ struct sCodedColors {
 
 /// What two code points of ITU-T H.273 stand for; none where they are not known here, which leaves a warning
 /// that ends with pInstead.
-std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
-                                            std::vector<std::string>& pWarnings);
+std::optional<sCicpColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
+                                           std::vector<std::string>& pWarnings);
 
 /// The linear light of an encoded sample in [0, 1]. 1 is the white of paper: it is reached at 203 candela a
 /// square metre of PQ, and at 75 % of HLG, and lights go beyond.
-float DecodeSample(const sCodedColors& pColors, float pSample);
+float DecodeSample(const sCicpColors& pColors, float pSample);
 
 }  // namespace Cli

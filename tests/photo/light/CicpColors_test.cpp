@@ -1,4 +1,4 @@
-#include "photo/light/CodedColors.h"
+#include "photo/light/CicpColors.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@ namespace {
 using Cli::FindCodedColors;
 
 /// Paper white is 1: 203 candela per square metre in PQ, 75 % of the signal in HLG.
-TEST(CodedColors, PutPaperWhiteAtOne) {
+TEST(CicpColors, PutPaperWhiteAtOne) {
   std::vector<std::string> warnings;
   const struct {
     int fPrimaries, fTransfer;
@@ -35,7 +35,7 @@ TEST(CodedColors, PutPaperWhiteAtOne) {
   EXPECT_FALSE(FindCodedColors(12, 13, "", warnings)->AreSRGB());
 }
 
-TEST(CodedColors, UnknownCodesLeaveAWarning) {
+TEST(CicpColors, UnknownCodesLeaveAWarning) {
   std::vector<std::string> warnings;
   EXPECT_FALSE(FindCodedColors(9, 77, "sRGB is taken", warnings).has_value());
   EXPECT_FALSE(FindCodedColors(77, 16, "sRGB is taken", warnings).has_value());
@@ -43,8 +43,8 @@ TEST(CodedColors, UnknownCodesLeaveAWarning) {
   EXPECT_NE(warnings[0].find("(primaries 9, transfer 77); sRGB is taken"), std::string::npos) << warnings[0];
 }
 
-TEST(CodedColors, PowersDecodeGamma) {
-  const Cli::sCodedColors gamma{{}, Cli::eEncoding::kPower, 2.2, "gamma 2.2"};
+TEST(CicpColors, PowersDecodeGamma) {
+  const Cli::sCicpColors gamma{{}, Cli::eEncoding::kPower, 2.2, "gamma 2.2"};
   EXPECT_NEAR(DecodeSample(gamma, 0.5f), 0.217638f, 1e-6f);
 }
 

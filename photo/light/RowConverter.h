@@ -19,9 +19,9 @@ namespace Cli {
 /// - Colours beyond those of real surfaces are brought to the border of that range, where pLight asks for it:
 ///   dark noise has parts below 0 that cancel the others' luminance, and would be rendered as bright specks
 ///   of pure colour. So what is below 0 in RGB of Rec. 2020 becomes 0 there; other pixels stay bit for bit.
-class cLightRows {
+class cRowConverter {
  public:
-  explicit cLightRows(const sLight& pLight);
+  explicit cRowConverter(const sLinearLight& pLight);
 
   /// From now on rows stay where they are until Finish, which does all that is to be done to them.
   void Hold() { fHolds = true; }
@@ -40,7 +40,7 @@ class cLightRows {
     std::int32_t fLargest;  ///< Magnitude, as the bits of a float.
     bool fHasNegative;
 
-    bool IsSound(float pBound) const;
+    bool IsValid(float pBound) const;
   };
 
   sPart Scan(float* pRow, int pCount);
@@ -52,7 +52,7 @@ class cLightRows {
   void Convert(const sPart& pPart, bool pHasNegative);
   void FitGamut(const sPart& pPart);
 
-  sLight fLight;
+  sLinearLight fLight;
   sRepairs fRepairs;
   sSurfaceColors fSurface;
   bool fIsInside = false;  ///< Whether all RGB samples that are not negative make colours of real surfaces.

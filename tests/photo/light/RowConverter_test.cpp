@@ -1,4 +1,4 @@
-#include "photo/light/LightRows.h"
+#include "photo/light/RowConverter.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 namespace {
 
 /// Light whose samples are XYZ already, so that only repairs change them.
-const Cli::sLight kXYZ{};
+const Cli::sLinearLight kXYZ{};
 
 /// Rows of grey pixels, 40 each, of ordinary light, with pOdd in the middle of row pOddRow.
 struct sRows {
@@ -27,7 +27,7 @@ struct sRows {
 
 constexpr float kBrightest = 0.01f * 97.0f;
 
-TEST(LightRows, ReplaceOddSamplesAndCountTheirPixels) {
+TEST(RowConverter, ReplaceOddSamplesAndCountTheirPixels) {
   const struct {
     float fOdd, fExpected;
     int fNaN, fInfinite, fOutliers;
@@ -42,7 +42,7 @@ TEST(LightRows, ReplaceOddSamplesAndCountTheirPixels) {
   for (const auto& row : cases) {
     for (const bool holds : {false, true}) {
       sRows rows(5, row.fOdd);
-      Cli::cLightRows light(kXYZ);
+      Cli::cRowConverter light(kXYZ);
       if (holds) light.Hold();
       for (int y = 0; y < sRows::kRows; ++y) {
         const bool isDone = light.Take(rows.Get(y), sRows::kWidth);
@@ -62,18 +62,18 @@ TEST(LightRows, ReplaceOddSamplesAndCountTheirPixels) {
 }
 
 /// The first rows look like light until all others turn out to be far darker.
-TEST(LightRows, OutliersInTheFirstRowAreFoundAtTheEnd) {
+TEST(RowConverter, OutliersInTheFirstRowAreFoundAtTheEnd) {
   sRows rows(0, 1e20f);
   for (int i = 0; i < 3 * sRows::kWidth; ++i) rows.Get(0)[i] = 1e20f;
-  Cli::cLightRows light(kXYZ);
+  Cli::cRowConverter light(kXYZ);
   EXPECT_TRUE(light.Take(rows.Get(0), 1));
   for (int y = 1; y < sRows::kRows; ++y) EXPECT_TRUE(light.Take(rows.Get(y), sRows::kWidth));
   EXPECT_FALSE(light.Finish().has_value());
 }
 
-TEST(LightRows, BringColoursOfNoSurfaceToTheBorder) {
+TEST(RowConverter, BringColoursOfNoSurfaceToTheBorder) {
   std::vector<std::string> warnings;
-  Cli::cLightRows light(Cli::LightOf(std::nullopt, warnings));
+  Cli::cRowConverter light(Cli::MakeLinearLight(std::nullopt, warnings));
   float row[] = {0.2f, 0.3f, 0.4f, 2e-4f, -6.15e-5f, 0.0f, -0.01f, -0.01f, -0.01f};
   EXPECT_TRUE(light.Take(row, 3));
   EXPECT_EQ(light.Finish()->fNegative, 2);

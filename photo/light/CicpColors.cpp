@@ -1,4 +1,4 @@
-#include "photo/light/CodedColors.h"
+#include "photo/light/CicpColors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -73,13 +73,13 @@ const tKnown* Find(const tKnown (&pKnown)[tCount], int pCode) {
 
 }  // namespace
 
-std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
-                                            std::vector<std::string>& pWarnings) {
+std::optional<sCicpColors> FindCodedColors(int pPrimaries, int pTransfer, const std::string& pInstead,
+                                           std::vector<std::string>& pWarnings) {
   const sKnownPrimaries* const primaries = Find(kPrimaries, pPrimaries);
   const sKnownTransfer* const transfer = Find(kTransfers, pTransfer);
   if (primaries != nullptr && transfer != nullptr) {
-    return sCodedColors{primaries->fPrimaries, transfer->fEncoding, 1.0,
-                        std::string(primaries->fName) + transfer->fName};
+    return sCicpColors{primaries->fPrimaries, transfer->fEncoding, 1.0,
+                       std::string(primaries->fName) + transfer->fName};
   }
   pWarnings.push_back("its colours are of a kind that is not known here (primaries " +
                       std::to_string(pPrimaries) + ", transfer " + std::to_string(pTransfer) + "); " +
@@ -87,7 +87,7 @@ std::optional<sCodedColors> FindCodedColors(int pPrimaries, int pTransfer, const
   return std::nullopt;
 }
 
-float DecodeSample(const sCodedColors& pColors, float pSample) {
+float DecodeSample(const sCicpColors& pColors, float pSample) {
   switch (pColors.fEncoding) {
     case eEncoding::kPower:
       return DecodePower(pSample, pColors.fPower);
