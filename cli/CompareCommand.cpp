@@ -1,5 +1,7 @@
 #include "cli/CompareCommand.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -18,7 +20,6 @@
 #include "cli/terminal/Warnings.h"
 #include "photo/Json.h"
 #include "photo/base/Failure.h"
-#include "photo/base/Printf.h"
 #include "photo/decode/LdrReader.h"
 #include "photo/encode/OutputFormat.h"
 #include "photo/encode/PictureWriter.h"
@@ -58,22 +59,22 @@ void CheckSizes(const sCompareOptions& pOptions, const sLdrPicture& pA, const sL
   if (a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight()) return;
   throw cFailure(
       eFailure::kProcessing, GetSpokenName(pOptions.fB),
-      Printf("its size is %d x %d, that of ", b.GetWidth(), b.GetHeight()) + GetSpokenName(pOptions.fA) +
-          Printf(" %d x %d; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
+      fmt::format("its size is {} x {}, that of ", b.GetWidth(), b.GetHeight()) + GetSpokenName(pOptions.fA) +
+          fmt::format(" {} x {}; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
 }
 
 std::string Describe(const sPictureDifference& pDifference) {
   if (pDifference.fAll.fLargest == 0.0) return "The pictures are equal.\n";
   std::string text = "8-bit codes    largest      mean\n";
   const auto add = [&](const char* pName, const sPictureDifference::sExtent& pExtent) {
-    text += Printf("%-12s %9.2f %9.4f\n", pName, pExtent.fLargest, pExtent.fMean);
+    text += fmt::format("{:<12} {:9.2f} {:9.4f}\n", pName, pExtent.fLargest, pExtent.fMean);
   };
   for (int i = 0; i < 3; ++i) add(kChannels[i], pDifference.fChannels[i]);
   add("all", pDifference.fAll);
-  text += Printf("99 %% of the samples differ by %.2f or less; %.4g %% of the pixels differ.\n",
-                 pDifference.fQuantile99, 100.0 * pDifference.fDifferentShare);
-  return text + Printf("The largest difference is at column %d, row %d, counted from 0.\n",
-                       pDifference.fLargestX, pDifference.fLargestY);
+  text += fmt::format("99 % of the samples differ by {:.2f} or less; {:.4g} % of the pixels differ.\n",
+                      pDifference.fQuantile99, 100.0 * pDifference.fDifferentShare);
+  return text + fmt::format("The largest difference is at column {}, row {}, counted from 0.\n",
+                            pDifference.fLargestX, pDifference.fLargestY);
 }
 
 nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
@@ -124,9 +125,9 @@ void Run(const sCompareOptions& pOptions) {
   }
   Print(pOptions.fJson ? ToLine(ToJson(difference)) + "\n" : Describe(difference));
   if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {
-    throw cFailure(
-        eFailure::kSomePictures, "",
-        Printf("the largest difference, %.2f, is above %g", difference.fAll.fLargest, *pOptions.fFailAbove));
+    throw cFailure(eFailure::kSomePictures, "",
+                   fmt::format("the largest difference, {:.2f}, is above {:g}", difference.fAll.fLargest,
+                               *pOptions.fFailAbove));
   }
 }
 

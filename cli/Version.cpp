@@ -1,5 +1,7 @@
 #include "cli/Version.h"
 
+#include <fmt/format.h>
+
 #include <OpenEXR/openexr_base.h>
 #include <lcms2.h>
 #include <tiffio.h>
@@ -10,7 +12,6 @@
 #include <utility>
 
 #include "cli/batch/VipsSession.h"
-#include "photo/base/Printf.h"
 #include "photo/encode/OutputFormat.h"
 #include "photo/metadata/MetadataLibrary.h"
 
@@ -30,14 +31,14 @@ std::string ListLibraries() {
   const std::string tiff = TIFFGetVersion();  // "LIBTIFF, Version 4.5.0", and lines of copyright
   const std::string tiffNumber = tiff.substr(0, tiff.find('\n'));
   std::string list = std::string("libvips ") + vips_version_string();
-  Append(list, Printf("OpenEXR %d.%d.%d", major, minor, patch));
+  Append(list, fmt::format("OpenEXR {}.{}.{}", major, minor, patch));
   Append(list, "libtiff " + tiffNumber.substr(tiffNumber.rfind(' ') + 1));
-  Append(list,
-         Printf("Little CMS %d.%d", cmsGetEncodedCMMversion() / 1000, cmsGetEncodedCMMversion() % 1000 / 10));
+  Append(list, fmt::format("Little CMS {}.{}", cmsGetEncodedCMMversion() / 1000,
+                           cmsGetEncodedCMMversion() % 1000 / 10));
   if (const std::string exiv2 = GetExiv2Version(); !exiv2.empty()) Append(list, "Exiv2 " + exiv2);
   Append(list, "CLI11 " CLI11_VERSION);
-  return list + Printf(", JSON for Modern C++ %d.%d.%d", NLOHMANN_JSON_VERSION_MAJOR,
-                       NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH);
+  return list + fmt::format(", JSON for Modern C++ {}.{}.{}", NLOHMANN_JSON_VERSION_MAJOR,
+                            NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH);
 }
 
 bool HasOperation(const char* pName) {

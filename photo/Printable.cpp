@@ -1,9 +1,10 @@
 #include "photo/Printable.h"
 
+#include <fmt/format.h>
+
 #include <glib.h>
 
 #include <cstdint>
-#include <cstdio>
 
 namespace Cli {
 namespace {
@@ -37,10 +38,9 @@ std::string Escape(const std::string& pText, const char* pShort) {
   std::string text;
   for (std::size_t at = 0; at < pText.size();) {
     const sCharacter next = ReadCharacter(pText, at);
-    char escaped[16];
     if (!next.fIsUtf8 || IsHarmful(next.fCode)) {
-      std::snprintf(escaped, sizeof escaped, next.fBytes == 1 ? pShort : "\\u%04x", next.fCode);
-      text += escaped;
+      text += next.fBytes == 1 ? fmt::format(fmt::runtime(pShort), next.fCode)
+                               : fmt::format("\\u{:04x}", next.fCode);
     } else {
       text.append(pText, at, next.fBytes);
     }
@@ -52,7 +52,7 @@ std::string Escape(const std::string& pText, const char* pShort) {
 }  // namespace
 
 std::string ToPrintable(const std::string& pText) {
-  return Escape(pText, "\\x%02x");
+  return Escape(pText, "\\x{:02x}");
 }
 
 std::vector<std::string> ToPrintable(const std::vector<std::string>& pTexts) {
@@ -63,7 +63,7 @@ std::vector<std::string> ToPrintable(const std::vector<std::string>& pTexts) {
 }
 
 std::string ToPrintableJson(const std::string& pJson) {
-  return Escape(pJson, "\\u%04x");
+  return Escape(pJson, "\\u{:04x}");
 }
 
 bool IsUtf8(const std::string& pText) {

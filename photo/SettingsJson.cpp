@@ -1,7 +1,8 @@
 #include "photo/SettingsJson.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -28,11 +29,7 @@ std::string Quote(const std::string& pText) {
 
 /// A value as messages show it.
 std::string Show(const tJson& pValue) {
-  if (pValue.is_number_float()) {
-    char number[64];
-    std::snprintf(number, sizeof number, "%.9Lg", pValue.get<long double>());
-    return number;
-  }
+  if (pValue.is_number_float()) return fmt::format("{:.9g}", pValue.get<long double>());
   const std::string text = pValue.dump(-1, ' ', false, tJson::error_handler_t::replace);
   constexpr std::size_t kLongest = 40;
   return text.size() <= kLongest ? text : "the given value";

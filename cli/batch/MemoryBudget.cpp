@@ -1,10 +1,11 @@
 #include "cli/batch/MemoryBudget.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <utility>
 
 #include "cli/batch/AvailableMemory.h"
@@ -71,10 +72,7 @@ std::int64_t ChooseMemoryLimit(std::int64_t pGiven) {
 std::string MemoryToText(std::int64_t pBytes) {
   constexpr double kMiB = 1 << 20;
   const double size = static_cast<double>(pBytes) / kMiB;
-  char text[32];
-  std::snprintf(text, sizeof text, size < 1024.0 ? "%.0f MiB" : "%.1f GiB",
-                size < 1024.0 ? size : size / 1024.0);
-  return text;
+  return size < 1024.0 ? fmt::format("{:.0f} MiB", size) : fmt::format("{:.1f} GiB", size / 1024.0);
 }
 
 void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit) {

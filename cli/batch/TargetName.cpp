@@ -1,6 +1,7 @@
 #include "cli/batch/TargetName.h"
 
-#include <cstdio>
+#include <fmt/format.h>
+
 #include <filesystem>
 
 #include "cli/batch/StandardStreams.h"
@@ -11,12 +12,6 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& pReason) {
   throw cFailure(eFailure::kUsage, "", "--name: " + pReason);
-}
-
-std::string ToDigits(std::size_t pIndex) {
-  char text[24];
-  std::snprintf(text, sizeof text, "%04zu", pIndex);
-  return text;
 }
 
 }  // namespace
@@ -39,7 +34,7 @@ std::string MakeTargetName(const std::string& pPattern, const std::string& pInpu
     } else if (word == "ext") {
       name += pExtension;
     } else if (word == "index") {
-      name += ToDigits(pIndex);
+      name += fmt::format("{:04}", pIndex);
     } else {
       Refuse("{" + word + "} is not known; known are {stem}, {name}, {ext} and {index}");
     }

@@ -1,5 +1,7 @@
 #include "cli/batch/WorkerPool.h"
 
+#include <fmt/format.h>
+
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,7 +16,6 @@
 
 #include "cli/batch/ExitCode.h"
 #include "photo/base/Failure.h"
-#include "photo/base/Printf.h"
 
 namespace Cli {
 namespace {
@@ -57,8 +58,8 @@ std::string DescribeEnd(int pStatus) {
 }
 
 std::string DescribeLateness(double pSeconds) {
-  return Printf("took longer than --timeout %g second%s; a larger --timeout gives it more time", pSeconds,
-                pSeconds == 1.0 ? "" : "s");
+  return fmt::format("took longer than --timeout {:g} second{}; a larger --timeout gives it more time",
+                     pSeconds, pSeconds == 1.0 ? "" : "s");
 }
 
 tClock::duration ToDuration(double pSeconds) {

@@ -1,5 +1,7 @@
 #include "cli/plot/CurvePlot.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -7,7 +9,6 @@
 #include "cli/plot/SvgDrawing.h"
 #include "engine/color/cColorSpace.h"
 #include "engine/color/cTransfer.h"
-#include "photo/base/Printf.h"
 
 namespace Cli {
 namespace {
@@ -74,7 +75,7 @@ void AddColor(cSvgDrawing& pSvg, double pDegrees) {
     const float value = screen.GetFromLinear()->Evaluate(std::max(linear[i] / largest, 0.0f));
     samples[i] = static_cast<int>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255.0f));
   }
-  pSvg.Add("#%02x%02x%02x", static_cast<unsigned>(samples[0]), static_cast<unsigned>(samples[1]),
+  pSvg.Add("#{:02x}{:02x}{:02x}", static_cast<unsigned>(samples[0]), static_cast<unsigned>(samples[1]),
            static_cast<unsigned>(samples[2]));
 }
 
@@ -82,12 +83,14 @@ void AddHueBar(cSvgDrawing& pSvg) {
   constexpr int kStep = 5;
   pSvg.Add("<defs><linearGradient id=\"hues\">\n");
   for (int degrees = 0; degrees <= 360; degrees += kStep) {
-    pSvg.Add("<stop offset=\"%.4f\" stop-color=\"", degrees / 360.0);
+    pSvg.Add("<stop offset=\"{:.4f}\" stop-color=\"", degrees / 360.0);
     AddColor(pSvg, degrees);
     pSvg.Add("\"/>\n");
   }
-  pSvg.Add("</linearGradient></defs>\n<rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\" rx=\"3\" ",
-           kLeft, kBarTop, kRight - kLeft, kBarHeight);
+  pSvg.Add(
+      "</linearGradient></defs>\n<rect x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{:.1f}\" "
+      "rx=\"3\" ",
+      kLeft, kBarTop, kRight - kLeft, kBarHeight);
   pSvg.Add("fill=\"url(#hues)\"/>\n");
 }
 
@@ -109,13 +112,13 @@ void AddValueAxes(cSvgDrawing& pSvg) {
   for (int quarter = 0; quarter <= 4; ++quarter) {
     const double y = kValues.At(quarter / 4.0);
     pSvg.AddLine(kLeft, y, kRight, y, quarter == 2 ? "class=\"neutral\"" : "class=\"grid\"");
-    pSvg.AddText(kLeft - 10.0, y + 4.5, "class=\"tick left\"", Printf("%g", quarter / 4.0));
+    pSvg.AddText(kLeft - 10.0, y + 4.5, "class=\"tick left\"", fmt::format("{:g}", quarter / 4.0));
     pSvg.AddText(kRight + 52.0, y + 4.5, "class=\"tick left\"",
-                 Printf("%s%d°",
-                        quarter < 2   ? "−"
-                        : quarter > 2 ? "+"
-                                      : "",
-                        std::abs(quarter * 90 - 180)));
+                 fmt::format("{}{}°",
+                             quarter < 2   ? "−"
+                             : quarter > 2 ? "+"
+                                           : "",
+                             std::abs(quarter * 90 - 180)));
     pSvg.AddText(kRight + 112.0, y + 4.5, "class=\"tick left\"", std::to_string(quarter * 50) + " %");
   }
   pSvg.AddTurnedText(kLeft - 52.0, (kTop + kBottom) / 2.0, "Value (0.5 is neutral)");
@@ -128,24 +131,25 @@ void AddValueAxes(cSvgDrawing& pSvg) {
 void AddMarker(cSvgDrawing& pSvg, const sLook& pLook, double pX, double pY, bool pFilled) {
   const char* const fill = pFilled ? pLook.fColor : "white";
   if (pLook.fMarker == eMarker::kCircle) {
-    pSvg.Add("<circle cx=\"%.2f\" cy=\"%.2f\" r=\"5\"", pX, pY);
+    pSvg.Add("<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"5\"", pX, pY);
   } else {
     const bool isDiamond = pLook.fMarker == eMarker::kDiamond;
-    pSvg.Add("<rect x=\"-4.5\" y=\"-4.5\" width=\"9\" height=\"9\" transform=\"translate(%.2f %.2f)%s\"", pX,
-             pY, isDiamond ? " rotate(45)" : "");
+    pSvg.Add("<rect x=\"-4.5\" y=\"-4.5\" width=\"9\" height=\"9\" transform=\"translate({:.2f} {:.2f}){}\"",
+             pX, pY, isDiamond ? " rotate(45)" : "");
   }
-  pSvg.Add(" fill=\"%s\" stroke=\"%s\" stroke-width=\"1.6\"/>\n", fill, pLook.fColor);
+  pSvg.Add(" fill=\"{}\" stroke=\"{}\" stroke-width=\"1.6\"/>\n", fill, pLook.fColor);
 }
 
 void AddCurve(cSvgDrawing& pSvg, const sLook& pLook, const tHuePoints& pPoints,
               TmEngine::eSplineInterpolationMode pMode) {
   constexpr int kSteps = 720;
   const auto curve = MakeHueCurve(pPoints, pMode);
-  pSvg.Add("<polyline class=\"curve\" stroke=\"%s\" stroke-dasharray=\"%s\" points=\"", pLook.fColor,
+  pSvg.Add("<polyline class=\"curve\" stroke=\"{}\" stroke-dasharray=\"{}\" points=\"", pLook.fColor,
            pLook.fDashes);
   for (int i = 0; i <= kSteps; ++i) {
     const float x = static_cast<float>(i) / kSteps;
-    pSvg.Add("%.2f,%.2f ", kHues.At(360.0 * i / kSteps), kValues.At(static_cast<double>(curve->Evaluate(x))));
+    pSvg.Add("{:.2f},{:.2f} ", kHues.At(360.0 * i / kSteps),
+             kValues.At(static_cast<double>(curve->Evaluate(x))));
   }
   pSvg.Add("\"/>\n");
   if (pPoints.empty()) return;
@@ -159,9 +163,9 @@ void AddCurve(cSvgDrawing& pSvg, const sLook& pLook, const tHuePoints& pPoints,
 
 void AddLegendEntry(cSvgDrawing& pSvg, const sLook& pLook, double pX, bool pIsNeutral) {
   constexpr double kY = 64.0;
-  pSvg.Add("<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\" class=\"curve\" stroke=\"%s\" ", pX, kY,
-           pX + 46.0, kY, pLook.fColor);
-  pSvg.Add("stroke-dasharray=\"%s\"/>\n", pLook.fDashes);
+  pSvg.Add("<line x1=\"{:.1f}\" y1=\"{:.1f}\" x2=\"{:.1f}\" y2=\"{:.1f}\" class=\"curve\" stroke=\"{}\" ", pX,
+           kY, pX + 46.0, kY, pLook.fColor);
+  pSvg.Add("stroke-dasharray=\"{}\"/>\n", pLook.fDashes);
   AddMarker(pSvg, pLook, pX + 23.0, kY, true);
   pSvg.AddText(pX + 56.0, kY - 2.0, "class=\"name\"",
                pLook.fName + std::string(pIsNeutral ? " (neutral)" : ""));

@@ -1,5 +1,7 @@
 #include "cli/plot/SideBySide.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -8,7 +10,6 @@
 #include <vips/vips8>
 
 #include "cli/plot/SvgDrawing.h"
-#include "photo/base/Printf.h"
 #include "photo/icc/NamedProfile.h"
 #include "photo/io/VipsLibrary.h"
 
@@ -42,7 +43,7 @@ void PutPixel(unsigned char* pRow, int pX, int pPanel, const sPixel16& pA, const
 VImage DrawCaptions(int pWidth, int pPanel, int pFactor) {
   const double scale = std::max(pPanel / kCaptioned, 1.0);
   cSvgDrawing svg(static_cast<int>(std::ceil(pWidth / scale)), kCaption, "Comparison");
-  const std::string captions[kPanels] = {"A", "B", Printf("difference × %d", pFactor)};
+  const std::string captions[kPanels] = {"A", "B", fmt::format("difference × {}", pFactor)};
   for (int panel = 0; panel < kPanels; ++panel) {
     svg.AddText(panel * pPanel / scale + 6.0, 19.0, "class=\"name\"", captions[panel]);
   }

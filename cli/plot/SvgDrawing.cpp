@@ -1,7 +1,5 @@
 #include "cli/plot/SvgDrawing.h"
 
-#include <cstdarg>
-#include <cstdio>
 #include <fstream>
 #include <vips/vips8>
 
@@ -68,33 +66,25 @@ void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {
 }
 
 cSvgDrawing::cSvgDrawing(int pWidth, int pHeight, const std::string& pTitle) {
-  Add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%d\" height=\"%d\" viewBox=\"0 0 %d %d\">\n", pWidth,
+  Add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{}\" height=\"{}\" viewBox=\"0 0 {} {}\">\n", pWidth,
       pHeight, pWidth, pHeight);
   fText += "<title>" + Escape(pTitle) + "</title>\n" + kStyle;
-  Add("<rect width=\"%d\" height=\"%d\" fill=\"white\"/>\n", pWidth, pHeight);
-}
-
-void cSvgDrawing::Add(const char* pFormat, ...) {
-  char text[1024];
-  va_list arguments;
-  va_start(arguments, pFormat);
-  std::vsnprintf(text, sizeof text, pFormat, arguments);
-  va_end(arguments);
-  fText += text;
+  Add("<rect width=\"{}\" height=\"{}\" fill=\"white\"/>\n", pWidth, pHeight);
 }
 
 void cSvgDrawing::AddText(double pX, double pY, const char* pAttributes, const std::string& pText) {
-  Add("<text x=\"%.1f\" y=\"%.1f\" %s>", pX, pY, pAttributes);
+  Add("<text x=\"{:.1f}\" y=\"{:.1f}\" {}>", pX, pY, pAttributes);
   fText += Escape(pText) + "</text>\n";
 }
 
 void cSvgDrawing::AddTurnedText(double pX, double pY, const std::string& pText) {
-  Add("<text transform=\"translate(%.1f %.1f) rotate(-90)\" class=\"label\">", pX, pY);
+  Add("<text transform=\"translate({:.1f} {:.1f}) rotate(-90)\" class=\"label\">", pX, pY);
   fText += Escape(pText) + "</text>\n";
 }
 
 void cSvgDrawing::AddLine(double pX1, double pY1, double pX2, double pY2, const char* pAttributes) {
-  Add("<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\" %s/>\n", pX1, pY1, pX2, pY2, pAttributes);
+  Add("<line x1=\"{:.1f}\" y1=\"{:.1f}\" x2=\"{:.1f}\" y2=\"{:.1f}\" {}/>\n", pX1, pY1, pX2, pY2,
+      pAttributes);
 }
 
 std::string cSvgDrawing::Finish() {

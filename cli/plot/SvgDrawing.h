@@ -1,6 +1,9 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <string>
+#include <utility>
 
 #include "photo/io/TempFile.h"
 
@@ -32,8 +35,10 @@ class cSvgDrawing {
  public:
   cSvgDrawing(int pWidth, int pHeight, const std::string& pTitle);
 
-  /// Appends in the manner of printf, at most a thousand characters.
-  __attribute__((format(printf, 2, 3))) void Add(const char* pFormat, ...);
+  template <class... tValues>
+  void Add(fmt::format_string<tValues...> pFormat, tValues&&... pValues) {
+    fText += fmt::format(pFormat, std::forward<tValues>(pValues)...);
+  }
   void AddText(double pX, double pY, const char* pAttributes, const std::string& pText);
   /// A label, turned so that it reads from below.
   void AddTurnedText(double pX, double pY, const std::string& pText);

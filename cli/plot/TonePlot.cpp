@@ -1,12 +1,13 @@
 #include "cli/plot/TonePlot.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
 #include "cli/plot/SvgDrawing.h"
 #include "engine/math/cVector.h"
-#include "photo/base/Printf.h"
 
 namespace Cli {
 namespace {
@@ -62,7 +63,7 @@ struct sPanelTexts {
 
 std::string TickText(double pValue, double pStep) {
   const double value = std::fabs(pValue) < pStep / 2.0 ? 0.0 : pValue;
-  return Printf("%s%g", value < 0.0 ? "−" : "", std::fabs(std::round(value / pStep) * pStep));
+  return fmt::format("{}{:g}", value < 0.0 ? "−" : "", std::fabs(std::round(value / pStep) * pStep));
 }
 
 /// The multiples of pStep on the axis.
@@ -97,17 +98,17 @@ using tPoints = std::vector<std::pair<double, double>>;
 /// What leaves the field is cut off.
 void AddCurve(cSvgDrawing& pSvg, const sPanel& pPanel, const tPoints& pPoints, const char* pLook) {
   const auto [x, y] = pPanel;
-  pSvg.Add("<svg x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"><polyline %s points=\"", x.fStart,
-           y.fEnd - 2.0, x.fEnd - x.fStart, y.fStart - y.fEnd + 4.0, pLook);
+  pSvg.Add("<svg x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{:.1f}\"><polyline {} points=\"",
+           x.fStart, y.fEnd - 2.0, x.fEnd - x.fStart, y.fStart - y.fEnd + 4.0, pLook);
   for (const auto& [atX, atY] : pPoints) {
     const double clamped = std::clamp(atY, 3.0 * y.fFrom - 2.0 * y.fTo, 3.0 * y.fTo - 2.0 * y.fFrom);
-    pSvg.Add("%.2f,%.2f ", x.At(atX) - x.fStart, y.At(clamped) - y.fEnd + 2.0);
+    pSvg.Add("{:.2f},{:.2f} ", x.At(atX) - x.fStart, y.At(clamped) - y.fEnd + 2.0);
   }
   pSvg.Add("\"/></svg>\n");
 }
 
 void AddResultCurve(cSvgDrawing& pSvg, const sPanel& pPanel, const tPoints& pPoints) {
-  AddCurve(pSvg, pPanel, pPoints, Printf("class=\"curve\" stroke=\"%s\"", kCurveColor).c_str());
+  AddCurve(pSvg, pPanel, pPoints, fmt::format("class=\"curve\" stroke=\"{}\"", kCurveColor).c_str());
 }
 
 /// The line of what stays as it is.
@@ -163,8 +164,8 @@ void AddHistogram(cSvgDrawing& pSvg, const sPictureStatistics& pStatistics, sSpa
     const double left = panel.fX.At(pLight.fFrom + kDecadesPerBar * static_cast<double>(i));
     const double right = panel.fX.At(pLight.fFrom + kDecadesPerBar * static_cast<double>(i + 1));
     const double top = panel.fY.At(bars[i]);
-    pSvg.Add("<rect x=\"%.2f\" y=\"%.2f\" width=\"%.2f\" height=\"%.2f\" fill=\"%s\"/>\n", left + 0.4, top,
-             right - left - 0.8, panel.fY.fStart - top, kInputColor);
+    pSvg.Add("<rect x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" fill=\"{}\"/>\n", left + 0.4,
+             top, right - left - 0.8, panel.fY.fStart - top, kInputColor);
   }
   if (pStatistics.CountPositive() == 0) return;
   AddMark(pSvg, panel, pStatistics.GetQuantile(0.01), "left", "1 %");
@@ -218,8 +219,8 @@ void AddToneCurve(cSvgDrawing& pSvg, const TmEngine::cTmRenderer& pRenderer) {
   AddKey(pSvg, panel, "without contrast");
   const auto& clip = pRenderer.GetBlackWhite();
   pSvg.AddText(panel.fX.fEnd - 8.0, panel.fY.fStart - 12.0, "class=\"note left\"",
-               Printf("black point %.3g, white point %.3g (base × detail)", static_cast<double>(clip.fBlack),
-                      static_cast<double>(clip.fWhite)));
+               fmt::format("black point {:.3g}, white point {:.3g} (base × detail)",
+                           static_cast<double>(clip.fBlack), static_cast<double>(clip.fWhite)));
 }
 
 }  // namespace
@@ -229,8 +230,8 @@ std::string DrawToneFigure(const std::string& pName, const std::string& pSetting
   cSvgDrawing svg(kWidth, kHeight, "Tone mapping of " + pName);
   svg.AddText(90.0, 42.0, "class=\"title\"", pName);
   svg.AddText(90.0, 66.0, "class=\"note start\"",
-              Printf("%.2f decades (%.1f stops) from the 1 %% to the 99.9 %% quantile of luminance",
-                     pStatistics.GetDynamicRange(), pStatistics.GetDynamicRange() / std::log10(2.0)));
+              fmt::format("{:.2f} decades ({:.1f} stops) from the 1 % to the 99.9 % quantile of luminance",
+                          pStatistics.GetDynamicRange(), pStatistics.GetDynamicRange() / std::log10(2.0)));
   svg.AddText(90.0, 84.0, "class=\"note start\"", pSettings);
   const sSpan light = SpanOfLight(pStatistics);
   AddHistogram(svg, pStatistics, light);

@@ -1,9 +1,10 @@
 #include "cli/terminal/InspectionText.h"
 
+#include <fmt/format.h>
+
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextHistogram.h"
 #include "photo/Printable.h"
-#include "photo/base/Printf.h"
 
 namespace Cli {
 namespace {
@@ -11,31 +12,31 @@ namespace {
 constexpr double kStopsPerDecade = 3.321928094887362;
 
 void AddLine(std::string& pTo, const char* pName, const std::string& pText) {
-  if (!pText.empty()) pTo += Printf("  %-15s", pName) + ToPrintable(pText) + "\n";
+  if (!pText.empty()) pTo += fmt::format("  {:<15}", pName) + ToPrintable(pText) + "\n";
 }
 
 std::string DescribeSize(const sPicture& pPicture) {
   const int width = pPicture.fBitmap->GetWidth();
   const int height = pPicture.fBitmap->GetHeight();
-  const std::string size = Printf("%d x %d pixels", width, height);
+  const std::string size = fmt::format("{} x {} pixels", width, height);
   const double millions = width * 1e-6 * height;
-  return millions < 0.1 ? size : size + Printf(" (%.1f megapixels)", millions);
+  return millions < 0.1 ? size : size + fmt::format(" ({:.1f} megapixels)", millions);
 }
 
 std::string DescribeFormat(const sPicture& pPicture) {
-  return Printf("%s, %d bits a sample%s", pPicture.fFormat.empty() ? "picture" : pPicture.fFormat.c_str(),
-                pPicture.fFileDepth, pPicture.fAlpha.empty() ? "" : ", alpha");
+  return fmt::format("{}, {} bits a sample{}",
+                     pPicture.fFormat.empty() ? "picture" : pPicture.fFormat.c_str(), pPicture.fFileDepth,
+                     pPicture.fAlpha.empty() ? "" : ", alpha");
 }
 
 std::string DescribeRange(double pDecades) {
-  return Printf("%.2f decades (%.1f stops)", pDecades, pDecades * kStopsPerDecade);
+  return fmt::format("{:.2f} decades ({:.1f} stops)", pDecades, pDecades * kStopsPerDecade);
 }
 
 std::string DescribeRepairs(const sRepairs& pRepairs) {
   if (pRepairs.fNaN + pRepairs.fInfinite + pRepairs.fOutliers + pRepairs.fNegative == 0) return "none";
-  return Printf("%lld not a number, %lld infinite, %lld outliers, %lld negative",
-                static_cast<long long>(pRepairs.fNaN), static_cast<long long>(pRepairs.fInfinite),
-                static_cast<long long>(pRepairs.fOutliers), static_cast<long long>(pRepairs.fNegative));
+  return fmt::format("{} not a number, {} infinite, {} outliers, {} negative", pRepairs.fNaN,
+                     pRepairs.fInfinite, pRepairs.fOutliers, pRepairs.fNegative);
 }
 
 void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
@@ -45,7 +46,8 @@ void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
       DescribeRange(pStatistics.GetDynamicRange()) + ", from the 1 % to the 99.9 % quantile of luminance");
   AddLine(pTo, "Full range",
           DescribeRange(pStatistics.fLogMax - pStatistics.fLogMin) +
-              Printf(", 10^%.2f to 10^%.2f of the file's white", pStatistics.fLogMin, pStatistics.fLogMax));
+              fmt::format(", 10^{:.2f} to 10^{:.2f} of the file's white", pStatistics.fLogMin,
+                          pStatistics.fLogMax));
   if (pStatistics.fDark > 0) AddLine(pTo, "Without light", std::to_string(pStatistics.fDark) + " pixels");
 }
 
@@ -87,7 +89,7 @@ std::string ToOptions(const sSettings& pSettings) {
   for (const sSlider& slider : GetSliders()) {
     const float value = pSettings.*slider.fField;
     if (value == sSettings().*slider.fField) continue;
-    options += Printf("%s--%s %s", options.empty() ? "" : " ", slider.fName, ToText(value).c_str());
+    options += fmt::format("{}--{} {}", options.empty() ? "" : " ", slider.fName, ToText(value));
   }
   return options;
 }

@@ -1,5 +1,7 @@
 #include "cli/terminal/Progress.h"
 
+#include <fmt/format.h>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -34,17 +36,10 @@ std::size_t GetColumns() {
   return isKnown ? size.ws_col : 80;
 }
 
-template <class... tValues>
-std::string Format(const char* pFormat, tValues... pValues) {
-  char text[160];
-  std::snprintf(text, sizeof text, pFormat, pValues...);
-  return text;
-}
-
 std::string TimeToText(double pSeconds) {
   const auto seconds = static_cast<long>(std::min(std::ceil(pSeconds), 1e9));
-  if (seconds < 3600) return Format("%ld:%02ld", seconds / 60, seconds % 60);
-  return Format("%ld:%02ld:%02ld", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  if (seconds < 3600) return fmt::format("{}:{:02}", seconds / 60, seconds % 60);
+  return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
 }  // namespace
@@ -94,7 +89,7 @@ void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
 void cProgress::ReportPlainly(const sTonemapJob& pJob, const std::string& pStatus) const {
   if (pStatus == "failed") return;
   const std::string what = pStatus == "done" ? pJob.fInput + " -> " + pJob.fOutput : pJob.fOutput + " exists";
-  PrintMessage(Format("[%zu/%zu] ", fDone + fSkipped + fFailed, fPictures) + what);
+  PrintMessage(fmt::format("[{}/{}] ", fDone + fSkipped + fFailed, fPictures) + what);
 }
 
 void cProgress::Draw() {
@@ -102,10 +97,10 @@ void cProgress::Draw() {
   constexpr std::size_t kCells = 24;
   const std::size_t ended = fDone + fSkipped + fFailed;
   const std::size_t full = fPictures == 0 ? kCells : kCells * ended / fPictures;
-  std::string line = Format("%zu/%zu [", ended, fPictures) + std::string(full, '#') +
-                     std::string(kCells - full, '.') + "] " + Format("%.1f/s", GetRate());
+  std::string line = fmt::format("{}/{} [", ended, fPictures) + std::string(full, '#') +
+                     std::string(kCells - full, '.') + "] " + fmt::format("{:.1f}/s", GetRate());
   if (GetRate() > 0.0) line += ", " + TimeToText(GetSecondsLeft()) + " left";
-  if (fFailed > 0) line += Format(", %zu failed", fFailed);
+  if (fFailed > 0) line += fmt::format(", {} failed", fFailed);
   std::fprintf(stderr, "%s%s", kClearLine, line.substr(0, GetColumns() - 1).c_str());
   std::fflush(stderr);
 }
@@ -119,7 +114,7 @@ void cProgress::Finish() {
   constexpr std::size_t kMost = 20;
   for (std::size_t i = 0; i < std::min(kMost, fFailedInputs.size()); ++i)
     PrintMessage("  failed: " + fFailedInputs[i]);
-  if (fFailedInputs.size() > kMost) PrintMessage(Format("  and %zu more", fFailedInputs.size() - kMost));
+  if (fFailedInputs.size() > kMost) PrintMessage(fmt::format("  and {} more", fFailedInputs.size() - kMost));
 }
 
 void cProgress::Interrupt(eExisting pExisting) {
@@ -136,14 +131,14 @@ std::string cProgress::Summarise() const {
   const std::string leftOut = fLeftOut != nullptr ? DescribeLeftOut(*fLeftOut) : "";
   const std::string end = leftOut.empty() ? "" : "; left out: " + leftOut;
   const std::string folders =
-      fFolders > 0 ? Format(", %zu folder%s not read", fFolders, fFolders > 1 ? "s" : "") : "";
+      fFolders > 0 ? fmt::format(", {} folder{} not read", fFolders, fFolders > 1 ? "s" : "") : "";
   if (fPictures == 0) return "no pictures" + folders + end;
-  std::string text = Format("%zu of %zu pictures done", fDone, fPictures);
-  if (fSkipped > 0) text += Format(", %zu skipped as they exist", fSkipped);
-  if (fFailed > 0) text += Format(", %zu failed", fFailed);
+  std::string text = fmt::format("{} of {} pictures done", fDone, fPictures);
+  if (fSkipped > 0) text += fmt::format(", {} skipped as they exist", fSkipped);
+  if (fFailed > 0) text += fmt::format(", {} failed", fFailed);
   const std::size_t ended = fDone + fSkipped + fFailed;
-  if (ended < fPictures) text += Format(", %zu not begun or not ended", fPictures - ended);
-  return text + folders + Format(" in %.1f s (%.2f a second)", GetSeconds(), GetRate()) + end;
+  if (ended < fPictures) text += fmt::format(", {} not begun or not ended", fPictures - ended);
+  return text + folders + fmt::format(" in {:.1f} s ({:.2f} a second)", GetSeconds(), GetRate()) + end;
 }
 
 tPictureRecord cProgress::MakeSummary() const {

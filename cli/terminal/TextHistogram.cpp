@@ -1,10 +1,10 @@
 #include "cli/terminal/TextHistogram.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
-
-#include "photo/base/Printf.h"
 
 namespace Cli {
 namespace {
@@ -61,9 +61,9 @@ std::string DrawTextHistogram(const sPictureStatistics& pStatistics, const sTerm
   std::string text;
   for (const sLine& line : lines) {
     const std::string bar = DrawBar(line.fPerCent / perColumn, pTerminal.fIsUtf8);
-    text += Printf("  %s%7.2f ", line.fIsRest ? "<" : " ", line.fEdge);
+    text += fmt::format("  {}{:7.2f} ", line.fIsRest ? "<" : " ", line.fEdge);
     text += (pTerminal.fIsUtf8 ? "│" : "|") + (pTerminal.fHasColor ? "\033[36m" + bar + "\033[0m" : bar);
-    text += Printf(" %.1f %%\n", line.fPerCent);
+    text += fmt::format(" {:.1f} %\n", line.fPerCent);
   }
   return text;
 }

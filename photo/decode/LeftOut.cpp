@@ -1,8 +1,9 @@
 #include "photo/decode/LeftOut.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
-#include "photo/base/Printf.h"
 #include "photo/decode/JpegExtras.h"
 #include "photo/decode/VipsSource.h"
 #include "photo/decode/tiff/TiffDirectories.h"
@@ -37,17 +38,17 @@ void AddAspect(const VImage& pImage, std::vector<std::string>& pTo) {
   if (aspect < 1.02 || aspect > 4.0) return;
   constexpr double kMillimetresPerInch = 25.4;
   pTo.push_back(
-      Printf("its pixels are stated not to be square (%.4g across and %.4g down an inch); they are "
-             "taken as square",
-             across * kMillimetresPerInch, down * kMillimetresPerInch));
+      fmt::format("its pixels are stated not to be square ({:.4g} across and {:.4g} down an inch); they are "
+                  "taken as square",
+                  across * kMillimetresPerInch, down * kMillimetresPerInch));
 }
 
 void AddExtras(const sJpegExtras& pExtras, std::vector<std::string>& pTo) {
   if (pExtras.fHasGainMap) {
     pTo.emplace_back("its gain map is left out: what it adds beyond white is not read");
   } else if (pExtras.fPictures > 0) {
-    pTo.push_back(Printf("%d further picture%s left out", pExtras.fPictures,
-                         pExtras.fPictures == 1 ? " in the file is" : "s in the file are"));
+    pTo.push_back(fmt::format("{} further picture{} left out", pExtras.fPictures,
+                              pExtras.fPictures == 1 ? " in the file is" : "s in the file are"));
   }
 }
 
@@ -60,7 +61,7 @@ std::vector<std::string> ListLeftOut(const std::string& pFile, const VImage& pIm
   const sTiffDirectories directories = isTiff ? ReadTiffDirectories(pFile) : sTiffDirectories{};
   const int pictures = isTiff ? CountPictures(directories) : CountPages(pImage);
   if (pPage == 0 && pictures > 1) {
-    leftOut.push_back(Printf("only one of its %d pages is read; {page} chooses another", pictures));
+    leftOut.push_back(fmt::format("only one of its {} pages is read; {{page}} chooses another", pictures));
   }
   if (pPage == 0 && IsThumbnail(directories)) {
     leftOut.emplace_back("its first page is stated to be a thumbnail; the picture that it shows is left out");

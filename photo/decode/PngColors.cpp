@@ -1,12 +1,13 @@
 #include "photo/decode/PngColors.h"
 
+#include <fmt/format.h>
+
 #include <zlib.h>
 
 #include <algorithm>
 #include <map>
 #include <string_view>
 
-#include "photo/base/Printf.h"
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileReader.h"
 
@@ -102,7 +103,7 @@ std::optional<sCicpColors> ReadNumbers(const tChunks& pChunks, std::vector<std::
   }
   colors.fName = (power == 0.0   ? "curve of sRGB"
                   : power == 1.0 ? "linear light"
-                                 : Printf("gamma %.3g", power)) +
+                                 : fmt::format("gamma {:.3g}", power)) +
                  ", " + name;
   return colors;
 }

@@ -1,5 +1,7 @@
 #include "photo/io/TempFile.h"
 
+#include <fmt/format.h>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -9,7 +11,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -70,9 +71,7 @@ std::string NameSlot(const std::string& pPlace, int pSlot) {
   for (const char letter : std::filesystem::path(pPlace).filename().string()) {
     hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001b3u;
   }
-  char name[48];
-  std::snprintf(name, sizeof name, "/.quorvane-%016llx-%d", static_cast<unsigned long long>(hash), pSlot);
-  return FolderOf(pPlace) + name;
+  return fmt::format("{}/.quorvane-{:016x}-{}", FolderOf(pPlace), hash, pSlot);
 }
 
 /// Whether the open file is what the name leads to, and no one else's.

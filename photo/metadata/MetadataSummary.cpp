@@ -1,11 +1,12 @@
 #include "photo/metadata/MetadataSummary.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <initializer_list>
 #include <sstream>
 
-#include "photo/base/Printf.h"
 #include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
@@ -67,18 +68,18 @@ std::string DescribeCamera(const tExifTexts& pExif) {
 
 std::string DescribeTime(double pSeconds) {
   if (pSeconds <= 0.0) return "";
-  return pSeconds < 0.4 ? Printf("1/%.0f s", 1.0 / pSeconds) : Printf("%g s", pSeconds);
+  return pSeconds < 0.4 ? fmt::format("1/{:.0f} s", 1.0 / pSeconds) : fmt::format("{:g} s", pSeconds);
 }
 
 std::string DescribeExposure(const tExifTexts& pExif) {
   std::string text = DescribeTime(GetNumber(pExif, "Exif.Photo.ExposureTime"));
   if (const double stop = GetNumber(pExif, "Exif.Photo.FNumber"); stop > 0.0)
-    Append(text, Printf("f/%.3g", stop), ", ");
+    Append(text, fmt::format("f/{:.3g}", stop), ", ");
   if (const double speed = GetNumber(pExif, "Exif.Photo.ISOSpeedRatings"); speed > 0.0) {
-    Append(text, Printf("ISO %.0f", speed), ", ");
+    Append(text, fmt::format("ISO {:.0f}", speed), ", ");
   }
   if (const double length = GetNumber(pExif, "Exif.Photo.FocalLength"); length > 0.0) {
-    Append(text, Printf("%.3g mm", length), ", ");
+    Append(text, fmt::format("{:.3g} mm", length), ", ");
   }
   return text;
 }
@@ -87,7 +88,7 @@ std::string DescribeDistance(const tExifTexts& pExif) {
   constexpr double kInfinite = 4294967295.0;  // a numerator with all bits set
   const double metres = GetNumber(pExif, "Exif.Photo.SubjectDistance");
   if (metres >= kInfinite) return "infinite";
-  return metres > 0.0 ? Printf("%.3g m", metres) : "";
+  return metres > 0.0 ? fmt::format("{:.3g} m", metres) : "";
 }
 
 std::string DescribeDate(const tExifTexts& pExif) {
@@ -102,7 +103,7 @@ std::string DescribeAngle(const tExifTexts& pExif, const std::string& pName) {
   const std::string key = "Exif.GPSInfo." + pName;
   if (Get(pExif, key).empty()) return "";
   const sNumbers angle = GetNumbers(pExif, key.c_str());
-  std::string text = Printf("%.5f", angle.fFirst + angle.fSecond / 60.0 + angle.fThird / 3600.0);
+  std::string text = fmt::format("{:.5f}", angle.fFirst + angle.fSecond / 60.0 + angle.fThird / 3600.0);
   Append(text, GetText(pExif, {(key + "Ref").c_str()}), " ");
   return text;
 }
@@ -113,7 +114,7 @@ std::string DescribePosition(const tExifTexts& pExif) {
   if (text.empty() || Get(pExif, "Exif.GPSInfo.GPSAltitude").empty()) return text;
   const double metres = GetNumber(pExif, "Exif.GPSInfo.GPSAltitude");
   const bool isBelow = GetNumber(pExif, "Exif.GPSInfo.GPSAltitudeRef") == 1.0;
-  return text + Printf(", %.0f m", isBelow ? -metres : metres);
+  return text + fmt::format(", {:.0f} m", isBelow ? -metres : metres);
 }
 
 }  // namespace

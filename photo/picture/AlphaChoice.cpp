@@ -2,8 +2,6 @@
 
 #include <charconv>
 
-#include "photo/base/Printf.h"
-
 namespace Cli {
 namespace {
 
@@ -37,9 +35,13 @@ std::optional<sAlphaChoice> ParseAlpha(const std::string& pText) {
 std::string ToText(const sAlphaChoice& pChoice) {
   if (pChoice.fMode == eAlpha::kKeep) return "keep";
   if (pChoice.fMode == eAlpha::kIgnore) return "ignore";
-  const auto& colour = pChoice.fColour;
-  return Printf("#%02x%02x%02x", static_cast<unsigned>(colour[0]), static_cast<unsigned>(colour[1]),
-                static_cast<unsigned>(colour[2]));
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = "#";
+  for (const unsigned channel : pChoice.fColour) {
+    text += kDigits[channel >> 4];
+    text += kDigits[channel & 15];
+  }
+  return text;
 }
 
 }  // namespace Cli

@@ -1,5 +1,7 @@
 #include "photo/decode/exr/ExrMetadata.h"
 
+#include <fmt/format.h>
+
 #include <OpenEXR/ImfFloatAttribute.h>
 #include <OpenEXR/ImfStringAttribute.h>
 
@@ -12,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "photo/base/Printf.h"
 #include "photo/metadata/MetadataLibrary.h"
 
 namespace Cli {
@@ -65,7 +66,7 @@ std::string ToFraction(double pNumber) {
     if (std::fabs(over / under - pNumber) <= kNearEnough * pNumber) break;
     rest = 1.0 / (rest - whole);
   }
-  return over >= 1.0 && over < kMost && under <= kMost ? Printf("%.0f/%.0f", over, under) : "";
+  return over >= 1.0 && over < kMost && under <= kMost ? fmt::format("{:.0f}/{:.0f}", over, under) : "";
 }
 
 /// Gathers fields; those without a text are passed over.
@@ -83,7 +84,7 @@ class cFields {
       if (number > 0.0) Add(attribute.fKey, ToFraction(number));
     }
     const double speed = std::round(GetNumber(fHeader, "isoSpeed").value_or(0.0));
-    if (speed >= 1.0 && speed <= 65535.0) Add("Exif.Photo.ISOSpeedRatings", Printf("%.0f", speed));
+    if (speed >= 1.0 && speed <= 65535.0) Add("Exif.Photo.ISOSpeedRatings", fmt::format("{:.0f}", speed));
   }
 
   void AddDate() {
@@ -96,8 +97,8 @@ class cFields {
     const auto ahead = GetNumber(fHeader, "utcOffset");
     if (!ahead || !(std::fabs(*ahead) < 86370.0)) return;
     const auto minutes = std::lround(-*ahead / 60.0);
-    Add("Exif.Photo.OffsetTimeOriginal",
-        Printf("%c%02ld:%02ld", minutes < 0 ? '-' : '+', std::labs(minutes) / 60, std::labs(minutes) % 60));
+    Add("Exif.Photo.OffsetTimeOriginal", fmt::format("{}{:02}:{:02}", minutes < 0 ? '-' : '+',
+                                                     std::labs(minutes) / 60, std::labs(minutes) % 60));
   }
 
   void AddPosition() {
@@ -127,7 +128,7 @@ class cFields {
     const auto hundredths = std::lround(std::fabs(*degrees) * 360000.0);
     Add((pKey + "Ref").c_str(), std::string(1, pSigns[*degrees < 0.0 ? 1 : 0]));
     Add(pKey.c_str(),
-        Printf("%ld/1 %ld/1 %ld/100", hundredths / 360000, hundredths / 6000 % 60, hundredths % 6000));
+        fmt::format("{}/1 {}/1 {}/100", hundredths / 360000, hundredths / 6000 % 60, hundredths % 6000));
   }
 
   const Imf::Header& fHeader;

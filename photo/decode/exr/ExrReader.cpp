@@ -1,5 +1,7 @@
 #include "photo/decode/exr/ExrReader.h"
 
+#include <fmt/format.h>
+
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfChromaticitiesAttribute.h>
 #include <OpenEXR/ImfInputPart.h>
@@ -14,7 +16,6 @@
 #include <vector>
 
 #include "photo/base/Failure.h"
-#include "photo/base/Printf.h"
 #include "photo/decode/exr/ExrChunks.h"
 #include "photo/decode/exr/ExrLines.h"
 #include "photo/decode/exr/ExrMetadata.h"
@@ -78,8 +79,7 @@ struct sWindow {
 };
 
 std::string SizeOf(const sWindow& pWindow) {
-  return Printf("%lld x %lld", static_cast<long long>(pWindow.fWidth),
-                static_cast<long long>(pWindow.fHeight));
+  return fmt::format("{} x {}", pWindow.fWidth, pWindow.fHeight);
 }
 
 /// What of the two windows is the picture.
@@ -185,9 +185,9 @@ void WarnOfShape(const Imf::Header& pHeader, std::vector<std::string>& pWarnings
   const auto aspect = static_cast<double>(pHeader.pixelAspectRatio());
   if (!(aspect > 0.0) || std::fabs(aspect - 1.0) < 1e-3) return;
   pWarnings.push_back(
-      Printf("its pixels are %.4g times as wide as high; they are kept as they are, so that the "
-             "result looks %s where pixels are square",
-             aspect, aspect > 1.0 ? "too narrow" : "too wide"));
+      fmt::format("its pixels are {:.4g} times as wide as high; they are kept as they are, so that the "
+                  "result looks {} where pixels are square",
+                  aspect, aspect > 1.0 ? "too narrow" : "too wide"));
 }
 
 /// The size in memory is that of the larger one of picture and data.
