@@ -14,7 +14,7 @@
 #include "cli/batch/PictureTask.h"
 #include "cli/batch/StandardStreams.h"
 #include "cli/batch/VipsSession.h"
-#include "cli/batch/WorkerPool.h"
+#include "cli/batch/workers/WorkerPool.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/FailureText.h"
 #include "cli/terminal/Progress.h"

@@ -1,7 +1,7 @@
 #include "cli/batch/StoredSettings.h"
 
 #include "cli/batch/VipsSession.h"
-#include "cli/batch/WorkerPool.h"
+#include "cli/batch/workers/WorkerPool.h"
 #include "photo/base/Failure.h"
 #include "photo/metadata/PictureMetadata.h"
 

@@ -1,4 +1,4 @@
-#include "cli/batch/Message.h"
+#include "cli/batch/workers/Message.h"
 
 #include <sys/socket.h>
 

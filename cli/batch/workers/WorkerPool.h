@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "cli/batch/MemoryBudget.h"
-#include "cli/batch/Message.h"
-#include "cli/batch/TaskClock.h"
-#include "cli/batch/Worker.h"
+#include "cli/batch/workers/Message.h"
+#include "cli/batch/workers/TaskClock.h"
+#include "cli/batch/workers/Worker.h"
 
 namespace Cli {
 

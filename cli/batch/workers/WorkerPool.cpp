@@ -1,4 +1,4 @@
-#include "cli/batch/WorkerPool.h"
+#include "cli/batch/workers/WorkerPool.h"
 
 #include <fmt/format.h>
 

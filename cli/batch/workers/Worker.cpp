@@ -1,4 +1,4 @@
-#include "cli/batch/Worker.h"
+#include "cli/batch/workers/Worker.h"
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -15,7 +15,7 @@
 
 #include "cli/batch/ExitCode.h"
 #include "cli/batch/Interrupt.h"
-#include "cli/batch/Message.h"
+#include "cli/batch/workers/Message.h"
 #include "photo/base/Failure.h"
 
 namespace Cli {
