@@ -25,7 +25,7 @@
 #include "photo/encode/PictureWriter.h"
 #include "photo/picture/PictureDifference.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr char kVerb[] = "compare";
@@ -36,7 +36,7 @@ struct sCompareOptions {
   std::string fA;
   std::string fB;
   std::string fOutput;
-  sPictureChoice fSource{.fTakesSingle = true};
+  Photo::sPictureChoice fSource{.fTakesSingle = true};
   bool fOverwrite = false;
   std::optional<double> fFailAbove;
   bool fJson = false;
@@ -44,29 +44,29 @@ struct sCompareOptions {
 };
 
 /// pLimit: of memory, for both pictures together.
-sLdrPicture Read(const std::string& pFile, const sPictureChoice& pChoice, std::int64_t pLimit) {
+Photo::sLdrPicture Read(const std::string& pFile, const Photo::sPictureChoice& pChoice, std::int64_t pLimit) {
   const cInputFile input(pFile);
-  sLdrPicture picture = NameFile(GetSpokenName(pFile), [&] {
-    return ReadLdrPicture(input.GetPath(), kVerb, pChoice, MakeMemoryGate(kBytesPerPixel, pLimit));
+  Photo::sLdrPicture picture = Photo::NameFile(GetSpokenName(pFile), [&] {
+    return Photo::ReadLdrPicture(input.GetPath(), kVerb, pChoice, MakeMemoryGate(kBytesPerPixel, pLimit));
   });
   PrintWarnings(GetSpokenName(pFile), NameOptions(picture.fWarnings));
   return picture;
 }
 
-void CheckSizes(const sCompareOptions& pOptions, const sLdrPicture& pA, const sLdrPicture& pB) {
+void CheckSizes(const sCompareOptions& pOptions, const Photo::sLdrPicture& pA, const Photo::sLdrPicture& pB) {
   const TmEngine::cBitmapLDR& a = *pA.fBitmap;
   const TmEngine::cBitmapLDR& b = *pB.fBitmap;
   if (a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight()) return;
-  throw cFailure(
-      eFailure::kProcessing, GetSpokenName(pOptions.fB),
+  throw Photo::cFailure(
+      Photo::eFailure::kProcessing, GetSpokenName(pOptions.fB),
       fmt::format("its size is {} x {}, that of ", b.GetWidth(), b.GetHeight()) + GetSpokenName(pOptions.fA) +
           fmt::format(" {} x {}; only pictures of one size can be compared", a.GetWidth(), a.GetHeight()));
 }
 
-std::string Describe(const sPictureDifference& pDifference) {
+std::string Describe(const Photo::sPictureDifference& pDifference) {
   if (pDifference.fAll.fLargest == 0.0) return "The pictures are equal.\n";
   std::string text = "8-bit codes    largest      mean\n";
-  const auto add = [&](const char* pName, const sPictureDifference::sExtent& pExtent) {
+  const auto add = [&](const char* pName, const Photo::sPictureDifference::sExtent& pExtent) {
     text += fmt::format("{:<12} {:9.2f} {:9.4f}\n", pName, pExtent.fLargest, pExtent.fMean);
   };
   for (int i = 0; i < 3; ++i) add(kChannels[i], pDifference.fChannels[i]);
@@ -77,8 +77,8 @@ std::string Describe(const sPictureDifference& pDifference) {
                             pDifference.fLargestX, pDifference.fLargestY);
 }
 
-nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
-  const auto extent = [](const sPictureDifference::sExtent& pExtent) {
+nlohmann::ordered_json ToJson(const Photo::sPictureDifference& pDifference) {
+  const auto extent = [](const Photo::sPictureDifference::sExtent& pExtent) {
     return nlohmann::ordered_json{{"largest", pExtent.fLargest}, {"mean", pExtent.fMean}};
   };
   nlohmann::ordered_json json;
@@ -92,16 +92,17 @@ nlohmann::ordered_json ToJson(const sPictureDifference& pDifference) {
 
 void CheckArguments(const sCompareOptions& pOptions) {
   if (pOptions.fA == kStandardStream && pOptions.fB == kStandardStream) {
-    throw cFailure(eFailure::kUsage, "", "standard input (-) can be A or B, not both");
+    throw Photo::cFailure(Photo::eFailure::kUsage, "", "standard input (-) can be A or B, not both");
   }
   if (pOptions.fOutput.empty()) return;
-  if (GetExtension(pOptions.fOutput) != ".png") {
-    throw cFailure(eFailure::kUsage, pOptions.fOutput, "the picture of the comparison is a .png");
+  if (Photo::GetExtension(pOptions.fOutput) != ".png") {
+    throw Photo::cFailure(Photo::eFailure::kUsage, pOptions.fOutput,
+                          "the picture of the comparison is a .png");
   }
-  NameFile(pOptions.fOutput, [&] {
-    CheckIsAnother(pOptions.fA, pOptions.fOutput);
-    CheckIsAnother(pOptions.fB, pOptions.fOutput);
-    CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
+  Photo::NameFile(pOptions.fOutput, [&] {
+    Photo::CheckIsAnother(pOptions.fA, pOptions.fOutput);
+    Photo::CheckIsAnother(pOptions.fB, pOptions.fOutput);
+    Photo::CheckReplacing(pOptions.fOutput, pOptions.fOverwrite);
   });
 }
 
@@ -109,25 +110,25 @@ void Run(const sCompareOptions& pOptions) {
   CheckArguments(pOptions);
   const cVipsSession library;
   const std::int64_t limit = ChooseMemoryLimit(pOptions.fMemoryLimit);
-  const sLdrPicture a = Read(pOptions.fA, pOptions.fSource, limit);
-  const sLdrPicture b = Read(pOptions.fB, pOptions.fSource, limit);
+  const Photo::sLdrPicture a = Read(pOptions.fA, pOptions.fSource, limit);
+  const Photo::sLdrPicture b = Read(pOptions.fB, pOptions.fSource, limit);
   CheckSizes(pOptions, a, b);
   if (a.fProfile != b.fProfile || a.fBeyondWhite != b.fBeyondWhite) {
     PrintWarnings(GetSpokenName(pOptions.fB), {"its colour profile is not that of " +
                                                GetSpokenName(pOptions.fA) + "; codes are compared"});
   }
-  const sPictureDifference difference = ComparePictures(*a.fBitmap, *b.fBitmap);
+  const Photo::sPictureDifference difference = Photo::ComparePictures(*a.fBitmap, *b.fBitmap);
   if (!pOptions.fOutput.empty()) {
-    NameFile(pOptions.fOutput, [&] {
-      cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
+    Photo::NameFile(pOptions.fOutput, [&] {
+      Photo::cTempFile file(pOptions.fOutput, pOptions.fOverwrite);
       WriteSideBySide(*a.fBitmap, *b.fBitmap, ChooseAmplification(difference), a.fProfile, file);
     });
   }
-  Print(pOptions.fJson ? ToLine(ToJson(difference)) + "\n" : Describe(difference));
+  Print(pOptions.fJson ? Photo::ToLine(ToJson(difference)) + "\n" : Describe(difference));
   if (pOptions.fFailAbove && difference.fAll.fLargest > *pOptions.fFailAbove) {
-    throw cFailure(eFailure::kSomePictures, "",
-                   fmt::format("the largest difference, {:.2f}, is above {:g}", difference.fAll.fLargest,
-                               *pOptions.fFailAbove));
+    throw Photo::cFailure(Photo::eFailure::kSomePictures, "",
+                          fmt::format("the largest difference, {:.2f}, is above {:g}",
+                                      difference.fAll.fLargest, *pOptions.fFailAbove));
   }
 }
 
@@ -166,4 +167,4 @@ void AddCompareCommand(CLI::App& pProgram) {
   verb->callback([options] { Run(*options); });
 }
 
-}  // namespace Cli
+}  // namespace Tool

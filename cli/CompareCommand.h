@@ -4,9 +4,9 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// Adds the verb `compare` to the program; the parser runs it. It throws cFailure.
 void AddCompareCommand(CLI::App& pProgram);
 
-}  // namespace Cli
+}  // namespace Tool

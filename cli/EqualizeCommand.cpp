@@ -25,7 +25,7 @@
 #include "photo/encode/PictureWriter.h"
 #include "photo/render/CurvePoints.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr char kVerb[] = "equalize";
@@ -35,26 +35,26 @@ struct sEqualizeOptions {
   std::string fOutput;
   std::string fFormat;  ///< Of standard output, as a file extension without its point; "" for png.
   std::string fPlot;
-  sPictureChoice fSource;
-  sHueCurveOptions fCurves;
+  Photo::sPictureChoice fSource;
+  Photo::sHueCurveOptions fCurves;
   int fDepth = 0;  ///< 0 for the input's.
-  sFileOptions fFile;
+  Photo::sFileOptions fFile;
   bool fOverwrite = false;
   std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
 };
 
-eOutputFormat ChooseFormat(const sEqualizeOptions& pOptions) {
+Photo::eOutputFormat ChooseFormat(const sEqualizeOptions& pOptions) {
   const std::string name = pOptions.fOutput != kStandardStream
                                ? pOptions.fOutput
                                : "result." + (pOptions.fFormat.empty() ? "png" : pOptions.fFormat);
   const int leastDepth = pOptions.fDepth != 0 ? pOptions.fDepth : 8;
-  return NameFile(name, [&] { return ChooseOutputFormat(name, leastDepth, pOptions.fFile); });
+  return Photo::NameFile(name, [&] { return Photo::ChooseOutputFormat(name, leastDepth, pOptions.fFile); });
 }
 
 /// The job in the options, whose input is read from pPath.
-sEqualizeJob MakeJob(const sEqualizeOptions& pOptions, const std::string& pPath) {
+Photo::sEqualizeJob MakeJob(const sEqualizeOptions& pOptions, const std::string& pPath) {
   const bool isStream = pOptions.fOutput == kStandardStream;
-  sEqualizeJob job;
+  Photo::sEqualizeJob job;
   job.fInput = pPath;
   job.fOutput = isStream ? "standard output" : pOptions.fOutput;
   if (isStream) job.fOutputStream = STDOUT_FILENO;
@@ -67,7 +67,7 @@ sEqualizeJob MakeJob(const sEqualizeOptions& pOptions, const std::string& pPath)
   job.fMemoryGate = [format = job.fFormat,
                      limit = ChooseMemoryLimit(pOptions.fMemoryLimit)](std::int64_t pPixels) {
     constexpr int kDeepest = 16;  // a deeper input makes a deeper result
-    CheckMemoryLimit(EstimateMemory(pPixels, format, kDeepest), limit);
+    CheckMemoryLimit(Photo::EstimateMemory(pPixels, format, kDeepest), limit);
   };
   return job;
 }
@@ -78,8 +78,8 @@ void EqualizeFile(const sEqualizeOptions& pOptions) {
   std::vector<std::string> warnings;
   const auto print = [&] { PrintWarnings(GetSpokenName(pOptions.fInput), NameOptions(warnings)); };
   try {
-    input.Read([&] { EqualizePicture(MakeJob(pOptions, input.GetPath()), warnings); });
-  } catch (const cFailure&) {
+    input.Read([&] { Photo::EqualizePicture(MakeJob(pOptions, input.GetPath()), warnings); });
+  } catch (const Photo::cFailure&) {
     print();
     throw;
   }
@@ -107,7 +107,7 @@ void CheckArguments(const sEqualizeOptions& pOptions) {
     throw CLI::ValidationError("--format", "goes with -o -; other results get their format by OUT");
   }
   if (isStream && isatty(STDOUT_FILENO) != 0) {
-    throw cFailure(eFailure::kUsage, "", "-o -: a picture is not written to a terminal");
+    throw Photo::cFailure(Photo::eFailure::kUsage, "", "-o -: a picture is not written to a terminal");
   }
 }
 
@@ -115,28 +115,29 @@ void Run(const sEqualizeOptions& pOptions) {
   CheckArguments(pOptions);
   const std::string result = pOptions.fOutput == kStandardStream ? "" : pOptions.fOutput;
   for (const std::string& target : {result, pOptions.fPlot})
-    NameFile(target, [&] { CheckIsAnother(pOptions.fInput, target); });
+    Photo::NameFile(target, [&] { Photo::CheckIsAnother(pOptions.fInput, target); });
   for (const std::string& target : {result, pOptions.fPlot})
-    NameFile(target, [&] { CheckReplacing(target, pOptions.fOverwrite); });
+    Photo::NameFile(target, [&] { Photo::CheckReplacing(target, pOptions.fOverwrite); });
   if (!pOptions.fPlot.empty() && IsSameFile(pOptions.fOutput, pOptions.fPlot)) {
-    throw cFailure(eFailure::kUsage, pOptions.fPlot, "is the result as well; give the plot another name");
+    throw Photo::cFailure(Photo::eFailure::kUsage, pOptions.fPlot,
+                          "is the result as well; give the plot another name");
   }
   const ePlotFormat plotFormat =
       pOptions.fPlot.empty() ? ePlotFormat::kSvg : ChoosePlotFormat(pOptions.fPlot);
   const cVipsSession library;
   if (!pOptions.fOutput.empty()) EqualizeFile(pOptions);
   if (pOptions.fPlot.empty()) return;
-  NameFile(pOptions.fPlot, [&] {
-    cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
+  Photo::NameFile(pOptions.fPlot, [&] {
+    Photo::cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
     WritePlot(DrawHueCurves(pOptions.fCurves), plotFormat, file);
   });
 }
 
-void AddCurveOption(CLI::App& pVerb, const std::string& pName, tHuePoints& pPoints,
+void AddCurveOption(CLI::App& pVerb, const std::string& pName, Photo::tHuePoints& pPoints,
                     const std::string& pMeaning) {
   const auto parse = [pName, &pPoints](const std::string& pText) {
     try {
-      pPoints = ParseHuePoints(pText);
+      pPoints = Photo::ParseHuePoints(pText);
     } catch (const std::invalid_argument& error) {
       throw CLI::ValidationError(pName, error.what());
     }
@@ -144,7 +145,7 @@ void AddCurveOption(CLI::App& pVerb, const std::string& pName, tHuePoints& pPoin
   pVerb.add_option_function<std::string>(pName, parse, pMeaning)->option_text("POINTS")->group("Curves");
 }
 
-void AddCurveOptions(CLI::App& pVerb, sHueCurveOptions& pCurves) {
+void AddCurveOptions(CLI::App& pVerb, Photo::sHueCurveOptions& pCurves) {
   AddCurveOption(pVerb, "--hue-shift", pCurves.fHueShift,
                  "Turns hues: 0 is -180 degrees, 0.5 none, 1 is +180 degrees");
   AddCurveOption(pVerb, "--saturation", pCurves.fSaturation,
@@ -224,4 +225,4 @@ void AddEqualizeCommand(CLI::App& pProgram) {
   verb->callback([options] { Run(*options); });
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -4,9 +4,9 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// Adds the verb `equalize` to the program; the parser runs it. It throws cFailure.
 void AddEqualizeCommand(CLI::App& pProgram);
 
-}  // namespace Cli
+}  // namespace Tool

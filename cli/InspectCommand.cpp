@@ -28,46 +28,48 @@
 #include "photo/render/AutoSettings.h"
 #include "photo/render/PictureRendering.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 struct sInspectOptions {
   std::vector<std::string> fFiles;
-  sPictureChoice fSource;
-  sSettingsChange fGiven;  ///< Sliders of the plot;
-  bool fAuto = false;      ///< the others are the suggested ones.
+  Photo::sPictureChoice fSource;
+  Photo::sSettingsChange fGiven;  ///< Sliders of the plot;
+  bool fAuto = false;             ///< the others are the suggested ones.
   std::string fPlot;
   bool fOverwrite = false;
   std::int64_t fMemoryLimit = 0;  ///< As ChooseMemoryLimit takes it.
   bool fJson = false;
 };
 
-std::string DescribeSettings(const sSettings& pSettings) {
+std::string DescribeSettings(const Photo::sSettings& pSettings) {
   std::string text;
-  for (const sSlider& slider : GetSliders()) {
-    text += (text.empty() ? "" : ", ") + std::string(slider.fName) + " " + ToText(pSettings.*slider.fField);
+  for (const Photo::sSlider& slider : Photo::GetSliders()) {
+    text += (text.empty() ? "" : ", ") + std::string(slider.fName) + " " +
+            Photo::ToText(pSettings.*slider.fField);
   }
   return text;
 }
 
-void WriteFigure(sInspection& pInspection, const sInspectOptions& pOptions) {
+void WriteFigure(Photo::sInspection& pInspection, const sInspectOptions& pOptions) {
   const ePlotFormat format = ChoosePlotFormat(pOptions.fPlot);
-  sSettings settings = pOptions.fAuto ? pInspection.fSuggested : sSettings();
-  Apply(pOptions.fGiven, settings);
-  cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
+  Photo::sSettings settings = pOptions.fAuto ? pInspection.fSuggested : Photo::sSettings();
+  Photo::Apply(pOptions.fGiven, settings);
+  Photo::cTempFile file(pOptions.fPlot, pOptions.fOverwrite);
   const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-  sRenderingReport report;
-  NameFile(pInspection.fFile,
-           [&] { RenderWith(*renderer, pInspection.fPicture, {.fSettings = settings}, report); });
-  WritePlot(DrawToneFigure(ToPrintable(std::filesystem::path(pInspection.fFile).filename()),
+  Photo::sRenderingReport report;
+  Photo::NameFile(pInspection.fFile, [&] {
+    Photo::RenderWith(*renderer, pInspection.fPicture, {.fSettings = settings}, report);
+  });
+  WritePlot(DrawToneFigure(Photo::ToPrintable(std::filesystem::path(pInspection.fFile).filename()),
                            DescribeSettings(settings), pInspection.fStatistics, *renderer),
             format, file);
 }
 
 /// The inspection's own record, and the suggestion as options to type. Warnings stay last.
-nlohmann::ordered_json MakeRecord(const std::string& pFile, const sInspection& pInspection) {
-  nlohmann::ordered_json record = ToJson(pInspection);
-  PutName(record, "input", pFile);
+nlohmann::ordered_json MakeRecord(const std::string& pFile, const Photo::sInspection& pInspection) {
+  nlohmann::ordered_json record = Photo::ToJson(pInspection);
+  Photo::PutName(record, "input", pFile);
   const nlohmann::ordered_json warnings = record["warnings"];
   record.erase("warnings");
   record["options"] = ToOptions(pInspection.fSuggested);
@@ -77,32 +79,32 @@ nlohmann::ordered_json MakeRecord(const std::string& pFile, const sInspection& p
 
 void Inspect(const std::string& pFile, const sInspectOptions& pOptions) {
   // measured: the picture and its decoder; the engine renders it for a plot
-  const tMemoryGate gate =
+  const Photo::tMemoryGate gate =
       MakeMemoryGate(pOptions.fPlot.empty() ? 24 : 44, ChooseMemoryLimit(pOptions.fMemoryLimit));
   const cInputFile input(pFile);
-  sInspection inspection =
-      NameFile(GetSpokenName(pFile), [&] { return InspectPicture(input.GetPath(), pOptions.fSource, gate); });
+  Photo::sInspection inspection = Photo::NameFile(
+      GetSpokenName(pFile), [&] { return Photo::InspectPicture(input.GetPath(), pOptions.fSource, gate); });
   inspection.fFile = GetSpokenName(pFile);
   inspection.fPicture.fWarnings = NameOptions(inspection.fPicture.fWarnings);
   PrintWarnings(inspection.fFile, inspection.fPicture.fWarnings);
   if (pOptions.fJson) {
-    Print(ToLine(MakeRecord(pFile, inspection)) + "\n");
+    Print(Photo::ToLine(MakeRecord(pFile, inspection)) + "\n");
   } else {
     Print(DescribeInspection(inspection, GetTerminal()));
   }
-  if (!pOptions.fPlot.empty()) NameFile(pOptions.fPlot, [&] { WriteFigure(inspection, pOptions); });
+  if (!pOptions.fPlot.empty()) Photo::NameFile(pOptions.fPlot, [&] { WriteFigure(inspection, pOptions); });
 }
 
 void CheckArguments(const sInspectOptions& pOptions) {
   if (std::count(pOptions.fFiles.begin(), pOptions.fFiles.end(), kStandardStream) > 1) {
-    throw cFailure(eFailure::kUsage, "", "standard input (-) can be read only once");
+    throw Photo::cFailure(Photo::eFailure::kUsage, "", "standard input (-) can be read only once");
   }
   if (pOptions.fPlot.empty()) return;
   if (pOptions.fFiles.size() > 1) throw CLI::ValidationError("--plot", "draws one picture; give one FILE");
   ChoosePlotFormat(pOptions.fPlot);
-  NameFile(pOptions.fPlot, [&] {
-    CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
-    CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
+  Photo::NameFile(pOptions.fPlot, [&] {
+    Photo::CheckIsAnother(pOptions.fFiles.front(), pOptions.fPlot);
+    Photo::CheckReplacing(pOptions.fPlot, pOptions.fOverwrite);
   });
 }
 
@@ -115,15 +117,15 @@ void Run(const sInspectOptions& pOptions) {
   for (const std::string& file : pOptions.fFiles) {
     try {
       Inspect(file, pOptions);
-    } catch (const cFailure& failure) {
-      if (failure.GetKind() == eFailure::kCannotWrite) throw;  // the output, not a picture
+    } catch (const Photo::cFailure& failure) {
+      if (failure.GetKind() == Photo::eFailure::kCannotWrite) throw;  // the output, not a picture
       ++failed;
       PrintMessage("quorvane: " + DescribeFailure(failure));
     }
   }
   if (failed == 0) return;
-  throw cFailure(
-      eFailure::kSomePictures, "",
+  throw Photo::cFailure(
+      Photo::eFailure::kSomePictures, "",
       std::to_string(failed) + " of " + std::to_string(pOptions.fFiles.size()) + " pictures failed");
 }
 
@@ -165,4 +167,4 @@ void AddInspectCommand(CLI::App& pProgram) {
   verb->callback([options] { Run(*options); });
 }
 
-}  // namespace Cli
+}  // namespace Tool

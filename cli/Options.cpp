@@ -7,7 +7,7 @@
 
 #include "photo/render/ColorSpaceName.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// Whole numbers alone: 2.5 is none.
@@ -23,12 +23,14 @@ CLI::Validator IntegerIn(int pLowest, int pHighest) {
 }
 
 /// "all", "none", or names with commas between them. Throws CLI::ValidationError.
-sMetadataKinds ParseKinds(const std::string& pText) {
+Photo::sMetadataKinds ParseKinds(const std::string& pText) {
   if (pText == "all") return {};
-  sMetadataKinds kinds{false, false, false};
+  Photo::sMetadataKinds kinds{false, false, false};
   if (pText == "none") return kinds;
-  const std::map<std::string, bool sMetadataKinds::*> names = {
-      {"exif", &sMetadataKinds::fExif}, {"xmp", &sMetadataKinds::fXmp}, {"iptc", &sMetadataKinds::fIptc}};
+  const std::map<std::string, bool Photo::sMetadataKinds::*> names = {
+      {"exif", &Photo::sMetadataKinds::fExif},
+      {"xmp", &Photo::sMetadataKinds::fXmp},
+      {"iptc", &Photo::sMetadataKinds::fIptc}};
   for (const std::string& name : CLI::detail::split(pText, ',')) {
     const auto found = names.find(name);
     if (found == names.end()) {
@@ -41,8 +43,8 @@ sMetadataKinds ParseKinds(const std::string& pText) {
 }
 
 /// Throws CLI::ValidationError.
-sAlphaChoice ReadAlpha(const std::string& pText) {
-  if (const auto choice = ParseAlpha(pText)) return *choice;
+Photo::sAlphaChoice ReadAlpha(const std::string& pText) {
+  if (const auto choice = Photo::ParseAlpha(pText)) return *choice;
   throw CLI::ValidationError(
       "--alpha", "'" + pText + "' is neither keep nor ignore, nor a colour such as white or ffd040");
 }
@@ -58,7 +60,7 @@ void AddDepthOption(CLI::App& pVerb, int& pDepth, const std::string& pDefault) {
       ->group("Result");
 }
 
-void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
+void AddFileOptions(CLI::App& pVerb, Photo::sFileOptions& pOptions) {
   pVerb
       .add_option("--quality", pOptions.fQuality,
                   "Quality of .jpg, .webp, .avif and .jxl: 100 is best and largest\n"
@@ -83,7 +85,7 @@ void AddFileOptions(CLI::App& pVerb, sFileOptions& pOptions) {
       ->group("Result");
 }
 
-void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice) {
+void AddChoiceOptions(CLI::App& pVerb, Photo::sPictureChoice& pChoice) {
   pVerb
       .add_option("--part", pChoice.fPart,
                   "The part of an OpenEXR file, by its number from 0 on or by its name; the first one with\n"
@@ -95,7 +97,7 @@ void AddChoiceOptions(CLI::App& pVerb, sPictureChoice& pChoice) {
       ->option_text("NAME");
 }
 
-void AddPageOption(CLI::App& pVerb, sPictureChoice& pChoice) {
+void AddPageOption(CLI::App& pVerb, Photo::sPictureChoice& pChoice) {
   pVerb
       .add_option("--page", pChoice.fPage,
                   "The page of a .tif, or the picture of another file that holds several, counted from 1;\n"
@@ -104,11 +106,11 @@ void AddPageOption(CLI::App& pVerb, sPictureChoice& pChoice) {
       ->option_text("N");
 }
 
-void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
+void AddOutputOptions(CLI::App& pVerb, Photo::sOutputOptions& pOptions) {
   AddDepthOption(pVerb, pOptions.fDepth, "8");
   AddFileOptions(pVerb, pOptions.fFile);
   std::map<std::string, TmEngine::eColorSpaceID> names;
-  for (const sColorSpaceName& name : kColorSpaceNames) names[name.fName] = name.fColorSpace;
+  for (const Photo::sColorSpaceName& name : Photo::kColorSpaceNames) names[name.fName] = name.fColorSpace;
   pVerb
       .add_option_function<std::string>(
           "--colorspace",
@@ -127,4 +129,4 @@ void AddOutputOptions(CLI::App& pVerb, sOutputOptions& pOptions) {
       ->group("Result");
 }
 
-}  // namespace Cli
+}  // namespace Tool

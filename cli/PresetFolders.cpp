@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 namespace fs = std::filesystem;
@@ -27,8 +27,8 @@ std::string FindOwnFolder() {
 
 }  // namespace
 
-sPresetFolders GetPresetFolders() {
+Photo::sPresetFolders GetPresetFolders() {
   return {FindUserFolder(), FindOwnFolder()};
 }
 
-}  // namespace Cli
+}  // namespace Tool

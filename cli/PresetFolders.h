@@ -2,10 +2,10 @@
 
 #include "photo/Presets.h"
 
-namespace Cli {
+namespace Tool {
 
 /// $XDG_CONFIG_HOME/quorvane/presets, by default ~/.config/quorvane/presets, and share/quorvane/presets
 /// beside the folder of the running program.
-sPresetFolders GetPresetFolders();
+Photo::sPresetFolders GetPresetFolders();
 
-}  // namespace Cli
+}  // namespace Tool

@@ -14,7 +14,7 @@
 #include "photo/base/Failure.h"
 #include "photo/encode/OutputFormat.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr char kPresetGroup[] = "Presets";
@@ -22,7 +22,7 @@ constexpr char kSliderGroup[] = "Sliders";
 
 /// Refuses what is not a number in the range; NaN fails both comparisons.
 CLI::Validator InRange(float pLowest, float pHighest) {
-  const std::string range = ToText(pLowest) + " to " + ToText(pHighest);
+  const std::string range = Photo::ToText(pLowest) + " to " + Photo::ToText(pHighest);
   const auto check = [=](std::string& pText) -> std::string {
     float number = 0.0f;
     const bool isNumber = CLI::detail::lexical_cast(pText, number);
@@ -45,9 +45,9 @@ void WarnOfPreview(const std::string& pResult, int pPreview) {
 }
 
 /// A depth that nobody asked for gives way where the format does not hold it.
-void TakeNearestDepth(const std::string& pOutput, const std::string& pResult, const sFormatTraits& pFormat,
-                      int& pDepth) {
-  const int depth = ChooseDepth(pFormat.fFormat, pDepth);
+void TakeNearestDepth(const std::string& pOutput, const std::string& pResult,
+                      const Photo::sFormatTraits& pFormat, int& pDepth) {
+  const int depth = Photo::ChooseDepth(pFormat.fFormat, pDepth);
   if (depth == pDepth) return;
   PrintWarnings(pOutput, {"written with " + std::to_string(depth) + " bits a sample, since " + pFormat.fName +
                           " does not hold the " + std::to_string(pDepth) + " of " + pResult});
@@ -58,29 +58,29 @@ void TakeNearestDepth(const std::string& pOutput, const std::string& pResult, co
 void CheckIsResult(const std::string& pFile) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(pFile, error);
-  if (error) throw cFailure(eFailure::kCannotRead, pFile, error.message());
+  if (error) throw Photo::cFailure(Photo::eFailure::kCannotRead, pFile, error.message());
   if (std::filesystem::is_regular_file(status)) return;
-  throw cFailure(eFailure::kCannotRead, pFile,
-                 "is not a regular file; --settings-from takes a stored result");
+  throw Photo::cFailure(Photo::eFailure::kCannotRead, pFile,
+                        "is not a regular file; --settings-from takes a stored result");
 }
 
 }  // namespace
 
-void AddSliderOptions(CLI::App& pVerb, sSettingsChange& pGiven) {
+void AddSliderOptions(CLI::App& pVerb, Photo::sSettingsChange& pGiven) {
   std::optional<float>* field = pGiven.fSliders.data();
-  for (const sSlider& slider : GetSliders()) {
+  for (const Photo::sSlider& slider : Photo::GetSliders()) {
     pVerb
         .add_option_function<float>(
             std::string("--") + slider.fName, [field](float pValue) { *field = pValue; }, slider.fMeaning)
         ->check(InRange(slider.fLowest, slider.fHighest))
-        ->option_text(ToText(slider.fLowest) + ".." + ToText(slider.fHighest) + " [" +
-                      ToText(sSettings().*slider.fField) + "]")
+        ->option_text(Photo::ToText(slider.fLowest) + ".." + Photo::ToText(slider.fHighest) + " [" +
+                      Photo::ToText(Photo::sSettings().*slider.fField) + "]")
         ->group(kSliderGroup);
     ++field;
   }
   pVerb
       .add_option_function<std::string>(
-          "--wrap", [&pGiven](const std::string& pName) { pGiven.fWrap = FindWrap(pName); },
+          "--wrap", [&pGiven](const std::string& pName) { pGiven.fWrap = Photo::FindWrap(pName); },
           "Whether the left and right edges meet, as in full panoramas; auto looks at the picture")
       ->check(CLI::IsMember({"none", "horizontal", "auto"}))
       ->option_text("none|horizontal|auto [auto]")
@@ -115,43 +115,48 @@ void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {
   AddSliderOptions(pVerb, pOptions.fGiven);
 }
 
-sSettingsChange GetChange(const sSettingsOptions& pOptions) {
-  sSettingsChange change;
-  const sPresetFolders folders = GetPresetFolders();
+Photo::sSettingsChange GetChange(const sSettingsOptions& pOptions) {
+  Photo::sSettingsChange change;
+  const Photo::sPresetFolders folders = GetPresetFolders();
   for (const std::string& preset : pOptions.fPresets) {
-    Apply(NameFile("--preset", [&] { return LoadPreset(folders, preset); }).fChange, change);
+    Photo::Apply(Photo::NameFile("--preset", [&] { return Photo::LoadPreset(folders, preset); }).fChange,
+                 change);
   }
-  Apply(pOptions.fGiven, change);
+  Photo::Apply(pOptions.fGiven, change);
   return change;
 }
 
-void ListAndSavePresets(const sSettingsOptions& pOptions, const sSettings& pBase) {
+void ListAndSavePresets(const sSettingsOptions& pOptions, const Photo::sSettings& pBase) {
   if (!pOptions.fSaveAs.empty()) {
-    sSettingsChange change = pOptions.fFromResult.empty() ? sSettingsChange() : ChangeTo(pBase);
-    Apply(GetChange(pOptions), change);
-    NameFile("--save-preset", [&] { SavePreset(GetPresetFolders(), pOptions.fSaveAs, change); });
+    Photo::sSettingsChange change =
+        pOptions.fFromResult.empty() ? Photo::sSettingsChange() : Photo::ChangeTo(pBase);
+    Photo::Apply(GetChange(pOptions), change);
+    Photo::NameFile("--save-preset",
+                    [&] { Photo::SavePreset(GetPresetFolders(), pOptions.fSaveAs, change); });
   }
-  if (pOptions.fList) Print(ListPresets(FindPresets(GetPresetFolders())));
+  if (pOptions.fList) Print(ListPresets(Photo::FindPresets(GetPresetFolders())));
 }
 
 void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, const std::string& pOutput,
-                    sSettings& pSettings, sOutputOptions& pResult) {
+                    Photo::sSettings& pSettings, Photo::sOutputOptions& pResult) {
   const std::string& file = pOptions.fFromResult;
   if (file.empty()) return;
   CheckIsResult(file);
   const std::string text = ReadStoredSettingsApart(file);
   if (text.empty()) {
-    throw cFailure(eFailure::kUsage, file, "carries no settings; name a result of 'quorvane tonemap'");
+    throw Photo::cFailure(Photo::eFailure::kUsage, file,
+                          "carries no settings; name a result of 'quorvane tonemap'");
   }
-  const sFileOptions given = pResult.fFile;
+  const Photo::sFileOptions given = pResult.fFile;
   const auto isGiven = [&](const std::string& pName) { return pVerb.count("--" + pName) > 0; };
-  NameFile(file, [&] { ParseResultSettings(text, isGiven, pSettings, pResult); });
+  Photo::NameFile(file, [&] { Photo::ParseResultSettings(text, isGiven, pSettings, pResult); });
   if (pOutput.empty()) return;
-  const sFormatTraits& format = GetTraits(NameFile(pOutput, [&] { return ChooseOutputFormat(pOutput, 8); }));
+  const Photo::sFormatTraits& format =
+      Photo::GetTraits(Photo::NameFile(pOutput, [&] { return Photo::ChooseOutputFormat(pOutput, 8); }));
   if (!isGiven("preview")) WarnOfPreview(file, pResult.fPreview);
   if (!isGiven("depth")) TakeNearestDepth(pOutput, file, format, pResult.fDepth);
   if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;
   if (format.fCompression < 0) pResult.fFile.fCompression = given.fCompression;
 }
 
-}  // namespace Cli
+}  // namespace Tool

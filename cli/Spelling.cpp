@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 std::size_t CountMistakes(const std::string& pA, const std::string& pB) {
@@ -43,4 +43,4 @@ std::string FindNearest(const std::string& pTyped, const std::vector<std::string
   return nearest;
 }
 
-}  // namespace Cli
+}  // namespace Tool

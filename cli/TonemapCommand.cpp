@@ -10,7 +10,7 @@
 #include "cli/batch/BatchOptions.h"
 #include "cli/batch/BatchPlan.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 struct sTonemapOptions {
@@ -65,7 +65,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
       "tonemap",
       "Turns high-dynamic-range photographs into finished pictures: contrasts too large for a\n"
       "screen or paper are compressed, details keep their own.");
-  sTonemapJob& job = options->fBatch.fJob;
+  Photo::sTonemapJob& job = options->fBatch.fJob;
   AddBatchOptions(*verb, options->fBatch);
   AddChoiceOptions(*verb, job.fSource);
   AddPageOption(*verb, job.fSource);
@@ -86,4 +86,4 @@ void AddTonemapCommand(CLI::App& pProgram) {
   verb->callback([verb, options] { Run(*verb, *options); });
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -4,7 +4,7 @@
 
 #include "cli/Spelling.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 std::vector<std::string> GetVerbs(const CLI::App& pProgram) {
@@ -55,4 +55,4 @@ std::string DescribeUsageError(const CLI::App& pProgram, const CLI::ParseError& 
   return pError.what() + SuggestOption(verbs.empty() ? pProgram : *verbs.front());
 }
 
-}  // namespace Cli
+}  // namespace Tool

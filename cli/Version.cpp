@@ -15,7 +15,7 @@
 #include "photo/encode/OutputFormat.h"
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 void Append(std::string& pTo, const std::string& pText) {
@@ -35,7 +35,7 @@ std::string ListLibraries() {
   Append(list, "libtiff " + tiffNumber.substr(tiffNumber.rfind(' ') + 1));
   Append(list, fmt::format("Little CMS {}.{}", cmsGetEncodedCMMversion() / 1000,
                            cmsGetEncodedCMMversion() % 1000 / 10));
-  if (const std::string exiv2 = GetExiv2Version(); !exiv2.empty()) Append(list, "Exiv2 " + exiv2);
+  if (const std::string exiv2 = Photo::GetExiv2Version(); !exiv2.empty()) Append(list, "Exiv2 " + exiv2);
   Append(list, "CLI11 " CLI11_VERSION);
   return list + fmt::format(", JSON for Modern C++ {}.{}.{}", NLOHMANN_JSON_VERSION_MAJOR,
                             NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH);
@@ -61,19 +61,19 @@ std::string ListReadFormats() {
 
 std::string ListWrittenFormats() {
   std::string list;
-  for (const auto& [operation, format] : {std::pair{"pngsave", eOutputFormat::kPng},
-                                          {"", eOutputFormat::kTiff},
-                                          {"jpegsave", eOutputFormat::kJpeg},
-                                          {"webpsave", eOutputFormat::kWebp},
-                                          {"heifsave", eOutputFormat::kAvif},
-                                          {"jxlsave", eOutputFormat::kJxl}}) {
-    if (*operation == '\0' || HasOperation(operation)) Append(list, GetTraits(format).fName);
+  for (const auto& [operation, format] : {std::pair{"pngsave", Photo::eOutputFormat::kPng},
+                                          {"", Photo::eOutputFormat::kTiff},
+                                          {"jpegsave", Photo::eOutputFormat::kJpeg},
+                                          {"webpsave", Photo::eOutputFormat::kWebp},
+                                          {"heifsave", Photo::eOutputFormat::kAvif},
+                                          {"jxlsave", Photo::eOutputFormat::kJxl}}) {
+    if (*operation == '\0' || HasOperation(operation)) Append(list, Photo::GetTraits(format).fName);
   }
   return list;
 }
 
 std::string DescribeLicence() {
-  if (!HasExiv2()) return "Apache-2.0; this build does without Exiv2";
+  if (!Photo::HasExiv2()) return "Apache-2.0; this build does without Exiv2";
   return "Apache-2.0 for the sources; this program is linked with Exiv2, which is under the GPL,\n"
          "           version 2 or later: who passes it on does so under the GPL, version 3";
 }
@@ -91,4 +91,4 @@ std::string DescribeVersion() {
          "\nLicence:   " + DescribeLicence();
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 /// "1.0.0".
 std::string GetVersion();
@@ -11,4 +11,4 @@ std::string GetVersion();
 /// the licence. Starts libvips: not for a process that begins workers.
 std::string DescribeVersion();
 
-}  // namespace Cli
+}  // namespace Tool

@@ -22,8 +22,8 @@
 
 namespace {
 
-int Report(const std::string& pText, Cli::eExitCode pExitCode) {
-  Cli::PrintMessage("quorvane: " + pText);
+int Report(const std::string& pText, Tool::eExitCode pExitCode) {
+  Tool::PrintMessage("quorvane: " + pText);
   return pExitCode;
 }
 
@@ -31,19 +31,19 @@ int Report(const std::string& pText, Cli::eExitCode pExitCode) {
 int PrintAnswer(const CLI::App& pProgram, const CLI::ParseError& pAnswer) {
   std::ostringstream text;
   const int exitCode = pProgram.exit(pAnswer, text, text);
-  Cli::Print(text.str());
+  Tool::Print(text.str());
   return exitCode;
 }
 
 std::string ListPresetsForShells() {
-  return Cli::ListPresetsForShells(Cli::FindPresets(Cli::GetPresetFolders()));
+  return Tool::ListPresetsForShells(Photo::FindPresets(Tool::GetPresetFolders()));
 }
 
 int RunProgram(int pCount, char** pArguments) {
   CLI::App program("Tone mapping for high-dynamic-range photographs, and colour curves over hue.",
                    "quorvane");
   program.require_subcommand(1);
-  program.set_version_flag("--version", Cli::DescribeVersion,
+  program.set_version_flag("--version", Tool::DescribeVersion,
                            "Print the versions of program and libraries, the formats and the licence");
   program.footer(
       "Exit codes:\n"
@@ -55,11 +55,11 @@ int RunProgram(int pCount, char** pArguments) {
       "  quorvane inspect photo.hdr\n"
       "  quorvane compare before.png after.png -o side.png\n"
       "  quorvane tonemap --help");
-  Cli::AddHelpOptions(program, {Cli::Print, Cli::GetVersion(), ListPresetsForShells});
-  Cli::AddTonemapCommand(program);
-  Cli::AddEqualizeCommand(program);
-  Cli::AddInspectCommand(program);
-  Cli::AddCompareCommand(program);
+  Tool::AddHelpOptions(program, {Tool::Print, Tool::GetVersion(), ListPresetsForShells});
+  Tool::AddTonemapCommand(program);
+  Tool::AddEqualizeCommand(program);
+  Tool::AddInspectCommand(program);
+  Tool::AddCompareCommand(program);
   try {
     program.parse(pCount, pArguments);
   } catch (const CLI::RuntimeError& end) {
@@ -68,25 +68,25 @@ int RunProgram(int pCount, char** pArguments) {
     if (error.get_exit_code() == 0) return PrintAnswer(program, error);
     const std::vector<CLI::App*> verbs = program.get_subcommands();
     const std::string verb = verbs.empty() ? "" : verbs.front()->get_name() + " ";
-    Report(Cli::DescribeUsageError(program, error), Cli::eExitCode_Usage);
-    Cli::PrintMessage("Run 'quorvane " + verb + "--help' for what it takes.");
-    return Cli::eExitCode_Usage;
+    Report(Tool::DescribeUsageError(program, error), Tool::eExitCode_Usage);
+    Tool::PrintMessage("Run 'quorvane " + verb + "--help' for what it takes.");
+    return Tool::eExitCode_Usage;
   }
-  return Cli::eExitCode_Done;
+  return Tool::eExitCode_Done;
 }
 
 }  // namespace
 
 int main(int pCount, char** pArguments) {
-  Cli::OpenMissingStreams();
-  Cli::CatchInterrupts();
+  Tool::OpenMissingStreams();
+  Tool::CatchInterrupts();
   try {
     return RunProgram(pCount, pArguments);
-  } catch (const Cli::sOutputClosed&) {
-    return Cli::eExitCode_CannotWrite;  // who closed it knows
-  } catch (const Cli::cFailure& failure) {
-    return Report(Cli::DescribeFailure(failure), Cli::GetExitCode(failure.GetKind()));
+  } catch (const Tool::sOutputClosed&) {
+    return Tool::eExitCode_CannotWrite;  // who closed it knows
+  } catch (const Photo::cFailure& failure) {
+    return Report(Tool::DescribeFailure(failure), Tool::GetExitCode(failure.GetKind()));
   } catch (const std::exception& exception) {
-    return Report(exception.what(), Cli::eExitCode_Processing);
+    return Report(exception.what(), Tool::eExitCode_Processing);
   }
 }

@@ -18,13 +18,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   const std::string content(reinterpret_cast<const char*>(pBytes), pSize);
   const cMemoryFile file(content);
   constexpr std::size_t kMost = 1 << 28;  // Brotli makes much of little
-  const Cli::sJxlMetadata found = Cli::ReadJxlMetadata(file.Name());
+  const Photo::sJxlMetadata found = Photo::ReadJxlMetadata(file.Name());
   Require(found.fExif.size() + found.fXmp.size() <= kMost, "what is found has a bound");
 
-  const Cli::sJxlMetadata given{{"II*\0", 4}, "<x:xmpmeta/>", false};
-  Cli::WriteJxlMetadata(file.Name(), given);
-  const Cli::sJxlMetadata again = Cli::ReadJxlMetadata(file.Name());
+  const Photo::sJxlMetadata given{{"II*\0", 4}, "<x:xmpmeta/>", false};
+  Photo::WriteJxlMetadata(file.Name(), given);
+  const Photo::sJxlMetadata again = Photo::ReadJxlMetadata(file.Name());
   Require(again.fExif == given.fExif && again.fXmp == given.fXmp, "what was put in is found");
-  if (IsBare(content)) Require(Cli::ReadBytes(file.Name()).ends_with(content), "the codestream stays");
+  if (IsBare(content)) Require(Photo::ReadBytes(file.Name()).ends_with(content), "the codestream stays");
   return 0;
 }

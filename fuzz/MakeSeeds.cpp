@@ -70,7 +70,7 @@ void MakePfm(const std::string& pFolder) {
 
 /// A small ICC profile with a table of two steps per axis; for one colour (grey) a tone curve.
 std::string MakeProfile(int pColours) {
-  const Cli::tIccHandle profile(cmsCreateProfilePlaceholder(nullptr));
+  const Photo::tIccHandle profile(cmsCreateProfilePlaceholder(nullptr));
   cmsSetProfileVersion(profile.get(), 4.3);
   cmsSetDeviceClass(profile.get(), cmsSigOutputClass);
   cmsSetColorSpace(profile.get(), pColours == 1   ? cmsSigGrayData
@@ -133,15 +133,15 @@ std::vector<VImage> Kinds() {
 
 /// The file with other bytes behind its first pAt.
 void Insert(const std::string& pFrom, const std::string& pTo, std::size_t pAt, const std::string& pBytes) {
-  std::ofstream(pTo, std::ios::binary) << Cli::ReadBytes(pFrom).insert(pAt, pBytes);
+  std::ofstream(pTo, std::ios::binary) << Photo::ReadBytes(pFrom).insert(pAt, pBytes);
 }
 
 std::string MakeChunk(const std::string& pName, const std::string& pContent) {
   const std::string body = pName + pContent;
   std::string chunk;
-  Cli::AppendBigEndian(chunk, pContent.size(), 4);
+  Photo::AppendBigEndian(chunk, pContent.size(), 4);
   chunk += body;
-  Cli::AppendBigEndian(
+  Photo::AppendBigEndian(
       chunk, crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())), 4);
   return chunk;
 }
@@ -155,7 +155,7 @@ void MakePng(const std::string& pFolder) {
   Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
   std::string primaries;
   for (const unsigned part : {31270u, 32900u, 68000u, 32000u, 26500u, 69000u, 15000u, 6000u}) {
-    Cli::AppendBigEndian(primaries, part, 4);
+    Photo::AppendBigEndian(primaries, part, 4);
   }
   Insert(plain, pFolder + "numbers.png", 33,
          MakeChunk("gAMA", std::string("\0\1\x86\xa0", 4)) + MakeChunk("cHRM", primaries));
@@ -231,7 +231,7 @@ void MakeJxlPictures(const std::string& pFolder) {
   rgb.jxlsave((pFolder + "lossless.jxl").c_str(), VImage::option()->set("lossless", true));
   ToVips16(MakeScene(9, 7)).jxlsave((pFolder + "16.jxl").c_str(), VImage::option()->set("lossless", true));
   Insert(pFolder + "lossless.jxl", pFolder + "boxes.jxl", 0, "");
-  Cli::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
+  Photo::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
 }
 
 void MakeTiff(const std::string& pFolder) {
@@ -261,7 +261,7 @@ void MakeJxl(const std::string& pFolder) {
   const std::string codestream("\xff\x0a what is no picture");
   std::ofstream(pFolder + "bare.jxl", std::ios::binary) << codestream;
   std::ofstream(pFolder + "boxes.jxl", std::ios::binary) << codestream;
-  Cli::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
+  Photo::WriteJxlMetadata(pFolder + "boxes.jxl", {std::string("MM\0*", 4), "<x:xmpmeta/>", false});
 }
 
 void MakeSettings(const std::string& pFolder) {

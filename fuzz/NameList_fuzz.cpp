@@ -24,14 +24,14 @@ std::string Without(std::string pText, const std::string& pCharacters) {
 
 void CheckNulSeparated(const std::string& pText) {
   const std::string nul(1, '\0');
-  const tNames names = Cli::ParseNames("list", pText, true);
+  const tNames names = Tool::ParseNames("list", pText, true);
   for (const std::string& name : names) Require(!name.empty() && name.find('\0') == name.npos, "whole names");
   Require(Join(names, "") == Without(pText, nul), "no byte is lost");
-  Require(Cli::ParseNames("list", Join(names, nul), true) == names, "names are read again");
+  Require(Tool::ParseNames("list", Join(names, nul), true) == names, "names are read again");
 }
 
 void CheckLines(const std::string& pText) {
-  const tNames names = Cli::ParseNames("list", pText, false);
+  const tNames names = Tool::ParseNames("list", pText, false);
   Require(pText.find('\0') == pText.npos, "a NUL byte is refused");
   for (const std::string& name : names) {
     Require(!name.empty() && name.find('\n') == name.npos && name.find('\0') == name.npos, "whole names");
@@ -41,7 +41,7 @@ void CheckLines(const std::string& pText) {
   for (const std::string& mark : {"", "\xef\xbb\xbf"}) {
     const std::string lines = mark + Join(names, "\r\n");
     const bool hasMark = mark.empty() && lines.starts_with("\xef\xbb\xbf");
-    Require(hasMark || Cli::ParseNames("list", lines, false) == names, "names are read again");
+    Require(hasMark || Tool::ParseNames("list", lines, false) == names, "names are read again");
   }
 }
 
@@ -52,8 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
   const std::string text(reinterpret_cast<const char*>(pData) + 1, pSize - 1);
   try {
     (pData[0] % 2 == 0 ? CheckLines : CheckNulSeparated)(text);
-  } catch (const Cli::cFailure& failure) {
-    Require(failure.GetKind() == Cli::eFailure::kUsage, "what is refused is wrong usage");
+  } catch (const Photo::cFailure& failure) {
+    Require(failure.GetKind() == Photo::eFailure::kUsage, "what is refused is wrong usage");
     Require(pData[0] % 2 == 0 && text.find('\0') != text.npos, "only a NUL byte is refused");
   }
   return 0;

@@ -61,9 +61,9 @@ const char* EndingOf(eFormat pFormat, int pDepth) {
   return pFormat == kJpeg && pDepth == 8 ? ".jpg" : ".png";
 }
 
-void CheckIsFinite(const Cli::sPicture& pPicture) {
+void CheckIsFinite(const Photo::sPicture& pPicture) {
   for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
-    const float* const row = Cli::GetRow(pPicture, y);
+    const float* const row = Photo::GetRow(pPicture, y);
     Require(
         std::all_of(row, row + 3 * pPicture.fBitmap->GetWidth(), [](float pV) { return std::isfinite(pV); }),
         "every sample is finite");
@@ -72,13 +72,13 @@ void CheckIsFinite(const Cli::sPicture& pPicture) {
 
 /// Writes it as 'equalize' does, if possible in the format that it was read from: nothing in its metadata may
 /// prevent that.
-void WriteBack(Cli::sLdrPicture& pPicture) {
+void WriteBack(Photo::sLdrPicture& pPicture) {
   const int depth = pPicture.fBitmap->GetBitDepth();
   const std::string target = "/tmp/quorvane-fuzz-" + std::to_string(getpid()) + EndingOf(FUZZ_FORMAT, depth);
-  Cli::cTempFile file(target);
-  Cli::sFinishedPicture finished{Cli::cResultPixels(*pPicture.fBitmap), pPicture.fAlpha, pPicture.fProfile,
-                                 pPicture.fMetadata, ""};
-  Cli::WritePicture(finished, Cli::ChooseOutputFormat(target, depth), {}, file);
+  Photo::cTempFile file(target);
+  Photo::sFinishedPicture finished{Photo::cResultPixels(*pPicture.fBitmap), pPicture.fAlpha,
+                                   pPicture.fProfile, pPicture.fMetadata, ""};
+  Photo::WritePicture(finished, Photo::ChooseOutputFormat(target, depth), {}, file);
   std::filesystem::remove(target);
 }
 
@@ -86,29 +86,29 @@ template <class tRead>
 void Try(const tRead& pRead) {
   try {
     pRead();
-  } catch (const Cli::cFailure& failure) {
-    Require(failure.GetKind() == Cli::eFailure::kCannotRead, "a reader's failures say so");
+  } catch (const Photo::cFailure& failure) {
+    Require(failure.GetKind() == Photo::eFailure::kCannotRead, "a reader's failures say so");
   }
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pSize) {
-  static const Cli::cVipsSession library;
+  static const Tool::cVipsSession library;
   const std::string_view content(reinterpret_cast<const char*>(pBytes), pSize);
   if (!IsOfFormat(FUZZ_FORMAT, content)) return 0;
   const cMemoryFile file(content);
   const int page = IsOfIntegers(FUZZ_FORMAT) ? pBytes[pSize - 1] & 3 : 0;
-  const Cli::sPictureChoice choice{.fPage = page, .fTakesSingle = true};
+  const Photo::sPictureChoice choice{.fPage = page, .fTakesSingle = true};
   Try([&] {
-    Cli::sPicture picture = Cli::ReadPicture(file.Name(), choice);
+    Photo::sPicture picture = Photo::ReadPicture(file.Name(), choice);
     CheckIsFinite(picture);
-    Cli::SettleAlpha(picture);
+    Photo::SettleAlpha(picture);
     CheckIsFinite(picture);
   });
   if (!IsOfIntegers(FUZZ_FORMAT)) return 0;
   Try([&] {
-    Cli::sLdrPicture picture = Cli::ReadLdrPicture(file.Name(), "equalize", choice);
+    Photo::sLdrPicture picture = Photo::ReadLdrPicture(file.Name(), "equalize", choice);
     WriteBack(picture);
   });
   return 0;

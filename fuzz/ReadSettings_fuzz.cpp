@@ -15,31 +15,31 @@ void Expect(bool pHolds) {
   if (!pHolds) std::abort();
 }
 
-void CheckRanges(const Cli::sSettingsChange& pChange) {
+void CheckRanges(const Photo::sSettingsChange& pChange) {
   for (std::size_t i = 0; i < pChange.fSliders.size(); ++i) {
-    const Cli::sSlider& slider = Cli::GetSliders()[i];
+    const Photo::sSlider& slider = Photo::GetSliders()[i];
     const float value = pChange.fSliders[i].value_or(slider.fLowest);
     Expect(value >= slider.fLowest && value <= slider.fHighest);
   }
 }
 
 void ReadPreset(const std::string& pText) {
-  const Cli::sPreset preset = Cli::ParsePreset(pText);
+  const Photo::sPreset preset = Photo::ParsePreset(pText);
   CheckRanges(preset.fChange);
-  const Cli::sPreset again = Cli::ParsePreset(Cli::ToJson(preset));
+  const Photo::sPreset again = Photo::ParsePreset(Photo::ToJson(preset));
   Expect(again.fChange == preset.fChange && again.fName == preset.fName);
   Expect(again.fDescription == preset.fDescription);
 }
 
 void ReadResult(const std::string& pText) {
   const auto isGiven = [](const std::string&) { return false; };
-  Cli::sSettings settings;
-  Cli::sOutputOptions result;
-  Cli::ParseResultSettings(pText, isGiven, settings, result);
-  CheckRanges(Cli::ChangeTo(settings));
-  Cli::sSettings again;
-  Cli::sOutputOptions resultAgain;
-  Cli::ParseResultSettings(Cli::ToJson(settings, result), isGiven, again, resultAgain);
+  Photo::sSettings settings;
+  Photo::sOutputOptions result;
+  Photo::ParseResultSettings(pText, isGiven, settings, result);
+  CheckRanges(Photo::ChangeTo(settings));
+  Photo::sSettings again;
+  Photo::sOutputOptions resultAgain;
+  Photo::ParseResultSettings(Photo::ToJson(settings, result), isGiven, again, resultAgain);
   Expect(again == settings && resultAgain.fDepth == result.fDepth);
   Expect(resultAgain.fColorSpace == result.fColorSpace && resultAgain.fPreview == result.fPreview);
 }
@@ -51,8 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSi
   for (const auto read : {ReadPreset, ReadResult}) {
     try {
       read(text);
-    } catch (const Cli::cFailure& failure) {
-      Expect(failure.GetKind() == Cli::eFailure::kUsage);
+    } catch (const Photo::cFailure& failure) {
+      Expect(failure.GetKind() == Photo::eFailure::kUsage);
     }
   }
   return 0;

@@ -14,7 +14,7 @@
 #include "photo/picture/ResultPixels.h"
 #include "photo/render/PictureRendering.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr char kVerb[] = "equalize";
@@ -77,4 +77,4 @@ void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnin
   });
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 #include "photo/picture/PictureChoice.h"
 #include "photo/render/CurvePoints.h"
 
-namespace Cli {
+namespace Photo {
 
 /// One finished picture to change by curves over hue, from file to file, or into a stream.
 struct sEqualizeJob {
@@ -30,4 +30,4 @@ struct sEqualizeJob {
 /// cFailure.
 void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -11,7 +11,7 @@
 #include "photo/render/AutoSettings.h"
 #include "photo/render/ChooseWrap.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 const char* NameWrapReason(const sInspection& pInspection) {
@@ -102,4 +102,4 @@ nlohmann::ordered_json ToJson(const sInspection& pInspection) {
           {"warnings", ToPrintable(picture.fWarnings)}};
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 #include "photo/picture/PictureStatistics.h"
 #include "photo/render/Settings.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What is known of a picture before it is rendered.
 struct sInspection {
@@ -28,4 +28,4 @@ sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoi
 /// For programs: numbers without words; the logarithms are decimal.
 nlohmann::ordered_json ToJson(const sInspection& pInspection);
 
-}  // namespace Cli
+}  // namespace Photo

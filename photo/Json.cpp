@@ -7,7 +7,7 @@
 
 #include "photo/Printable.h"
 
-namespace Cli {
+namespace Photo {
 
 using tJson = nlohmann::ordered_json;
 
@@ -31,4 +31,4 @@ void PutName(tJson& pObject, const std::string& pKey, const std::string& pName) 
   g_free(text);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// Far deeper than what this program writes or reads. Each level of a value takes stack wherever the value is
 /// shown, copied or compared.
@@ -18,4 +18,4 @@ nlohmann::ordered_json FromLine(const std::string& pLine);
 /// Sets pKey to a file's name. A name that is not UTF-8 is also given byte for byte, as pKey_base64.
 void PutName(nlohmann::ordered_json& pObject, const std::string& pKey, const std::string& pName);
 
-}  // namespace Cli
+}  // namespace Photo

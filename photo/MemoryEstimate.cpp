@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace Cli {
+namespace Photo {
 
 std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth) {
   const bool isDeep = pDepth > 8;
@@ -22,4 +22,4 @@ std::int64_t EstimateMemory(std::int64_t pPixels, std::int64_t pBytes) {
   return pPixels > (kUnlimited - kProcess) / pBytes ? kUnlimited : kProcess + pPixels * pBytes;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 
 #include "photo/encode/OutputFormat.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The most that a process holds while it reads, renders and writes a picture, in bytes; measured. Encoders
 /// of some formats need more than the engine does.
@@ -13,4 +13,4 @@ std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDe
 /// For work that takes pBytes per pixel. What no number holds becomes the largest one.
 std::int64_t EstimateMemory(std::int64_t pPixels, std::int64_t pBytes);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -12,7 +12,7 @@
 #include "photo/base/ShortText.h"
 #include "photo/render/ColorSpaceName.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The number that people typed: 0.1, not 0.10000000149.
@@ -108,4 +108,4 @@ tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const s
   return record;
 }
 
-}  // namespace Cli
+}  // namespace Photo

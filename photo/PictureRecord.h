@@ -8,7 +8,7 @@
 #include "photo/TonemapPicture.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What is reported of a picture, as an object for other programs:
 ///   input, output (and input_base64, output_base64 of names that are not UTF-8),
@@ -27,4 +27,4 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
 tPictureRecord MakeSkippedRecord(const sTonemapJob& pJob);
 tPictureRecord MakeFailedRecord(const sTonemapJob& pJob, eFailure pKind, const std::string& pMessage);
 
-}  // namespace Cli
+}  // namespace Photo

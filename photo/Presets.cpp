@@ -11,7 +11,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 namespace fs = std::filesystem;
@@ -138,4 +138,4 @@ void SavePreset(const sPresetFolders& pFolders, const std::string& pNameOrFile,
   throw cFailure(eFailure::kCannotWrite, target.string(), reason);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "photo/SettingsJson.h"
 
-namespace Cli {
+namespace Photo {
 
 // All functions throw cFailure.
 
@@ -34,4 +34,4 @@ std::vector<sPresetEntry> FindPresets(const sPresetFolders& pFolders);
 void SavePreset(const sPresetFolders& pFolders, const std::string& pNameOrFile,
                 const sSettingsChange& pChange);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 struct sCharacter {
@@ -70,4 +70,4 @@ bool IsUtf8(const std::string& pText) {
   return g_utf8_validate(pText.data(), static_cast<gssize>(pText.size()), nullptr) != 0;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 
 // Names of files and texts in them may hold anything, also what a terminal takes for a command.
 
@@ -18,4 +18,4 @@ std::string ToPrintableJson(const std::string& pJson);
 /// Whether all of it is UTF-8.
 bool IsUtf8(const std::string& pText);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -12,7 +12,7 @@
 #include "photo/base/Failure.h"
 #include "photo/render/ColorSpaceName.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 // Numbers as options read them too: a preset and an option of the same text are the same float.
@@ -279,4 +279,4 @@ void ParseResultSettings(const std::string& pText, const std::function<bool(cons
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

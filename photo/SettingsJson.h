@@ -6,7 +6,7 @@
 #include "photo/encode/OutputOptions.h"
 #include "photo/render/Settings.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Named settings, as a preset file holds them:
 /// {"quorvane-preset": 1, "name": "...", "description": "...", "settings": {"strength": 90, "wrap": "auto"}}
@@ -28,4 +28,4 @@ std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult);
 void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
                          sSettings& pSettings, sOutputOptions& pResult);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -16,7 +16,7 @@
 #include "photo/render/AutoSettings.h"
 #include "photo/render/ChooseWrap.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using tClock = std::chrono::steady_clock;
@@ -222,4 +222,4 @@ sPictureReport TonemapPicture(const sTonemapJob& pJob) {
   return NameFile(pJob.fInput, [&] { return Tonemap(pJob); });
 }
 
-}  // namespace Cli
+}  // namespace Photo

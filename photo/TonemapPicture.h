@@ -11,7 +11,7 @@
 #include "photo/render/PictureRendering.h"
 #include "photo/render/Settings.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What is done where the target exists.
 enum class eExisting { kRefuse, kReplace, kSkip };
@@ -61,4 +61,4 @@ bool HasTarget(const sTonemapJob& pJob);
 /// business. Throws cFailure.
 sPictureReport TonemapPicture(const sTonemapJob& pJob);
 
-}  // namespace Cli
+}  // namespace Photo

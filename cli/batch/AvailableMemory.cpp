@@ -5,7 +5,7 @@
 #include <fstream>
 #include <limits>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr std::int64_t kUnlimited = std::numeric_limits<std::int64_t>::max();
@@ -77,4 +77,4 @@ std::int64_t GetAvailableMemory(const std::string& pRoot) {
   return std::max<std::int64_t>(std::min(machine, GetRoomInGroups(pRoot)), 1);
 }
 
-}  // namespace Cli
+}  // namespace Tool

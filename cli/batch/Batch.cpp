@@ -26,10 +26,10 @@
 #include "photo/io/TempFile.h"
 #include "photo/io/VipsLibrary.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
-using tJobs = std::vector<sTonemapJob>;
+using tJobs = std::vector<Photo::sTonemapJob>;
 
 int CountCores() {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -51,7 +51,7 @@ class cReport {
     }
   }
 
-  void Add(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+  void Add(const Photo::sTonemapJob& pJob, const Photo::tPictureRecord& pRecord) {
     Write(pRecord);
     fProgress.Report(pJob, pRecord);
     if (!pRecord.contains("error")) return;
@@ -72,19 +72,19 @@ class cReport {
   bool HasLostOutput() const { return fOutputFault != nullptr; }
 
  private:
-  static tPictureRecord MakeFolderRecord(const sUnreadableFolder& pFolder) {
-    sTonemapJob job;
+  static Photo::tPictureRecord MakeFolderRecord(const sUnreadableFolder& pFolder) {
+    Photo::sTonemapJob job;
     job.fInput = pFolder.fFolder;
-    tPictureRecord record =
-        MakeFailedRecord(job, eFailure::kCannotRead, pFolder.fFolder + ": " + pFolder.fReason);
+    Photo::tPictureRecord record =
+        Photo::MakeFailedRecord(job, Photo::eFailure::kCannotRead, pFolder.fFolder + ": " + pFolder.fReason);
     record.erase("output");
     return record;
   }
 
-  void Write(const tPictureRecord& pRecord) {
+  void Write(const Photo::tPictureRecord& pRecord) {
     if (!fJson || HasLostOutput()) return;
     try {
-      Print(ToLine(pRecord) + "\n");
+      Print(Photo::ToLine(pRecord) + "\n");
     } catch (...) {
       fOutputFault = std::current_exception();
     }
@@ -99,22 +99,23 @@ class cReport {
 };
 
 /// What would keep a picture from being done, as far as it shows before the work; "" for nothing.
-std::string FindObstacle(const sTonemapJob& pJob) {
+std::string FindObstacle(const Photo::sTonemapJob& pJob) {
   try {
     // a stream could not be read again
-    if (!IsStream(pJob.fInput)) NameFile(pJob.fInput, [&] { return DetectFileKind(pJob.fInput); });
-    if (pJob.fExisting == eExisting::kRefuse && HasTarget(pJob))
-      NameFile(pJob.fOutput, [] { RefuseExisting(); });
+    if (!IsStream(pJob.fInput))
+      Photo::NameFile(pJob.fInput, [&] { return Photo::DetectFileKind(pJob.fInput); });
+    if (pJob.fExisting == Photo::eExisting::kRefuse && Photo::HasTarget(pJob))
+      Photo::NameFile(pJob.fOutput, [] { Photo::RefuseExisting(); });
     return "";
-  } catch (const cFailure& failure) {
+  } catch (const Photo::cFailure& failure) {
     return DescribeFailure(failure);
   }
 }
 
 int ShowPlan(const sBatchPlan& pPlan) {
   bool hasObstacles = !pPlan.fUnreadable.empty();
-  for (const sTonemapJob& job : pPlan.fJobs) {
-    const bool isSkipped = job.fExisting == eExisting::kSkip && HasTarget(job);
+  for (const Photo::sTonemapJob& job : pPlan.fJobs) {
+    const bool isSkipped = job.fExisting == Photo::eExisting::kSkip && Photo::HasTarget(job);
     const std::string obstacle = isSkipped ? "" : FindObstacle(job);
     hasObstacles = hasObstacles || !obstacle.empty();
     const std::string note = isSkipped          ? " (skipped: exists)"
@@ -131,8 +132,8 @@ int ShowPlan(const sBatchPlan& pPlan) {
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
 
-std::int64_t EstimateFor(const sTonemapJob& pJob, std::int64_t pPixels) {
-  return EstimateMemory(pPixels, ChooseJobFormat(pJob), pJob.fResult.fDepth);
+std::int64_t EstimateFor(const Photo::sTonemapJob& pJob, std::int64_t pPixels) {
+  return Photo::EstimateMemory(pPixels, Photo::ChooseJobFormat(pJob), pJob.fResult.fDepth);
 }
 
 /// What each worker does when it begins: libvips starts there, never in the parent.
@@ -140,32 +141,33 @@ tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers)
   return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
     static const cVipsSession library;
     if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
-      SetVipsThreads(std::max(1, CountCores() / pWorkers));  // the workers share the cores
+      Photo::SetVipsThreads(std::max(1, CountCores() / pWorkers));  // the workers share the cores
     }
     return [&pJobs, pMemory, pAsk](std::size_t pTask) {
-      sTonemapJob job = pJobs[pTask];
+      Photo::sTonemapJob job = pJobs[pTask];
       job.fMemoryGate = [&](std::int64_t pPixels) {
         const std::int64_t bytes = EstimateFor(pJobs[pTask], pPixels);
         CheckMemoryLimit(bytes, pMemory);
         pAsk(bytes);
       };
-      return ToLine(RunPictureTask(job));
+      return Photo::ToLine(RunPictureTask(job));
     };
   };
 }
 
 /// What a worker that was ended left behind.
-void RemoveLeftovers(const sTonemapJob& pJob) {
-  if (pJob.fOutput != kStandardStream) cTempFile::RemoveLeftovers(pJob.fOutput);
+void RemoveLeftovers(const Photo::sTonemapJob& pJob) {
+  if (pJob.fOutput != kStandardStream) Photo::cTempFile::RemoveLeftovers(pJob.fOutput);
 }
 
 /// A worker that ends because the whole run is interrupted is no failure of its picture.
 void ReportEnd(const tJobs& pJobs, const sTaskEnd& pEnd, bool pIsInterrupted, cReport& pReport) {
-  const sTonemapJob& job = pJobs[pEnd.fTask];
-  if (pEnd.fIsAnswered) return pReport.Add(job, FromLine(pEnd.fText));
+  const Photo::sTonemapJob& job = pJobs[pEnd.fTask];
+  if (pEnd.fIsAnswered) return pReport.Add(job, Photo::FromLine(pEnd.fText));
   RemoveLeftovers(job);
   if (pIsInterrupted) return;
-  pReport.Add(job, MakeFailedRecord(job, eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
+  pReport.Add(job,
+              Photo::MakeFailedRecord(job, Photo::eFailure::kProcessing, job.fInput + ": " + pEnd.fText));
 }
 
 /// Returns whether the run was interrupted.
@@ -228,11 +230,11 @@ int RunBatch(const sBatchOptions& pOptions) {
       report.GetProgress().Interrupt(pOptions.fJob.fExisting);
       return eExitCode_Interrupted;
     }
-  } catch (const cFailure&) {  // no worker can be started any more
+  } catch (const Photo::cFailure&) {  // no worker can be started any more
     report.Finish();
     throw;
   }
   return report.Finish();
 }
 
-}  // namespace Cli
+}  // namespace Tool

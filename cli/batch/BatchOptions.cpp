@@ -7,7 +7,7 @@
 
 #include "cli/batch/MemoryBudget.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// Reads "2/8".
@@ -67,14 +67,14 @@ void AddTargets(CLI::App& pVerb, sBatchOptions& pOptions) {
 }
 
 void AddExisting(CLI::App& pVerb, sBatchOptions& pOptions) {
-  const auto set = [&pOptions](eExisting pExisting) {
+  const auto set = [&pOptions](Photo::eExisting pExisting) {
     return [&pOptions, pExisting](std::int64_t) { pOptions.fJob.fExisting = pExisting; };
   };
-  CLI::Option* const overwrite = pVerb.add_flag_function("--overwrite", set(eExisting::kReplace),
+  CLI::Option* const overwrite = pVerb.add_flag_function("--overwrite", set(Photo::eExisting::kReplace),
                                                          "Replace results that exist (refused otherwise)");
   overwrite->group("Output");
   pVerb
-      .add_flag_function("--skip-existing", set(eExisting::kSkip),
+      .add_flag_function("--skip-existing", set(Photo::eExisting::kSkip),
                          "Leave out pictures whose result exists: continues a batch that was ended")
       ->excludes(overwrite)
       ->group("Output");
@@ -134,4 +134,4 @@ void AddBatchOptions(CLI::App& pVerb, sBatchOptions& pOptions) {
   AddReports(pVerb, pOptions);
 }
 
-}  // namespace Cli
+}  // namespace Tool

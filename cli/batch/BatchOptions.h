@@ -11,7 +11,7 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// One run of the verb: which pictures, where to, and how many at a time. What becomes of a target that
 /// exists is up to sTonemapJob.
@@ -30,10 +30,10 @@ struct sBatchOptions {
   bool fDryRun = false;
   bool fJson = false;
   eProgress fProgress = eProgress::kAuto;
-  sTonemapJob fJob;  ///< What all pictures share; input and output are not set.
+  Photo::sTonemapJob fJob;  ///< What all pictures share; input and output are not set.
 };
 
 /// The record must outlive the parsing.
 void AddBatchOptions(CLI::App& pVerb, sBatchOptions& pOptions);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -12,7 +12,7 @@
 #include "cli/batch/TargetName.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 struct sPlanned {
@@ -23,7 +23,7 @@ struct sPlanned {
 };
 
 [[noreturn]] void RefuseCall(const std::string& pReason) {
-  throw cFailure(eFailure::kUsage, "", pReason);
+  throw Photo::cFailure(Photo::eFailure::kUsage, "", pReason);
 }
 
 void CheckOutput(const sBatchOptions& pOptions) {
@@ -65,7 +65,8 @@ std::vector<sPlanned> PairUp(const sBatchOptions& pOptions, const std::vector<sI
         pOptions.fOutput.empty() ? ChooseTarget(pOptions, input, pairs.size() + 1) : pOptions.fOutput;
     pairs.push_back({&input, target, keys.Get(input.fFile), keys.Get(target)});
     if (pairs.back().fInputKey == pairs.back().fTargetKey && target != kStandardStream) {
-      throw cFailure(eFailure::kUsage, target, "is the input itself; give the result another name");
+      throw Photo::cFailure(Photo::eFailure::kUsage, target,
+                            "is the input itself; give the result another name");
     }
   }
   return pairs;
@@ -108,11 +109,12 @@ void CheckTargets(const std::vector<sPlanned>& pPairs) {
   }
 }
 
-std::vector<sTonemapJob> TakeShard(const sBatchOptions& pOptions, const std::vector<sPlanned>& pPairs) {
-  std::vector<sTonemapJob> jobs;
+std::vector<Photo::sTonemapJob> TakeShard(const sBatchOptions& pOptions,
+                                          const std::vector<sPlanned>& pPairs) {
+  std::vector<Photo::sTonemapJob> jobs;
   const auto step = static_cast<std::size_t>(pOptions.fShards);
   for (auto i = static_cast<std::size_t>(pOptions.fShard - 1); i < pPairs.size(); i += step) {
-    sTonemapJob job = pOptions.fJob;
+    Photo::sTonemapJob job = pOptions.fJob;
     job.fInput = pPairs[i].fInput->fFile;
     job.fOutput = pPairs[i].fTarget;
     if (job.fOutput == kStandardStream) job.fOutputStream = STDOUT_FILENO;
@@ -148,8 +150,8 @@ sBatchPlan PlanBatch(const sBatchOptions& pOptions) {
   plan.fLeftOut.fUnknown += LeaveOutCopies(pairs);
   CheckTargets(pairs);
   plan.fJobs = TakeShard(pOptions, pairs);
-  for (const sTonemapJob& job : plan.fJobs) ChooseJobFormat(job);
+  for (const Photo::sTonemapJob& job : plan.fJobs) Photo::ChooseJobFormat(job);
   return plan;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -5,7 +5,7 @@
 
 #include "cli/batch/BatchOptions.h"
 
-namespace Cli {
+namespace Tool {
 
 /// Refuses a call that does not say what to do, or says things that exclude each other. Throws cFailure.
 void CheckBatch(const sBatchOptions& pOptions);
@@ -14,7 +14,7 @@ void CheckBatch(const sBatchOptions& pOptions);
 std::string NameAnyTarget(const sBatchOptions& pOptions);
 
 struct sBatchPlan {
-  std::vector<sTonemapJob> fJobs;  ///< In the order of the sorted list.
+  std::vector<Photo::sTonemapJob> fJobs;  ///< In the order of the sorted list.
   sLeftOut fLeftOut;
   std::vector<sUnreadableFolder> fUnreadable;
 };
@@ -23,4 +23,4 @@ struct sBatchPlan {
 /// target, results that would replace inputs - is refused here, before any work. Throws cFailure.
 sBatchPlan PlanBatch(const sBatchOptions& pOptions);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -2,7 +2,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 
 /// What the program returns to its caller.
 enum eExitCode : int {
@@ -15,20 +15,20 @@ enum eExitCode : int {
   eExitCode_Interrupted = 130,
 };
 
-constexpr eExitCode GetExitCode(eFailure pFailure) {
+constexpr eExitCode GetExitCode(Photo::eFailure pFailure) {
   switch (pFailure) {
-    case eFailure::kSomePictures:
+    case Photo::eFailure::kSomePictures:
       return eExitCode_PictureFailed;
-    case eFailure::kUsage:
+    case Photo::eFailure::kUsage:
       return eExitCode_Usage;
-    case eFailure::kCannotRead:
+    case Photo::eFailure::kCannotRead:
       return eExitCode_CannotRead;
-    case eFailure::kCannotWrite:
+    case Photo::eFailure::kCannotWrite:
       return eExitCode_CannotWrite;
-    case eFailure::kProcessing:
+    case Photo::eFailure::kProcessing:
       break;
   }
   return eExitCode_Processing;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-namespace Cli {
+namespace Tool {
 
 std::string cFileKeys::Get(const std::string& pFile) {
   std::error_code error;
@@ -17,4 +17,4 @@ std::string cFileKeys::Get(const std::string& pFile) {
   return place + "/" + file.filename().string();
 }
 
-}  // namespace Cli
+}  // namespace Tool

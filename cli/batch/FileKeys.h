@@ -3,7 +3,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace Cli {
+namespace Tool {
 
 /// Detects whether two names are those of one file, which need not exist: their keys are equal. What a last
 /// part that is a link leads to is not looked at.
@@ -15,4 +15,4 @@ class cFileKeys {
   std::unordered_map<std::string, std::string> fFolders;  ///< Where each folder's name leads.
 };
 
-}  // namespace Cli
+}  // namespace Tool

@@ -16,7 +16,7 @@
 #include "photo/decode/PictureStart.h"
 #include "photo/encode/OutputFormat.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 namespace fs = std::filesystem;
@@ -32,7 +32,8 @@ constexpr std::string_view kRawExtensions[] = {".3fr", ".arw", ".cr2", ".dcr", "
                                                ".pef", ".raw", ".rw2", ".rwl", ".sr2", ".srf", ".srw"};
 
 bool HasExtensionOf(std::span<const std::string_view> pExtensions, const fs::path& pFile) {
-  return std::find(pExtensions.begin(), pExtensions.end(), GetExtension(pFile.string())) != pExtensions.end();
+  return std::find(pExtensions.begin(), pExtensions.end(), Photo::GetExtension(pFile.string())) !=
+         pExtensions.end();
 }
 
 bool IsHidden(const fs::path& pFile) {
@@ -57,7 +58,8 @@ class cFolderWalk {
         Take(*entry);
       }
       if (!error) continue;
-      if (folder == fRoot) throw cFailure(eFailure::kCannotRead, folder.string(), error.message());
+      if (folder == fRoot)
+        throw Photo::cFailure(Photo::eFailure::kCannotRead, folder.string(), error.message());
       fList.fUnreadable.push_back({folder.string(), error.message()});
     }
   }
@@ -81,7 +83,7 @@ class cFolderWalk {
 
   void TakeFile(const fs::path& pFile) {
     const bool isKnown = HasExtensionOf(kExtensions, pFile);
-    if (!isKnown && (HasExtensionOf(kRawExtensions, pFile) || !HoldsPicture(pFile.string()))) {
+    if (!isKnown && (HasExtensionOf(kRawExtensions, pFile) || !Photo::HoldsPicture(pFile.string()))) {
       ++fList.fLeftOut.fUnknown;
       return;
     }
@@ -101,7 +103,8 @@ class cFolderWalk {
 };
 
 void TakeFolder(const std::string& pFolder, bool pRecursive, const std::string& pResults, sInputList& pList) {
-  if (!pRecursive) throw cFailure(eFailure::kUsage, pFolder, "is a folder; -r takes the pictures below it");
+  if (!pRecursive)
+    throw Photo::cFailure(Photo::eFailure::kUsage, pFolder, "is a folder; -r takes the pictures below it");
   fs::path folder = fs::path(pFolder).lexically_normal();
   if (!folder.has_filename()) folder = folder.parent_path();  // a slash at the end
   cFolderWalk(folder, pResults, pList).Walk();
@@ -124,8 +127,8 @@ sInputList ListInputs(const sInputNames& pNames, const std::string& pResults) {
     std::ranges::move(ReadNames(pNames.fFilesFrom, pNames.fNulSeparated), std::back_inserter(names));
   }
   if (names.size() > 1 && std::find(names.begin(), names.end(), kStandardStream) != names.end()) {
-    throw cFailure(eFailure::kUsage, "",
-                   "standard input (-) is one picture, and no others can be given with it");
+    throw Photo::cFailure(Photo::eFailure::kUsage, "",
+                          "standard input (-) is one picture, and no others can be given with it");
   }
   sInputList list;
   std::error_code error;
@@ -140,4 +143,4 @@ sInputList ListInputs(const sInputNames& pNames, const std::string& pResults) {
   return list;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -5,7 +5,7 @@
 
 #include "cli/terminal/PassedOver.h"
 
-namespace Cli {
+namespace Tool {
 
 /// What the user names as inputs.
 struct sInputNames {
@@ -33,4 +33,4 @@ struct sInputList {
 /// is, whether it exists or not. Throws cFailure.
 sInputList ListInputs(const sInputNames& pNames, const std::string& pResults);
 
-}  // namespace Cli
+}  // namespace Tool

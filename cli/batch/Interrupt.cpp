@@ -11,7 +11,7 @@
 #include "photo/base/Failure.h"
 #include "photo/io/UnfinishedFile.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -30,7 +30,7 @@ extern "C" void OnInterrupt(int /*pSignal*/) {
     errno = error;
     return;
   }
-  const char* const unfinished = TakeUnfinishedFile();
+  const char* const unfinished = Photo::TakeUnfinishedFile();
   if (*unfinished != '\0') unlink(unfinished);
   if (!gIsWorker) {
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kLastWords, sizeof kLastWords - 1);
@@ -77,7 +77,8 @@ cInterruptHold::~cInterruptHold() {
 
 cInterruptWatch::cInterruptWatch() {
   if (pipe2(fPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-    throw cFailure(eFailure::kProcessing, "", std::string("no pipe is available: ") + std::strerror(errno));
+    throw Photo::cFailure(Photo::eFailure::kProcessing, "",
+                          std::string("no pipe is available: ") + std::strerror(errno));
   }
   const cInterruptHold hold;
   gWatchHandle = fPipe[1];
@@ -95,4 +96,4 @@ bool cInterruptWatch::HasCome() const {
   return poll(&handle, 1, 0) > 0;
 }
 
-}  // namespace Cli
+}  // namespace Tool

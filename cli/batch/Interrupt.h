@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-namespace Cli {
+namespace Tool {
 
 /// From now on SIGINT, SIGTERM and SIGHUP end the program at once, with exit code 130: the unfinished file is
 /// removed and a line says how to go on. A signal that was ignored stays so. A write to a closed pipe or
@@ -41,4 +41,4 @@ class cInterruptWatch {
   int fPipe[2];
 };
 
-}  // namespace Cli
+}  // namespace Tool

@@ -12,7 +12,7 @@
 #include "photo/MemoryEstimate.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 void cMemoryBudget::Ask(int pWorker, std::int64_t pBytes) {
   fWaiting.emplace_back(pWorker, pBytes);
 }
@@ -77,13 +77,13 @@ std::string MemoryToText(std::int64_t pBytes) {
 
 void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit) {
   if (pBytes <= pLimit) return;
-  throw cFailure(eFailure::kProcessing, "needs about " + MemoryToText(pBytes) +
-                                            " of memory, and the limit is " + MemoryToText(pLimit) +
-                                            "; a larger --memory-limit lets it through");
+  throw Photo::cFailure(Photo::eFailure::kProcessing,
+                        "needs about " + MemoryToText(pBytes) + " of memory, and the limit is " +
+                            MemoryToText(pLimit) + "; a larger --memory-limit lets it through");
 }
 
-tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
-  return [=](std::int64_t pPixels) { CheckMemoryLimit(EstimateMemory(pPixels, pBytes), pLimit); };
+Photo::tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit) {
+  return [=](std::int64_t pPixels) { CheckMemoryLimit(Photo::EstimateMemory(pPixels, pBytes), pLimit); };
 }
 
-}  // namespace Cli
+}  // namespace Tool

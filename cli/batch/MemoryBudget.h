@@ -13,7 +13,7 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// Shares out memory to workers, in the order in which they ask.
 class cMemoryBudget {
@@ -47,6 +47,6 @@ void CheckMemoryLimit(std::int64_t pBytes, std::int64_t pLimit);
 
 /// A gate for a picture that waits for no others: with pBytes per pixel it has to fit into pLimit (see
 /// ChooseMemoryLimit).
-tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit);
+Photo::tMemoryGate MakeMemoryGate(std::int64_t pBytes, std::int64_t pLimit);
 
-}  // namespace Cli
+}  // namespace Tool

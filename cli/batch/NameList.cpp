@@ -10,7 +10,7 @@
 #include "cli/batch/StandardStreams.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
@@ -18,8 +18,9 @@ constexpr std::size_t kLargest = std::size_t{1} << 30;
 
 void RefuseNul(const std::string& pFile, std::string_view pText) {
   if (pText.find('\0') == std::string_view::npos) return;
-  throw cFailure(eFailure::kUsage, pFile,
-                 "holds NUL bytes, and names in it end with their lines; -0 takes names that end with NUL");
+  throw Photo::cFailure(
+      Photo::eFailure::kUsage, pFile,
+      "holds NUL bytes, and names in it end with their lines; -0 takes names that end with NUL");
 }
 
 /// All that pHandle gives. A list that cannot be used is given up at once: it need not have an end.
@@ -29,13 +30,13 @@ std::string ReadAll(const std::string& pFile, int pHandle, bool pNulSeparated) {
   for (;;) {
     const ssize_t size = read(pHandle, block.data(), block.size());
     if (size < 0 && errno == EINTR) continue;
-    if (size < 0) throw cFailure(eFailure::kCannotRead, pFile, std::strerror(errno));
+    if (size < 0) throw Photo::cFailure(Photo::eFailure::kCannotRead, pFile, std::strerror(errno));
     if (size == 0) return text;
     const std::string_view bytes(block.data(), static_cast<std::size_t>(size));
     if (!pNulSeparated) RefuseNul(pFile, bytes);
     text += bytes;
     if (text.size() > kLargest)
-      throw cFailure(eFailure::kCannotRead, pFile, "is too long for a list of names");
+      throw Photo::cFailure(Photo::eFailure::kCannotRead, pFile, "is too long for a list of names");
   }
 }
 
@@ -60,7 +61,7 @@ std::vector<std::string> ReadNames(const std::string& pFile, bool pNulSeparated)
   const bool isStandardInput = pFile == kStandardStream;
   const std::string shown = isStandardInput ? "standard input" : pFile;
   const int handle = isStandardInput ? STDIN_FILENO : open(pFile.c_str(), O_RDONLY | O_CLOEXEC);
-  if (handle < 0) throw cFailure(eFailure::kCannotRead, pFile, std::strerror(errno));
+  if (handle < 0) throw Photo::cFailure(Photo::eFailure::kCannotRead, pFile, std::strerror(errno));
   struct sCloser {
     int fHandle;
     ~sCloser() {
@@ -70,4 +71,4 @@ std::vector<std::string> ReadNames(const std::string& pFile, bool pNulSeparated)
   return ParseNames(shown, ReadAll(shown, handle, pNulSeparated), pNulSeparated);
 }
 
-}  // namespace Cli
+}  // namespace Tool

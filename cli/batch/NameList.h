@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Tool {
 
 /// The names in a list of files: one a line, or, with pNulSeparated, each with a NUL byte after it. Empty
 /// ones are passed over. Lines may end in CR and LF, and the list may begin with a byte order mark; with NUL
@@ -15,4 +15,4 @@ std::vector<std::string> ParseNames(const std::string& pFile, const std::string&
 /// a list is never used.
 std::vector<std::string> ReadNames(const std::string& pFile, bool pNulSeparated);
 
-}  // namespace Cli
+}  // namespace Tool

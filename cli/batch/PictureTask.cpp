@@ -9,7 +9,7 @@
 #include "photo/base/ShortText.h"
 #include "photo/io/TempFile.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// From now on the peak is that of what follows, where the system lets us.
@@ -27,31 +27,32 @@ std::int64_t GetPeakMemory() {
 }
 
 /// Streams are opened as late as here: only one that is asked for a picture may be waited for.
-sPictureReport Tonemap(const sTonemapJob& pJob) {
+Photo::sPictureReport Tonemap(const Photo::sTonemapJob& pJob) {
   const cInputFile input(pJob.fInput);
-  sTonemapJob job = pJob;
+  Photo::sTonemapJob job = pJob;
   job.fInput = input.GetPath();
   if (pJob.fOutput == kStandardStream) job.fOutput = "standard output";
-  return input.Read([&] { return TonemapPicture(job); });
+  return input.Read([&] { return Photo::TonemapPicture(job); });
 }
 
 }  // namespace
 
-tPictureRecord RunPictureTask(const sTonemapJob& pJob) {
+Photo::tPictureRecord RunPictureTask(const Photo::sTonemapJob& pJob) {
   try {
-    if (pJob.fExisting == eExisting::kSkip && HasTarget(pJob)) {
-      cTempFile::RemoveLeftovers(pJob.fOutput);
-      return MakeSkippedRecord(pJob);
+    if (pJob.fExisting == Photo::eExisting::kSkip && Photo::HasTarget(pJob)) {
+      Photo::cTempFile::RemoveLeftovers(pJob.fOutput);
+      return Photo::MakeSkippedRecord(pJob);
     }
     ResetPeakMemory();
-    sPictureReport report = Tonemap(pJob);
+    Photo::sPictureReport report = Tonemap(pJob);
     report.fWarnings = NameOptions(report.fWarnings);
-    return MakeDoneRecord(pJob, report, GetPeakMemory());
-  } catch (const cFailure& failure) {
-    return MakeFailedRecord(pJob, failure.GetKind(), DescribeFailure(failure));
+    return Photo::MakeDoneRecord(pJob, report, GetPeakMemory());
+  } catch (const Photo::cFailure& failure) {
+    return Photo::MakeFailedRecord(pJob, failure.GetKind(), DescribeFailure(failure));
   } catch (const std::exception& exception) {
-    return MakeFailedRecord(pJob, eFailure::kProcessing, pJob.fInput + ": " + Shorten(exception.what()));
+    return Photo::MakeFailedRecord(pJob, Photo::eFailure::kProcessing,
+                                   pJob.fInput + ": " + Photo::Shorten(exception.what()));
   }
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -2,10 +2,10 @@
 
 #include "photo/PictureRecord.h"
 
-namespace Cli {
+namespace Tool {
 
 /// Does a job of the plan, in which "-" is standard input or output, or leaves it out, and reports it. Throws
 /// std::bad_alloc alone. libvips must be running.
-tPictureRecord RunPictureTask(const sTonemapJob& pJob);
+Photo::tPictureRecord RunPictureTask(const Photo::sTonemapJob& pJob);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -12,7 +12,7 @@
 #include "cli/batch/AvailableMemory.h"
 #include "photo/io/StreamCopy.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// The copy's handle.
@@ -20,12 +20,12 @@ int CopyToMemory(int pFrom, const std::string& pName) {
   constexpr std::int64_t kReserve = 4;  // a part of what is free, for the work on the picture
   const std::int64_t most = GetAvailableMemory() / kReserve * (kReserve - 1);
   const int copy = memfd_create("input", MFD_CLOEXEC);
-  if (copy >= 0 && CopyStream(pFrom, copy, most)) return copy;
+  if (copy >= 0 && Photo::CopyStream(pFrom, copy, most)) return copy;
   const std::string reason =
       errno == ENOMEM ? "more than the memory holds that is free; store the picture in a file first"
                       : std::strerror(errno);
   if (copy >= 0) close(copy);
-  throw cFailure(eFailure::kCannotRead, pName, reason);
+  throw Photo::cFailure(Photo::eFailure::kCannotRead, pName, reason);
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ cInputFile::cInputFile(const std::string& pName) : fName(pName), fPath(pName) {
   if (!IsStream(pName)) return;
   const bool isStandard = pName == kStandardStream;
   const int from = isStandard ? STDIN_FILENO : open(pName.c_str(), O_RDONLY | O_CLOEXEC);
-  if (from < 0) throw cFailure(eFailure::kCannotRead, pName, std::strerror(errno));
+  if (from < 0) throw Photo::cFailure(Photo::eFailure::kCannotRead, pName, std::strerror(errno));
   const auto closeStream = [&](const int*) {
     if (!isStandard) close(from);
   };
@@ -56,9 +56,9 @@ cInputFile::~cInputFile() {
   if (fHandle >= 0) close(fHandle);
 }
 
-void cInputFile::Rename(cFailure& pFailure) const {
+void cInputFile::Rename(Photo::cFailure& pFailure) const {
   if (fHandle >= 0 && pFailure.GetFile() == fPath) pFailure.SetFile(GetSpokenName(fName));
   throw;
 }
 
-}  // namespace Cli
+}  // namespace Tool

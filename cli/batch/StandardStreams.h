@@ -4,7 +4,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 
 /// The name that stands for standard input or output.
 inline constexpr char kStandardStream[] = "-";
@@ -33,17 +33,17 @@ class cInputFile {
   auto Read(const tWork& pWork) const {
     try {
       return pWork();
-    } catch (cFailure& failure) {
+    } catch (Photo::cFailure& failure) {
       Rename(failure);
     }
   }
 
  private:
-  [[noreturn]] void Rename(cFailure& pFailure) const;
+  [[noreturn]] void Rename(Photo::cFailure& pFailure) const;
 
   std::string fName;
   std::string fPath;
   int fHandle = -1;  ///< Of the copy.
 };
 
-}  // namespace Cli
+}  // namespace Tool

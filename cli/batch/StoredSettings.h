@@ -2,10 +2,10 @@
 
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 /// ReadStoredSettings in a process of its own: the caller's stays without libvips, so that it can still begin
 /// workers. Throws cFailure.
 std::string ReadStoredSettingsApart(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -7,11 +7,11 @@
 #include "cli/batch/StandardStreams.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& pReason) {
-  throw cFailure(eFailure::kUsage, "", "--name: " + pReason);
+  throw Photo::cFailure(Photo::eFailure::kUsage, "", "--name: " + pReason);
 }
 
 }  // namespace
@@ -43,4 +43,4 @@ std::string MakeTargetName(const std::string& pPattern, const std::string& pInpu
   return name + pPattern.substr(at);
 }
 
-}  // namespace Cli
+}  // namespace Tool

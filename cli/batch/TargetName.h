@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 /// Fills a pattern for names of results: {stem} and {name} are the input's file name without and with its
 /// extension ("stdin" for standard input), {ext} is pExtension, {index} pIndex with at least four digits.
@@ -11,4 +11,4 @@ namespace Cli {
 std::string MakeTargetName(const std::string& pPattern, const std::string& pInput,
                            const std::string& pExtension, std::size_t pIndex);
 
-}  // namespace Cli
+}  // namespace Tool

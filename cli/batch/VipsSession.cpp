@@ -4,7 +4,7 @@
 
 #include "photo/io/VipsLibrary.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 void DropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
@@ -12,7 +12,7 @@ void DropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 }  // namespace
 
 cVipsSession::cVipsSession() {
-  StartVips();
+  Photo::StartVips();
   // One picture is read once and written once: a cache of operations would only hold on to memory.
   vips_cache_set_max(0);
   // Warnings repeat what the failure says, or speak of tags that nobody reads here.
@@ -24,4 +24,4 @@ cVipsSession::~cVipsSession() {
   vips_shutdown();
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Cli {
+namespace Tool {
 
 /// Keeps libvips running while it lives: no cache, no words of its own on standard error.
 class cVipsSession {
@@ -11,4 +11,4 @@ class cVipsSession {
   ~cVipsSession();
 };
 
-}  // namespace Cli
+}  // namespace Tool

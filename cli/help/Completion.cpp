@@ -1,6 +1,6 @@
 #include "cli/help/Completion.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// In single quotes, for any shell. pEnd: how a quote within is written.
@@ -221,4 +221,4 @@ complete -c quorvane -f
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -11,7 +11,7 @@
 #include "cli/help/ManPage.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 std::string MakeCompletion(const sHelpPage& pProgram, const std::string& pShell) {
@@ -25,7 +25,7 @@ void Write(const std::filesystem::path& pFile, const std::string& pText) {
   std::ofstream stream(pFile, std::ios::binary);
   stream << pText;
   stream.close();
-  if (!stream) throw cFailure(eFailure::kCannotWrite, pFile.string(), "writing failed");
+  if (!stream) throw Photo::cFailure(Photo::eFailure::kCannotWrite, pFile.string(), "writing failed");
 }
 
 /// Under pFolder as they are installed under a prefix.
@@ -72,4 +72,4 @@ void AddHelpOptions(CLI::App& pProgram, const sHelpFacts& pFacts) {
   pProgram.add_option_function<std::string>("--write-help", write)->group("");  // for the build
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -7,7 +7,7 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// What pages and scripts say besides the help's texts.
 struct sHelpFacts {
@@ -20,4 +20,4 @@ struct sHelpFacts {
 /// pages and scripts that are made of the same texts.
 void AddHelpOptions(CLI::App& pProgram, const sHelpFacts& pFacts);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -6,7 +6,7 @@
 #include <cctype>
 #include <sstream>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 std::vector<std::string> Split(const std::string& pText, const std::string& pSeparator) {
@@ -146,4 +146,4 @@ std::vector<std::string> BreakLines(const std::string& pText, std::size_t pWidth
   return lines;
 }
 
-}  // namespace Cli
+}  // namespace Tool

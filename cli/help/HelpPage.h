@@ -7,7 +7,7 @@ namespace CLI {
 class App;
 }
 
-namespace Cli {
+namespace Tool {
 
 /// The help on one option or positional argument. --help, man pages and completions are made of these.
 struct sHelpOption {
@@ -60,4 +60,4 @@ sHelpPage MakeHelpPage(const CLI::App& pApp);
 /// Breaks pText into lines of at most pWidth characters.
 std::vector<std::string> BreakLines(const std::string& pText, std::size_t pWidth);
 
-}  // namespace Cli
+}  // namespace Tool

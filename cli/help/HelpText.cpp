@@ -1,6 +1,6 @@
 #include "cli/help/HelpText.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr std::size_t kWidth = 96;
@@ -60,4 +60,4 @@ std::string MakeHelpText(const sHelpPage& pPage) {
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -4,9 +4,9 @@
 
 #include "cli/help/HelpPage.h"
 
-namespace Cli {
+namespace Tool {
 
 /// What --help prints: at most 96 columns, but for lines that stay as they are.
 std::string MakeHelpText(const sHelpPage& pPage);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// Text as roff takes it: a hyphen that may be copied, and no line that is taken for a request.
@@ -112,4 +112,4 @@ std::string MakeManPage(const sHelpPage& pProgram, const sHelpPage& pPage, const
   return text + WriteSeeAlso(pProgram, pPage);
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -4,7 +4,7 @@
 
 #include "cli/help/HelpPage.h"
 
-namespace Cli {
+namespace Tool {
 
 /// The manual page (roff, section 1) of the program or of one of its verbs. pProgram: the program's own page,
 /// whose exit codes hold for all. pVersion: "1.0.0".
@@ -13,4 +13,4 @@ std::string MakeManPage(const sHelpPage& pProgram, const sHelpPage& pPage, const
 /// "quorvane" and "quorvane-tonemap".
 std::string GetManName(const sHelpPage& pPage);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -10,7 +10,7 @@
 #include "engine/color/cColorSpace.h"
 #include "engine/color/cTransfer.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 using TmEngine::cVector2;
@@ -140,10 +140,10 @@ void AddMarker(cSvgDrawing& pSvg, const sLook& pLook, double pX, double pY, bool
   pSvg.Add(" fill=\"{}\" stroke=\"{}\" stroke-width=\"1.6\"/>\n", fill, pLook.fColor);
 }
 
-void AddCurve(cSvgDrawing& pSvg, const sLook& pLook, const tHuePoints& pPoints,
+void AddCurve(cSvgDrawing& pSvg, const sLook& pLook, const Photo::tHuePoints& pPoints,
               TmEngine::eSplineInterpolationMode pMode) {
   constexpr int kSteps = 720;
-  const auto curve = MakeHueCurve(pPoints, pMode);
+  const auto curve = Photo::MakeHueCurve(pPoints, pMode);
   pSvg.Add("<polyline class=\"curve\" stroke=\"{}\" stroke-dasharray=\"{}\" points=\"", pLook.fColor,
            pLook.fDashes);
   for (int i = 0; i <= kSteps; ++i) {
@@ -153,7 +153,7 @@ void AddCurve(cSvgDrawing& pSvg, const sLook& pLook, const tHuePoints& pPoints,
   }
   pSvg.Add("\"/>\n");
   if (pPoints.empty()) return;
-  for (const cVector2& point : CloseCircle(pPoints)) {
+  for (const cVector2& point : Photo::CloseCircle(pPoints)) {
     const bool isGiven = std::any_of(pPoints.begin(), pPoints.end(),
                                      [&](const cVector2& pGiven) { return pGiven.fX == point.fX; });
     AddMarker(pSvg, pLook, kHues.At(static_cast<double>(point.fX)), kValues.At(static_cast<double>(point.fY)),
@@ -174,14 +174,14 @@ void AddLegendEntry(cSvgDrawing& pSvg, const sLook& pLook, double pX, bool pIsNe
 
 }  // namespace
 
-std::string DrawHueCurves(const sHueCurveOptions& pCurves) {
+std::string DrawHueCurves(const Photo::sHueCurveOptions& pCurves) {
   cSvgDrawing svg(kWidth, kHeight, "Colour curves over hue");
   svg.AddText(kLeft, 34.0, "class=\"title\"", "Colour curves over hue");
   svg.AddText(kRight, 34.0, "class=\"note left\"", NameOf(pCurves.fMode));
   AddHueAxis(svg);
   AddValueAxes(svg);
   AddHueBar(svg);
-  const tHuePoints* const points[] = {&pCurves.fHueShift, &pCurves.fSaturation, &pCurves.fLightness};
+  const Photo::tHuePoints* const points[] = {&pCurves.fHueShift, &pCurves.fSaturation, &pCurves.fLightness};
   constexpr double kLegendX[] = {kLeft, kLeft + 335.0, kLeft + 575.0};
   for (int i = 0; i < 3; ++i) {
     AddCurve(svg, kLooks[i], *points[i], pCurves.fMode);
@@ -190,4 +190,4 @@ std::string DrawHueCurves(const sHueCurveOptions& pCurves) {
   return svg.Finish();
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -4,9 +4,9 @@
 
 #include "photo/render/CurvePoints.h"
 
-namespace Cli {
+namespace Tool {
 
 /// The curves over the hue circle, as SVG text: hues as the engine counts them, with their colours below.
-std::string DrawHueCurves(const sHueCurveOptions& pCurves);
+std::string DrawHueCurves(const Photo::sHueCurveOptions& pCurves);
 
-}  // namespace Cli
+}  // namespace Tool

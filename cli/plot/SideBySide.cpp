@@ -13,7 +13,7 @@
 #include "photo/icc/NamedProfile.h"
 #include "photo/io/VipsLibrary.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 using vips::VImage;
@@ -29,7 +29,8 @@ int ToCode(int pSample16) {
 }
 
 /// Fills three pixels of the row: A's, B's and the difference's.
-void PutPixel(unsigned char* pRow, int pX, int pPanel, const sPixel16& pA, const sPixel16& pB, int pFactor) {
+void PutPixel(unsigned char* pRow, int pX, int pPanel, const Photo::sPixel16& pA, const Photo::sPixel16& pB,
+              int pFactor) {
   for (int i = 0; i < 3; ++i) {
     const int a = pA.fSamples[i];
     const int b = pB.fSamples[i];
@@ -56,7 +57,7 @@ VImage DrawCaptions(int pWidth, int pPanel, int pFactor) {
 
 }  // namespace
 
-int ChooseAmplification(const sPictureDifference& pDifference) {
+int ChooseAmplification(const Photo::sPictureDifference& pDifference) {
   const double usual = pDifference.fQuantile99 > 0.0 ? pDifference.fQuantile99 : pDifference.fAll.fLargest;
   int chosen = 1;
   for (const int factor : {2, 5, 10, 20, 50, 100, 200}) {
@@ -66,7 +67,7 @@ int ChooseAmplification(const sPictureDifference& pDifference) {
 }
 
 void WriteSideBySide(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB, int pFactor,
-                     const std::string& pProfile, cTempFile& pFile) {
+                     const std::string& pProfile, Photo::cTempFile& pFile) {
   const int panel = std::max(pA.GetWidth(), kLeastPanel) + kGap;
   const int width = kPanels * panel - kGap;
   const std::size_t row = std::size_t{3} * static_cast<std::size_t>(width);
@@ -74,7 +75,7 @@ void WriteSideBySide(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB, int pFa
   for (int y = 0; y < pA.GetHeight(); ++y) {
     unsigned char* const to = pixels.data() + row * static_cast<std::size_t>(y);
     for (int x = 0; x < pA.GetWidth(); ++x) {
-      PutPixel(to, x, panel, GetPixel16(pA, x, y), GetPixel16(pB, x, y), pFactor);
+      PutPixel(to, x, panel, Photo::GetPixel16(pA, x, y), Photo::GetPixel16(pB, x, y), pFactor);
     }
   }
   try {
@@ -83,14 +84,14 @@ void WriteSideBySide(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB, int pFa
             .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     const VImage image = DrawCaptions(width, panel, pFactor).join(pictures, VIPS_DIRECTION_VERTICAL).copy();
     if (!pProfile.empty()) {
-      const std::string profile = ToPngProfile(pProfile);
+      const std::string profile = Photo::ToPngProfile(pProfile);
       vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
     }
     image.pngsave(pFile.GetPath().c_str());
   } catch (const vips::VError&) {
-    pFile.Refuse(TakeVipsError());
+    pFile.Refuse(Photo::TakeVipsError());
   }
   pFile.Commit();
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -7,7 +7,7 @@
 #include "photo/encode/OutputFormat.h"
 #include "photo/io/VipsLibrary.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr double kPixelsPerUnit = 2.0;  // of a PNG
@@ -41,13 +41,14 @@ std::string Escape(const std::string& pText) {
 }  // namespace
 
 ePlotFormat ChoosePlotFormat(const std::string& pFile) {
-  const std::string extension = GetExtension(pFile);
+  const std::string extension = Photo::GetExtension(pFile);
   if (extension == ".svg") return ePlotFormat::kSvg;
   if (extension == ".png") return ePlotFormat::kPng;
-  throw cFailure(eFailure::kUsage, pFile, "unknown extension of a plot's name; use .svg or .png");
+  throw Photo::cFailure(Photo::eFailure::kUsage, pFile,
+                        "unknown extension of a plot's name; use .svg or .png");
 }
 
-void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {
+void WritePlot(const std::string& pSvg, ePlotFormat pFormat, Photo::cTempFile& pFile) {
   if (pFormat == ePlotFormat::kPng) {
     try {
       VipsBlob* const text = vips_blob_copy(pSvg.data(), pSvg.size());
@@ -56,7 +57,7 @@ void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile) {
       vips_area_unref(VIPS_AREA(text));
       image.flatten(vips::VImage::option()->set("background", 255.0)).pngsave(pFile.GetPath().c_str());
     } catch (const vips::VError&) {
-      pFile.Refuse(TakeVipsError());
+      pFile.Refuse(Photo::TakeVipsError());
     }
   } else {
     std::ofstream stream(pFile.GetPath(), std::ios::binary);
@@ -91,4 +92,4 @@ std::string cSvgDrawing::Finish() {
   return fText + "</svg>\n";
 }
 
-}  // namespace Cli
+}  // namespace Tool

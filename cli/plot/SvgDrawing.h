@@ -7,7 +7,7 @@
 
 #include "photo/io/TempFile.h"
 
-namespace Cli {
+namespace Tool {
 
 /// What a drawing is written as.
 enum class ePlotFormat { kSvg, kPng };
@@ -16,7 +16,7 @@ enum class ePlotFormat { kSvg, kPng };
 ePlotFormat ChoosePlotFormat(const std::string& pFile);
 
 /// Writes the drawing and lets the file take its target's place. libvips must be running. Throws cFailure.
-void WritePlot(const std::string& pSvg, ePlotFormat pFormat, cTempFile& pFile);
+void WritePlot(const std::string& pSvg, ePlotFormat pFormat, Photo::cTempFile& pFile);
 
 /// Values along one side of a drawing's field.
 struct sAxis {
@@ -51,4 +51,4 @@ class cSvgDrawing {
   std::string fText;
 };
 
-}  // namespace Cli
+}  // namespace Tool

@@ -9,7 +9,7 @@
 #include "cli/plot/SvgDrawing.h"
 #include "engine/math/cVector.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 // The drawing's measures, in its own units.
@@ -126,7 +126,7 @@ void AddKey(cSvgDrawing& pSvg, const sPanel& pPanel, const char* pText) {
 }
 
 /// The luminances that are drawn: all but outliers in the dark.
-sSpan SpanOfLight(const sPictureStatistics& pStatistics) {
+sSpan SpanOfLight(const Photo::sPictureStatistics& pStatistics) {
   const double from = std::max(pStatistics.GetQuantile(0.0005) - 0.3, pStatistics.fLogMin);
   return Widen({std::floor(from * 2.0) / 2.0, std::ceil(pStatistics.fLogMax * 2.0) / 2.0}, 1.0);
 }
@@ -134,7 +134,7 @@ sSpan SpanOfLight(const sPictureStatistics& pStatistics) {
 constexpr double kDecadesPerBar = 0.1;
 
 /// Per cent of the pixels in each bar.
-std::vector<double> MakeBars(const sPictureStatistics& pStatistics, sSpan pSpan) {
+std::vector<double> MakeBars(const Photo::sPictureStatistics& pStatistics, sSpan pSpan) {
   std::vector<double> bars;
   const long count = std::lround((pSpan.fTo - pSpan.fFrom) / kDecadesPerBar);
   for (long i = 0; i < count; ++i) {
@@ -153,7 +153,7 @@ void AddMark(cSvgDrawing& pSvg, const sPanel& pPanel, double pLog, const char* p
                isLeft ? "class=\"note left\"" : "class=\"note start\"", pText);
 }
 
-void AddHistogram(cSvgDrawing& pSvg, const sPictureStatistics& pStatistics, sSpan pLight) {
+void AddHistogram(cSvgDrawing& pSvg, const Photo::sPictureStatistics& pStatistics, sSpan pLight) {
   const std::vector<double> bars = MakeBars(pStatistics, pLight);
   const double highest = std::max(*std::max_element(bars.begin(), bars.end()), 0.1);
   const sPanel panel = sPanel::At(0, 0, pLight, {0.0, highest * 1.12});
@@ -226,7 +226,8 @@ void AddToneCurve(cSvgDrawing& pSvg, const TmEngine::cTmRenderer& pRenderer) {
 }  // namespace
 
 std::string DrawToneFigure(const std::string& pName, const std::string& pSettings,
-                           const sPictureStatistics& pStatistics, const TmEngine::cTmRenderer& pRenderer) {
+                           const Photo::sPictureStatistics& pStatistics,
+                           const TmEngine::cTmRenderer& pRenderer) {
   cSvgDrawing svg(kWidth, kHeight, "Tone mapping of " + pName);
   svg.AddText(90.0, 42.0, "class=\"title\"", pName);
   svg.AddText(90.0, 66.0, "class=\"note start\"",
@@ -248,4 +249,4 @@ std::string DrawToneFigure(const std::string& pName, const std::string& pSetting
   return svg.Finish();
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -10,7 +10,7 @@
 #include "photo/Printable.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 
 void OpenMissingStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -25,17 +25,17 @@ void Print(const std::string& pText) {
   const bool isTaken = std::fwrite(pText.data(), 1, pText.size(), stdout) == pText.size();
   if (std::fflush(stdout) == 0 && isTaken) return;
   if (errno == EPIPE) throw sOutputClosed();
-  throw cFailure(eFailure::kCannotWrite, "standard output", std::strerror(errno));
+  throw Photo::cFailure(Photo::eFailure::kCannotWrite, "standard output", std::strerror(errno));
 }
 
 std::string NameForOutput(const std::string& pName) {
-  return isatty(STDOUT_FILENO) != 0 ? ToPrintable(pName) : pName;
+  return isatty(STDOUT_FILENO) != 0 ? Photo::ToPrintable(pName) : pName;
 }
 
 void PrintMessage(const std::string& pLine, const char* pColour) {
   const bool isColoured = *pColour != '\0';
-  std::fprintf(stderr, "%s%s%s\n", isColoured ? pColour : "", ToPrintable(pLine).c_str(),
+  std::fprintf(stderr, "%s%s%s\n", isColoured ? pColour : "", Photo::ToPrintable(pLine).c_str(),
                isColoured ? "\033[0m" : "");
 }
 
-}  // namespace Cli
+}  // namespace Tool

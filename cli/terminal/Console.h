@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 // All that people and other programs read of this program, but for pictures.
 
@@ -23,4 +23,4 @@ std::string NameForOutput(const std::string& pName);
 /// Writes a line to standard error, printable whatever it holds. pColour: what a terminal takes for one.
 void PrintMessage(const std::string& pLine, const char* pColour = "");
 
-}  // namespace Cli
+}  // namespace Tool

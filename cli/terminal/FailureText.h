@@ -5,12 +5,12 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 
 /// "FILE: REASON", in which the options are named that help.
-std::string DescribeFailure(const cFailure& pFailure);
+std::string DescribeFailure(const Photo::cFailure& pFailure);
 
 /// Texts of photo/ with the options that they speak of.
 std::vector<std::string> NameOptions(const std::vector<std::string>& pTexts);
 
-}  // namespace Cli
+}  // namespace Tool

@@ -6,16 +6,16 @@
 #include "cli/terminal/TextHistogram.h"
 #include "photo/Printable.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr double kStopsPerDecade = 3.321928094887362;
 
 void AddLine(std::string& pTo, const char* pName, const std::string& pText) {
-  if (!pText.empty()) pTo += fmt::format("  {:<15}", pName) + ToPrintable(pText) + "\n";
+  if (!pText.empty()) pTo += fmt::format("  {:<15}", pName) + Photo::ToPrintable(pText) + "\n";
 }
 
-std::string DescribeSize(const sPicture& pPicture) {
+std::string DescribeSize(const Photo::sPicture& pPicture) {
   const int width = pPicture.fBitmap->GetWidth();
   const int height = pPicture.fBitmap->GetHeight();
   const std::string size = fmt::format("{} x {} pixels", width, height);
@@ -23,7 +23,7 @@ std::string DescribeSize(const sPicture& pPicture) {
   return millions < 0.1 ? size : size + fmt::format(" ({:.1f} megapixels)", millions);
 }
 
-std::string DescribeFormat(const sPicture& pPicture) {
+std::string DescribeFormat(const Photo::sPicture& pPicture) {
   return fmt::format("{}, {} bits a sample{}",
                      pPicture.fFormat.empty() ? "picture" : pPicture.fFormat.c_str(), pPicture.fFileDepth,
                      pPicture.fAlpha.empty() ? "" : ", alpha");
@@ -33,13 +33,13 @@ std::string DescribeRange(double pDecades) {
   return fmt::format("{:.2f} decades ({:.1f} stops)", pDecades, pDecades * kStopsPerDecade);
 }
 
-std::string DescribeRepairs(const sRepairs& pRepairs) {
+std::string DescribeRepairs(const Photo::sRepairs& pRepairs) {
   if (pRepairs.fNaN + pRepairs.fInfinite + pRepairs.fOutliers + pRepairs.fNegative == 0) return "none";
   return fmt::format("{} not a number, {} infinite, {} outliers, {} negative", pRepairs.fNaN,
                      pRepairs.fInfinite, pRepairs.fOutliers, pRepairs.fNegative);
 }
 
-void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
+void AddLight(std::string& pTo, const Photo::sPictureStatistics& pStatistics) {
   if (pStatistics.CountPositive() == 0) return AddLine(pTo, "Dynamic range", "none: no pixel has light");
   AddLine(
       pTo, "Dynamic range",
@@ -51,15 +51,15 @@ void AddLight(std::string& pTo, const sPictureStatistics& pStatistics) {
   if (pStatistics.fDark > 0) AddLine(pTo, "Without light", std::to_string(pStatistics.fDark) + " pixels");
 }
 
-std::string DescribeWrap(const sInspection& pInspection) {
+std::string DescribeWrap(const Photo::sInspection& pInspection) {
   if (!pInspection.fWraps) return "do not meet";
   return pInspection.fPicture.fIsPanorama ? "meet, as the metadata say; tonemap wraps around"
                                           : "look as if they met; tonemap wraps around";
 }
 
 /// "0 (depth): Z"; nothing for files of one part and layer.
-void AddParts(std::string& pTo, const sPicture& pPicture) {
-  const std::vector<sPicturePart>& parts = pPicture.fParts;
+void AddParts(std::string& pTo, const Photo::sPicture& pPicture) {
+  const std::vector<Photo::sPicturePart>& parts = pPicture.fParts;
   if (parts.size() < 2 && (parts.empty() || parts.front().fLayers.size() < 2)) return;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     std::string text = std::to_string(i) + (parts[i].fName.empty() ? "" : " (" + parts[i].fName + ")") + ":";
@@ -68,8 +68,8 @@ void AddParts(std::string& pTo, const sPicture& pPicture) {
   }
 }
 
-void AddMetadata(std::string& pTo, const sInspection& pInspection) {
-  const sMetadataSummary& metadata = pInspection.fMetadata;
+void AddMetadata(std::string& pTo, const Photo::sInspection& pInspection) {
+  const Photo::sMetadataSummary& metadata = pInspection.fMetadata;
   AddLine(pTo, "Camera", metadata.fCamera);
   AddLine(pTo, "Lens", metadata.fLens);
   AddLine(pTo, "Exposure", metadata.fExposure);
@@ -84,18 +84,18 @@ void AddMetadata(std::string& pTo, const sInspection& pInspection) {
 
 }  // namespace
 
-std::string ToOptions(const sSettings& pSettings) {
+std::string ToOptions(const Photo::sSettings& pSettings) {
   std::string options;
-  for (const sSlider& slider : GetSliders()) {
+  for (const Photo::sSlider& slider : Photo::GetSliders()) {
     const float value = pSettings.*slider.fField;
-    if (value == sSettings().*slider.fField) continue;
-    options += fmt::format("{}--{} {}", options.empty() ? "" : " ", slider.fName, ToText(value));
+    if (value == Photo::sSettings().*slider.fField) continue;
+    options += fmt::format("{}--{} {}", options.empty() ? "" : " ", slider.fName, Photo::ToText(value));
   }
   return options;
 }
 
-std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal) {
-  const sPicture& picture = pInspection.fPicture;
+std::string DescribeInspection(const Photo::sInspection& pInspection, const sTerminal& pTerminal) {
+  const Photo::sPicture& picture = pInspection.fPicture;
   std::string text = NameForOutput(pInspection.fFile) + "\n";
   AddLine(text, "Size", DescribeSize(picture));
   AddLine(text, "Format", DescribeFormat(picture));
@@ -111,4 +111,4 @@ std::string DescribeInspection(const sInspection& pInspection, const sTerminal& 
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -5,13 +5,13 @@
 #include "cli/terminal/Terminal.h"
 #include "photo/Inspection.h"
 
-namespace Cli {
+namespace Tool {
 
 /// What was found in a picture, for people, with a histogram.
-std::string DescribeInspection(const sInspection& pInspection, const sTerminal& pTerminal);
+std::string DescribeInspection(const Photo::sInspection& pInspection, const sTerminal& pTerminal);
 
 /// The sliders that differ from their defaults, as options to type: "--strength 86 --contrast 10"; "" for
 /// none.
-std::string ToOptions(const sSettings& pSettings);
+std::string ToOptions(const Photo::sSettings& pSettings);
 
-}  // namespace Cli
+}  // namespace Tool

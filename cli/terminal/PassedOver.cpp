@@ -1,6 +1,6 @@
 #include "cli/terminal/PassedOver.h"
 
-namespace Cli {
+namespace Tool {
 
 std::string DescribeLeftOut(const sLeftOut& pLeftOut) {
   std::string text;
@@ -15,4 +15,4 @@ std::string DescribeLeftOut(const sLeftOut& pLeftOut) {
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 /// How many files and folders were passed over in the folders that were named.
 struct sLeftOut {
@@ -21,4 +21,4 @@ struct sUnreadableFolder {
 /// "unknown format (2), hidden (1)"; "" for nothing.
 std::string DescribeLeftOut(const sLeftOut& pLeftOut);
 
-}  // namespace Cli
+}  // namespace Tool

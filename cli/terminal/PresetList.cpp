@@ -5,33 +5,33 @@
 
 #include "photo/Printable.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// One line of the list: the name, what it is for, and where it is.
-std::string Describe(const sPresetEntry& pPreset) {
+std::string Describe(const Photo::sPresetEntry& pPreset) {
   constexpr std::size_t kNameColumns = 16;
   std::string text = pPreset.fFault.empty() ? pPreset.fDescription : "cannot be used: " + pPreset.fFault;
   std::replace(text.begin(), text.end(), '\n', ' ');
   std::string name = pPreset.fName;
   name.resize(std::max(name.size(), kNameColumns), ' ');
   const std::string place = pPreset.fIsBuiltIn ? "built in" : pPreset.fFile;
-  return ToPrintable(name + ' ' + text + (text.empty() ? "(" : " (") + place +
-                     (pPreset.fIsHidden ? ", hidden by yours)" : ")")) +
+  return Photo::ToPrintable(name + ' ' + text + (text.empty() ? "(" : " (") + place +
+                            (pPreset.fIsHidden ? ", hidden by yours)" : ")")) +
          "\n";
 }
 
 }  // namespace
 
-std::string ListPresets(const std::vector<sPresetEntry>& pPresets) {
+std::string ListPresets(const std::vector<Photo::sPresetEntry>& pPresets) {
   std::string list;
-  for (const sPresetEntry& preset : pPresets) list += Describe(preset);
+  for (const Photo::sPresetEntry& preset : pPresets) list += Describe(preset);
   return list;
 }
 
-std::string ListPresetsForShells(const std::vector<sPresetEntry>& pPresets) {
+std::string ListPresetsForShells(const std::vector<Photo::sPresetEntry>& pPresets) {
   std::string list;
-  for (const sPresetEntry& preset : pPresets) {
+  for (const Photo::sPresetEntry& preset : pPresets) {
     if (preset.fIsHidden || !preset.fFault.empty()) continue;
     std::string text = preset.fDescription;
     std::replace_if(
@@ -41,4 +41,4 @@ std::string ListPresetsForShells(const std::vector<sPresetEntry>& pPresets) {
   return list;
 }
 
-}  // namespace Cli
+}  // namespace Tool

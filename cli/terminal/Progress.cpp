@@ -16,7 +16,7 @@
 #include "cli/terminal/Warnings.h"
 #include "photo/Json.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 constexpr char kRed[] = "\033[31m";
@@ -59,14 +59,14 @@ void cProgress::NoteFolder(const sUnreadableFolder& pFolder) {
   Fail(pFolder.fFolder + ": " + pFolder.fReason);
 }
 
-void cProgress::Report(const sTonemapJob& pJob, const tPictureRecord& pRecord) {
+void cProgress::Report(const Photo::sTonemapJob& pJob, const Photo::tPictureRecord& pRecord) {
   const std::string status = pRecord["status"];
   Count(pJob, status);
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (pRecord.contains("warnings")) PrintWarnings(pJob.fInput, pRecord["warnings"]);
   if (status == "failed") Fail(pRecord["error"]["message"].get<std::string>());
   if (fWay == eProgress::kPlain) ReportPlainly(pJob, status);
-  if (fWay == eProgress::kJson) PrintMessage(ToLine(MakeEvent("picture", pJob.fInput)));
+  if (fWay == eProgress::kJson) PrintMessage(Photo::ToLine(MakeEvent("picture", pJob.fInput)));
 }
 
 void cProgress::Fail(const std::string& pMessage) const {
@@ -78,7 +78,7 @@ void cProgress::Warn(const std::string& pText) {
   PrintMessage("quorvane: warning: " + pText);
 }
 
-void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
+void cProgress::Count(const Photo::sTonemapJob& pJob, const std::string& pStatus) {
   if (pStatus == "done") ++fDone;
   if (pStatus == "skipped") ++fSkipped;
   if (pStatus != "failed") return;
@@ -86,7 +86,7 @@ void cProgress::Count(const sTonemapJob& pJob, const std::string& pStatus) {
   fFailedInputs.push_back(pJob.fInput);
 }
 
-void cProgress::ReportPlainly(const sTonemapJob& pJob, const std::string& pStatus) const {
+void cProgress::ReportPlainly(const Photo::sTonemapJob& pJob, const std::string& pStatus) const {
   if (pStatus == "failed") return;
   const std::string what = pStatus == "done" ? pJob.fInput + " -> " + pJob.fOutput : pJob.fOutput + " exists";
   PrintMessage(fmt::format("[{}/{}] ", fDone + fSkipped + fFailed, fPictures) + what);
@@ -108,7 +108,7 @@ void cProgress::Draw() {
 void cProgress::Finish() {
   if (HasBar()) std::fputs(kClearLine, stderr);
   if (fWay == eProgress::kNone) return;
-  if (fWay == eProgress::kJson) return PrintMessage(ToLine(MakeSummary()));
+  if (fWay == eProgress::kJson) return PrintMessage(Photo::ToLine(MakeSummary()));
   if (fPictures == 1 && fFailed == 1 && fLeftOut == nullptr) return;  // reported already
   PrintMessage(Summarise());
   constexpr std::size_t kMost = 20;
@@ -117,12 +117,12 @@ void cProgress::Finish() {
   if (fFailedInputs.size() > kMost) PrintMessage(fmt::format("  and {} more", fFailedInputs.size() - kMost));
 }
 
-void cProgress::Interrupt(eExisting pExisting) {
+void cProgress::Interrupt(Photo::eExisting pExisting) {
   if (fPictures == 1) {
     return PrintMessage("quorvane: interrupted; the result was not written: run the same command again");
   }
   if (HasBar()) std::fputs(kClearLine, stderr);
-  const char* const instead = pExisting == eExisting::kReplace ? " in place of --overwrite" : "";
+  const char* const instead = pExisting == Photo::eExisting::kReplace ? " in place of --overwrite" : "";
   PrintMessage("quorvane: interrupted: " + Summarise());
   PrintMessage(std::string("To go on, run the same command with --skip-existing") + instead + ".");
 }
@@ -141,8 +141,8 @@ std::string cProgress::Summarise() const {
   return text + folders + fmt::format(" in {:.1f} s ({:.2f} a second)", GetSeconds(), GetRate()) + end;
 }
 
-tPictureRecord cProgress::MakeSummary() const {
-  tPictureRecord summary = MakeEvent("summary");
+Photo::tPictureRecord cProgress::MakeSummary() const {
+  Photo::tPictureRecord summary = MakeEvent("summary");
   if (fLeftOut == nullptr) return summary;
   summary["unreadable_folders"] = fFolders;
   summary["left_out"] = {{"unknown", fLeftOut->fUnknown},
@@ -152,9 +152,9 @@ tPictureRecord cProgress::MakeSummary() const {
   return summary;
 }
 
-tPictureRecord cProgress::MakeEvent(const char* pEvent, const std::string& pInput) const {
-  tPictureRecord event = {{"event", pEvent}};
-  if (!pInput.empty()) PutName(event, "input", pInput);
+Photo::tPictureRecord cProgress::MakeEvent(const char* pEvent, const std::string& pInput) const {
+  Photo::tPictureRecord event = {{"event", pEvent}};
+  if (!pInput.empty()) Photo::PutName(event, "input", pInput);
   event["pictures"] = fPictures;
   event["done"] = fDone;
   event["skipped"] = fSkipped;
@@ -179,4 +179,4 @@ double cProgress::GetSecondsLeft() const {
   return GetRate() > 0.0 ? static_cast<double>(left) / GetRate() : 0.0;
 }
 
-}  // namespace Cli
+}  // namespace Tool

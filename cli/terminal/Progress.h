@@ -8,7 +8,7 @@
 #include "cli/terminal/PassedOver.h"
 #include "photo/PictureRecord.h"
 
-namespace Cli {
+namespace Tool {
 
 enum class eProgress { kAuto, kBar, kPlain, kJson, kNone };
 
@@ -20,22 +20,22 @@ class cProgress {
   cProgress(eProgress pWay, std::size_t pPictures, const sLeftOut* pLeftOut);
 
   void NoteFolder(const sUnreadableFolder& pFolder);  ///< One that could not be read.
-  void Report(const sTonemapJob& pJob, const tPictureRecord& pRecord);
-  void Warn(const std::string& pText);  ///< Of the run, not of a picture.
-  void Draw();                          ///< The bar, with the time that is left by now.
-  void Finish();                        ///< The summary.
-  void Interrupt(eExisting pExisting);  ///< The summary of what was done, and how to go on.
+  void Report(const Photo::sTonemapJob& pJob, const Photo::tPictureRecord& pRecord);
+  void Warn(const std::string& pText);         ///< Of the run, not of a picture.
+  void Draw();                                 ///< The bar, with the time that is left by now.
+  void Finish();                               ///< The summary.
+  void Interrupt(Photo::eExisting pExisting);  ///< The summary of what was done, and how to go on.
 
-  tPictureRecord MakeSummary() const;  ///< For other programs.
+  Photo::tPictureRecord MakeSummary() const;  ///< For other programs.
 
   bool HasFailed() const { return fFailed + fFolders > 0; }
   bool HasBar() const { return fWay == eProgress::kBar; }
 
  private:
-  void Count(const sTonemapJob& pJob, const std::string& pStatus);
-  void ReportPlainly(const sTonemapJob& pJob, const std::string& pStatus) const;
+  void Count(const Photo::sTonemapJob& pJob, const std::string& pStatus);
+  void ReportPlainly(const Photo::sTonemapJob& pJob, const std::string& pStatus) const;
   void Fail(const std::string& pMessage) const;
-  tPictureRecord MakeEvent(const char* pEvent, const std::string& pInput = "") const;
+  Photo::tPictureRecord MakeEvent(const char* pEvent, const std::string& pInput = "") const;
   std::string Summarise() const;
   double GetSeconds() const;
   double GetRate() const;
@@ -56,4 +56,4 @@ class cProgress {
 /// What kAuto stands for: nothing for one picture that was named, a bar on a terminal, else lines.
 eProgress ChooseProgress(eProgress pAsked, bool pIsOneNamed);
 
-}  // namespace Cli
+}  // namespace Tool

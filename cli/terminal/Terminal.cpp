@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// "" for none.
@@ -42,4 +42,4 @@ sTerminal GetTerminal() {
   return {std::clamp(FindWidth(), 40, 400), IsLocaleUtf8(), hasColor};
 }
 
-}  // namespace Cli
+}  // namespace Tool

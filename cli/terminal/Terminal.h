@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Cli {
+namespace Tool {
 
 /// What standard output can show.
 struct sTerminal {
@@ -12,4 +12,4 @@ struct sTerminal {
 /// A file or a pipe has 80 columns, unless COLUMNS says otherwise, and no colour. NO_COLOR is honoured.
 sTerminal GetTerminal();
 
-}  // namespace Cli
+}  // namespace Tool

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <vector>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 struct sLine {
@@ -24,7 +24,7 @@ double ChooseStep(double pDecades) {
   return 5.0;
 }
 
-std::vector<sLine> MakeLines(const sPictureStatistics& pStatistics) {
+std::vector<sLine> MakeLines(const Photo::sPictureStatistics& pStatistics) {
   const double lowest = std::max(pStatistics.GetQuantile(0.0005), pStatistics.fLogMin);
   const double step = ChooseStep(pStatistics.fLogMax - lowest);
   std::vector<sLine> lines;
@@ -51,7 +51,7 @@ std::string DrawBar(double pLength, bool pIsUtf8) {
 
 }  // namespace
 
-std::string DrawTextHistogram(const sPictureStatistics& pStatistics, const sTerminal& pTerminal) {
+std::string DrawTextHistogram(const Photo::sPictureStatistics& pStatistics, const sTerminal& pTerminal) {
   if (pStatistics.CountPositive() == 0) return "";
   const std::vector<sLine> lines = MakeLines(pStatistics);
   double highest = 0.0;
@@ -68,4 +68,4 @@ std::string DrawTextHistogram(const sPictureStatistics& pStatistics, const sTerm
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Tool

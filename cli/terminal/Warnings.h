@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Tool {
 
 /// Writes the warnings about pFile to standard error, a line each.
 void PrintWarnings(const std::string& pFile, const std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Tool

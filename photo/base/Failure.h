@@ -6,7 +6,7 @@
 #include "photo/base/ParameterNames.h"
 #include "photo/base/ShortText.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Why work ended. The numbers are the "code" of a job's record.
 enum class eFailure : int {
@@ -58,4 +58,4 @@ auto NameFile(const std::string& pFile, const tWork& pWork) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace Cli {
+namespace Photo {
 
 // What std::bit_cast does, which some standard libraries do not have.
 
@@ -16,4 +16,4 @@ inline float FloatOf(std::int32_t pBits) {
   return __builtin_bit_cast(float, pBits);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 #include <locale>
 #include <sstream>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kMostDigits = 9;  // enough to distinguish any two floats
@@ -73,4 +73,4 @@ std::string ToText(float pNumber) {
   return fixed.size() <= scientific.size() ? fixed : scientific;
 }
 
-}  // namespace Cli
+}  // namespace Photo

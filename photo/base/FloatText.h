@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace Cli {
+namespace Photo {
 
 // Numbers as text, independent of the locale. They give what std::from_chars and std::to_chars give for
 // floats, which some standard libraries do not have.
@@ -16,4 +16,4 @@ std::optional<float> ParseFloat(std::string_view pText);
 /// The shortest text that reads back as pNumber, which is finite: "0.1", "70", "1e-06".
 std::string ToText(float pNumber);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::string_view kNames[] = {"overwrite",   "skip-existing", "out-dir", "depth", "quality",
@@ -22,4 +22,4 @@ std::string NameParameters(const std::string& pText, const std::string& pPrefix)
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 bool IsInsideLetter(char pByte) {
@@ -25,4 +25,4 @@ std::string Shorten(const std::string& pText) {
          pText.substr(end);
 }
 
-}  // namespace Cli
+}  // namespace Photo

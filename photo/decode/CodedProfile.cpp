@@ -4,7 +4,7 @@
 
 #include "photo/icc/IccHandle.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 struct sFreeCurve {
@@ -54,4 +54,4 @@ std::string MakeProfile(const sCicpColors& pColors) {
   return Save(profile);
 }
 
-}  // namespace Cli
+}  // namespace Photo

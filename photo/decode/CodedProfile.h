@@ -4,10 +4,10 @@
 
 #include "photo/light/CicpColors.h"
 
-namespace Cli {
+namespace Photo {
 
 /// An ICC profile of such colours, which must not go beyond white. Empty where none can be made. The same
 /// colours give the same bytes.
 std::string MakeProfile(const sCicpColors& pColors);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The first bytes of the file; what keeps anybody from reading it is told here, in plain words.
@@ -38,4 +38,4 @@ eFileKind DetectFileKind(const std::string& pFile) {
   return eFileKind::kVips;
 }
 
-}  // namespace Cli
+}  // namespace Photo

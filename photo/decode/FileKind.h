@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// Who reads a file. It is told by the file's content, not by its name.
 enum class eFileKind { kExr, kPfm, kVips };
@@ -10,4 +10,4 @@ enum class eFileKind { kExr, kPfm, kVips };
 /// Throws cFailure, in plain words, for what nobody can read as a file.
 eFileKind DetectFileKind(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

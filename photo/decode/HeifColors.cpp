@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 struct sFree {
@@ -48,4 +48,4 @@ std::optional<sCicpColors> ReadHeifColors(const std::string& pFile, std::vector<
   return FindCodedColors(colors->color_primaries, colors->transfer_characteristics, instead, pWarnings);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileReader.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kMostSegments = 1000;
@@ -85,4 +85,4 @@ sJpegExtras ReadJpegExtras(const std::string& pFile) {
   return extras;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// What a JPEG file holds besides the picture that its decoders show.
 struct sJpegExtras {
@@ -13,4 +13,4 @@ struct sJpegExtras {
 /// Nothing for files of other formats. Reads no more than what is before the pixels.
 sJpegExtras ReadJpegExtras(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

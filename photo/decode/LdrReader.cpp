@@ -20,7 +20,7 @@
 #include "photo/picture/OutputBitmap.h"
 #include "photo/picture/Picture.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using TmEngine::eColorSpaceID;
@@ -178,4 +178,4 @@ sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb, c
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

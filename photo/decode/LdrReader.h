@@ -9,7 +9,7 @@
 #include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 class cMetadata;
 
@@ -32,4 +32,4 @@ struct sLdrPicture {
 sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb,
                            const sPictureChoice& pChoice = {}, const tMemoryGate& pGate = {});
 
-}  // namespace Cli
+}  // namespace Photo

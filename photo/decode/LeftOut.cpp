@@ -8,7 +8,7 @@
 #include "photo/decode/VipsSource.h"
 #include "photo/decode/tiff/TiffDirectories.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -71,4 +71,4 @@ std::vector<std::string> ListLeftOut(const std::string& pFile, const VImage& pIm
   return leftOut;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -11,7 +11,7 @@
 #include "photo/base/Failure.h"
 #include "photo/light/RowConverter.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 struct sPfmHeader {
@@ -105,4 +105,4 @@ sOpenedPicture OpenPfm(const std::string& pFile, const tMemoryGate& pGate) {
   return picture;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 #include "photo/decode/VipsReader.h"
 #include "photo/decode/exr/ExrReader.h"
 
-namespace Cli {
+namespace Photo {
 
 sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoice,
                            const tMemoryGate& pGate) {
@@ -25,4 +25,4 @@ sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice, co
   return LoadPicture(OpenPicture(pFile, pChoice, pGate));
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 #include "photo/picture/Picture.h"
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Opens a picture of any known format, which is told by the file's content, not by its name: OpenEXR,
 /// PFM, Radiance, TIFF, PNG, JPEG, WebP, HEIF, AVIF, JPEG XL. libvips must be running. Rows stay in the
@@ -17,4 +17,4 @@ sOpenedPicture OpenPicture(const std::string& pFile, const sPictureChoice& pChoi
 sPicture ReadPicture(const std::string& pFile, const sPictureChoice& pChoice = {},
                      const tMemoryGate& pGate = {});
 
-}  // namespace Cli
+}  // namespace Photo

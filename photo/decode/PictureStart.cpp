@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using namespace std::string_view_literals;
@@ -62,4 +62,4 @@ bool HoldsPicture(const std::string& pFile) {
   return size > 0 && IsPictureStart({start, static_cast<std::size_t>(size)});
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace Cli {
+namespace Photo {
 
 /// Whether pStart, the first 16 bytes of a file or all of it, is how a picture begins of a format that this
 /// program reads.
@@ -13,4 +13,4 @@ bool IsPictureStart(std::string_view pStart);
 /// no picture.
 bool HoldsPicture(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

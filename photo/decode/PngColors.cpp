@@ -11,7 +11,7 @@
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileReader.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::size_t kName = 4;
@@ -120,4 +120,4 @@ std::optional<sCicpColors> ReadPngColors(const std::string& pFile, bool pHasProf
   return ReadNumbers(chunks, pWarnings);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include "photo/light/CicpColors.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What a PNG file states of its colours besides an ICC profile, as far as that counts: cICP comes before a
 /// profile, sRGB after it, then gAMA and cHRM. None for what a profile says, or else sRGB. Reads no more than
@@ -14,4 +14,4 @@ namespace Cli {
 std::optional<sCicpColors> ReadPngColors(const std::string& pFile, bool pHasProfile,
                                          std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

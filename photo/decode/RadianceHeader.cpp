@@ -5,7 +5,7 @@
 #include <iterator>
 #include <sstream>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// XYZ as a colour space of its own: the primaries are the axes, the white is that of equal energy.
@@ -79,4 +79,4 @@ sRadianceHeader ReadRadianceHeader(const std::string& pFile) {
   return header;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "photo/light/LinearLight.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What the text before the pixels of a Radiance file says about them.
 struct sRadianceHeader {
@@ -17,4 +17,4 @@ struct sRadianceHeader {
 /// Never fails: what is missing or damaged keeps its default, as does everything for files of other kinds.
 sRadianceHeader ReadRadianceHeader(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

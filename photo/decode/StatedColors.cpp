@@ -6,7 +6,7 @@
 #include "photo/icc/NamedProfile.h"
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Cameras state Adobe RGB (1998) by a name in EXIF alone.
@@ -34,4 +34,4 @@ sStatedColors FindStatedColors(const std::string& pFile, const vips::VImage& pIm
   return colors;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "photo/light/CicpColors.h"
 #include "photo/metadata/Metadata.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What a file states of the colours of its samples. Neither profile nor numbers: nothing.
 struct sStatedColors {
@@ -21,4 +21,4 @@ struct sStatedColors {
 sStatedColors FindStatedColors(const std::string& pFile, const vips::VImage& pImage,
                                const cMetadata& pMetadata, std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -20,7 +20,7 @@
 #include "photo/picture/Alpha.h"
 #include "photo/picture/Panorama.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -323,4 +323,4 @@ sOpenedPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pCho
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

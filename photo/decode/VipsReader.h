@@ -5,7 +5,7 @@
 #include "photo/picture/Picture.h"
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Opens Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF and JPEG XL pictures; libvips knows them by their
 /// content. Samples are decoded as the file states: through an ICC profile, or by numbers (PNG, HEIF, AVIF);
@@ -14,4 +14,4 @@ namespace Cli {
 sOpenedPicture OpenWithVips(const std::string& pFile, const sPictureChoice& pChoice,
                             const tMemoryGate& pGate);
 
-}  // namespace Cli
+}  // namespace Photo

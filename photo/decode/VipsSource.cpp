@@ -12,7 +12,7 @@
 #include "photo/icc/NamedProfile.h"
 #include "photo/io/VipsLibrary.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -237,4 +237,4 @@ std::unique_ptr<cIccDecoder> MakeDecoder(const std::string& pProfile, int pColou
   return decoder;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 #include "photo/io/AmendedFile.h"
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Opens a Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF or JPEG XL file and turns the picture upright; rows
 /// are streamed unless they must be turned. Pixels of Radiance that stand as they are stay coded.
@@ -49,4 +49,4 @@ std::string GetEmbeddedProfile(const vips::VImage& pImage);
 std::unique_ptr<cIccDecoder> MakeDecoder(const std::string& pProfile, int pColours,
                                          std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

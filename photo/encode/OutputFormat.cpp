@@ -7,7 +7,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kHuge = 1 << 30;
@@ -111,4 +111,4 @@ void CheckFits(eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight)
                                              " x " + std::to_string(pHeight) + "; write .png, .tif or .jxl");
 }
 
-}  // namespace Cli
+}  // namespace Photo

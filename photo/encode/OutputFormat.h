@@ -6,7 +6,7 @@
 
 #include "photo/io/MetadataKinds.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What a finished picture is written as.
 enum class eOutputFormat { kPng, kTiff, kJpeg, kWebp, kAvif, kJxl };
@@ -44,4 +44,4 @@ int ChooseDepth(eOutputFormat pFormat, int pDepth);
 /// Throws cFailure for a picture that the format is too small for.
 void CheckFits(eOutputFormat pFormat, std::int64_t pWidth, std::int64_t pHeight);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 #include "photo/encode/OutputFormat.h"
 #include "photo/picture/AlphaChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What the result is, besides its look.
 struct sOutputOptions {
@@ -15,4 +15,4 @@ struct sOutputOptions {
   sFileOptions fFile;
 };
 
-}  // namespace Cli
+}  // namespace Photo

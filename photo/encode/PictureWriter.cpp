@@ -13,7 +13,7 @@
 #include "photo/metadata/PictureMetadata.h"
 #include "photo/picture/ResultAlpha.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -176,4 +176,4 @@ std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat 
   return warnings;
 }
 
-}  // namespace Cli
+}  // namespace Photo

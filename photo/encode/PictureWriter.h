@@ -9,7 +9,7 @@
 #include "photo/io/TempFile.h"
 #include "photo/picture/ResultPixels.h"
 
-namespace Cli {
+namespace Photo {
 
 class cMetadata;
 
@@ -32,4 +32,4 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

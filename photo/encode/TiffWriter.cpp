@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -100,4 +100,4 @@ void WriteTiff(const VImage& pImage, int pCompression, bool pIsPremultiplied, co
   if (TIFFFlush(tiff.get()) == 0) throw vips::VError();
 }
 
-}  // namespace Cli
+}  // namespace Photo

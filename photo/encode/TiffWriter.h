@@ -3,7 +3,7 @@
 #include <string>
 #include <vips/vips8>
 
-namespace Cli {
+namespace Photo {
 
 /// Writes an 8- or 16-bit RGB picture, which may have alpha as its fourth band, as TIFF with deflate and
 /// horizontal prediction, and with its profile, XMP, IPTC and description. pCompression: 0 (none) to 9.
@@ -11,4 +11,4 @@ namespace Cli {
 /// packs them several times as fast as row by row. Throws vips::VError.
 void WriteTiff(const vips::VImage& pImage, int pCompression, bool pIsPremultiplied, const std::string& pPath);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 struct sColourModel {
@@ -104,4 +104,4 @@ float cIccDecoder::Linearise(int pChannel, float pSample) const {
   return pSample > 1.0f ? inside * std::pow(pSample, curve.fEndPower) : inside;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 #include "engine/math/cMatrix33.h"
 #include "photo/icc/IccHandle.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Decodes samples through an ICC profile into D50-relative XYZ (relative colorimetric, so that the profile's
 /// white has Y = 1), all in float: nothing is clipped to a gamut on the way.
@@ -55,4 +55,4 @@ class cIccDecoder {
   std::array<sCurve, 3> fCurves;
 };
 
-}  // namespace Cli
+}  // namespace Photo

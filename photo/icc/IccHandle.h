@@ -6,7 +6,7 @@
 #include <limits>
 #include <memory>
 
-namespace Cli {
+namespace Photo {
 
 /// Closes a profile of Little CMS.
 struct sCloseIccProfile {
@@ -21,4 +21,4 @@ inline tIccHandle OpenIccProfile(const void* pData, std::size_t pSize) {
   return tIccHandle(cmsOpenProfileFromMem(pData, static_cast<cmsUInt32Number>(pSize)));
 }
 
-}  // namespace Cli
+}  // namespace Photo

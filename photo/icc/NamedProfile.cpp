@@ -8,7 +8,7 @@
 #include "photo/icc/IccDecoder.h"
 #include "photo/icc/ProfileSpace.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using TmEngine::eColorSpaceID;
@@ -61,4 +61,4 @@ const char* FindInteropIndex(const std::string& pProfile) {
   return dynamic_cast<const TmEngine::cColorSpace_AdobeRGB98*>(space.get()) != nullptr ? "R03" : "";
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 
 #include "engine/color/cColorSpace.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The profile that describes a named colour space.
 std::string GetIccProfile(TmEngine::eColorSpaceID pColorSpace);
@@ -20,4 +20,4 @@ std::string FromPngProfile(const std::string& pProfile);
 /// none.
 const char* FindInteropIndex(const std::string& pProfile);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 #include "engine/color/cTransfer.h"
 #include "photo/icc/IccHandle.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using TmEngine::cColorSpace;
@@ -156,4 +156,4 @@ eColorSpaceID ChooseWideSpace(const cIccDecoder& pDecoder, int pColours) {
   return found == std::end(kFromSmallToWide) ? TmEngine::eColorSpaceID_ProPhotoRGB : *found;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 #include "engine/color/cColorSpace.h"
 #include "photo/icc/IccDecoder.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The colour space of the engine in which samples mean the same as in the given RGB profile: one of the
 /// named ones, or one made of the profile's colorants and its common tone curve. Null where there is none, as
@@ -16,4 +16,4 @@ std::unique_ptr<TmEngine::cColorSpace> MatchProfile(const std::string& pProfile,
 /// The smallest named colour space that holds the colours of the decoder's profile.
 TmEngine::eColorSpaceID ChooseWideSpace(const cIccDecoder& pDecoder, int pColours);
 
-}  // namespace Cli
+}  // namespace Photo

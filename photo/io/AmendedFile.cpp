@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <memory>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Where libvips is in what it takes for a file.
@@ -96,4 +96,4 @@ vips::VSource OpenAmended(const std::string& pFile, const sAmendment& pAmendment
   return result;
 }
 
-}  // namespace Cli
+}  // namespace Photo

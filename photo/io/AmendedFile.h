@@ -4,7 +4,7 @@
 #include <string>
 #include <vips/vips8>
 
-namespace Cli {
+namespace Photo {
 
 /// Other bytes in place of some of a file's.
 struct sAmendment {
@@ -16,4 +16,4 @@ struct sAmendment {
 /// A file as a source of libvips, with some of its bytes replaced. Throws vips::VError.
 vips::VSource OpenAmended(const std::string& pFile, const sAmendment& pAmendment);
 
-}  // namespace Cli
+}  // namespace Photo

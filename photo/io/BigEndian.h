@@ -6,7 +6,7 @@
 
 /// Numbers as many file formats store them, the highest byte first.
 
-namespace Cli {
+namespace Photo {
 
 /// pBytes: up to eight.
 inline std::uint64_t ReadBigEndian(std::string_view pBytes) {
@@ -19,4 +19,4 @@ inline void AppendBigEndian(std::string& pTo, std::uint64_t pNumber, int pBytes)
   for (int i = pBytes - 1; i >= 0; --i) pTo += static_cast<char>(pNumber >> (8 * i) & 0xff);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <stdexcept>
 
-namespace Cli {
+namespace Photo {
 
 std::string ReadBytes(const std::string& pPath) {
   errno = 0;
@@ -28,4 +28,4 @@ void WriteBytes(const std::string& pPath, const std::string& pBytes) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

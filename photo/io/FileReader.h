@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// Reads parts of a file, here and there.
 class cFileReader {
@@ -26,4 +26,4 @@ class cFileReader {
   std::ifstream fStream;
 };
 
-}  // namespace Cli
+}  // namespace Photo

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Cli {
+namespace Photo {
 
 /// Which of a picture's metadata its result gets. Comments and resolution come with all of them only.
 struct sMetadataKinds {
@@ -11,4 +11,4 @@ struct sMetadataKinds {
   bool AreAll() const { return fExif && fXmp && fIptc; }
 };
 
-}  // namespace Cli
+}  // namespace Photo

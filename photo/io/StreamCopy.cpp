@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 bool WriteAll(int pTo, const char* pBytes, std::size_t pSize) {
@@ -34,4 +34,4 @@ bool CopyStream(int pFrom, int pTo, std::int64_t pMost) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -20,7 +20,7 @@
 #include "photo/io/StreamCopy.h"
 #include "photo/io/UnfinishedFile.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// How many may write one target at the same time and still be cleaned up after.
@@ -214,4 +214,4 @@ cTempFile OpenTarget(const std::string& pTarget, bool pMayReplace, int pStream) 
   return pStream == cTempFile::kNoStream ? cTempFile(pTarget, pMayReplace) : cTempFile(pStream);
 }
 
-}  // namespace Cli
+}  // namespace Photo

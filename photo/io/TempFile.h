@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// An empty file beside a target, which takes the target's place in one step. Until then the target stays as
 /// it is, and an exception removes the file. Signal handlers learn its path by TakeUnfinishedFile.
@@ -59,4 +59,4 @@ void CheckReplacing(const std::string& pTarget, bool pMayReplace);
 /// Throws the cFailure for a target that exists already. pMore: what else there is to do about it.
 [[noreturn]] void RefuseExisting(const std::string& pMore = "");
 
-}  // namespace Cli
+}  // namespace Photo

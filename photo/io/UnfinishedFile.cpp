@@ -5,7 +5,7 @@
 #include <cstring>
 #include <ctime>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 // Whoever has set the flag may use the path. The thread that changes it has its signals blocked before it
@@ -53,4 +53,4 @@ void cUnfinishedChange::Forget(const std::string& pPath) noexcept {
   if (pPath == gPath) gPath[0] = '\0';
 }
 
-}  // namespace Cli
+}  // namespace Photo

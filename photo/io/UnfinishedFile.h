@@ -3,7 +3,7 @@
 #include <csignal>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// The path of the temporary file that this process has not finished, "" for none. For a signal handler that
 /// is about to end the process, in whichever thread it runs: no file is created, renamed or removed by other
@@ -28,4 +28,4 @@ class cUnfinishedChange {
   sigset_t fFormer;
 };
 
-}  // namespace Cli
+}  // namespace Photo

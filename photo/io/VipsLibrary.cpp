@@ -6,7 +6,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 
 void StartVips() {
   if (VIPS_INIT("quorvane") == 0) return;
@@ -24,4 +24,4 @@ std::string TakeVipsError() {
   return text.empty() ? "no reason given" : text.substr(0, end);
 }
 
-}  // namespace Cli
+}  // namespace Photo

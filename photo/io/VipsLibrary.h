@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// Starts libvips, unless it runs. Who ends it, what it writes to standard error and what it caches are its
 /// host's business. With a cache of operations, libvips takes a file whose content has changed for the one
@@ -15,4 +15,4 @@ void SetVipsThreads(int pThreads);
 /// The first line of what libvips has to say about its last failure; what it holds is cleared.
 std::string TakeVipsError();
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include "engine/color/cTransfer.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 float DecodeSRGB(float pSample) {
@@ -100,4 +100,4 @@ float DecodeSample(const sCicpColors& pColors, float pSample) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include "photo/light/LinearLight.h"
 
-namespace Cli {
+namespace Photo {
 
 /// How light is encoded in samples.
 enum class eEncoding { kSRGB, kPower, kPQ, kHLG };
@@ -34,4 +34,4 @@ std::optional<sCicpColors> FindCodedColors(int pPrimaries, int pTransfer, const 
 /// square metre of PQ, and at 75 % of HLG, and lights go beyond.
 float DecodeSample(const sCicpColors& pColors, float pSample);
 
-}  // namespace Cli
+}  // namespace Photo

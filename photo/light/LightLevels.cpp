@@ -5,7 +5,7 @@
 
 #include "photo/base/FloatBits.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kGap = 24;                  // exponents
@@ -35,4 +35,4 @@ float cLightLevels::FindBound() const {
   return bound;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace Cli {
+namespace Photo {
 
 /// Counts the brightest sample of each few neighbouring pixels, to find where a picture's light ends.
 class cLightLevels {
@@ -29,4 +29,4 @@ class cLightLevels {
   std::array<std::int64_t, 256> fCounts{};  ///< By the exponents of floats.
 };
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include "engine/color/cColorSpace.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using TmEngine::cVector2;
@@ -91,4 +91,4 @@ sSurfaceColors GetSurfaceColors() {
           Build(&TmEngine::cColorSpace::BuildRGBToXYZ, primaries)};
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 #include "engine/math/cMatrix33.h"
 #include "engine/math/cVector.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Where the three primaries and the white of an RGB picture lie (CIE x, y). The default is sRGB.
 struct sPrimaries {
@@ -41,4 +41,4 @@ struct sSurfaceColors {
 };
 sSurfaceColors GetSurfaceColors();
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 
 #include "photo/base/FloatBits.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kGroup = 3 * 8;  // samples of neighbouring pixels
@@ -184,4 +184,4 @@ void cRowConverter::FitGamut(const sPart& pPart) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "photo/light/LinearLight.h"
 #include "photo/picture/Repairs.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Takes the rows of a picture as they come from its file, while the processor still has them at hand, and
 /// makes them what the engine takes:
@@ -62,4 +62,4 @@ class cRowConverter {
   std::vector<sPart> fWaiting;  ///< For Finish.
 };
 
-}  // namespace Cli
+}  // namespace Photo

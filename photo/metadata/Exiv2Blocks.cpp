@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <utility>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 #ifdef EXV_ENABLE_BMFF
@@ -150,4 +150,4 @@ void PackBlocks(const sParsed& pParsed, bool pIsExifShort, sMetadataBlocks& pTo,
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -11,7 +11,7 @@
 
 // For the parts of cMetadataLibrary's implementation by Exiv2 alone.
 
-namespace Cli {
+namespace Photo {
 
 /// The blocks as Exiv2 has them.
 struct sParsed {
@@ -75,4 +75,4 @@ sParsed ParseBlocks(const sMetadataBlocks& pBlocks);
 void PackBlocks(const sParsed& pParsed, bool pIsExifShort, sMetadataBlocks& pTo,
                 std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 
 #include "photo/metadata/PanoramaSizes.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Tags of a first image that describe how its samples lie in the input's file, or that hold other blocks.
@@ -156,4 +156,4 @@ sParsed ParseCorrected(const sMetadataBlocks& pBlocks, const sCorrections& pCorr
   return parsed;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 #include "photo/metadata/Exiv2Blocks.h"
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Drops fields that describe the input's file, or images in it that the result does not have.
 void DropFileFields(Exiv2::ExifData& pExif);
@@ -15,4 +15,4 @@ void DropFileFields(Exiv2::ExifData& pExif);
 sParsed ParseCorrected(const sMetadataBlocks& pBlocks, const sCorrections& pCorrections,
                        std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

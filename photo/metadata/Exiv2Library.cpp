@@ -12,7 +12,7 @@
 #include "photo/metadata/MetadataHead.h"
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr char kThumbnail[] = "Exif.Thumbnail.JPEGInterchangeFormat";
@@ -168,4 +168,4 @@ std::string GetExiv2Version() {
   return Exiv2::versionString();
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -10,7 +10,7 @@
 #include "photo/io/FileBytes.h"
 #include "photo/io/FileReader.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::string_view kSignature("\0\0\0\x0cJXL \r\n\x87\n", 12);
@@ -199,4 +199,4 @@ void WriteJxlMetadata(const std::string& pPath, const sJxlMetadata& pMetadata) {
   WriteBytes(pPath, parts.fHead + metadata + parts.fRest);
 }
 
-}  // namespace Cli
+}  // namespace Photo

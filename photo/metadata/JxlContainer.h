@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 // JPEG XL files are a bare codestream, or boxes (ISO/IEC 18181-2) that hold one beside metadata.
 
@@ -20,4 +20,4 @@ sJxlMetadata ReadJxlMetadata(const std::string& pFile);
 /// boxes, unless there is nothing to put in. Throws std::runtime_error when the file cannot be written.
 void WriteJxlMetadata(const std::string& pPath, const sJxlMetadata& pMetadata);
 
-}  // namespace Cli
+}  // namespace Photo

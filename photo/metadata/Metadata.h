@@ -6,7 +6,7 @@
 
 #include "photo/metadata/MetadataBlocks.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What a picture carries of its file's metadata. What is damaged is left out, with a warning.
 class cMetadata {
@@ -27,4 +27,4 @@ class cMetadata {
   std::vector<std::string> fWarnings;
 };
 
-}  // namespace Cli
+}  // namespace Photo

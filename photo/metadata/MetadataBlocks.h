@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 
 /// What libvips knows by a name and no block holds: comments of PNG, and EXIF where nothing else reads it.
 struct sVipsField {
@@ -24,4 +24,4 @@ struct sMetadataBlocks {
   std::vector<sVipsField> fFields;  ///< In the order in which they are written.
 };
 
-}  // namespace Cli
+}  // namespace Photo

@@ -12,7 +12,7 @@
 
 #include "photo/io/BigEndian.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::string_view kPngStart("\x89PNG\r\n\x1a\n", 8);
@@ -140,4 +140,4 @@ void ReplaceMetadataHead(const std::string& pPath, const sMetadataHead& pOld, co
   file.Resize(pixels + end - pOld.fPixels);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// The part of a PNG or JPEG file before its pixels, with an end that makes it a complete small file.
 /// Metadata are read and written in it without touching the pixels. Files of other formats are all head.
@@ -20,4 +20,4 @@ sMetadataHead ReadMetadataHead(const std::string& pPath);
 /// std::runtime_error when the file cannot be written, and leaves it damaged then.
 void ReplaceMetadataHead(const std::string& pPath, const sMetadataHead& pOld, const std::string& pNew);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 #include "photo/io/MetadataKinds.h"
 #include "photo/metadata/MetadataBlocks.h"
 
-namespace Cli {
+namespace Photo {
 
 /// A field of EXIF under the name that Exiv2 gives it ("Exif.Photo.FNumber"), and its value as text: a
 /// fraction is "28/5", further numbers follow after spaces.
@@ -69,4 +69,4 @@ bool HasExiv2();
 /// Empty without it.
 std::string GetExiv2Version();
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 std::string Get(const tExifTexts& pExif, const std::string& pKey) {
@@ -131,4 +131,4 @@ sMetadataSummary SummariseMetadata(const cMetadata& pMetadata) {
           DescribePosition(exif)};
 }
 
-}  // namespace Cli
+}  // namespace Photo

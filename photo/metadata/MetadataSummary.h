@@ -4,7 +4,7 @@
 
 #include "photo/metadata/Metadata.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What a person asks of a photograph's metadata; empty for what they do not state.
 struct sMetadataSummary {
@@ -20,4 +20,4 @@ struct sMetadataSummary {
 
 sMetadataSummary SummariseMetadata(const cMetadata& pMetadata);
 
-}  // namespace Cli
+}  // namespace Photo

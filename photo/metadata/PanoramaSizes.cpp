@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using tGet = std::function<std::optional<long>(const std::string&)>;
@@ -38,4 +38,4 @@ std::map<std::string, long> FitPanoramaSizes(const tGet& pGet, int pWidth, int p
   return changed;
 }
 
-}  // namespace Cli
+}  // namespace Photo

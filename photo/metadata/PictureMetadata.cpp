@@ -8,7 +8,7 @@
 #include "photo/metadata/VipsBlocks.h"
 #include "photo/metadata/XmpText.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -106,4 +106,4 @@ std::string ReadStoredSettings(const std::string& pFile) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

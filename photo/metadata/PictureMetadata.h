@@ -8,7 +8,7 @@
 #include "photo/metadata/Metadata.h"
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The metadata of pFile, which pImage was opened from and turned upright.
 std::shared_ptr<const cMetadata> ReadMetadata(const std::string& pFile, const vips::VImage& pImage);
@@ -40,4 +40,4 @@ class cResultMetadata {
 /// The settings that the tool wrote into a result; "" for none, or for a file that is no picture.
 std::string ReadStoredSettings(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

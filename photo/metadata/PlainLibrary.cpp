@@ -5,7 +5,7 @@
 #include "photo/metadata/MetadataLibrary.h"
 #include "photo/metadata/XmpText.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// What libvips calls the groups of fields.
@@ -126,4 +126,4 @@ const cMetadataLibrary& GetPlainLibrary() {
   return kLibrary;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::string_view kExifStart("Exif\0\0", 6);
@@ -125,4 +125,4 @@ void SetBlocks(const vips::VImage& pImage, const sMetadataBlocks& pBlocks) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

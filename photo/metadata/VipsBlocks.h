@@ -4,7 +4,7 @@
 
 #include "photo/metadata/MetadataBlocks.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The blocks that libvips holds of a picture that was turned upright. Its orientation and thumbnail are left
 /// out.
@@ -16,4 +16,4 @@ void TakeExifResolution(sMetadataBlocks& pBlocks);
 /// Gives blocks to libvips, to be written with the picture. What is empty leaves the picture as it is.
 void SetBlocks(const vips::VImage& pImage, const sMetadataBlocks& pBlocks);
 
-}  // namespace Cli
+}  // namespace Photo

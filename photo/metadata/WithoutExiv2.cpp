@@ -2,7 +2,7 @@
 
 // For builds without Exiv2.
 
-namespace Cli {
+namespace Photo {
 
 const cMetadataLibrary& GetMetadataLibrary() {
   return GetPlainLibrary();
@@ -16,4 +16,4 @@ std::string GetExiv2Version() {
   return "";
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 
 #include "photo/metadata/PanoramaSizes.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr char kProperty[] = "quorvane:Settings";
@@ -138,4 +138,4 @@ std::optional<std::string> CorrectXmp(const std::string& pPacket, int pWidth, in
   return Save(document);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 // XMP packets, where no library of their own handles them. Properties are known by their usual prefixes.
 
@@ -19,4 +19,4 @@ std::string FindSettingsInXmp(const std::string& pPacket);
 /// damaged one.
 std::optional<std::string> CorrectXmp(const std::string& pPacket, int pWidth, int pHeight);
 
-}  // namespace Cli
+}  // namespace Photo

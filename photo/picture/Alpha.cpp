@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The visible pixels in the order of rows, walked once.
@@ -121,4 +121,4 @@ void BlackenTransparent(cResultPixels& pResult, const sPicture& pPicture) {
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "photo/picture/Picture.h"
 #include "photo/picture/ResultPixels.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Alpha as sPicture holds it. 8 bits come back exactly; floats are clamped to [0, 1] and rounded, NaN is 0.
 inline std::uint16_t AlphaOf8Bits(unsigned pAlpha) {
@@ -34,4 +34,4 @@ void HideTransparent(sPicture& pPicture);
 /// Makes the fully transparent pixels of the result black, unless pPicture is premultiplied.
 void BlackenTransparent(cResultPixels& pResult, const sPicture& pPicture);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Six hexadecimal digits, or three that stand for two equal ones each.
@@ -44,4 +44,4 @@ std::string ToText(const sAlphaChoice& pChoice) {
   return text;
 }
 
-}  // namespace Cli
+}  // namespace Photo

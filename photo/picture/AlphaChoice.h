@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace Cli {
+namespace Photo {
 
 /// What becomes of a picture's alpha.
 enum class eAlpha {
@@ -26,4 +26,4 @@ std::optional<sAlphaChoice> ParseAlpha(const std::string& pText);
 /// A text that ParseAlpha takes.
 std::string ToText(const sAlphaChoice& pChoice);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "engine/base/cException.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Does pWork. Other exceptions than cFailure become one, of pKind. pDoing: what memory ran out for, such as
 /// "read". pDescribe: the reason from an exception's own text.
@@ -28,4 +28,4 @@ auto ConvertFailures(eFailure pKind, const std::string& pDoing, const tWork& pWo
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

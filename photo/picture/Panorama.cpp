@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The value of a property, as an attribute's or an element's text; empty where there is none.
@@ -121,4 +121,4 @@ void cRolledSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY
   fImage.ReadRun(pY, 0, pCount - count, pToX + count, pToY + count, pToZ + count);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 #include "engine/image/ImageRows.h"
 #include "photo/picture/Picture.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Whether a picture's XMP says that it is a whole panorama of 360 degrees: GPano's projection is
 /// equirectangular, and no part of its width was cropped away.
@@ -41,4 +41,4 @@ class cRolledSource : public TmEngine::cRowSource {
   int fStart;
 };
 
-}  // namespace Cli
+}  // namespace Photo

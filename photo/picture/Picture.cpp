@@ -9,7 +9,7 @@
 #include "engine/image/BitmapRows.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
@@ -76,4 +76,4 @@ void SpreadGrey(float* pRow, int pWidth) {
   for (int x = 0; x < pWidth; ++x, pRow += 3) pRow[1] = pRow[2] = pRow[0];
 }
 
-}  // namespace Cli
+}  // namespace Photo

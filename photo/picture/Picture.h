@@ -11,7 +11,7 @@
 #include "photo/picture/PictureChoice.h"
 #include "photo/picture/PictureRows.h"
 
-namespace Cli {
+namespace Photo {
 
 class cMetadata;
 
@@ -59,4 +59,4 @@ std::uint16_t* GetAlphaRow(sPicture& pPicture, int pY);
 /// Copies each pixel's first sample to the other two.
 void SpreadGrey(float* pRow, int pWidth);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 
 /// What is taken of a file that holds more than one picture.
 struct sPictureChoice {
@@ -24,4 +24,4 @@ struct sPicturePart {
   std::vector<std::string> fLayers;  ///< Those with colours; "" for the channels without a layer's name.
 };
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr int kCodes = 65536;
@@ -79,4 +79,4 @@ sPictureDifference ComparePictures(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLD
   return difference;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include "engine/image/cBitmapLDR.h"
 
-namespace Cli {
+namespace Photo {
 
 /// How far two pictures are apart, in 8-bit codes; samples of 16 bits count as 1/257 of their own.
 struct sPictureDifference {
@@ -27,4 +27,4 @@ sPixel16 GetPixel16(TmEngine::cBitmapLDR& pPicture, int pX, int pY);
 /// Both pictures have the same size. Colour spaces are not looked at.
 sPictureDifference ComparePictures(TmEngine::cBitmapLDR& pA, TmEngine::cBitmapLDR& pB);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "photo/picture/Repairs.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The rows of a picture whose file has been opened: D50-relative XYZ, linear, every sample finite.
 class cPictureRows {
@@ -36,4 +36,4 @@ class cPictureRows {
   bool fHasAlpha;
 };
 
-}  // namespace Cli
+}  // namespace Photo

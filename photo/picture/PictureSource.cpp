@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstddef>
 
-namespace Cli {
+namespace Photo {
 
 cPictureSource::cPictureSource(cPictureRows& pRows)
     : cRowSource(pRows.GetWidth(), pRows.GetHeight()),
@@ -32,4 +32,4 @@ void cPictureSource::Finish() const {
   fState.fNeedsWholePicture = !fState.fRepairs;
 }
 
-}  // namespace Cli
+}  // namespace Photo

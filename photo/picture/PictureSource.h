@@ -7,7 +7,7 @@
 #include "photo/picture/PictureRows.h"
 #include "photo/picture/PictureStatistics.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Gives the engine a picture's rows as they come from the file, so that the picture is never in memory as a
 /// whole. For one rendering. The rows stay the caller's.
@@ -48,4 +48,4 @@ class cPictureSource : public TmEngine::cRowSource {
   mutable sState fState;
 };
 
-}  // namespace Cli
+}  // namespace Photo

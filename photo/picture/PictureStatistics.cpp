@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <numeric>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr auto kBins =
@@ -122,4 +122,4 @@ sPictureStatistics SamplePicture(const sPicture& pPicture) {
                  cLuminanceSampler::OfPart(pPicture.fBitmap->GetWidth(), pPicture.fBitmap->GetHeight()));
 }
 
-}  // namespace Cli
+}  // namespace Photo

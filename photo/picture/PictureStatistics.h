@@ -5,7 +5,7 @@
 
 #include "photo/picture/Picture.h"
 
-namespace Cli {
+namespace Photo {
 
 /// How the luminance of a picture is distributed. Logarithms are decimal, of linear luminance with 1 for the
 /// file's white. Fully transparent pixels do not count, but for premultiplied ones with light.
@@ -57,4 +57,4 @@ sPictureStatistics MeasurePicture(const sPicture& pPicture);
 /// The same on a regular sample.
 sPictureStatistics SamplePicture(const sPicture& pPicture);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 #include "engine/image/BitmapRows.h"
 #include "photo/picture/Alpha.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// What an area gathers: light times opacity (unless it is premultiplied), and opacity.
@@ -151,4 +151,4 @@ sPicture ReducePicture(sPicture pPicture, int pLongSide) {
   return pPicture;
 }
 
-}  // namespace Cli
+}  // namespace Photo

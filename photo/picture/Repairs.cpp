@@ -1,6 +1,6 @@
 #include "photo/picture/Repairs.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 std::string CountPixels(std::int64_t pCount) {
@@ -21,4 +21,4 @@ void WarnOfRepairs(const sRepairs& pRepairs, std::vector<std::string>& pWarnings
   }
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 
 /// Pixels whose samples had to be put right before the engine may see them.
 struct sRepairs {
@@ -17,4 +17,4 @@ struct sRepairs {
 /// Adds a warning for each kind of invalid samples; colours that no surface has are common, and get none.
 void WarnOfRepairs(const sRepairs& pRepairs, std::vector<std::string>& pWarnings);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -7,7 +7,7 @@
 #include "engine/image/cBitmapBGR16.h"
 #include "engine/image/cBitmapXYZ32.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::uint64_t kOpaque = 65535;
@@ -91,4 +91,4 @@ void LayOver(const std::array<std::uint8_t, 3>& pColour, TmEngine::eColorSpaceID
   blend(ConvertColour(pColour, pSpace), pIsPremultiplied, pAlpha, pResult);
 }
 
-}  // namespace Cli
+}  // namespace Photo

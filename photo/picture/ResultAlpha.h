@@ -7,7 +7,7 @@
 #include "engine/color/cColorSpace.h"
 #include "photo/picture/ResultPixels.h"
 
-namespace Cli {
+namespace Photo {
 
 // What is done to a result and its alpha (as sPicture::fAlpha) once it is rendered. All of it acts on coded
 // samples, since that is what programs that show or edit pictures blend: a result looks over a colour as it
@@ -22,4 +22,4 @@ std::int64_t DivideByAlpha(cResultPixels& pResult, std::vector<std::uint16_t>& p
 void LayOver(const std::array<std::uint8_t, 3>& pColour, TmEngine::eColorSpaceID pSpace,
              bool pIsPremultiplied, const std::vector<std::uint16_t>& pAlpha, cResultPixels& pResult);
 
-}  // namespace Cli
+}  // namespace Photo

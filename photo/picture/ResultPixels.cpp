@@ -8,7 +8,7 @@
 #include "engine/base/LargeBlock.h"
 #include "engine/image/ImageRows.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Reads the samples of a row in the other order.
@@ -107,4 +107,4 @@ void cResultSink::EndRow(int pY) {
   count(row, 3 * fPixels.GetWidth(), fClipped);
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -10,7 +10,7 @@
 #include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapLDR.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The samples of a result as files take them: red, green, blue, in rows without gaps.
 class cResultPixels {
@@ -68,4 +68,4 @@ class cResultSink : public TmEngine::cRowSink {
   sClippedPixels fClipped;
 };
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "engine/stages/ToneTables.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The strength that compresses large contrasts to pExponent of their decades.
@@ -41,4 +41,4 @@ sSettings SuggestSettings(const sPictureStatistics& pStatistics) {
   return settings;
 }
 
-}  // namespace Cli
+}  // namespace Photo

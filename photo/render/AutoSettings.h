@@ -3,10 +3,10 @@
 #include "photo/picture/PictureStatistics.h"
 #include "photo/render/Settings.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Sliders for a picture of such light; docs/auto.md tells the rule. What the rule says nothing of keeps its
 /// default, as does all of it for a picture of one luminance.
 sSettings SuggestSettings(const sPictureStatistics& pStatistics);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include "photo/picture/Panorama.h"
 
-namespace Cli {
+namespace Photo {
 
 bool ChooseWrap(eWrap pWrap, const sPicture& pPicture) {
   if (pWrap != eWrap::kAuto) return pWrap == eWrap::kHorizontal;
@@ -14,4 +14,4 @@ bool MayWrap(eWrap pWrap, bool pIsPanorama, int pWidth, int pHeight) {
   return pIsPanorama || HasPanoramaShape(pWidth, pHeight);
 }
 
-}  // namespace Cli
+}  // namespace Photo

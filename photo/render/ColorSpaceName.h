@@ -2,7 +2,7 @@
 
 #include "engine/color/cColorSpace.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What options and stored settings call the colour spaces of a result.
 struct sColorSpaceName {
@@ -13,4 +13,4 @@ inline constexpr sColorSpaceName kColorSpaceNames[] = {{"srgb", TmEngine::eColor
                                                        {"adobergb", TmEngine::eColorSpaceID_AdobeRGB98},
                                                        {"prophoto", TmEngine::eColorSpaceID_ProPhotoRGB}};
 
-}  // namespace Cli
+}  // namespace Photo

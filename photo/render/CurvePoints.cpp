@@ -7,7 +7,7 @@
 
 #include "photo/base/FloatText.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using TmEngine::cVector2;
@@ -96,4 +96,4 @@ std::unique_ptr<TmEngine::cHermiteSpline> MakeHueCurve(const tHuePoints& pPoints
   return curve;
 }
 
-}  // namespace Cli
+}  // namespace Photo

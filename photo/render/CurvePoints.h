@@ -7,7 +7,7 @@
 #include "engine/curve/cHermiteSpline.h"
 #include "engine/math/cVector.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Control points of a curve over hue: x the hue in degrees from 0 to 360, y from 0 to 1, neutral at 0.5.
 using tHuePoints = std::vector<TmEngine::cVector2>;
@@ -33,4 +33,4 @@ tHuePoints CloseCircle(const tHuePoints& pPoints);
 std::unique_ptr<TmEngine::cHermiteSpline> MakeHueCurve(const tHuePoints& pPoints,
                                                        TmEngine::eSplineInterpolationMode pMode);
 
-}  // namespace Cli
+}  // namespace Photo

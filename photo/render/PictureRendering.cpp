@@ -11,7 +11,7 @@
 #include "photo/render/ChooseWrap.h"
 #include "photo/render/CurvePoints.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 void FillReport(const TmEngine::cTmRenderer& pRenderer, const cResultSink& pSink, sRenderingReport& pReport) {
@@ -103,4 +103,4 @@ std::optional<cResultPixels> RenderSource(cPictureSource& pSource, const sRender
   });
 }
 
-}  // namespace Cli
+}  // namespace Photo

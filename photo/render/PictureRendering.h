@@ -9,7 +9,7 @@
 #include "photo/picture/ResultPixels.h"
 #include "photo/render/Settings.h"
 
-namespace Cli {
+namespace Photo {
 
 /// What is asked of a rendering, besides its picture.
 struct sRendering {
@@ -47,4 +47,4 @@ cResultPixels RenderPicture(sPicture& pPicture, const sRendering& pRendering, sR
 std::optional<cResultPixels> RenderSource(cPictureSource& pSource, const sRendering& pRendering,
                                           sRenderingReport& pReport);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -2,7 +2,7 @@
 
 #include "engine/ToneSliders.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr sSlider kSliders[] = {
@@ -81,4 +81,4 @@ TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap
   return parameters;
 }
 
-}  // namespace Cli
+}  // namespace Photo

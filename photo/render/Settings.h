@@ -8,7 +8,7 @@
 #include "engine/ToneMapImage.h"
 #include "photo/base/FloatText.h"  // values as text
 
-namespace Cli {
+namespace Photo {
 
 /// Whether the left and right edges of a picture meet.
 enum class eWrap { kNone, kHorizontal, kAuto };
@@ -62,4 +62,4 @@ std::optional<eWrap> FindWrap(const std::string& pName);
 /// a curve over hue.
 TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap);
 
-}  // namespace Cli
+}  // namespace Photo

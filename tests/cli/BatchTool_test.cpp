@@ -400,7 +400,7 @@ TEST_F(BatchTool, FindsTheMemoryThatItMayUse) {
       fs::create_directories(path.parent_path());
       std::ofstream(path) << text;
     }
-    EXPECT_EQ(Cli::GetAvailableMemory(root), row.fBytes) << row.fGroups;
+    EXPECT_EQ(Tool::GetAvailableMemory(root), row.fBytes) << row.fGroups;
   }
 }
 

@@ -16,8 +16,8 @@
 
 namespace {
 
-using Cli::ReadPicture;
-using Cli::sPicture;
+using Photo::ReadPicture;
+using Photo::sPicture;
 
 using ReadingTool = cToolTest;
 
@@ -137,7 +137,7 @@ TEST_F(ReadingTool, DecodesPQAndHLG) {
     Patch("a.avif", "coded.avif", "colrnclx", 0, row.fCodes);
     const sPicture picture = ReadPicture("coded.avif");
     EXPECT_EQ(picture.fColorSpace, row.fColorSpace);
-    EXPECT_NEAR(Cli::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 2.5e-4f) << row.fColorSpace;
+    EXPECT_NEAR(Photo::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 2.5e-4f) << row.fColorSpace;
   }
   Patch("a.avif", "odd.avif", "colrnclx", 0, {0, 9, 0, 77});
   EXPECT_EQ(ReadPicture("odd.avif").fWarnings.size(), 1u);
@@ -155,7 +155,7 @@ TEST_F(ReadingTool, DecodesFloatsThroughTheirProfile) {
   TmEngine::cVector3 linear;
   for (int i = 0; i < 3; ++i) linear[i] = std::pow(scene.GetPixel(3, 3)[i], 563.0f / 256.0f);
   const TmEngine::cVector3 xyz = TmEngine::cColorSpace_AdobeRGB98().GetRGBToXYZ() * linear;
-  EXPECT_NEAR(Cli::GetRow(picture, 3)[3 * 3 + 1], xyz[1], 2e-5f * xyz[1]);
+  EXPECT_NEAR(Photo::GetRow(picture, 3)[3 * 3 + 1], xyz[1], 2e-5f * xyz[1]);
 }
 
 TEST_F(ReadingTool, KeepsAlphaToTheBit) {
@@ -319,7 +319,7 @@ TEST_F(ReadingTool, RepairsOutliersOfEveryFormat) {
     write(spot(1e6f), file);
     const sPicture sun = ReadPicture(file);
     EXPECT_EQ(sun.fRepairs.fOutliers, 0) << file;
-    EXPECT_NEAR(Cli::GetRow(sun, 40)[3 * 31 + 1], 1e6f, isExact ? 0.0f : 1500.0f) << file;
+    EXPECT_NEAR(Photo::GetRow(sun, 40)[3 * 31 + 1], 1e6f, isExact ? 0.0f : 1500.0f) << file;
   }
 }
 
@@ -352,8 +352,8 @@ TEST_F(ReadingTool, ExrPicturesAreTheirDisplayWindow) {
         for (int x = 0; x < row.fSize.x; ++x) {
           const Imath::V2i at = isWhole ? Imath::V2i(x, y) : row.fDisplay.min + Imath::V2i(x, y) - row.fAt;
           const bool isStored = at.x >= 0 && at.x < 48 && at.y >= 0 && at.y < 32;
-          const float expected = isStored ? Cli::GetRow(whole, at.y)[3 * at.x + 1] : 0.0f;
-          ASSERT_EQ(Cli::GetRow(picture, y)[3 * x + 1], expected) << x << ' ' << y;
+          const float expected = isStored ? Photo::GetRow(whole, at.y)[3 * at.x + 1] : 0.0f;
+          ASSERT_EQ(Photo::GetRow(picture, y)[3 * x + 1], expected) << x << ' ' << y;
           if (!row.fHasAlpha) continue;
           ASSERT_EQ(picture.fAlpha[static_cast<std::size_t>(y * row.fSize.x + x)], isStored ? 65535 : 0);
         }
@@ -489,8 +489,8 @@ TEST_F(ReadingTool, RolledPanoramasGiveTheRolledResult) {
 
 TEST_F(ReadingTool, RecognisesPanoramasByEdgesAndMetadata) {
   WriteExr("a.exr", MakePanorama(256));
-  EXPECT_TRUE(Cli::ChooseWrap(Cli::eWrap::kAuto, ReadPicture("a.exr")));
-  EXPECT_FALSE(Cli::ChooseWrap(Cli::eWrap::kNone, ReadPicture("a.exr")));
+  EXPECT_TRUE(Photo::ChooseWrap(Photo::eWrap::kAuto, ReadPicture("a.exr")));
+  EXPECT_FALSE(Photo::ChooseWrap(Photo::eWrap::kNone, ReadPicture("a.exr")));
   VImage tagged = ToVips8(MakeScene(40, 30)).copy();
   SetBlob(tagged, VIPS_META_XMP_NAME, "<GPano:ProjectionType>equirectangular</GPano:ProjectionType>");
   tagged.jpegsave("tagged.jpg");

@@ -18,30 +18,30 @@
 
 namespace {
 
-using Cli::ReadPicture;
-using Cli::sPicture;
+using Photo::ReadPicture;
+using Photo::sPicture;
 
 using StatedTool = cToolTest;
 
 /// The middle pixel's Y.
 float LightOf(const sPicture& pPicture) {
   const int x = pPicture.fBitmap->GetWidth() / 2;
-  return Cli::GetRow(pPicture, pPicture.fBitmap->GetHeight() / 2)[3 * x + 1];
+  return Photo::GetRow(pPicture, pPicture.fBitmap->GetHeight() / 2)[3 * x + 1];
 }
 
 std::string MakeChunk(const std::string& pName, const std::string& pContent) {
   std::string chunk;
-  Cli::AppendBigEndian(chunk, pContent.size(), 4);
+  Photo::AppendBigEndian(chunk, pContent.size(), 4);
   chunk += pName + pContent;
   const std::string body = pName + pContent;
   const auto* const bytes = reinterpret_cast<const Bytef*>(body.data());
-  Cli::AppendBigEndian(chunk, crc32(0, bytes, static_cast<uInt>(body.size())), 4);
+  Photo::AppendBigEndian(chunk, crc32(0, bytes, static_cast<uInt>(body.size())), 4);
   return chunk;
 }
 
 std::string MakeNumbers(const std::string& pName, const std::vector<unsigned>& pNumbers) {
   std::string content;
-  for (const unsigned number : pNumbers) Cli::AppendBigEndian(content, number, 4);
+  for (const unsigned number : pNumbers) Photo::AppendBigEndian(content, number, 4);
   return MakeChunk(pName, content);
 }
 
@@ -107,9 +107,9 @@ TEST_F(StatedTool, PngColoursCountInTheirOrder) {
 
 TEST_F(StatedTool, ExifNamesAdobeRGB) {
   const VImage scene = ToVips8(MakeScene(40, 30));
-  const std::string adobe = Cli::GetIccProfile(TmEngine::eColorSpaceID_AdobeRGB98);
+  const std::string adobe = Photo::GetIccProfile(TmEngine::eColorSpaceID_AdobeRGB98);
   const auto index = [](const char* pFile) {
-    return Cli::GetMetadataLibrary().ListExif(
+    return Photo::GetMetadataLibrary().ListExif(
         ReadPicture(pFile).fMetadata->GetBlocks())["Exif.Iop.InteroperabilityIndex"];
   };
   VImage named = scene.copy();
@@ -120,7 +120,7 @@ TEST_F(StatedTool, ExifNamesAdobeRGB) {
   named.jpegsave("profiled.jpg");
   EXPECT_EQ(ReadPicture("named.jpg").fColorSpace, "Adobe RGB (1998) (EXIF)");
   EXPECT_NE(ReadPicture("profiled.jpg").fColorSpace, "Adobe RGB (1998) (EXIF)");
-  EXPECT_EQ(Cli::ReadLdrPicture("named.jpg", "equalize").fProfile, adobe);
+  EXPECT_EQ(Photo::ReadLdrPicture("named.jpg", "equalize").fProfile, adobe);
   for (const auto& [space, expected] : {std::pair{"srgb", "R98"}, {"adobergb", "R03"}, {"prophoto", ""}}) {
     Expect(0, std::string("tonemap named.jpg --overwrite -o a.jpg --colorspace ") + space);
     EXPECT_EQ(index("a.jpg"), expected) << space;
@@ -152,7 +152,7 @@ TEST_F(StatedTool, PngLibrariesDoNotWarnOfItsProfiles) {
                                  {"prophoto", TmEngine::eColorSpaceID_ProPhotoRGB}}) {
     Expect(0, std::string("tonemap a.hdr --overwrite -o a.png --colorspace ") + name);
     EXPECT_EQ(ListPngWarnings("a.png"), std::vector<std::string>()) << name;
-    EXPECT_EQ(Cli::ReadLdrPicture("a.png", "equalize").fProfile, Cli::GetIccProfile(id)) << name;
+    EXPECT_EQ(Photo::ReadLdrPicture("a.png", "equalize").fProfile, Photo::GetIccProfile(id)) << name;
   }
 }
 
@@ -285,8 +285,8 @@ TEST_F(StatedTool, ReadsOddSamplesOfTiff) {
                              (kind.fIsPlanar ? " planar" : "");
     EXPECT_EQ(picture.fFileDepth, kind.fBits) << name;
     EXPECT_NEAR(LightOf(picture), isFloat ? half : 0.2964f, isFloat ? 1.2e-4f * half : 1e-4f) << name;
-    const float last = Cli::GetRow(picture, 31)[3 * 47 + 1];
-    const float expected = isFloat ? Cli::GetRow(linear, 31)[3 * 47 + 1] : 1.0f;
+    const float last = Photo::GetRow(picture, 31)[3 * 47 + 1];
+    const float expected = isFloat ? Photo::GetRow(linear, 31)[3 * 47 + 1] : 1.0f;
     EXPECT_NEAR(last, expected, 4e-5f * expected) << name;
     EXPECT_TRUE(picture.fWarnings.empty()) << name;
     Expect(isFloat ? 3 : 0, "equalize a.tif --overwrite -o b.png --saturation 0:0.5");
@@ -385,7 +385,7 @@ TEST_F(StatedTool, ReportsWhatElseAJpegHolds) {
   scene.copy(VImage::option()->set("xres", 12.0)->set("yres", 6.0)).jpegsave("flat.jpg");
   const auto put = [](const std::string& pSegment) {
     std::string segment = "\xff\xe2";
-    Cli::AppendBigEndian(segment, pSegment.size() + 2, 2);
+    Photo::AppendBigEndian(segment, pSegment.size() + 2, 2);
     std::ofstream("a.jpg", std::ios::binary) << ReadText("plain.jpg").insert(2, segment + pSegment);
     return ReadPicture("a.jpg").fWarnings;
   };

@@ -146,7 +146,7 @@ TEST_F(WritingTool, WritesTheSameBytesAgain) {
 }
 
 TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
-  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
   MakeFullJpeg("in.jpg");
   const std::string tags =
       "-IFD0:Make -GPS:GPSLatitude -IPTC:Keywords -XMP-dc:Subject -XMP-GPano:ProjectionType "
@@ -199,7 +199,7 @@ TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
 }
 
 TEST_F(WritingTool, MetadataLeaveThePictureOfJpegXlAsItIs) {
-  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
   MakeFullJpeg("in.jpg");
   for (const std::string options : {"--depth 8", "--depth 16", "--depth 8 --quality 100",
                                     "--depth 16 --quality 100"}) {  // the last has boxes without metadata too
@@ -213,13 +213,13 @@ TEST_F(WritingTool, MetadataLeaveThePictureOfJpegXlAsItIs) {
   const std::string whole = ReadText("a.jxl");
   for (std::size_t size = 12; size < 400; ++size) {  // cut among the boxes, and their sizes spoilt
     std::ofstream("cut.jxl", std::ios::binary) << whole.substr(0, size);
-    Cli::ReadStoredSettings("cut.jxl");
-    Cli::ReadJxlMetadata("cut.jxl");
+    Photo::ReadStoredSettings("cut.jxl");
+    Photo::ReadJxlMetadata("cut.jxl");
     std::string spoilt = whole;
     spoilt[size] = '\xff';
     std::ofstream("cut.jxl", std::ios::binary) << spoilt;
-    Cli::ReadJxlMetadata("cut.jxl");
-    Cli::WriteJxlMetadata("cut.jxl", {"II", "x"});
+    Photo::ReadJxlMetadata("cut.jxl");
+    Photo::WriteJxlMetadata("cut.jxl", {"II", "x"});
   }
   Capture("cjxl in.jpg packed.jxl");  // by Brotli
   EXPECT_EQ(Equalize("packed.jxl", "a.png"), "");
@@ -227,7 +227,7 @@ TEST_F(WritingTool, MetadataLeaveThePictureOfJpegXlAsItIs) {
 }
 
 TEST_F(WritingTool, WritesExrAttributesAsExif) {
-  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
   const float infinity = std::numeric_limits<float>::infinity();
   const struct {
     sExrKind fKind;
@@ -271,7 +271,7 @@ TEST_F(WritingTool, WritesExrAttributesAsExif) {
 }
 
 TEST_F(WritingTool, DamagedMetadataNeverStopAPicture) {
-  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
   MakeFullJpeg("in.jpg");
   const std::string whole = ReadText("in.jpg");
   const struct {
@@ -305,7 +305,7 @@ TEST_F(WritingTool, DamagedMetadataNeverStopAPicture) {
 }
 
 TEST_F(WritingTool, LeavesTheOldFileWhenTheDiskIsFullBeforeItsMetadata) {
-  if (!Cli::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
+  if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
   MakeFullJpeg("in.jpg");
   Equalize("in.jpg", "a.jpg", "--metadata none");
   const std::string before = ReadText("a.jpg");
@@ -338,29 +338,29 @@ TEST_F(WritingTool, StoresSettings) {
               static_cast<unsigned char>(9));
   MakeFullJpeg("in.jpg");
   for (const std::string file : kFiles) {
-    std::shared_ptr<const Cli::cMetadata> metadata;
-    const auto write = [&](const std::string& pSettings, const Cli::sFileOptions& pOptions) {
-      Cli::sFinishedPicture picture{Cli::cResultPixels(*bitmap),
-                                    {},
-                                    Cli::GetIccProfile(TmEngine::eColorSpaceID_sRGB),
-                                    metadata,
-                                    pSettings};
-      Cli::cTempFile place(file);
-      Cli::WritePicture(picture, Cli::ChooseOutputFormat(file, 8), pOptions, place);
+    std::shared_ptr<const Photo::cMetadata> metadata;
+    const auto write = [&](const std::string& pSettings, const Photo::sFileOptions& pOptions) {
+      Photo::sFinishedPicture picture{Photo::cResultPixels(*bitmap),
+                                      {},
+                                      Photo::GetIccProfile(TmEngine::eColorSpaceID_sRGB),
+                                      metadata,
+                                      pSettings};
+      Photo::cTempFile place(file);
+      Photo::WritePicture(picture, Photo::ChooseOutputFormat(file, 8), pOptions, place);
     };
-    metadata = Cli::ReadMetadata("in.jpg", VImage::new_from_file("in.jpg"));
+    metadata = Photo::ReadMetadata("in.jpg", VImage::new_from_file("in.jpg"));
     for (const std::string& text : {std::string("{\"old\": 1}"), json}) {  // the later replaces the former
       write(text, {});
-      EXPECT_EQ(Cli::ReadStoredSettings(file), text) << file;
-      metadata = Cli::ReadMetadata(file, VImage::new_from_file(file.c_str()));
+      EXPECT_EQ(Photo::ReadStoredSettings(file), text) << file;
+      metadata = Photo::ReadMetadata(file, VImage::new_from_file(file.c_str()));
     }
     metadata = nullptr;
     write(json, {0, -1, {true, false, true}});
-    EXPECT_EQ(Cli::ReadStoredSettings(file), "") << file;
+    EXPECT_EQ(Photo::ReadStoredSettings(file), "") << file;
     write(json, {});
-    EXPECT_EQ(Cli::ReadStoredSettings(file), json) << file;
+    EXPECT_EQ(Photo::ReadStoredSettings(file), json) << file;
   }
-  EXPECT_EQ(Cli::ReadStoredSettings("missing.png"), "");
+  EXPECT_EQ(Photo::ReadStoredSettings("missing.png"), "");
 }
 
 TEST_F(WritingTool, RefusesOptionsThatDoNotFit) {
@@ -440,11 +440,12 @@ TEST(Failure, NamesFileAndReasonWhenTheEngineIsOutOfMemory) {
     throw TmEngine::cOutOfMemoryException("The grid is too large.", 1, "file", "time", "function");
   };
   try {
-    Cli::NameFile("a.hdr", [&] { Cli::ConvertFailures(Cli::eFailure::kProcessing, "tone-map", render); });
+    Photo::NameFile("a.hdr",
+                    [&] { Photo::ConvertFailures(Photo::eFailure::kProcessing, "tone-map", render); });
     ADD_FAILURE() << "no failure";
-  } catch (const Cli::cFailure& failure) {
+  } catch (const Photo::cFailure& failure) {
     EXPECT_STREQ(failure.what(), "a.hdr: not enough memory to tone-map it: The grid is too large.");
-    EXPECT_EQ(failure.GetKind(), Cli::eFailure::kProcessing);
+    EXPECT_EQ(failure.GetKind(), Photo::eFailure::kProcessing);
   }
 }
 

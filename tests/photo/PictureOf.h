@@ -8,9 +8,9 @@
 #include "photo/picture/Picture.h"
 
 /// A picture in memory of these XYZ samples, without a file.
-inline Cli::sPicture PictureOf(int pWidth, const std::vector<float>& pXYZ,
-                               std::vector<std::uint16_t> pAlpha = {}) {
-  Cli::sPicture picture;
+inline Photo::sPicture PictureOf(int pWidth, const std::vector<float>& pXYZ,
+                                 std::vector<std::uint16_t> pAlpha = {}) {
+  Photo::sPicture picture;
   const int height = static_cast<int>(pXYZ.size()) / 3 / pWidth;
   picture.fBitmap = std::make_unique<TmEngine::cBitmapXYZ32>(pWidth, height);
   picture.fBitmap->CopyFromXYZ32(pWidth, height, 12 * pWidth, pXYZ.data());
@@ -26,10 +26,10 @@ inline std::vector<float> SpreadToXYZ(const std::vector<float>& pLuminances) {
 }
 
 /// All samples, in the order of rows.
-inline std::vector<float> SamplesOf(const Cli::sPicture& pPicture) {
+inline std::vector<float> SamplesOf(const Photo::sPicture& pPicture) {
   std::vector<float> samples;
   for (int y = 0; y < pPicture.fBitmap->GetHeight(); ++y) {
-    const float* const row = Cli::GetRow(pPicture, y);
+    const float* const row = Photo::GetRow(pPicture, y);
     samples.insert(samples.end(), row, row + 3 * pPicture.fBitmap->GetWidth());
   }
   return samples;

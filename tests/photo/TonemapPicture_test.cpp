@@ -10,11 +10,11 @@ namespace {
 using TonemapPicture = cFolderTest;
 
 /// A picture of a panorama's shape is loaded before its edges are compared; without wrap it is streamed.
-Cli::sTonemapJob MakeJob(Cli::eWrap pWrap) {
-  Cli::sTonemapJob job;
+Photo::sTonemapJob MakeJob(Photo::eWrap pWrap) {
+  Photo::sTonemapJob job;
   job.fInput = "a.pfm";
-  job.fOutput = pWrap == Cli::eWrap::kAuto ? "loaded.png" : "streamed.png";
-  job.fExisting = Cli::eExisting::kReplace;
+  job.fOutput = pWrap == Photo::eWrap::kAuto ? "loaded.png" : "streamed.png";
+  job.fExisting = Photo::eExisting::kReplace;
   job.fChange.fWrap = pWrap;
   return job;
 }
@@ -26,8 +26,8 @@ TEST_F(TonemapPicture, GivesTheSameStreamedAndLoaded) {
     sTestPicture scene = MakeScene(600, 300);
     scene.GetPixel(123, y)[1] = odd;
     WritePfm("a.pfm", scene);
-    const Cli::sPictureReport streamed = Cli::TonemapPicture(MakeJob(Cli::eWrap::kNone));
-    const Cli::sPictureReport loaded = Cli::TonemapPicture(MakeJob(Cli::eWrap::kAuto));
+    const Photo::sPictureReport streamed = Photo::TonemapPicture(MakeJob(Photo::eWrap::kNone));
+    const Photo::sPictureReport loaded = Photo::TonemapPicture(MakeJob(Photo::eWrap::kAuto));
     EXPECT_TRUE(ReadText("streamed.png") == ReadText("loaded.png")) << odd;
     EXPECT_EQ(streamed.fDynamicRange, loaded.fDynamicRange) << odd;
     EXPECT_EQ(streamed.fWarnings, loaded.fWarnings) << odd;
@@ -42,16 +42,16 @@ TEST_F(TonemapPicture, AsksForMemoryOnceAndStopsWhereItIsRefused) {
   scene.GetPixel(5, 290)[0] = 1e20f;  // opened twice
   WritePfm("a.pfm", scene);
   std::vector<std::int64_t> asked;
-  Cli::sTonemapJob job = MakeJob(Cli::eWrap::kNone);
+  Photo::sTonemapJob job = MakeJob(Photo::eWrap::kNone);
   job.fMemoryGate = [&](std::int64_t pPixels) { asked.push_back(pPixels); };
-  Cli::TonemapPicture(job);
+  Photo::TonemapPicture(job);
   EXPECT_EQ(asked, std::vector<std::int64_t>{180000});
   const auto before = ListTimes();
-  job.fMemoryGate = [](std::int64_t) { throw Cli::cFailure(Cli::eFailure::kProcessing, "too large"); };
+  job.fMemoryGate = [](std::int64_t) { throw Photo::cFailure(Photo::eFailure::kProcessing, "too large"); };
   try {
-    Cli::TonemapPicture(job);
+    Photo::TonemapPicture(job);
     ADD_FAILURE() << "not refused";
-  } catch (const Cli::cFailure& failure) {
+  } catch (const Photo::cFailure& failure) {
     EXPECT_STREQ(failure.what(), "a.pfm: too large");
   }
   EXPECT_TRUE(ListTimes() == before);

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// What comes before the text. Both ends are the same program.
@@ -74,4 +74,4 @@ std::optional<sMessage> cMessageReader::Wait() {
   }
 }
 
-}  // namespace Cli
+}  // namespace Tool

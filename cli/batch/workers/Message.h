@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace Cli {
+namespace Tool {
 
 /// What goes over the socket between a worker and its parent: to the worker a task's number, or the grant of
 /// the memory that it asked for; from it that request in bytes, or the answer.
@@ -40,4 +40,4 @@ class cMessageReader {
   std::string fBytes;
 };
 
-}  // namespace Cli
+}  // namespace Tool

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <optional>
 
-namespace Cli {
+namespace Tool {
 
 /// How long a task may take; the clock can be stopped while the task has to wait for others.
 class cTaskClock {
@@ -29,4 +29,4 @@ class cTaskClock {
   std::optional<tTime::time_point> fEnd;
 };
 
-}  // namespace Cli
+}  // namespace Tool

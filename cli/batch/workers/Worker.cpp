@@ -18,7 +18,7 @@
 #include "cli/batch/workers/Message.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 /// The parent grants a request for memory as soon as there is room. If it ends before, so does its worker.
@@ -49,7 +49,8 @@ void Serve(int pSocket, const tTaskMaker& pMakeTask) {
 }
 
 [[noreturn]] void RefuseToStart() {
-  throw cFailure(eFailure::kProcessing, "", std::string("no worker can be started: ") + std::strerror(errno));
+  throw Photo::cFailure(Photo::eFailure::kProcessing, "",
+                        std::string("no worker can be started: ") + std::strerror(errno));
 }
 
 }  // namespace
@@ -88,4 +89,4 @@ int CountPossibleWorkers() {
   return static_cast<int>(std::max<std::int64_t>(most - open - kSpare, 1));
 }
 
-}  // namespace Cli
+}  // namespace Tool

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Tool {
 
 /// A worker as its parent sees it.
 struct sWorker {
@@ -30,4 +30,4 @@ sWorker StartWorker(const tTaskMaker& pMakeTask, const std::vector<int>& pOthers
 /// How many workers this process has file handles for; at least 1.
 int CountPossibleWorkers();
 
-}  // namespace Cli
+}  // namespace Tool

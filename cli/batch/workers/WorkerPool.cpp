@@ -17,7 +17,7 @@
 #include "cli/batch/ExitCode.h"
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Tool {
 namespace {
 
 using tClock = cTaskClock::tTime;
@@ -113,7 +113,7 @@ std::optional<std::string> cWorkerPool::Begin(std::size_t pTask) {
   if (idle == fMembers.end()) {
     try {
       AddMember();
-    } catch (const cFailure& failure) {
+    } catch (const Photo::cFailure& failure) {
       if (fMembers.empty()) throw;
       fLimits.fWorkers = static_cast<int>(fMembers.size());
       return failure.what();
@@ -206,4 +206,4 @@ void cWorkerPool::GrantMemory() {
   }
 }
 
-}  // namespace Cli
+}  // namespace Tool

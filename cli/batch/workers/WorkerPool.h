@@ -10,7 +10,7 @@
 #include "cli/batch/workers/TaskClock.h"
 #include "cli/batch/workers/Worker.h"
 
-namespace Cli {
+namespace Tool {
 
 /// How a task ended.
 struct sTaskEnd {
@@ -70,4 +70,4 @@ class cWorkerPool {
   std::vector<sMember> fMembers;
 };
 
-}  // namespace Cli
+}  // namespace Tool

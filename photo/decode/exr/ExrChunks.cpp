@@ -10,7 +10,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 bool IsTiled(const Imf::Header& pHeader) {
@@ -110,4 +110,4 @@ void CheckExrChunks(Imf::InputPart& pFrom) {
   check.CheckLines();
 }
 
-}  // namespace Cli
+}  // namespace Photo

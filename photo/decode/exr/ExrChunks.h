@@ -2,7 +2,7 @@
 
 #include <OpenEXR/ImfInputPart.h>
 
-namespace Cli {
+namespace Photo {
 
 /// The lines, of pixels, that a file's part stores together.
 int CountChunkLines(const Imf::Header& pHeader);
@@ -12,4 +12,4 @@ int CountChunkLines(const Imf::Header& pHeader);
 /// that this library reads.) Throws cFailure, and what the library throws.
 void CheckExrChunks(Imf::InputPart& pFrom);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -10,7 +10,7 @@
 #include "photo/base/Failure.h"
 #include "photo/picture/Picture.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 bool IsWhole(const Imf::Channel& pChannel) {
@@ -120,4 +120,4 @@ std::unique_ptr<cExrLines> OpenExrLines(const std::string& pFile, Imf::InputPart
   return std::make_unique<cChromaLines>(pFile, pPart.header(), pSource);
 }
 
-}  // namespace Cli
+}  // namespace Photo

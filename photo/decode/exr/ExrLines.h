@@ -8,7 +8,7 @@
 
 #include "photo/decode/exr/ExrParts.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The lines of the data window of one source in a file.
 class cExrLines {
@@ -33,4 +33,4 @@ void CheckExrSource(const Imf::Header& pHeader, const sExrSource& pSource);
 std::unique_ptr<cExrLines> OpenExrLines(const std::string& pFile, Imf::InputPart& pPart,
                                         const sExrSource& pSource);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -16,7 +16,7 @@
 
 #include "photo/metadata/MetadataLibrary.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// Later versions of the library have more of these attributes than its own functions know here.
@@ -156,4 +156,4 @@ std::shared_ptr<const cMetadata> ReadExrMetadata(const Imf::Header& pHeader) {
   return std::make_shared<cMetadata>(std::move(blocks), "", std::move(warnings));
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -6,7 +6,7 @@
 
 #include "photo/metadata/Metadata.h"
 
-namespace Cli {
+namespace Photo {
 
 /// The standard attributes of a header that describe the photograph, as the corresponding fields of EXIF:
 /// owner (as Copyright), comments, capDate with utcOffset, expTime, aperture, isoSpeed, focus,
@@ -14,4 +14,4 @@ namespace Cli {
 /// xDensity as resolution. What cannot be true (a date in another form, a negative time) is left out.
 std::shared_ptr<const cMetadata> ReadExrMetadata(const Imf::Header& pHeader);
 
-}  // namespace Cli
+}  // namespace Photo

@@ -9,7 +9,7 @@
 
 #include "photo/base/Failure.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 bool IsFlat(const Imf::Header& pHeader) {
@@ -140,4 +140,4 @@ std::string DescribeLeftOut(const std::vector<sPicturePart>& pParts, const sExrS
   return names.empty() ? "" : "left out: " + Join(names) + "; {part} and {layer} choose";
 }
 
-}  // namespace Cli
+}  // namespace Photo

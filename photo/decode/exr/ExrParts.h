@@ -7,7 +7,7 @@
 
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 enum class eExrColours { kNone, kRgb, kGrey, kChroma };
 
@@ -32,4 +32,4 @@ sExrSource ChooseExrSource(const Imf::MultiPartInputFile& pFrom, const sPictureC
 /// "left out: part 0 (depth), layer diffuse; ..."; "" when nothing is left out but single channels.
 std::string DescribeLeftOut(const std::vector<sPicturePart>& pParts, const sExrSource& pUsed);
 
-}  // namespace Cli
+}  // namespace Photo

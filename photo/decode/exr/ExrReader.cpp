@@ -24,7 +24,7 @@
 #include "photo/picture/Alpha.h"
 #include "photo/picture/ConvertFailures.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 std::optional<sPrimaries> StatedPrimaries(const Imf::Header& pHeader) {
@@ -229,4 +229,4 @@ sOpenedPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice, 
   return ConvertRefusals([&] { return OpenChecked(pFile, pChoice, pGate); });
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 #include "photo/picture/Picture.h"
 #include "photo/picture/PictureChoice.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Opens an OpenEXR picture, whose rows are read in full float: the part and layer of pChoice, with the
 /// channels R, G, B, a single Y, or Y with RY and BY, stored in lines or tiles (the level of full size).
@@ -17,4 +17,4 @@ namespace Cli {
 /// not square, leave a warning. Throws cFailure.
 sOpenedPicture OpenExr(const std::string& pFile, const sPictureChoice& pChoice, const tMemoryGate& pGate);
 
-}  // namespace Cli
+}  // namespace Photo

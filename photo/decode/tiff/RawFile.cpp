@@ -7,7 +7,7 @@
 #include "photo/decode/tiff/TiffDirectories.h"
 #include "photo/io/FileReader.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// The bytes that files of a kind have at one place.
@@ -51,4 +51,4 @@ std::string NameRawFile(const std::string& pFile) {
   return directories.fPages.front().fIsDng ? "a raw file (DNG)" : "a raw file of a camera";
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "photo/decode/tiff/TiffDirectories.h"
 
-namespace Cli {
+namespace Photo {
 
 std::optional<sAmendment> FindAssociatedAlpha(const std::string& pFile, int pPage) {
   const sTiffDirectories directories = ReadTiffDirectories(pFile);
@@ -18,4 +18,4 @@ std::optional<sAmendment> FindAssociatedAlpha(const std::string& pFile, int pPag
   return sAmendment{static_cast<std::int64_t>(*at), 2, unassociated};
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -10,7 +10,7 @@
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileReader.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 constexpr std::size_t kMostPages = 1000;
@@ -139,4 +139,4 @@ sTiffDirectories ReadTiffDirectories(const std::string& pFile) {
   return directories;
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 
 /// What a directory of a TIFF file says of its picture.
 struct sTiffDirectory {
@@ -31,4 +31,4 @@ struct sTiffDirectories {
 /// the list.
 sTiffDirectories ReadTiffDirectories(const std::string& pFile);
 
-}  // namespace Cli
+}  // namespace Photo

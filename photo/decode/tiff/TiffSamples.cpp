@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <vector>
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 using vips::VImage;
@@ -298,4 +298,4 @@ VImage OpenTiffSamples(const std::string& pFile, int pPage, bool pIsRandom) {
   return pIsRandom ? image : image.sequential();
 }
 
-}  // namespace Cli
+}  // namespace Photo

@@ -5,7 +5,7 @@
 
 #include "photo/decode/tiff/TiffDirectories.h"
 
-namespace Cli {
+namespace Photo {
 
 /// Whether the page's samples are of a kind that libvips does not read and OpenTiffSamples does: floats of 16
 /// and 64 bits, and integers of 9 to 15.
@@ -19,4 +19,4 @@ vips::VImage OpenTiffSamples(const std::string& pFile, int pPage, bool pIsRandom
 /// The name of the field that says how many bits a sample has in the file.
 inline constexpr char kStoredBits[] = "quorvane-stored-bits";
 
-}  // namespace Cli
+}  // namespace Photo

@@ -8,7 +8,7 @@
 
 #include "photo/base/FloatBits.h"
 
-namespace Cli {
+namespace Photo {
 namespace {
 
 /// What std::from_chars takes of a text as a whole, but for infinity and NaN.
@@ -53,4 +53,4 @@ TEST(FloatText, WritesAsToCharsDoes) {
 }
 
 }  // namespace
-}  // namespace Cli
+}  // namespace Photo

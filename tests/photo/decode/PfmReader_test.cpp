@@ -13,7 +13,7 @@ class PfmReader : public cFolderTest {
     std::string bytes(reinterpret_cast<const char*>(pSamples.data()), pSamples.size() * sizeof(float));
     for (std::size_t i = 0; pSwap && i < bytes.size(); i += 4) std::reverse(&bytes[i], &bytes[i] + 4);
     WriteText("a.pfm", pHeader + bytes);
-    return SamplesOf(Cli::ReadPicture("a.pfm"));
+    return SamplesOf(Photo::ReadPicture("a.pfm"));
   }
 };
 
@@ -32,7 +32,7 @@ TEST_F(PfmReader, RefusesDamagedHeaders) {
        {"PF\n2 2\n0\n", "PF\n2 2\nnan\n", "PF\n2 2\n", "PF\n2 x\n-1\n", "PF\n0 2\n-1\n", "PF\n-2 2\n-1\n",
         "PF\n3 2\n-1\n", "PF\n99999999999 1\n-1\n"}) {
     WriteText("a.pfm", header + std::string(48, '\0'));
-    EXPECT_THROW(Cli::ReadPicture("a.pfm"), Cli::cFailure) << header;
+    EXPECT_THROW(Photo::ReadPicture("a.pfm"), Photo::cFailure) << header;
   }
 }
 

@@ -6,14 +6,15 @@ namespace {
 
 class RadianceHeader : public cFolderTest {
  protected:
-  static Cli::sRadianceHeader Read(const std::string& pLines, const std::string& pResolution = "-Y 2 +X 3") {
+  static Photo::sRadianceHeader Read(const std::string& pLines,
+                                     const std::string& pResolution = "-Y 2 +X 3") {
     WriteText("a.hdr", "#?RADIANCE\n" + pLines + "\n" + pResolution + "\n");
-    return Cli::ReadRadianceHeader("a.hdr");
+    return Photo::ReadRadianceHeader("a.hdr");
   }
 };
 
 TEST_F(RadianceHeader, MultipliesExposuresAndCorrections) {
-  const Cli::sRadianceHeader header = Read("EXPOSURE=2\nEXPOSURE= 0.5\nEXPOSURE=4\nCOLORCORR=1 2 0.5\n");
+  const Photo::sRadianceHeader header = Read("EXPOSURE=2\nEXPOSURE= 0.5\nEXPOSURE=4\nCOLORCORR=1 2 0.5\n");
   EXPECT_EQ(header.fScale[0], 4.0);
   EXPECT_EQ(header.fScale[1], 8.0);
   EXPECT_EQ(header.fScale[2], 2.0);
@@ -47,8 +48,8 @@ TEST_F(RadianceHeader, ReadsPrimariesAndXYZ) {
 
 TEST_F(RadianceHeader, KeepsDefaultsForOtherFiles) {
   WriteText("a.hdr", "PF\nEXPOSURE=4\n");
-  EXPECT_EQ(Cli::ReadRadianceHeader("a.hdr").fScale[0], 1.0);
-  EXPECT_EQ(Cli::ReadRadianceHeader("missing.hdr").fOrientation, 1);
+  EXPECT_EQ(Photo::ReadRadianceHeader("a.hdr").fScale[0], 1.0);
+  EXPECT_EQ(Photo::ReadRadianceHeader("missing.hdr").fOrientation, 1);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 namespace {
 
 using TempFile = cFolderTest;
-using Cli::cTempFile;
+using Photo::cTempFile;
 using tNames = std::set<std::string>;
 
 TEST_F(TempFile, TakesTheTargetsPlaceInOneStep) {
@@ -33,8 +33,8 @@ TEST_F(TempFile, LeavesWhatComesIntoBeingMeanwhile) {
   try {
     file.Commit();
     ADD_FAILURE() << "replaced";
-  } catch (const Cli::cFailure& failure) {
-    EXPECT_EQ(failure.GetKind(), Cli::eFailure::kCannotWrite);
+  } catch (const Photo::cFailure& failure) {
+    EXPECT_EQ(failure.GetKind(), Photo::eFailure::kCannotWrite);
   }
   EXPECT_EQ(ReadText("a.png"), "another's");
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-using Cli::FindCodedColors;
+using Photo::FindCodedColors;
 
 /// Paper white is 1: 203 candela per square metre in PQ, 75 % of the signal in HLG.
 TEST(CicpColors, PutPaperWhiteAtOne) {
@@ -44,7 +44,7 @@ TEST(CicpColors, UnknownCodesLeaveAWarning) {
 }
 
 TEST(CicpColors, PowersDecodeGamma) {
-  const Cli::sCicpColors gamma{{}, Cli::eEncoding::kPower, 2.2, "gamma 2.2"};
+  const Photo::sCicpColors gamma{{}, Photo::eEncoding::kPower, 2.2, "gamma 2.2"};
   EXPECT_NEAR(DecodeSample(gamma, 0.5f), 0.217638f, 1e-6f);
 }
 

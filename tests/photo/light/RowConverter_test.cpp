@@ -9,7 +9,7 @@
 namespace {
 
 /// Light whose samples are XYZ already, so that only repairs change them.
-const Cli::sLinearLight kXYZ{};
+const Photo::sLinearLight kXYZ{};
 
 /// Rows of grey pixels, 40 each, of ordinary light, with pOdd in the middle of row pOddRow.
 struct sRows {
@@ -42,7 +42,7 @@ TEST(RowConverter, ReplaceOddSamplesAndCountTheirPixels) {
   for (const auto& row : cases) {
     for (const bool holds : {false, true}) {
       sRows rows(5, row.fOdd);
-      Cli::cRowConverter light(kXYZ);
+      Photo::cRowConverter light(kXYZ);
       if (holds) light.Hold();
       for (int y = 0; y < sRows::kRows; ++y) {
         const bool isDone = light.Take(rows.Get(y), sRows::kWidth);
@@ -65,7 +65,7 @@ TEST(RowConverter, ReplaceOddSamplesAndCountTheirPixels) {
 TEST(RowConverter, OutliersInTheFirstRowAreFoundAtTheEnd) {
   sRows rows(0, 1e20f);
   for (int i = 0; i < 3 * sRows::kWidth; ++i) rows.Get(0)[i] = 1e20f;
-  Cli::cRowConverter light(kXYZ);
+  Photo::cRowConverter light(kXYZ);
   EXPECT_TRUE(light.Take(rows.Get(0), 1));
   for (int y = 1; y < sRows::kRows; ++y) EXPECT_TRUE(light.Take(rows.Get(y), sRows::kWidth));
   EXPECT_FALSE(light.Finish().has_value());
@@ -73,11 +73,11 @@ TEST(RowConverter, OutliersInTheFirstRowAreFoundAtTheEnd) {
 
 TEST(RowConverter, BringColoursOfNoSurfaceToTheBorder) {
   std::vector<std::string> warnings;
-  Cli::cRowConverter light(Cli::MakeLinearLight(std::nullopt, warnings));
+  Photo::cRowConverter light(Photo::MakeLinearLight(std::nullopt, warnings));
   float row[] = {0.2f, 0.3f, 0.4f, 2e-4f, -6.15e-5f, 0.0f, -0.01f, -0.01f, -0.01f};
   EXPECT_TRUE(light.Take(row, 3));
   EXPECT_EQ(light.Finish()->fNegative, 2);
-  const Cli::sSurfaceColors surface = Cli::GetSurfaceColors();
+  const Photo::sSurfaceColors surface = Photo::GetSurfaceColors();
   for (int x = 0; x < 9; x += 3) {
     const TmEngine::cVector3 rgb = surface.fToRGB * TmEngine::cVector3(row[x], row[x + 1], row[x + 2]);
     for (int i = 0; i < 3; ++i) EXPECT_GE(rgb[i], -1e-9f) << x;

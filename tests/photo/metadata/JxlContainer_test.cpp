@@ -6,15 +6,15 @@
 
 namespace {
 
-using Cli::ReadJxlMetadata;
-using Cli::sJxlMetadata;
+using Photo::ReadJxlMetadata;
+using Photo::sJxlMetadata;
 
 const std::string kExif("II*\0\x08\0\0\0\0\0", 10);
 const std::string kXmp = "<x:xmpmeta/>";
 
 std::string MakeBox(const std::string& pType, const std::string& pContent) {
   std::string box;
-  Cli::AppendBigEndian(box, pContent.size() + 8, 4);
+  Photo::AppendBigEndian(box, pContent.size() + 8, 4);
   return box + pType + pContent;
 }
 
@@ -96,20 +96,20 @@ TEST_F(JxlContainer, ReplacesMetadataAndNothingElse) {
        {fStream, MakeFile(level + MakeBox("xml ", "<old/>") + other +
                           MakeBox("brob", "Exif" + Compress("old EXIF")) + MakeBox("jxlc", fStream))}) {
     WriteText("a.jxl", start);
-    Cli::WriteJxlMetadata("a.jxl", given);
+    Photo::WriteJxlMetadata("a.jxl", given);
     const std::string once = ReadText("a.jxl");
     Expect(once, kExif, kXmp);
     EXPECT_TRUE(once.ends_with(MakeBox("jxlc", fStream)));
     EXPECT_EQ(once.find("<old/>"), std::string::npos);
     EXPECT_EQ(once.find(other) != std::string::npos, start != fStream);
     EXPECT_EQ(once.find(level), start == fStream ? std::string::npos : 32u);
-    Cli::WriteJxlMetadata("a.jxl", given);
+    Photo::WriteJxlMetadata("a.jxl", given);
     EXPECT_EQ(ReadText("a.jxl"), once);
   }
   WriteText("a.jxl", fStream);
-  Cli::WriteJxlMetadata("a.jxl", {});
+  Photo::WriteJxlMetadata("a.jxl", {});
   EXPECT_EQ(ReadText("a.jxl"), fStream);
-  EXPECT_THROW(Cli::WriteJxlMetadata("none/a.jxl", given), std::runtime_error);
+  EXPECT_THROW(Photo::WriteJxlMetadata("none/a.jxl", given), std::runtime_error);
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 
 namespace {
 
-using Cli::ReadMetadataHead;
-using Cli::ReplaceMetadataHead;
-using Cli::sMetadataHead;
+using Photo::ReadMetadataHead;
+using Photo::ReplaceMetadataHead;
+using Photo::sMetadataHead;
 
 class MetadataHead : public cFolderTest {};
 

@@ -7,38 +7,38 @@
 
 namespace {
 
-using Cli::GetMetadataLibrary;
-using Cli::GetPlainLibrary;
-using Cli::HasExiv2;
-using Cli::sMetadataBlocks;
+using Photo::GetMetadataLibrary;
+using Photo::GetPlainLibrary;
+using Photo::HasExiv2;
+using Photo::sMetadataBlocks;
 
-const Cli::sPictureFacts kFacts{80, 40, 65535, ""};
-const std::vector<Cli::sExifField> kFields = {{"Exif.Image.Make", "Maker (of boxes)"},
-                                              {"Exif.Photo.FNumber", "28/5"},
-                                              {"Exif.Photo.ColorSpace", "1"},
-                                              {"Exif.GPSInfo.GPSLatitude", "48/1 30/1 0/1"},
-                                              {"Exif.Iop.InteroperabilityIndex", "R98"}};
+const Photo::sPictureFacts kFacts{80, 40, 65535, ""};
+const std::vector<Photo::sExifField> kFields = {{"Exif.Image.Make", "Maker (of boxes)"},
+                                                {"Exif.Photo.FNumber", "28/5"},
+                                                {"Exif.Photo.ColorSpace", "1"},
+                                                {"Exif.GPSInfo.GPSLatitude", "48/1 30/1 0/1"},
+                                                {"Exif.Iop.InteroperabilityIndex", "R98"}};
 
 class MetadataLibrary : public cFolderTest {
  protected:
   /// Writes a picture with metadata, and reads both again.
-  static std::shared_ptr<const Cli::cMetadata> WriteAndRead(const Cli::cMetadata& pMetadata,
-                                                            const Cli::sMetadataKinds& pKinds,
-                                                            const std::string& pSettings = "") {
+  static std::shared_ptr<const Photo::cMetadata> WriteAndRead(const Photo::cMetadata& pMetadata,
+                                                              const Photo::sMetadataKinds& pKinds,
+                                                              const std::string& pSettings = "") {
     const VImage image = ToVips8(MakeScene(80, 40)).copy();
-    const Cli::cResultMetadata result(&pMetadata, image, kFacts, pKinds, pSettings, true, fWarnings);
+    const Photo::cResultMetadata result(&pMetadata, image, kFacts, pKinds, pSettings, true, fWarnings);
     result.PutInto(image);
     image.jpegsave("result.jpg");
     result.Complete("result.jpg", fWarnings);
-    return Cli::ReadMetadata("result.jpg", VImage::new_from_file("result.jpg"));
+    return Photo::ReadMetadata("result.jpg", VImage::new_from_file("result.jpg"));
   }
 
   inline static std::vector<std::string> fWarnings;
 };
 
 TEST_F(MetadataLibrary, ListsTheFieldsThatItMakes) {
-  for (const Cli::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
-    const Cli::tExifTexts texts = library->ListExif(library->Make(kFields, fWarnings));
+  for (const Photo::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
+    const Photo::tExifTexts texts = library->ListExif(library->Make(kFields, fWarnings));
     for (const auto& [key, text] : kFields) EXPECT_EQ(texts.at(key), text);
   }
   EXPECT_TRUE(fWarnings.empty());
@@ -56,22 +56,22 @@ TEST_F(MetadataLibrary, KeepsKindsThatAreWantedAndCorrectsThem) {
       "<rdf:Description rdf:about='' xmlns:GPano='http://ns.google.com/photos/1.0/panorama/' "
       "xmlns:crs='http://ns.adobe.com/camera-raw-settings/1.0/' crs:Exposure2012='+1' "
       "GPano:FullPanoWidthPixels='160'/></rdf:RDF></x:xmpmeta>";
-  for (const Cli::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
+  for (const Photo::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
     sMetadataBlocks blocks = library->Make(kFields, fWarnings);
     blocks.fXmp = xmp;
     blocks.fFields.push_back({"png-comment-0-Title", "comment"});
-    const auto correct = [&](const Cli::sMetadataKinds& pKinds) {
+    const auto correct = [&](const Photo::sMetadataKinds& pKinds) {
       return library->Correct(blocks, {kFacts, pKinds, "", "{}"}, fWarnings);
     };
     const sMetadataBlocks all = correct({});
-    Cli::tExifTexts texts = library->ListExif(all);
+    Photo::tExifTexts texts = library->ListExif(all);
     EXPECT_EQ(texts["Exif.Image.Make"], "Maker (of boxes)");
     EXPECT_NE(texts["Exif.Photo.ColorSpace"], "1");
     EXPECT_EQ(texts["Exif.Iop.InteroperabilityIndex"], "");
     EXPECT_EQ(all.fFields.back().fContent, "comment");
     EXPECT_TRUE(Has(all.fXmp, "GPano:FullPanoWidthPixels=\"80\""));
     EXPECT_FALSE(Has(all.fXmp, "crs:Exposure2012"));
-    EXPECT_EQ(Cli::FindSettingsInXmp(all.fXmp), "{}");
+    EXPECT_EQ(Photo::FindSettingsInXmp(all.fXmp), "{}");
     const sMetadataBlocks xmpAlone = correct({false, true, false});
     EXPECT_TRUE(library->ListExif(xmpAlone).empty());
     EXPECT_TRUE(xmpAlone.fFields.empty());
@@ -85,13 +85,13 @@ TEST_F(MetadataLibrary, KeepsKindsThatAreWantedAndCorrectsThem) {
 
 TEST_F(MetadataLibrary, DamagedBlocksCostThemselvesOnly) {
   sMetadataBlocks whole = GetMetadataLibrary().Make(kFields, fWarnings);
-  whole.fXmp = Cli::PutSettingsIntoXmp("", "{}");
+  whole.fXmp = Photo::PutSettingsIntoXmp("", "{}");
   for (std::size_t size = 0; size < std::max(whole.fExif.size(), whole.fXmp.size()); ++size) {
     sMetadataBlocks damaged = whole;
     damaged.fExif = damaged.fExif.substr(0, size);
     damaged.fXmp = damaged.fXmp.substr(0, size);
     std::vector<std::string> warnings;
-    for (const Cli::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
+    for (const Photo::cMetadataLibrary* const library : {&GetMetadataLibrary(), &GetPlainLibrary()}) {
       const sMetadataBlocks read = library->Read("", damaged, warnings);
       library->ListExif(read);
       library->Correct(read, {kFacts, {}, "", "{}"}, warnings);
@@ -106,7 +106,7 @@ TEST_F(MetadataLibrary, ResultsAreUprightAndKeepResolutionAndBlocks) {
   image.set("exif-ifd0-Make", "Maker (text)");
   image.jpegsave("in.jpg");
   image = VImage::new_from_file("in.jpg").autorot();
-  const auto read = Cli::ReadMetadata("in.jpg", image);
+  const auto read = Photo::ReadMetadata("in.jpg", image);
   EXPECT_EQ(read->GetBlocks().fXResolution, image.xres());
   const auto again = WriteAndRead(*read, {}, "{\"a\": 1}");
   EXPECT_TRUE(fWarnings.empty());
@@ -115,10 +115,10 @@ TEST_F(MetadataLibrary, ResultsAreUprightAndKeepResolutionAndBlocks) {
   EXPECT_NEAR(result.xres(), image.xres(), 0.01);
   EXPECT_NEAR(result.yres(), image.yres(), 0.01);
   EXPECT_EQ(GetMetadataLibrary().ListExif(again->GetBlocks()).at("Exif.Image.Make"), "Maker");
-  EXPECT_EQ(Cli::ReadStoredSettings("result.jpg"), "{\"a\": 1}");
+  EXPECT_EQ(Photo::ReadStoredSettings("result.jpg"), "{\"a\": 1}");
   WriteAndRead(*read, {false, false, false}, "{}");
   EXPECT_NEAR(VImage::new_from_file("result.jpg").xres(), 1.0, 0.1);
-  EXPECT_EQ(Cli::ReadStoredSettings("result.jpg"), "");
+  EXPECT_EQ(Photo::ReadStoredSettings("result.jpg"), "");
 }
 
 TEST_F(MetadataLibrary, PassesIptcOn) {

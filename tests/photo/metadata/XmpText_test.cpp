@@ -4,9 +4,9 @@
 
 namespace {
 
-using Cli::CorrectXmp;
-using Cli::FindSettingsInXmp;
-using Cli::PutSettingsIntoXmp;
+using Photo::CorrectXmp;
+using Photo::FindSettingsInXmp;
+using Photo::PutSettingsIntoXmp;
 
 /// pAttributes and pElements of one description.
 std::string MakePacket(const std::string& pAttributes, const std::string& pElements = "") {

@@ -7,7 +7,7 @@
 
 namespace {
 
-Cli::sPicture PictureOf(const sTestPicture& pPicture) {
+Photo::sPicture PictureOf(const sTestPicture& pPicture) {
   return ::PictureOf(pPicture.fWidth, pPicture.fSamples);
 }
 
@@ -23,19 +23,19 @@ TEST(Panorama, EdgesMeetInWholePanoramasOnly) {
 }
 
 TEST(Panorama, IsTwiceAsWideAsHighWithinAPerCent) {
-  for (const int width : {1981, 2000, 2020}) EXPECT_TRUE(Cli::HasPanoramaShape(width, 1000)) << width;
-  for (const int width : {1980, 2021, 1000}) EXPECT_FALSE(Cli::HasPanoramaShape(width, 1000)) << width;
-  EXPECT_FALSE(Cli::HasPanoramaShape(62, 31));  // too small to compare edges
+  for (const int width : {1981, 2000, 2020}) EXPECT_TRUE(Photo::HasPanoramaShape(width, 1000)) << width;
+  for (const int width : {1980, 2021, 1000}) EXPECT_FALSE(Photo::HasPanoramaShape(width, 1000)) << width;
+  EXPECT_FALSE(Photo::HasPanoramaShape(62, 31));  // too small to compare edges
 }
 
 TEST(Panorama, IsStatedByXmpUnlessItsWidthIsCropped) {
   const std::string type = "<GPano:ProjectionType>equirectangular</GPano:ProjectionType>";
   const std::string full = " GPano:FullPanoWidthPixels='80' " + type;
-  EXPECT_TRUE(Cli::StatesPanorama(type));
-  EXPECT_TRUE(Cli::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"80\"" + full));
-  EXPECT_FALSE(Cli::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"40\"" + full));
-  EXPECT_FALSE(Cli::StatesPanorama("GPano:ProjectionType=\"cylindrical\""));
-  EXPECT_FALSE(Cli::StatesPanorama("GPano:ProjectionType"));
+  EXPECT_TRUE(Photo::StatesPanorama(type));
+  EXPECT_TRUE(Photo::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"80\"" + full));
+  EXPECT_FALSE(Photo::StatesPanorama("GPano:CroppedAreaImageWidthPixels=\"40\"" + full));
+  EXPECT_FALSE(Photo::StatesPanorama("GPano:ProjectionType=\"cylindrical\""));
+  EXPECT_FALSE(Photo::StatesPanorama("GPano:ProjectionType"));
 }
 
 /// However a panorama is rolled, work on it begins at the same place of the scene.
@@ -53,8 +53,8 @@ TEST(Panorama, StartsAtTheSamePlaceHoweverItIsRolled) {
 }
 
 TEST(Panorama, RolledSourcesReadAroundTheEdge) {
-  const Cli::sPicture picture = ::PictureOf(5, SpreadToXYZ({0, 1, 2, 3, 4}));
-  const Cli::cRolledSource source(*picture.fBitmap, 3);
+  const Photo::sPicture picture = ::PictureOf(5, SpreadToXYZ({0, 1, 2, 3, 4}));
+  const Photo::cRolledSource source(*picture.fBitmap, 3);
   float planes[3][5] = {};
   source.ReadRun(0, 0, 5, planes[0], planes[1], planes[2]);
   for (int x = 0; x < 5; ++x) EXPECT_EQ(planes[1][x], static_cast<float>((x + 3) % 5));

@@ -19,12 +19,12 @@ TEST(PictureDifference, CountsIn8BitCodesAndFindsThePlace) {
       b.GetBGR16Data()[y * b.GetStride() / 2 + i] = static_cast<unsigned short>(257 * code);
     }
   }
-  EXPECT_EQ(Cli::ComparePictures(a, b).fAll.fLargest, 0.0);
-  EXPECT_EQ(Cli::ComparePictures(a, b).fDifferentShare, 0.0);
+  EXPECT_EQ(Photo::ComparePictures(a, b).fAll.fLargest, 0.0);
+  EXPECT_EQ(Photo::ComparePictures(a, b).fDifferentShare, 0.0);
   unsigned short* const pixel = b.GetBGR16Data() + 3 * b.GetStride() / 2 + 3 * 7;  // (7, 3)
   pixel[0] = static_cast<unsigned short>(pixel[0] + 257 * 4);                      // blue
   pixel[2] = static_cast<unsigned short>(pixel[2] + 514);                          // red
-  const Cli::sPictureDifference difference = Cli::ComparePictures(a, b);
+  const Photo::sPictureDifference difference = Photo::ComparePictures(a, b);
   EXPECT_EQ(difference.fAll.fLargest, 4.0);
   EXPECT_EQ(difference.fChannels[0].fLargest, 2.0);
   EXPECT_EQ(difference.fChannels[1].fLargest, 0.0);

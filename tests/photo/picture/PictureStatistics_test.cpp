@@ -9,7 +9,7 @@
 
 namespace {
 
-using Cli::sPictureStatistics;
+using Photo::sPictureStatistics;
 
 /// 100 pixels per decade: 10^-3.995, 10^-2.995 and so on up to 10^0.005.
 sPictureStatistics MeasureDecades() {
@@ -41,7 +41,7 @@ TEST(PictureStatistics, SummariseTheLogarithmsOfLuminance) {
 
 TEST(PictureStatistics, CountDarkAndVisiblePixelsOnly) {
   const std::vector<float> samples = SpreadToXYZ({1.0f, 0.0f, -1.0f, kNaN, 0.01f, 0.01f});
-  Cli::sPicture picture = PictureOf(6, samples, {65535, 65535, 65535, 65535, 0, 1});
+  Photo::sPicture picture = PictureOf(6, samples, {65535, 65535, 65535, 65535, 0, 1});
   EXPECT_EQ(MeasurePicture(picture).fPixels, 5);
   EXPECT_EQ(MeasurePicture(picture).fDark, 3);
   EXPECT_NEAR(MeasurePicture(picture).fLogMean, -1.0, 1e-6);
@@ -56,7 +56,7 @@ TEST(PictureStatistics, CountDarkAndVisiblePixelsOnly) {
 /// A sample has about 400 pixels on each side, whatever the size.
 TEST(PictureStatistics, SamplesAreRegular) {
   for (const int width : {300, 1000, 4100}) {
-    const Cli::sPicture wide =
+    const Photo::sPicture wide =
         PictureOf(width, std::vector<float>(static_cast<std::size_t>(width) * 3 * 2, 1.0f));
     const int step = std::max(width / 400, 1);
     EXPECT_EQ(SamplePicture(wide).fPixels, 2 * ((width - step / 2 - 1) / step + 1)) << width;

@@ -6,12 +6,12 @@
 
 namespace {
 
-Cli::sPicture Reduce(Cli::sPicture pPicture, int pLongSide) {
-  return Cli::ReducePicture(std::move(pPicture), pLongSide);
+Photo::sPicture Reduce(Photo::sPicture pPicture, int pLongSide) {
+  return Photo::ReducePicture(std::move(pPicture), pLongSide);
 }
 
 TEST(Preview, AveragesLightOverAreas) {
-  const Cli::sPicture reduced = Reduce(PictureOf(3, SpreadToXYZ({0, 6, 9, 3, 3, 0})), 2);
+  const Photo::sPicture reduced = Reduce(PictureOf(3, SpreadToXYZ({0, 6, 9, 3, 3, 0})), 2);
   ASSERT_EQ(reduced.fBitmap->GetWidth(), 2);
   ASSERT_EQ(reduced.fBitmap->GetHeight(), 1);
   const std::vector<float> samples = SamplesOf(reduced);
@@ -37,17 +37,17 @@ TEST(Preview, KeepsTheSumOfLightForEverySize) {
 }
 
 TEST(Preview, LeavesSmallPicturesAsTheyAre) {
-  const Cli::sPicture same = Reduce(PictureOf(2, SpreadToXYZ({1, 2})), 2);
+  const Photo::sPicture same = Reduce(PictureOf(2, SpreadToXYZ({1, 2})), 2);
   EXPECT_EQ(SamplesOf(same), SpreadToXYZ({1, 2}));
   EXPECT_EQ(same.fSample, nullptr);
 }
 
 TEST(Preview, TransparentPixelsAddNoLight) {
   const std::vector<std::uint16_t> alpha = {65535, 0, 0, 0};
-  Cli::sPicture reduced = Reduce(PictureOf(4, SpreadToXYZ({1, 9, 9, 9}), alpha), 2);
+  Photo::sPicture reduced = Reduce(PictureOf(4, SpreadToXYZ({1, 9, 9, 9}), alpha), 2);
   EXPECT_NEAR(SamplesOf(reduced)[0], 1.0f, 1e-6f);
   EXPECT_EQ(reduced.fAlpha, (std::vector<std::uint16_t>{32768, 0}));
-  Cli::sPicture glow = PictureOf(4, SpreadToXYZ({1, 9, 9, 9}), alpha);
+  Photo::sPicture glow = PictureOf(4, SpreadToXYZ({1, 9, 9, 9}), alpha);
   glow.fIsPremultiplied = true;  // its light is seen without alpha
   EXPECT_NEAR(SamplesOf(Reduce(std::move(glow), 2))[0], 5.0f, 1e-6f);
 }

@@ -8,13 +8,13 @@ namespace {
 
 /// Pixels in one row.
 template <class tSample>
-Cli::cResultPixels MakePixels(const std::vector<tSample>& pSamples) {
-  Cli::cResultPixels pixels(static_cast<int>(pSamples.size() / 3), 1, 8 * sizeof(tSample));
+Photo::cResultPixels MakePixels(const std::vector<tSample>& pSamples) {
+  Photo::cResultPixels pixels(static_cast<int>(pSamples.size() / 3), 1, 8 * sizeof(tSample));
   std::memcpy(pixels.GetRow(0), pSamples.data(), pixels.GetBytes());
   return pixels;
 }
 template <class tSample>
-std::vector<tSample> GetSamples(Cli::cResultPixels& pPixels) {
+std::vector<tSample> GetSamples(Photo::cResultPixels& pPixels) {
   const auto* const first = reinterpret_cast<const tSample*>(pPixels.GetRow(0));
   return {first, first + pPixels.GetBytes() / sizeof(tSample)};
 }
@@ -29,7 +29,7 @@ TEST(ResultAlpha, KeepsThePictureOverBlackWhenItIsMadeStraight) {
       alpha.push_back(static_cast<std::uint16_t>(a * 257));
     }
   }
-  Cli::cResultPixels pixels = MakePixels(samples);
+  Photo::cResultPixels pixels = MakePixels(samples);
   std::int64_t raised = 0;
   for (std::size_t i = 0; i < alpha.size(); ++i) raised += samples[3 * i] * 257 > alpha[i] ? 1 : 0;
   EXPECT_EQ(DivideByAlpha(pixels, alpha), raised);
@@ -40,7 +40,7 @@ TEST(ResultAlpha, KeepsThePictureOverBlackWhenItIsMadeStraight) {
 }
 
 TEST(ResultAlpha, DividesSamplesOf16Bits) {
-  Cli::cResultPixels pixels = MakePixels<std::uint16_t>({100, 50, 0, 65535, 300, 1, 7, 7, 7});
+  Photo::cResultPixels pixels = MakePixels<std::uint16_t>({100, 50, 0, 65535, 300, 1, 7, 7, 7});
   std::vector<std::uint16_t> alpha = {32768, 65535, 3};
   EXPECT_EQ(DivideByAlpha(pixels, alpha), 1);
   EXPECT_EQ(GetSamples<std::uint16_t>(pixels),
@@ -51,8 +51,8 @@ TEST(ResultAlpha, DividesSamplesOf16Bits) {
 TEST(ResultAlpha, LaysResultsOverAColour) {
   const std::vector<std::uint16_t> alpha = {0, 65535, 32768};
   const auto layOver = [&](bool pIsPremultiplied) {
-    Cli::cResultPixels pixels = MakePixels<std::uint8_t>({100, 100, 100, 100, 100, 100, 100, 100, 200});
-    Cli::LayOver({200, 100, 0}, TmEngine::eColorSpaceID_sRGB, pIsPremultiplied, alpha, pixels);
+    Photo::cResultPixels pixels = MakePixels<std::uint8_t>({100, 100, 100, 100, 100, 100, 100, 100, 200});
+    Photo::LayOver({200, 100, 0}, TmEngine::eColorSpaceID_sRGB, pIsPremultiplied, alpha, pixels);
     return GetSamples<std::uint8_t>(pixels);
   };
   EXPECT_EQ(layOver(false), (std::vector<std::uint8_t>{200, 100, 0, 100, 100, 100, 150, 100, 100}));

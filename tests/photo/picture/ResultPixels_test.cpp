@@ -9,7 +9,7 @@
 
 namespace {
 
-using Cli::cResultPixels;
+using Photo::cResultPixels;
 
 TEST(ResultPixels, TurnBlueGreenRedAndLeaveNoGaps) {
   TmEngine::cBitmapBGR8 image(3, 2, TmEngine::eColorSpaceID_sRGB);  // whose rows are padded
@@ -27,7 +27,7 @@ void CheckCounts() {
   constexpr tSample kFull = std::numeric_limits<tSample>::max();
   for (const int width : {1, 2, 63, 64, 65, 200}) {
     cResultPixels pixels(width, 6, 8 * sizeof(tSample));
-    Cli::cResultSink sink(pixels, TmEngine::eColorSpaceID_sRGB, 0);
+    Photo::cResultSink sink(pixels, TmEngine::eColorSpaceID_sRGB, 0);
     std::int64_t black = 0;
     std::int64_t white = 0;
     for (int y = 0; y < 6; ++y) {
@@ -57,7 +57,7 @@ TEST(ResultPixels, SinksCountClippedPixels) {
 TEST(ResultPixels, SinksRollPanoramasBack) {
   for (const int start : {0, 1, 4}) {
     cResultPixels pixels(5, 1, 16);
-    Cli::cResultSink sink(pixels, TmEngine::eColorSpaceID_sRGB, start);
+    Photo::cResultSink sink(pixels, TmEngine::eColorSpaceID_sRGB, start);
     auto* const samples = static_cast<std::uint16_t*>(sink.BeginRow(0).fSamples);
     for (int i = 0; i < 15; ++i)
       samples[i] = static_cast<std::uint16_t>((i / 3 + start) % 5);  // scene's column

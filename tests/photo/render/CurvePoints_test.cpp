@@ -8,11 +8,11 @@
 
 namespace {
 
-using Cli::CloseCircle;
-using Cli::ParseHuePoints;
+using Photo::CloseCircle;
+using Photo::ParseHuePoints;
 
 TEST(CurvePoints, AreSortedByHueAndMayHaveBlanks) {
-  const Cli::tHuePoints points = ParseHuePoints("270:1, 0 : 0.25,90.5:5e-1");
+  const Photo::tHuePoints points = ParseHuePoints("270:1, 0 : 0.25,90.5:5e-1");
   ASSERT_EQ(points.size(), 3u);
   const float expected[][2] = {{0.0f, 0.25f}, {90.5f, 0.5f}, {270.0f, 1.0f}};
   for (std::size_t i = 0; i < 3; ++i) {
@@ -52,7 +52,7 @@ TEST(CurvePoints, MeetAtTheSeamOfTheCircle) {
                                                  {"60:0.5,300:0.1", 0.3f},  // half way
                                                  {"30:0.4,270:0", 0.3f}};
   for (const auto& [text, value] : cases) {
-    const Cli::tHuePoints closed = CloseCircle(ParseHuePoints(text));
+    const Photo::tHuePoints closed = CloseCircle(ParseHuePoints(text));
     EXPECT_EQ(closed.front().fX, 0.0f) << text;
     EXPECT_EQ(closed.back().fX, 360.0f) << text;
     EXPECT_NEAR(closed.front().fY, value, 1e-7f) << text;
@@ -63,10 +63,10 @@ TEST(CurvePoints, MeetAtTheSeamOfTheCircle) {
 
 TEST(CurvePoints, MakeCurvesOverHuePartsOfTheCircle) {
   const auto curve =
-      Cli::MakeHueCurve(ParseHuePoints("90:1,180:0"), TmEngine::eSplineInterpolationMode_Linear);
+      Photo::MakeHueCurve(ParseHuePoints("90:1,180:0"), TmEngine::eSplineInterpolationMode_Linear);
   EXPECT_NEAR(curve->Evaluate(0.25f), 1.0f, 1e-6f);
   EXPECT_NEAR(curve->Evaluate(0.375f), 0.5f, 1e-6f);
-  const auto neutral = Cli::MakeHueCurve({}, TmEngine::eSplineInterpolationMode_FiniteDifference);
+  const auto neutral = Photo::MakeHueCurve({}, TmEngine::eSplineInterpolationMode_FiniteDifference);
   for (const float hue : {0.0f, 0.3f, 1.0f}) EXPECT_NEAR(neutral->Evaluate(hue), 0.5f, 1e-7f) << hue;
 }
 

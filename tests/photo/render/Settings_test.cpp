@@ -6,13 +6,13 @@
 
 namespace {
 
-using Cli::sSettings;
-using Cli::sSettingsChange;
+using Photo::sSettings;
+using Photo::sSettingsChange;
 
 TEST(Settings, ChangesLeaveWhatTheyDoNotName) {
   sSettingsChange change;
   change.fSliders[3] = 7.0f;  // white-clip
-  sSettings settings{.fStrength = 5.0f, .fWrap = Cli::eWrap::kNone};
+  sSettings settings{.fStrength = 5.0f, .fWrap = Photo::eWrap::kNone};
   const sSettings before = settings;
   Apply(change, settings);
   EXPECT_EQ(settings.fWhiteClip, 7.0f);
@@ -21,18 +21,18 @@ TEST(Settings, ChangesLeaveWhatTheyDoNotName) {
 
   sSettingsChange later;
   later.fSliders[3] = 9.0f;
-  later.fWrap = Cli::eWrap::kHorizontal;
+  later.fWrap = Photo::eWrap::kHorizontal;
   change.fSliders[0] = 1.0f;
   Apply(later, change);
   EXPECT_EQ(change.fSliders[0], 1.0f);
   EXPECT_EQ(change.fSliders[3], 9.0f);
-  EXPECT_EQ(change.fWrap, Cli::eWrap::kHorizontal);
+  EXPECT_EQ(change.fWrap, Photo::eWrap::kHorizontal);
 }
 
 TEST(Settings, AChangeToAllOfThemCarriesEverySlider) {
-  sSettings other{.fWrap = Cli::eWrap::kHorizontal};
+  sSettings other{.fWrap = Photo::eWrap::kHorizontal};
   float value = 1.0f;
-  for (const Cli::sSlider& slider : Cli::GetSliders()) other.*slider.fField = value++;
+  for (const Photo::sSlider& slider : Photo::GetSliders()) other.*slider.fField = value++;
   sSettings settings;
   Apply(ChangeTo(other), settings);
   EXPECT_EQ(settings, other);
@@ -40,22 +40,22 @@ TEST(Settings, AChangeToAllOfThemCarriesEverySlider) {
 }
 
 TEST(Settings, DefaultsAreWithinTheSlidersRanges) {
-  ASSERT_EQ(Cli::GetSliders().size(), sSettingsChange::kSliders);
-  for (const Cli::sSlider& slider : Cli::GetSliders()) {
+  ASSERT_EQ(Photo::GetSliders().size(), sSettingsChange::kSliders);
+  for (const Photo::sSlider& slider : Photo::GetSliders()) {
     EXPECT_GE(sSettings().*slider.fField, slider.fLowest) << slider.fName;
     EXPECT_LE(sSettings().*slider.fField, slider.fHighest) << slider.fName;
   }
 }
 
 TEST(Settings, NumbersAndWrapsReadBackFromTheirTexts) {
-  EXPECT_EQ(Cli::ToText(70.0f), "70");
-  EXPECT_EQ(Cli::ToText(0.1f), "0.1");
-  EXPECT_EQ(Cli::ToText(0.123456789f), "0.12345679");
-  for (const float number : {-3.3333333f, 1e-7f, 150.5f}) EXPECT_EQ(std::stof(Cli::ToText(number)), number);
-  for (const Cli::eWrap wrap : {Cli::eWrap::kNone, Cli::eWrap::kHorizontal, Cli::eWrap::kAuto}) {
-    EXPECT_EQ(Cli::FindWrap(Cli::GetWrapName(wrap)), wrap);
+  EXPECT_EQ(Photo::ToText(70.0f), "70");
+  EXPECT_EQ(Photo::ToText(0.1f), "0.1");
+  EXPECT_EQ(Photo::ToText(0.123456789f), "0.12345679");
+  for (const float number : {-3.3333333f, 1e-7f, 150.5f}) EXPECT_EQ(std::stof(Photo::ToText(number)), number);
+  for (const Photo::eWrap wrap : {Photo::eWrap::kNone, Photo::eWrap::kHorizontal, Photo::eWrap::kAuto}) {
+    EXPECT_EQ(Photo::FindWrap(Photo::GetWrapName(wrap)), wrap);
   }
-  EXPECT_FALSE(Cli::FindWrap("vertical").has_value());
+  EXPECT_FALSE(Photo::FindWrap("vertical").has_value());
 }
 
 /// A slider that reaches the engine in another one's place changes pictures without an error.

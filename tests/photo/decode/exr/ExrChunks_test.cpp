@@ -20,9 +20,9 @@ class ExrChunks : public cFolderTest {
     try {
       Imf::MultiPartInputFile file("a.exr");
       Imf::InputPart part(file, 0);
-      Cli::CheckExrChunks(part);
+      Photo::CheckExrChunks(part);
       return "";
-    } catch (const Cli::cFailure& failure) {
+    } catch (const Photo::cFailure& failure) {
       return failure.GetReason();
     } catch (const std::exception&) {
       return "refused by the library";
@@ -65,7 +65,7 @@ TEST_F(ExrChunks, RefusesChunksThatAreTooShort) {
              {.fTiled = row.fTiled, .fCompression = row.fCompression, .fAt = {-7, -9}});
     const std::string whole = ReadText("a.exr");
     EXPECT_EQ(Check(whole), "");
-    EXPECT_EQ(Cli::CountChunkLines(Imf::MultiPartInputFile("a.exr").header(0)), row.fLines);
+    EXPECT_EQ(Photo::CountChunkLines(Imf::MultiPartInputFile("a.exr").header(0)), row.fLines);
     for (const std::size_t chunk : FindChunks(whole, row.fCount)) {
       std::string damaged = whole;
       const std::size_t sizeAt = chunk + (row.fTiled ? 16 : 4);

@@ -35,7 +35,7 @@ class TiffDirectories : public cFolderTest {
 TEST_F(TiffDirectories, AreReadInEveryKindOfTiff) {
   for (const char* const mode : {"wl", "wb", "w8l", "w8b"}) {
     WritePages(mode);
-    const Cli::sTiffDirectories all = Cli::ReadTiffDirectories("a.tif");
+    const Photo::sTiffDirectories all = Photo::ReadTiffDirectories("a.tif");
     EXPECT_EQ(all.fIsLittleEndian, mode[std::string(mode).size() - 1] == 'l');
     ASSERT_EQ(all.fPages.size(), 2u) << mode;
     ASSERT_EQ(all.fBelow.size(), 1u) << mode;
@@ -44,13 +44,13 @@ TEST_F(TiffDirectories, AreReadInEveryKindOfTiff) {
     EXPECT_FALSE(all.fPages[1].IsPicture());
     EXPECT_EQ(all.fBelow[0].fBits, 8u);
     // amended there, the alpha is no longer associated
-    const auto amendment = Cli::FindAssociatedAlpha("a.tif", 1);
+    const auto amendment = Photo::FindAssociatedAlpha("a.tif", 1);
     ASSERT_TRUE(amendment.has_value()) << mode;
     std::string text = ReadText("a.tif");
     text.replace(*all.fPages[0].fAssociatedAt, 2, mode[std::string(mode).size() - 1] == 'l' ? "\2\0" : "\0\2",
                  2);
     WriteText("a.tif", text);
-    EXPECT_FALSE(Cli::FindAssociatedAlpha("a.tif", 1).has_value()) << mode;
+    EXPECT_FALSE(Photo::FindAssociatedAlpha("a.tif", 1).has_value()) << mode;
   }
 }
 
@@ -59,13 +59,13 @@ TEST_F(TiffDirectories, DamagedListsEnd) {
   const std::string whole = ReadText("a.tif");
   for (std::size_t size = 0; size < whole.size(); ++size) {
     WriteText("a.tif", whole.substr(0, size));
-    EXPECT_LE(Cli::ReadTiffDirectories("a.tif").fPages.size(), 2u);
+    EXPECT_LE(Photo::ReadTiffDirectories("a.tif").fPages.size(), 2u);
   }
   // a directory that follows itself: 8 bytes of header, no entries but one, then the place of the next
   WriteText("a.tif", std::string("II*\0\x8\0\0\0\1\0\0\1\3\0\1\0\0\0\4\0\0\0\x8\0\0\0", 26));
-  EXPECT_EQ(Cli::ReadTiffDirectories("a.tif").fPages.size(), 1u);
+  EXPECT_EQ(Photo::ReadTiffDirectories("a.tif").fPages.size(), 1u);
   WriteText("a.tif", "PF\n1 1\n-1\n");
-  EXPECT_TRUE(Cli::ReadTiffDirectories("a.tif").fPages.empty());
+  EXPECT_TRUE(Photo::ReadTiffDirectories("a.tif").fPages.empty());
 }
 
 }  // namespace
