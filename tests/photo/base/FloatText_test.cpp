@@ -22,7 +22,9 @@ std::optional<float> Expected(const std::string& pText) {
 void ExpectSame(const std::string& pText) {
   const std::optional<float> expected = Expected(pText), found = ParseFloat(pText);
   ASSERT_EQ(expected.has_value(), found.has_value()) << pText;
-  if (found) EXPECT_EQ(BitsOf(*expected), BitsOf(*found)) << pText;
+  if (found) {
+    EXPECT_EQ(BitsOf(*expected), BitsOf(*found)) << pText;
+  }
 }
 
 TEST(FloatText, ParsesAsFromCharsDoes) {
