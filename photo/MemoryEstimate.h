@@ -10,7 +10,7 @@ namespace Photo {
 /// of some formats need more than the engine does.
 std::int64_t EstimateMemory(std::int64_t pPixels, eOutputFormat pFormat, int pDepth);
 
-/// For work that takes pBytes per pixel. What no number holds becomes the largest one.
+/// For work that takes pBytes per pixel. Too large a product becomes the largest number.
 std::int64_t EstimateMemory(std::int64_t pPixels, std::int64_t pBytes);
 
 }  // namespace Photo

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -96,8 +97,8 @@ void ReportRange(const sPictureStatistics& pStatistics, sPictureReport& pReport)
   pReport.fDynamicRange = pStatistics.CountPositive() > 0 ? pStatistics.GetDynamicRange() : 0.0;
 }
 
-/// Reads the pixels, and does what is done before the engine's work.
-sPicture Load(const sTonemapJob& pJob, sOpenedPicture pOpened, sPictureReport& pReport) {
+/// Reads the pixels, which uses up pOpened, and does what is done before the engine's work.
+sPicture Load(const sTonemapJob& pJob, sOpenedPicture& pOpened, sPictureReport& pReport) {
   const auto start = tClock::now();
   sPicture picture = LoadPicture(std::move(pOpened));
   SettleAlpha(picture);
@@ -119,10 +120,11 @@ void RenderLoaded(const sTonemapJob& pJob, sPicture pPicture, sPictureReport& pR
   pWork.fInfo = std::move(pPicture);
 }
 
-/// The engine's preparation asks for the rows: reading them is no part of its time. Leaves pWork without
-/// pixels when the rows turn out to depend on each other.
-void RenderStreamed(const sTonemapJob& pJob, sOpenedPicture pOpened, sPictureReport& pReport, sWork& pWork) {
-  cPictureSource source(*pOpened.fRows);
+/// The engine's preparation asks for the rows: reading them is no part of its time. Uses up pOpened. Leaves
+/// pWork without pixels when the rows turn out to depend on each other.
+void RenderStreamed(const sTonemapJob& pJob, sOpenedPicture& pOpened, sPictureReport& pReport, sWork& pWork) {
+  const std::unique_ptr<cPictureRows> rows = std::move(pOpened.fRows);
+  cPictureSource source(*rows);
   pWork.fPixels = RenderSource(source, MakeRendering(pJob, pReport.fSettings), pReport.fRendering);
   pReport.fReadSeconds += source.GetSeconds();
   if (!pWork.fPixels) return;
@@ -133,7 +135,7 @@ void RenderStreamed(const sTonemapJob& pJob, sOpenedPicture pOpened, sPictureRep
   pWork.fInfo = std::move(pOpened);
 }
 
-/// Of an opaque picture nothing is left to lay over anything.
+/// Does nothing for opaque pictures.
 void LayOverColour(const sOutputOptions& pOptions, sWork& pWork) {
   if (pOptions.fAlpha.fMode != eAlpha::kColour || pWork.fAlpha.empty()) return;
   LayOver(pOptions.fAlpha.fColour, pOptions.fColorSpace, pWork.fInfo.fIsPremultiplied, pWork.fAlpha,
@@ -188,7 +190,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   report.fHeight = opened.fRows->GetHeight();
   std::optional<sPicture> loaded;
   if (!CanBeStreamed(pJob, opened)) {
-    loaded = Load(pJob, std::move(opened), report);
+    loaded = Load(pJob, opened, report);
     report.fWidth = loaded->fBitmap->GetWidth();  // of a preview
     report.fHeight = loaded->fBitmap->GetHeight();
   }
@@ -196,9 +198,14 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   // before the work, so that a place that cannot be written to is reported early
   cTempFile file = NameFile(pJob.fOutput, [&] { return PrepareTarget(pJob, format, report); });
   sWork work;
-  if (!loaded) RenderStreamed(pJob, std::move(opened), report, work);
-  if (!work.fPixels && !loaded) loaded = Load(pJob, Reopen(pJob, report), report);
-  if (!work.fPixels) RenderLoaded(pJob, std::move(*loaded), report, work);
+  if (!loaded) {
+    RenderStreamed(pJob, opened, report, work);
+    if (!work.fPixels) {
+      opened = Reopen(pJob, report);
+      loaded = Load(pJob, opened, report);
+    }
+  }
+  if (loaded) RenderLoaded(pJob, std::move(*loaded), report, work);
   ReportInfo(work.fInfo, report);
   // What was decided for this picture is kept, so that it can be repeated.
   report.fSettings.fWrap = report.fRendering.fWrap ? eWrap::kHorizontal : eWrap::kNone;

@@ -43,7 +43,7 @@ struct sPictureReport {
   int fFileDepth = 0;
   sRepairs fRepairs;
   double fDynamicRange = 0.0;  ///< Decades of luminance, of a sample (see sPictureStatistics).
-  sSettings fSettings;         ///< As used.
+  sSettings fSettings;         ///< As they were used.
   sRenderingReport fRendering;
   double fReadSeconds = 0.0;
   double fWriteSeconds = 0.0;

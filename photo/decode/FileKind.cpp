@@ -10,7 +10,7 @@
 namespace Photo {
 namespace {
 
-/// The first bytes of the file; what keeps anybody from reading it is told here, in plain words.
+/// The first bytes of the file. Throws cFailure, in plain words, for what cannot be read as a file.
 std::string ReadStart(const std::string& pFile) {
   std::error_code error;
   if (std::filesystem::is_directory(pFile, error)) {

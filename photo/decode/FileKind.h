@@ -4,10 +4,10 @@
 
 namespace Photo {
 
-/// Who reads a file. It is told by the file's content, not by its name.
+/// Which reader a file is for, detected by its content, not by its name.
 enum class eFileKind { kExr, kPfm, kVips };
 
-/// Throws cFailure, in plain words, for what nobody can read as a file.
+/// Throws cFailure, in plain words, for what cannot be read as a file.
 eFileKind DetectFileKind(const std::string& pFile);
 
 }  // namespace Photo

@@ -112,7 +112,7 @@ void Convert(const std::string& pFile, const sPictureChoice& pChoice, eColorSpac
 /// What is known of the samples' colours: decoder and space are null where there is none.
 struct sSampleColors {
   std::string fProfile;
-  int fColours;  ///< Of a pixel, as the decoder takes them.
+  int fColours;  ///< Colours per pixel, as the decoder takes them.
   std::unique_ptr<cIccDecoder> fDecoder;
   std::unique_ptr<TmEngine::cColorSpace> fSpace;  ///< The engine's, for the samples as they are.
 };

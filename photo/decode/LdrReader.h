@@ -17,7 +17,7 @@ class cMetadata;
 struct sLdrPicture {
   std::unique_ptr<TmEngine::cBitmapLDR> fBitmap;  ///< Upright, with the colour space of its samples.
   std::vector<std::uint16_t> fAlpha;              ///< As in sPicture.
-  int fFileDepth = 8;        ///< Of the file; a picture that was converted holds 16 bits.
+  int fFileDepth = 8;        ///< Bits per sample of the file; a converted picture holds 16.
   std::string fProfile;      ///< ICC, of fBitmap's samples.
   std::string fBeyondWhite;  ///< The name of colours that go beyond white, which no profile is for.
   std::shared_ptr<const cMetadata> fMetadata;

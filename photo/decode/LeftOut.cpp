@@ -13,7 +13,7 @@ namespace {
 
 using vips::VImage;
 
-/// Those that are pictures of their own.
+/// The directories that hold pictures of their own.
 int CountPictures(const sTiffDirectories& pFile) {
   const auto& pages = pFile.fPages;
   const auto others = std::count_if(pages.begin() + (pages.empty() ? 0 : 1), pages.end(),

@@ -15,7 +15,7 @@ namespace Photo {
 namespace {
 
 struct sPfmHeader {
-  int fSamples = 0;  ///< A pixel: 1 or 3.
+  int fSamples = 0;  ///< Per pixel: 1 or 3.
   std::int64_t fWidth = 0;
   std::int64_t fHeight = 0;
   bool fSwap = false;  ///< The file's byte order is not the machine's.
@@ -71,7 +71,7 @@ class cPfmRows : public cPictureRows {
   std::optional<sRepairs> Finish() override { return fLight.Finish(); }
 
  private:
-  /// Of a row in the file's order.
+  /// Reads the samples of a row, counted in the file's order.
   void ReadSamples(int pRow) {
     const auto bytes = static_cast<std::streamsize>(fRow.size() * sizeof(float));
     fStream.seekg(fStart + std::streamoff{bytes} * pRow);

@@ -9,8 +9,8 @@ namespace Photo {
 /// program reads.
 bool IsPictureStart(std::string_view pStart);
 
-/// The same of a file's content, which is never waited for: anything but a regular file that can be read is
-/// no picture.
+/// Whether a file begins like a picture. Never waits: anything but a regular file that can be read is no
+/// picture.
 bool HoldsPicture(const std::string& pFile);
 
 }  // namespace Photo

@@ -27,16 +27,16 @@ using vips::VImage;
 
 /// How the samples of a row become floats.
 struct sLayout {
-  int fSamples = 3;  ///< A pixel, alpha included.
-  int fColours = 3;  ///< Of them colours: 1 grey, 3 RGB, 4 CMYK; they come first.
+  int fSamples = 3;  ///< Per pixel, alpha included.
+  int fColours = 3;  ///< Samples that are colours: 1 grey, 3 RGB, 4 CMYK; they come first.
   VipsBandFormat fFormat = VIPS_FORMAT_UCHAR;
-  bool fIsRgbe = false;                   ///< The floats stand in the file as four bytes a pixel.
+  bool fIsRgbe = false;                   ///< The file stores four bytes per pixel (RGBE).
   float fFull = 255.0f;                   ///< The integer sample for full colour.
   std::vector<float> fTables[4];          ///< The float for each integer sample; colours may share one.
   const float* fTableOf[4] = {};          ///< Each colour's.
   std::unique_ptr<cIccDecoder> fDecoder;  ///< Null without a profile.
-  const char* fOrigin = "";               ///< Of the profile.
-  sCicpColors fCoded;                     ///< Of integers without one.
+  const char* fOrigin = "";               ///< Where the profile is from.
+  sCicpColors fCoded;                     ///< Colours of integers without a profile.
   double fScale[3] = {1.0, 1.0, 1.0};     ///< What linear samples were multiplied by.
 
   bool IsOfFloats() const { return fFormat == VIPS_FORMAT_FLOAT; }
@@ -120,7 +120,7 @@ void TakeColours(const VipsPel* pFrom, const sLayout& pLayout, int pWidth, int p
   take(pFrom, pLayout.fSamples, pWidth, pStep, pTo, pToFloat);
 }
 
-/// A sample stands for the middle of its step. An exponent of 0 is black.
+/// A sample means the middle of its step. An exponent of 0 is black.
 void DecodeRgbe(const VipsPel* pFrom, int pWidth, float* pTo) {
   static const std::vector<float> kSteps = [] {
     std::vector<float> steps(256);
@@ -159,7 +159,7 @@ bool IsScaled(const sLayout& pLayout) {
   return std::any_of(pLayout.fScale, pLayout.fScale + 3, [](double pV) { return pV != 1.0; });
 }
 
-/// Whether no sample that the file can hold becomes one that has to be put right.
+/// Whether every sample that the file can hold becomes valid light.
 bool IsValid(const sLayout& pLayout) {
   if (pLayout.IsTransformed() || IsScaled(pLayout)) return false;
   const auto isLight = [](float pV) { return pV >= 0.0f && pV <= 1e6f; };

@@ -24,7 +24,7 @@ struct sFormat {
   std::string_view fClass;     ///< The start of its loader's class,
   std::string_view fNickname;  ///< and of the name that it leaves in the picture.
   const char* fName;
-  bool fIsTurned;  ///< Its decoder turns pictures upright, whatever their EXIF block says.
+  bool fIsTurned;  ///< Its decoder turns pictures upright already; EXIF must not turn them again.
 };
 constexpr sFormat kFormats[] = {
     {"VipsForeignLoadRad", "rad", "Radiance", false}, {"VipsForeignLoadPng", "png", "PNG", false},
@@ -85,7 +85,7 @@ VImage OpenPage(const std::string& /*pFile*/, const vips::VSource& pSource, Vips
   return VImage::new_from_source(pSource, "", options);
 }
 
-/// The same for TIFF, of which libvips does not know all kinds of samples.
+/// Opens a page of a TIFF file: libvips does not read all kinds of samples.
 VImage OpenTiffPage(const std::string& pFile, const vips::VSource& pSource, VipsAccess pAccess, int pPage) {
   const std::vector<sTiffDirectory> pages = ReadTiffDirectories(pFile).fPages;
   const int index = std::max(pPage - 1, 0);
@@ -190,7 +190,8 @@ int GetSampleBits(const VImage& pImage) {
 
 int GetFullSample(const VImage& pImage) {
   if (pImage.format() == VIPS_FORMAT_UCHAR) return 255;
-  return pImage.get_typeof(kHeifBits) == 0 ? 65535 : 65536 - (1 << (16 - GetSampleBits(pImage)));
+  if (pImage.get_typeof(kHeifBits) == 0) return 65535;
+  return 65536 - (1 << (16 - std::clamp(GetSampleBits(pImage), 1, 16)));
 }
 
 void RefuseDamaged() {

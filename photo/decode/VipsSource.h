@@ -12,7 +12,7 @@
 namespace Photo {
 
 /// Opens a Radiance, PNG, TIFF, JPEG, WebP, HEIF, AVIF or JPEG XL file and turns the picture upright; rows
-/// are streamed unless they must be turned. Pixels of Radiance that stand as they are stay coded.
+/// are streamed unless they must be turned. Radiance pixels stay coded unless they are turned.
 /// pOrientation, as EXIF counts it, replaces what the file's metadata say unless it is 1. pAmendment: of the
 /// file's bytes, or null. Throws cFailure and vips::VError.
 vips::VImage OpenUpright(const std::string& pFile, int pOrientation, const sPictureChoice& pChoice,
@@ -25,7 +25,7 @@ vips::VImage Uncode(const vips::VImage& pImage);
 
 /// Ends the work on a picture that libvips failed to read.
 [[noreturn]] void RefuseDamaged();
-/// Ends the work on a picture whose samples are of a kind that nobody reads here.
+/// Ends the work on a picture whose kind of samples is not supported.
 [[noreturn]] void RefuseLayout(const std::string& pWhat);
 
 /// The format of the file that the picture was opened from: "TIFF", "JPEG XL".
@@ -37,7 +37,7 @@ int GetSampleBits(const vips::VImage& pImage);
 /// The integer sample for full colour. Samples of 10 and 12 bits of HEIF are at the upper end of 16.
 int GetFullSample(const vips::VImage& pImage);
 
-/// The number of a pixel's samples that are colours: 1 grey, 3 RGB, 4 CMYK; one more, alpha, may follow.
+/// How many samples of each pixel are colours: 1 grey, 3 RGB, 4 CMYK; alpha may follow.
 /// Throws cFailure for other layouts.
 int CountColours(const vips::VImage& pImage);
 

@@ -13,7 +13,7 @@ std::string GetIccProfile(TmEngine::eColorSpaceID pColorSpace);
 /// it for and warn of; with its own checksum in its header, the ID of 16 bytes, it is another. All else
 /// stays.
 std::string ToPngProfile(const std::string& pProfile);
-/// And back.
+/// The reverse of ToPngProfile.
 std::string FromPngProfile(const std::string& pProfile);
 
 /// The index by which EXIF names a profile's colours: "R98" for sRGB, "R03" for Adobe RGB (1998), "" for

@@ -9,7 +9,7 @@ namespace Photo {
 /// Other bytes in place of some of a file's.
 struct sAmendment {
   std::int64_t fAt = 0;
-  std::int64_t fLength = 0;  ///< Of the bytes that are replaced.
+  std::int64_t fLength = 0;  ///< How many bytes are replaced.
   std::string fBytes;
 };
 

@@ -53,15 +53,15 @@ const sKnownPrimaries kPrimaries[] = {
 
 struct sKnownTransfer {
   int fCode;
-  const char* fName;
   eEncoding fEncoding;
+  const char* fName;
 };
 constexpr sKnownTransfer kTransfers[] = {
-    {13, "", eEncoding::kSRGB},        {1, "", eEncoding::kSRGB},
-    {2, "", eEncoding::kSRGB},         {6, "", eEncoding::kSRGB},
-    {14, "", eEncoding::kSRGB},        {15, "", eEncoding::kSRGB},  // Rec. 709 is shown as sRGB is
-    {8, " linear", eEncoding::kPower}, {16, " PQ", eEncoding::kPQ},
-    {18, " HLG", eEncoding::kHLG}};
+    {13, eEncoding::kSRGB, ""},        {1, eEncoding::kSRGB, ""},
+    {2, eEncoding::kSRGB, ""},         {6, eEncoding::kSRGB, ""},
+    {14, eEncoding::kSRGB, ""},        {15, eEncoding::kSRGB, ""},  // Rec. 709 is shown as sRGB is
+    {8, eEncoding::kPower, " linear"}, {16, eEncoding::kPQ, " PQ"},
+    {18, eEncoding::kHLG, " HLG"}};
 
 /// Null for a code that is not known.
 template <class tKnown, std::size_t tCount>

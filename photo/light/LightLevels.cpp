@@ -11,7 +11,7 @@ namespace {
 constexpr int kGap = 24;                  // exponents
 constexpr int kLargestOfHalf = 127 + 15;  // exponent of the largest half float, 65504
 
-/// Of pGroups groups of pixels, those that may be outliers.
+/// How many of pGroups groups of pixels may be outliers.
 std::int64_t CountAllowed(std::int64_t pGroups) {
   return std::max(std::min<std::int64_t>(4, pGroups / 8), pGroups / 200);
 }

@@ -27,7 +27,7 @@ struct sLinearLight {
   std::optional<TmEngine::cMatrix33> fToXYZ;  ///< From RGB to D50-relative XYZ; none for samples in XYZ.
   bool fFitsGamut = false;  ///< Whether colours beyond those of real surfaces are brought to their border.
   std::string fColorSpace;  ///< In words.
-  bool fIsValid = false;    ///< No sample is below 0, beyond any light, or no number.
+  bool fIsValid = false;    ///< No sample is negative, an outlier, infinite or NaN.
 };
 
 /// Linear RGB with the primaries that a file states; where there are none, or where they span no colour space

@@ -38,7 +38,7 @@ float RepairSample(float pSample, float pBound, float pLargest) {
   return pSample > 0.0f ? pLargest : 0.0f;
 }
 
-/// As the engine's transform of whole pictures does it: the order of the sum decides its last bits.
+/// Sums in the order of the engine's transform of whole pictures: the order decides the last bits.
 float Product(const float* pPixel, float pA, float pB, float pC) {
   return (pPixel[1] * pB + pPixel[0] * pA) + pPixel[2] * pC;
 }

@@ -59,7 +59,7 @@ class cRowConverter {
   bool fHolds = false;
   cLightLevels fLevels;
   std::int32_t fLargest = 0;    ///< Finite magnitude so far, as the bits of a float.
-  std::vector<sPart> fWaiting;  ///< For Finish.
+  std::vector<sPart> fWaiting;  ///< Parts that Finish will convert.
 };
 
 }  // namespace Photo

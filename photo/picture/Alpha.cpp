@@ -46,7 +46,7 @@ bool ForEachPixel(const sPicture& pPicture, const tDo& pDo) {
 /// The light of covered pixels, which are those with half of the largest alpha or more.
 struct sCoveredLight {
   float fBrightest = 0.0f;  ///< Divided by alpha.
-  float fMedian = 0.0f;     ///< Of a sample.
+  float fMedian = 0.0f;     ///< Median of a sample of the pixels.
 
   explicit sCoveredLight(const sPicture& pPicture) {
     constexpr std::size_t kSample = 100000;

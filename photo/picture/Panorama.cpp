@@ -24,7 +24,7 @@ int PickAt(int pIndex, int pCount, int pHeight) {
   return static_cast<int>((2 * std::int64_t{pIndex} + 1) * pHeight / (2 * std::int64_t{pCount}));
 }
 
-/// Of pCount pixels of row pY from column pX on.
+/// Logarithm of the mean luminance of pCount pixels of row pY, from column pX on.
 double LogLuminance(const sPicture& pPicture, int pX, int pY, int pCount) {
   constexpr double kDarkest = 1e-6;
   const float* pixel = GetRow(pPicture, pY) + std::ptrdiff_t{3} * pX;

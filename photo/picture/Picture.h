@@ -17,13 +17,13 @@ class cMetadata;
 
 /// What a file says of its picture.
 struct sPictureInfo {
-  std::string fFormat;               ///< In words: "OpenEXR", "TIFF".
-  std::string fColorSpace;           ///< In words: "Display P3 (ICC)".
-  int fFileDepth = 32;               ///< Bits per sample; 32 for Radiance.
-  bool fIsPremultiplied = false;     ///< Its light is what is seen over black: alpha is no part of it.
-  bool fHasOwnLight = false;         ///< And some of that is known to be above what alpha covers.
-  bool fIsPanorama = false;          ///< Its metadata say that left and right edges meet.
-  std::vector<sPicturePart> fParts;  ///< Of a file that can hold several; empty for others.
+  std::string fFormat;            ///< In words: "OpenEXR", "TIFF".
+  std::string fColorSpace;        ///< In words: "Display P3 (ICC)".
+  int fFileDepth = 32;            ///< Bits per sample; 32 for Radiance.
+  bool fIsPremultiplied = false;  ///< Its light is what is seen over black: alpha is no part of it.
+  bool fHasOwnLight = false;      ///< Premultiplied, and some light is known to be above what alpha covers.
+  bool fIsPanorama = false;       ///< Its metadata say that left and right edges meet.
+  std::vector<sPicturePart> fParts;            ///< Parts of a file that can hold several; empty for others.
   std::shared_ptr<const cMetadata> fMetadata;  ///< Null for none.
   std::vector<std::string> fWarnings;
 };
@@ -37,7 +37,7 @@ struct sOpenedPicture : sPictureInfo {
 struct sPicture : sPictureInfo {
   /// D50-relative XYZ, linear, every sample finite.
   std::unique_ptr<TmEngine::cBitmapXYZ32> fBitmap;
-  /// For a reduced picture: pixels of the whole one, which show where black and white lie. Null for others.
+  /// Pixels of the whole picture, by which a reduced one finds its black and white points. Null for others.
   std::unique_ptr<TmEngine::cBitmapXYZ32> fSample;
   std::vector<std::uint16_t> fAlpha;  ///< One value per pixel, 65535 opaque; empty for none.
   sRepairs fRepairs;

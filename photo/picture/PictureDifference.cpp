@@ -19,7 +19,7 @@ struct sSums {
   int fLargestOfAll = 0;
   std::int64_t fDifferent = 0;
   std::vector<std::int64_t> fCounts =
-      std::vector<std::int64_t>(kCodes);  ///< Of samples with each difference.
+      std::vector<std::int64_t>(kCodes);  ///< How many samples have each difference.
 
   /// Returns the largest difference of the pixel's samples.
   int Add(const sPixel16& pA, const sPixel16& pB) {

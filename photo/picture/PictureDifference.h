@@ -13,7 +13,7 @@ struct sPictureDifference {
   sExtent fChannels[3];  ///< Red, green, blue.
   sExtent fAll;
   double fQuantile99 = 0.0;      ///< 99 % of all samples differ by this much or less.
-  double fDifferentShare = 0.0;  ///< Of the pixels, 0 to 1: those with any difference.
+  double fDifferentShare = 0.0;  ///< Share of pixels with any difference, 0 to 1.
   int fLargestX = 0;             ///< Where fAll.fLargest is first met.
   int fLargestY = 0;
 };

@@ -25,9 +25,9 @@ class cPictureSource : public TmEngine::cRowSource {
   bool* GetStopRequest() { return &fState.fNeedsWholePicture; }
   /// After the last row: what had to be repaired.
   const std::optional<sRepairs>& GetRepairs() const { return fState.fRepairs; }
-  /// Of the rows that have passed, as SamplePicture takes it.
+  /// Statistics of the rows that were read, sampled as SamplePicture does.
   sPictureStatistics GetSample() const { return fState.fSampler.Get(); }
-  /// What reading took.
+  /// Time spent on reading.
   double GetSeconds() const { return fState.fSeconds; }
 
  private:
@@ -35,7 +35,7 @@ class cPictureSource : public TmEngine::cRowSource {
   struct sState {
     cPictureRows& fRows;
     cLuminanceSampler fSampler;
-    std::vector<float> fRow;  ///< That was read last.
+    std::vector<float> fRow;  ///< The row that was read last.
     int fY = -1;              ///< Its number.
     std::optional<sRepairs> fRepairs = std::nullopt;
     bool fNeedsWholePicture = false;

@@ -13,12 +13,12 @@ struct sPictureStatistics {
   static constexpr double kLowest = -40.0;  ///< Floats end there; the bins reach as far the other way.
   static constexpr int kBinsPerDecade = 100;
 
-  std::int64_t fPixels = 0;  ///< That were looked at.
-  std::int64_t fDark = 0;    ///< Of them without positive luminance; no quantile counts them.
-  double fLogMin = 0.0;      ///< Of the positive ones; 0 where there is none.
+  std::int64_t fPixels = 0;  ///< Pixels that were looked at.
+  std::int64_t fDark = 0;    ///< Those without positive luminance; no quantile counts them.
+  double fLogMin = 0.0;      ///< Of positive luminances; 0 where there is none.
   double fLogMax = 0.0;
   double fLogMean = 0.0;
-  std::vector<std::int64_t> fBins;  ///< Pixels a hundredth of a decade, from kLowest on; empty for none.
+  std::vector<std::int64_t> fBins;  ///< Pixels per hundredth of a decade, from kLowest on; empty for none.
 
   std::int64_t CountPositive() const { return fPixels - fDark; }
   /// The logarithm below which pShare (0 to 1) of the positive luminances lie, to a hundredth of a decade.
@@ -54,7 +54,7 @@ class cLuminanceSampler {
 
 /// Looks at every pixel in one pass.
 sPictureStatistics MeasurePicture(const sPicture& pPicture);
-/// The same on a regular sample.
+/// Looks at a regular sample of the pixels (see cLuminanceSampler::OfPart).
 sPictureStatistics SamplePicture(const sPicture& pPicture);
 
 }  // namespace Photo

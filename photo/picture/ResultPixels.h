@@ -64,7 +64,7 @@ class cResultSink : public TmEngine::cRowSink {
   cResultPixels& fPixels;
   std::unique_ptr<TmEngine::cColorSpace> fColorSpace;
   std::ptrdiff_t fStartByte;
-  std::vector<unsigned char> fRow;  ///< Of a rolled panorama.
+  std::vector<unsigned char> fRow;  ///< A row of a rolled panorama.
   sClippedPixels fClipped;
 };
 

@@ -5,7 +5,7 @@
 
 namespace Photo {
 
-/// Sliders for a picture of such light; docs/auto.md tells the rule. What the rule says nothing of keeps its
+/// Sliders for a picture of such light; docs/auto.md explains the rule. What the rule does not set keeps its
 /// default, as does all of it for a picture of one luminance.
 sSettings SuggestSettings(const sPictureStatistics& pStatistics);
 

@@ -23,8 +23,8 @@ struct sRendering {
 struct sRenderingReport {
   double fBlack = 0.0;  ///< Tone-mapped luminances that become black and white.
   double fWhite = 0.0;
-  double fBlackShare = 0.0;  ///< Of the pixels, 0 to 1: all samples of the result are 0.
-  double fWhiteShare = 0.0;  ///< Of the pixels, 0 to 1: a sample of the result is the largest there is.
+  double fBlackShare = 0.0;  ///< Share of pixels, 0 to 1, whose samples in the result are all 0.
+  double fWhiteShare = 0.0;  ///< Share of pixels, 0 to 1, with a sample at its largest code in the result.
   bool fWrap = false;        ///< Whether left and right edges were taken to meet.
   TmEngine::sStageSeconds fSeconds;
 };

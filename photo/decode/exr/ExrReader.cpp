@@ -175,8 +175,8 @@ class cExrRows : public cPictureRows {
   std::int64_t fRight;  ///< below 0 where the picture begins before its data.
   bool fHasAlphaChannel;
   cRowConverter fLight;
-  int fLines;       ///< That are read together.
-  int fFirst = -1;  ///< Of the lines that were read last.
+  int fLines;       ///< Number of lines that are read together.
+  int fFirst = -1;  ///< First of the lines that were read last.
   std::vector<float> fColours;
   std::vector<float> fAlpha;
 };

@@ -87,7 +87,7 @@ class cTiffFile {
     return values;
   }
 
-  /// Of a single extra sample; one of several may be anything.
+  /// The kind of a single extra sample; with several, each may be anything.
   bool SaysAssociated(std::string_view pEntry) const {
     constexpr std::uint64_t kShort = 3, kAssociated = 1;
     return ToNumber(pEntry.substr(0, 2)) == kExtraSamplesTag && ToNumber(pEntry.substr(2, 2)) == kShort &&
