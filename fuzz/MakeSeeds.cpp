@@ -1,9 +1,7 @@
 // Writes the inputs that the fuzz targets start from, one folder per target: small pictures, and noise.
 //   MakeSeeds FOLDER
 
-#include <OpenEXR/ImfRgbaFile.h>
 #include <tiffio.h>
-#include <zlib.h>
 
 #include <cstdio>
 #include <exception>
@@ -12,7 +10,6 @@
 #include <string>
 
 #include "photo/icc/IccHandle.h"
-#include "photo/io/BigEndian.h"
 #include "photo/io/FileBytes.h"
 #include "photo/metadata/JxlContainer.h"
 #include "tests/photo/TestPictures.h"
@@ -43,10 +40,7 @@ void MakeExr(const std::string& pFolder) {
   WriteExr(pFolder + "window.exr", small,
            {.fAlpha = std::vector<float>(30, 0.5f), .fAt = {3, -2}, .fDisplay = {{0, 0}, {7, 7}}});
   WriteExr(pFolder + "layers.exr", small, {.fChannels = {"R", "a.G", "a.B"}});
-  Imf::RgbaOutputFile chroma((pFolder + "chroma.exr").c_str(), Imf::Header(6, 4), Imf::WRITE_YCA);
-  const std::vector<Imf::Rgba> pixels(24, Imf::Rgba(0.5f, 2.0f, 0.25f, 0.5f));
-  chroma.setFrameBuffer(pixels.data(), 1, 6);
-  chroma.writePixels(4);
+  WriteExrChroma(pFolder + "chroma.exr", MakeScene(6, 4));
 }
 
 void MakeHdr(const std::string& pFolder) {
@@ -113,37 +107,19 @@ std::vector<VImage> Kinds() {
   const VImage rgb16 = ToVips16(MakeScene(9, 7));
   VImage turned = rgb.copy();
   turned.set(VIPS_META_ORIENTATION, 6);
-  const VImage alpha = rgb.bandjoin(VImage::black(kWidth, kHeight) + 128).cast(VIPS_FORMAT_UCHAR);
+  const VImage alpha = rgb.bandjoin_const({128.0});
   const VImage profiled = rgb.icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
   VImage inks = profiled.colourspace(VIPS_INTERPRETATION_CMYK).copy();
   inks.remove(VIPS_META_ICC_NAME);  // half a megabyte
   const VImage grey =
       rgb.extract_band(1).copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W));
-  return {rgb,
-          rgb16,
-          grey,
-          turned,
-          alpha,
-          profiled,
-          inks,
-          WithProfile(grey, 1),
-          WithProfile(rgb, 3),
-          WithProfile(inks, 4)};
+  const VImage grey1 = WithProfile(grey, 1), rgb3 = WithProfile(rgb, 3), inks4 = WithProfile(inks, 4);
+  return {rgb, rgb16, grey, turned, alpha, profiled, inks, grey1, rgb3, inks4};
 }
 
 /// The file with other bytes behind its first pAt.
 void Insert(const std::string& pFrom, const std::string& pTo, std::size_t pAt, const std::string& pBytes) {
   std::ofstream(pTo, std::ios::binary) << Photo::ReadBytes(pFrom).insert(pAt, pBytes);
-}
-
-std::string MakeChunk(const std::string& pName, const std::string& pContent) {
-  const std::string body = pName + pContent;
-  std::string chunk;
-  Photo::AppendBigEndian(chunk, pContent.size(), 4);
-  chunk += body;
-  Photo::AppendBigEndian(
-      chunk, crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())), 4);
-  return chunk;
 }
 
 void MakePng(const std::string& pFolder) {
@@ -153,12 +129,9 @@ void MakePng(const std::string& pFolder) {
                            VImage::option()->set("palette", true)->set("interlace", true));
   const std::string plain = pFolder + "0.png";
   Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
-  std::string primaries;
-  for (const unsigned part : {31270u, 32900u, 68000u, 32000u, 26500u, 69000u, 15000u, 6000u}) {
-    Photo::AppendBigEndian(primaries, part, 4);
-  }
+  const std::vector<unsigned> primaries = {31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000};
   Insert(plain, pFolder + "numbers.png", 33,
-         MakeChunk("gAMA", std::string("\0\1\x86\xa0", 4)) + MakeChunk("cHRM", primaries));
+         MakeChunk("gAMA", std::vector{100000u}) + MakeChunk("cHRM", primaries));
 }
 
 void MakeJpeg(const std::string& pFolder) {
@@ -207,9 +180,7 @@ void MakeWebp(const std::string& pFolder) {
   const VImage rgb = ToVips8(Scene());
   rgb.webpsave((pFolder + "lossy.webp").c_str());
   rgb.webpsave((pFolder + "lossless.webp").c_str(), VImage::option()->set("lossless", true));
-  rgb.bandjoin(VImage::black(kWidth, kHeight) + 128)
-      .cast(VIPS_FORMAT_UCHAR)
-      .webpsave((pFolder + "alpha.webp").c_str());
+  rgb.bandjoin_const({128.0}).webpsave((pFolder + "alpha.webp").c_str());
 }
 
 void MakeHeif(const std::string& pFolder) {
@@ -218,9 +189,8 @@ void MakeHeif(const std::string& pFolder) {
   };
   const VImage rgb = ToVips8(Scene());
   rgb.heifsave((pFolder + "8.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
-  rgb.bandjoin(VImage::black(kWidth, kHeight) + 128)
-      .cast(VIPS_FORMAT_UCHAR)
-      .heifsave((pFolder + "alpha.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
+  rgb.bandjoin_const({128.0}).heifsave((pFolder + "alpha.avif").c_str(),
+                                       options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
   ToVips16(Scene()).heifsave((pFolder + "12.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 12));
   rgb.heifsave((pFolder + "8.heic").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_HEVC, 8));
 }
@@ -255,7 +225,6 @@ void MakeTiff(const std::string& pFolder) {
   }
 }
 
-/// For targets that take plain numbers.
 /// Boxes only, without a codestream.
 void MakeJxl(const std::string& pFolder) {
   const std::string codestream("\xff\x0a what is no picture");
@@ -286,6 +255,7 @@ void MakeNameList(const std::string& pFolder) {
   std::ofstream(pFolder + "mixed", std::ios::binary) << "0" + names + "\n";
 }
 
+/// For targets that take plain numbers.
 void MakeNoise(const std::string& pFolder) {
   std::mt19937 random(1);
   for (const int size : {20, 50, 100, 200, 500, 1000}) {

@@ -1,4 +1,3 @@
-#include <OpenEXR/ImfRgbaFile.h>
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -111,36 +110,18 @@ TEST_F(ReadingTool, ReadsLightDepthAndColoursOfEveryFormat) {
   }
 }
 
-/// The file with other bytes at pAt behind pName.
-void Patch(const std::string& pFrom, const std::string& pTo, const std::string& pName, std::size_t pAt,
-           const std::string& pBytes) {
-  std::string file = ReadText(pFrom);
-  file.replace(file.find(pName) + pName.size() + pAt, pBytes.size(), pBytes);
-  std::ofstream(pTo, std::ios::binary) << file;
-}
-
-TEST_F(ReadingTool, DecodesPQAndHLG) {
-  const VImage grey = (VImage::black(32, 32, VImage::option()->set("bands", 3)) + 0.5806 * 65535.0)
-                          .cast(VIPS_FORMAT_USHORT)
-                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
-  grey.heifsave("a.avif", VImage::option()
-                              ->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1)
-                              ->set("bitdepth", 12)
-                              ->set("Q", 100));
-  const struct {
-    std::string fCodes;
-    const char* fColorSpace;
-    float fLight;
-  } cases[] = {{{0, 9, 0, 16}, "Rec. 2020 PQ", 1.0f},  // 58.06 % are 203 candela
-               {{0, 1, 0, 8}, "sRGB linear", 0.5806f}};
-  for (const auto& row : cases) {
-    Patch("a.avif", "coded.avif", "colrnclx", 0, row.fCodes);
-    const sPicture picture = ReadPicture("coded.avif");
-    EXPECT_EQ(picture.fColorSpace, row.fColorSpace);
-    EXPECT_NEAR(Photo::GetRow(picture, 16)[3 * 16 + 1], row.fLight, 2.5e-4f) << row.fColorSpace;
-  }
-  Patch("a.avif", "odd.avif", "colrnclx", 0, {0, 9, 0, 77});
-  EXPECT_EQ(ReadPicture("odd.avif").fWarnings.size(), 1u);
+TEST_F(ReadingTool, TakesTheCodesOfAvif) {
+  ToVips16(MakeScene())
+      .heifsave("a.avif",
+                VImage::option()->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1)->set("bitdepth", 12));
+  const auto read = [](const std::string& pCodes) {
+    std::string file = ReadText("a.avif");
+    WriteText("coded.avif", file.replace(file.find("colrnclx") + 8, 4, pCodes));
+    return ReadPicture("coded.avif");
+  };
+  EXPECT_EQ(read({0, 9, 0, 16}).fColorSpace, "Rec. 2020 PQ");
+  EXPECT_EQ(read({0, 1, 0, 8}).fColorSpace, "sRGB linear");
+  EXPECT_EQ(read({0, 9, 0, 77}).fWarnings.size(), 1u);
 }
 
 /// Floats with a profile: that of a linear space is no reason to clip, that of a gamma goes on above 1.
@@ -188,26 +169,10 @@ TEST_F(ReadingTool, KeepsAlphaToTheBit) {
   }
 }
 
-/// A flame above a candle that covers a few pixels.
-sTestPicture MakeCandle(sExrKind& pKind) {
-  sTestPicture scene = MakeScene(90, 60);
-  pKind.fAlpha.assign(90 * 60, 0.0f);
-  for (int y = 0; y < 60; ++y) {
-    for (int x = 0; x < 90; ++x) {
-      const float distance = std::hypot(static_cast<float>(x - 45), static_cast<float>(y - 20) / 2.0f);
-      const float light = 30.0f * std::exp(-distance / 3.0f);
-      for (int i = 0; i < 3; ++i) scene.GetPixel(x, y)[i] = light * (1.0f - 0.3f * static_cast<float>(i));
-      if (y < 30 || std::abs(x - 45) > 6) continue;
-      std::fill_n(scene.GetPixel(x, y), 3, 0.2f + 0.01f * static_cast<float>(y % 7));
-      pKind.fAlpha[static_cast<std::size_t>(y * 90 + x)] = 1.0f;
-    }
-  }
-  return scene;
-}
-
 TEST_F(ReadingTool, LightWithoutCoverStaysLight) {
-  sExrKind kind;
-  const sTestPicture scene = MakeCandle(kind);
+  const sTestPicture scene = MakeScene(90, 60);
+  sExrKind kind{.fAlpha = std::vector<float>(90 * 60)};  // a candle below its flame
+  std::fill(kind.fAlpha.begin() + 90 * 30, kind.fAlpha.end(), 1.0f);
   WriteExr("plain.exr", scene);
   WriteExr("candle.exr", scene, kind);
   const auto tonemap = [](const std::string& pArguments, const std::string& pFile) {
@@ -260,6 +225,7 @@ TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
   ExpectDone("tonemap a.exr -o a.exr.png");
   ExpectDone("tonemap a.tif -o a.tif.png");
   const VImage kept = VImage::new_from_file("a.exr.png");
+  EXPECT_EQ(kept.getpoint(0, 0), std::vector<double>(4));
   EXPECT_LE((kept - VImage::new_from_file("a.tif.png")).abs().max(), 1.0);
   for (const std::string colour : {"'#c08040'", "c08040"}) {
     ExpectDone("tonemap a.exr --overwrite -o over.png --alpha " + colour);
@@ -275,33 +241,8 @@ TEST_F(ReadingTool, CutOutsAreTheSameStraightAndPremultiplied) {
   EXPECT_EQ(Load("again.png").fShape[2], 3);
 }
 
-/// What lies under full transparency is never seen, and what is seen does not depend on it.
-TEST_F(ReadingTool, TransparentPixelsDoNotCount) {
-  const sTestPicture scene = MakeScene(60, 40);
-  std::vector<unsigned short> alpha(60 * 40, 65535);
-  for (std::size_t i = 0; i < alpha.size(); i += 3) alpha[i] = 0;
-  const VImage mask = ToVips(alpha, 60, 1, VIPS_FORMAT_USHORT);
-  std::vector<sStored> results;
-  for (const float hidden : {0.0f, 1.0f}) {
-    sTestPicture other = scene;
-    for (std::size_t i = 0; i < alpha.size(); i += 3) std::fill_n(&other.fSamples[3 * i], 3, hidden);
-    ToVips16(other).bandjoin(mask).pngsave("a.png");
-    ExpectDone("tonemap a.png --overwrite -o out.png");
-    results.push_back(Load("out.png"));
-  }
-  EXPECT_EQ(results[0].fSamples, results[1].fSamples);
-  const auto bands = static_cast<std::size_t>(results[0].fShape[2]);
-  for (std::size_t i = 0; i < alpha.size(); i += 3) ASSERT_EQ(results[0].fSamples[bands * i], 0.0);
-}
-
-/// An outlier is repaired like +infinity, in every format of floats; the sun stays.
+/// An outlier is repaired like +infinity, in every format of floats.
 TEST_F(ReadingTool, RepairsOutliersOfEveryFormat) {
-  const auto write = [](const sTestPicture& pPicture, const std::string& pFile) {
-    if (pFile.ends_with(".pfm")) WritePfm(pFile, pPicture);
-    if (pFile.ends_with(".exr")) WriteExr(pFile, pPicture);
-    if (pFile.ends_with(".hdr")) WriteRadiance(pFile, pPicture);
-    if (pFile.ends_with(".tif")) ToVipsFloat(pPicture).tiffsave(pFile.c_str());
-  };
   const auto spot = [](float pLight) {
     sTestPicture scene = MakeScene(60, 80);
     std::fill_n(scene.GetPixel(31, 40), 3, pLight);
@@ -309,17 +250,16 @@ TEST_F(ReadingTool, RepairsOutliersOfEveryFormat) {
   };
   WritePfm("infinite.pfm", spot(kInfinity));
   const std::vector<float> expected = SamplesOf(ReadPicture("infinite.pfm"));
+  const sTestPicture outlier = spot(1e20f);
+  WritePfm("a.pfm", outlier);
+  WriteExr("a.exr", outlier);
+  WriteRadiance("a.hdr", outlier);
+  ToVipsFloat(outlier).tiffsave("a.tif");
   for (const char* const file : {"a.pfm", "a.exr", "a.hdr", "a.tif"}) {
-    const bool isExact = file[2] != 'h';  // whose samples have 8 bits
-    write(spot(1e20f), file);
     const sPicture picture = ReadPicture(file);
     EXPECT_EQ(picture.fRepairs.fOutliers, 1) << file;
     EXPECT_EQ(picture.fWarnings.size(), 1u) << file;
-    EXPECT_EQ(SamplesOf(picture) == expected, isExact) << file;
-    write(spot(1e6f), file);
-    const sPicture sun = ReadPicture(file);
-    EXPECT_EQ(sun.fRepairs.fOutliers, 0) << file;
-    EXPECT_NEAR(Photo::GetRow(sun, 40)[3 * 31 + 1], 1e6f, isExact ? 0.0f : 1500.0f) << file;
+    EXPECT_EQ(SamplesOf(picture) == expected, file[2] != 'h') << file;  // whose samples have 8 bits
   }
 }
 
@@ -398,15 +338,7 @@ TEST_F(ReadingTool, ChoosesPartsAndLayersOfExr) {
 TEST_F(ReadingTool, ReadsLuminanceChromaAndShortRadianceNames) {
   const sTestPicture scene = MakeScene(64, 48);
   WriteExr("plain.exr", scene);
-  {
-    Imf::RgbaOutputFile file("chroma.exr", Imf::Header(64, 48), Imf::WRITE_YCA);
-    std::vector<Imf::Rgba> pixels;
-    for (std::size_t i = 0; i < scene.fSamples.size(); i += 3) {
-      pixels.emplace_back(scene.fSamples[i], scene.fSamples[i + 1], scene.fSamples[i + 2], 1.0f);
-    }
-    file.setFrameBuffer(pixels.data(), 1, 64);
-    file.writePixels(48);
-  }
+  WriteExrChroma("chroma.exr", scene);
   const sPicture chroma = ReadPicture("chroma.exr");
   EXPECT_LE(Compare(ReadPicture("plain.exr"), chroma), 0.002);
   EXPECT_EQ(chroma.fFileDepth, 16);
@@ -421,13 +353,14 @@ TEST_F(ReadingTool, ReadsLuminanceChromaAndShortRadianceNames) {
 }
 
 TEST_F(ReadingTool, PicturesWithoutContrastGivePictures) {
-  for (const float light : {0.0f, 0.18f, 1e9f}) {
+  for (const float light : {0.18f, 1e9f, 0.0f, kNaN}) {
     for (const int size : {1, 24}) {
       sTestPicture flat = MakeScene(2 * size, size);
       std::fill(flat.fSamples.begin(), flat.fSamples.end(), light);
       WriteExr("flat.exr", flat);
       Expect(0, "tonemap flat.exr --overwrite -o flat.png");
       EXPECT_EQ(Load("flat.png").fShape[0], 2 * size);
+      EXPECT_EQ(VImage::new_from_file("flat.png").max() > 0.0, light > 0.0f) << light;
     }
   }
   ToVips8(MakeScene()).bandjoin_const({0.0}).pngsave("clear.png");

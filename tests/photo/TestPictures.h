@@ -10,10 +10,12 @@
 #include <OpenEXR/ImfOutputFile.h>
 #include <OpenEXR/ImfOutputPart.h>
 #include <OpenEXR/ImfPartType.h>
+#include <OpenEXR/ImfRgbaFile.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfStringAttribute.h>
 #include <OpenEXR/ImfTiledOutputFile.h>
 #include <OpenEXR/ImfTiledOutputPart.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +24,8 @@
 #include <utility>
 #include <vector>
 #include <vips/vips8>
+
+#include "photo/io/BigEndian.h"
 
 /// A picture of floats, linear light, that the tests store in every format.
 struct sTestPicture {
@@ -191,6 +195,33 @@ inline void WriteExrParts(const std::string& pFile, const sTestPicture& pPicture
     part.setFrameBuffer(frame);
     part.writePixels(pPicture.fHeight);
   }
+}
+
+/// Chroma at half the resolution.
+inline void WriteExrChroma(const std::string& pFile, const sTestPicture& pPicture) {
+  std::vector<Imf::Rgba> pixels;
+  for (std::size_t i = 0; i < pPicture.fSamples.size(); i += 3) {
+    pixels.emplace_back(pPicture.fSamples[i], pPicture.fSamples[i + 1], pPicture.fSamples[i + 2], 1.0f);
+  }
+  Imf::RgbaOutputFile file(pFile.c_str(), Imf::Header(pPicture.fWidth, pPicture.fHeight), Imf::WRITE_YCA);
+  file.setFrameBuffer(pixels.data(), 1, static_cast<std::size_t>(pPicture.fWidth));
+  file.writePixels(pPicture.fHeight);
+}
+
+/// A chunk of a PNG file.
+inline std::string MakeChunk(const std::string& pName, const std::string& pContent) {
+  const std::string body = pName + pContent;
+  std::string chunk;
+  Photo::AppendBigEndian(chunk, pContent.size(), 4);
+  chunk += body;
+  const auto* const bytes = reinterpret_cast<const Bytef*>(body.data());
+  Photo::AppendBigEndian(chunk, crc32(0, bytes, static_cast<uInt>(body.size())), 4);
+  return chunk;
+}
+inline std::string MakeChunk(const std::string& pName, const std::vector<unsigned>& pNumbers) {
+  std::string content;
+  for (const unsigned number : pNumbers) Photo::AppendBigEndian(content, number, 4);
+  return MakeChunk(pName, content);
 }
 
 /// The picture with the transfer of sRGB, 16 bits per sample, as libvips takes it.
