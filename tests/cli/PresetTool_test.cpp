@@ -199,6 +199,7 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
       {"--compression 9 --contrast 0.1", "c.png"},
       {"--depth 12 --quality 50 --strength 99.99", "d.avif"},
       {"--depth 16 --quality 80 --strength 10", "e.jxl"},
+      {"--quality 60 --lighting 2", "f.webp"},
       {"--colorspace adobergb --lighting -3.3333333 --microcontrast 1e-7 --saturation -1.5", "a.png"},
   };
   for (const auto& row : cases) {

@@ -96,6 +96,12 @@ TEST_F(MetadataLibrary, DamagedBlocksCostThemselvesOnly) {
       library->ListExif(read);
       library->Correct(read, {kFacts, {}, "", "{}"}, warnings);
       EXPECT_EQ(size > 0 && size < whole.fXmp.size(), !warnings.empty()) << size;
+      sMetadataBlocks spoilt = whole;
+      for (std::string* const block : {&spoilt.fExif, &spoilt.fXmp}) {
+        for (std::size_t at = size; at < std::min(size + 8, block->size()); ++at) (*block)[at] = '\xff';
+      }
+      std::vector<std::string> ignored;
+      library->Correct(library->Read("", spoilt, ignored), {kFacts, {}, "", "{}"}, ignored);
     }
   }
 }

@@ -53,12 +53,14 @@ TEST(XmpText, LeavesOutDevelopmentAndNothingElse) {
 
 TEST(XmpText, FitsPanoramasAndTurnsUpright) {
   const std::string packet = MakePacket(
-      " GPano:FullPanoWidthPixels=\"100\" GPano:CroppedAreaImageWidthPixels=\"80\" tiff:Orientation='6'",
+      " GPano:FullPanoWidthPixels=\"100\" GPano:CroppedAreaImageWidthPixels=\"80\" tiff:Orientation='6' "
+      "GPano:CroppedAreaImageHeightPixels=\"40\" GPano:CroppedAreaTopPixels=\"4\"",
       "<GPano:CroppedAreaLeftPixels>10</GPano:CroppedAreaLeftPixels>"
       "<GPano:FullPanoHeightPixels>many</GPano:FullPanoHeightPixels>");
   const std::string text = CorrectXmp(packet, 40, 20).value();
-  for (const char* part : {"WidthPixels=\"50\"", "ImageWidthPixels=\"40\"", "LeftPixels>5<",
-                           "HeightPixels>many<", "tiff:Orientation=\"1\""}) {
+  for (const char* part :
+       {"WidthPixels=\"50\"", "ImageWidthPixels=\"40\"", "LeftPixels>5<", "ImageHeightPixels=\"20\"",
+        "TopPixels=\"2\"", "HeightPixels>many<", "tiff:Orientation=\"1\""}) {
     EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
   }
   EXPECT_EQ(CorrectXmp(packet, 80, 20).value().find("=\"40\""), std::string::npos);
