@@ -1,8 +1,6 @@
 // Writes the inputs that the fuzz targets start from, one folder per target: small pictures, and noise.
 //   MakeSeeds FOLDER
 
-#include <tiffio.h>
-
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -13,6 +11,7 @@
 #include "photo/io/FileBytes.h"
 #include "photo/metadata/JxlContainer.h"
 #include "tests/photo/TestPictures.h"
+#include "tests/photo/TiffFile.h"
 
 namespace {
 
@@ -125,8 +124,7 @@ void Insert(const std::string& pFrom, const std::string& pTo, std::size_t pAt, c
 void MakePng(const std::string& pFolder) {
   int number = 0;
   for (const VImage& image : Kinds()) image.pngsave((pFolder + std::to_string(number++) + ".png").c_str());
-  ToVips8(Scene()).pngsave((pFolder + "palette.png").c_str(),
-                           VImage::option()->set("palette", true)->set("interlace", true));
+  ToVips8(Scene()).write_to_file((pFolder + "palette.png[palette,interlace]").c_str());
   const std::string plain = pFolder + "0.png";
   Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
   const std::vector<unsigned> primaries = {31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000};
@@ -147,23 +145,16 @@ void MakeJpeg(const std::string& pFolder) {
 
 /// A page of samples that libvips does not read.
 void WriteOddTiff(const std::string& pFile, int pBits, int pFormat, bool pIsTiled) {
-  TIFF* const tiff = TIFFOpen(pFile.c_str(), "w");
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 16);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 16);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, pBits);
+  const tTiff file(TIFFOpen(pFile.c_str(), "w"));
+  TIFF* const tiff = file.get();
+  SetShape(tiff, 16, 16, pBits, 1);
   TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, pFormat);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  if (pIsTiled) {
-    TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16);
-    TIFFSetField(tiff, TIFFTAG_TILELENGTH, 16);
-  }
+  if (pIsTiled) SetTiles(tiff, 16);
   std::string samples;
   for (int i = 0; i < 16 * 2 * pBits; ++i) samples += static_cast<char>(i % 60);
   const std::size_t row = std::size_t{2} * static_cast<unsigned>(pBits);
   for (std::uint32_t y = 0; !pIsTiled && y < 16; ++y) TIFFWriteScanline(tiff, &samples[row * y], y, 0);
   if (pIsTiled) TIFFWriteTile(tiff, samples.data(), 0, 0, 0, 0);
-  TIFFClose(tiff);
 }
 
 void MakeOddTiff(const std::string& pFolder) {
@@ -184,15 +175,11 @@ void MakeWebp(const std::string& pFolder) {
 }
 
 void MakeHeif(const std::string& pFolder) {
-  const auto options = [](VipsForeignHeifCompression pCodec, int pBits) {
-    return VImage::option()->set("compression", pCodec)->set("bitdepth", pBits)->set("Q", 50);
-  };
   const VImage rgb = ToVips8(Scene());
-  rgb.heifsave((pFolder + "8.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
-  rgb.bandjoin_const({128.0}).heifsave((pFolder + "alpha.avif").c_str(),
-                                       options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 8));
-  ToVips16(Scene()).heifsave((pFolder + "12.avif").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_AV1, 12));
-  rgb.heifsave((pFolder + "8.heic").c_str(), options(VIPS_FOREIGN_HEIF_COMPRESSION_HEVC, 8));
+  rgb.write_to_file((pFolder + "8.avif[compression=av1]").c_str());
+  rgb.bandjoin_const({128.0}).write_to_file((pFolder + "alpha.avif[compression=av1]").c_str());
+  ToVips16(Scene()).write_to_file((pFolder + "12.avif[compression=av1,bitdepth=12]").c_str());
+  rgb.write_to_file((pFolder + "8.heic[compression=hevc]").c_str());
 }
 
 void MakeJxlPictures(const std::string& pFolder) {
@@ -209,19 +196,13 @@ void MakeTiff(const std::string& pFolder) {
   for (const VImage& image : Kinds()) {
     const std::string name = pFolder + std::to_string(number++);
     image.tiffsave((name + ".tif").c_str());
-    image.tiffsave((name + "t.tif").c_str(), VImage::option()
-                                                 ->set("tile", true)
-                                                 ->set("tile_width", 16)
-                                                 ->set("tile_height", 16)
-                                                 ->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_LZW)
-                                                 ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL));
+    image.write_to_file(
+        (name + "t.tif[tile,tile_width=16,tile_height=16,compression=lzw,predictor=horizontal]").c_str());
   }
   const VImage floats = ToVips8(MakeScene(5, 5)).cast(VIPS_FORMAT_FLOAT);
   floats.tiffsave((pFolder + "float.tif").c_str());
-  for (const auto kind : {VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE, VIPS_FOREIGN_TIFF_COMPRESSION_PACKBITS,
-                          VIPS_FOREIGN_TIFF_COMPRESSION_JPEG}) {
-    ToVips8(Scene()).tiffsave((pFolder + "kind" + std::to_string(kind) + ".tif").c_str(),
-                              VImage::option()->set("compression", kind));
+  for (const std::string kind : {"deflate", "packbits", "jpeg"}) {
+    ToVips8(Scene()).write_to_file((pFolder + kind + ".tif[compression=" + kind + "]").c_str());
   }
 }
 

@@ -1,8 +1,6 @@
 #include <png.h>
-#include <tiffio.h>
 
 #include <functional>
-#include <memory>
 
 #include "photo/decode/LdrReader.h"
 #include "photo/decode/PictureReader.h"
@@ -12,6 +10,7 @@
 #include "photo/metadata/MetadataLibrary.h"
 #include "tests/cli/ToolTest.h"
 #include "tests/photo/TestPictures.h"
+#include "tests/photo/TiffFile.h"
 
 // What files state of their samples, and what they hold besides the picture that is read.
 
@@ -31,7 +30,7 @@ float LightOf(const sPicture& pPicture) {
 /// The PNG with chunks behind its header.
 void PutChunks(const std::string& pFrom, const std::string& pTo, const std::string& pChunks) {
   constexpr std::size_t kHeaderEnd = 33;
-  std::ofstream(pTo, std::ios::binary) << ReadText(pFrom).insert(kHeaderEnd, pChunks);
+  WriteText(pTo, ReadText(pFrom).insert(kHeaderEnd, pChunks));
 }
 
 TEST_F(StatedTool, PngColoursCountInTheirOrder) {
@@ -141,11 +140,6 @@ TEST_F(StatedTool, PngLibrariesDoNotWarnOfItsProfiles) {
   }
 }
 
-struct sCloseTiff {
-  void operator()(TIFF* pTiff) const { TIFFClose(pTiff); }
-};
-using tTiff = std::unique_ptr<TIFF, sCloseTiff>;
-
 struct sTiffKind {
   int fBits;
   int fFormat;
@@ -180,15 +174,6 @@ std::string PackSamples(const sTiffKind& pKind, const float* pFrom, int pCount, 
   return bytes;
 }
 
-void SetShape(TIFF* pTiff, int pWidth, int pHeight, int pBits, int pSamples) {
-  TIFFSetField(pTiff, TIFFTAG_IMAGEWIDTH, pWidth);
-  TIFFSetField(pTiff, TIFFTAG_IMAGELENGTH, pHeight);
-  TIFFSetField(pTiff, TIFFTAG_BITSPERSAMPLE, pBits);
-  TIFFSetField(pTiff, TIFFTAG_SAMPLESPERPIXEL, pSamples);
-  TIFFSetField(pTiff, TIFFTAG_PHOTOMETRIC, pSamples == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(pTiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-}
-
 void WriteTiff(const std::string& pFile, const sTestPicture& pPicture, const sTiffKind& pKind) {
   constexpr int kTile = 16;
   const tTiff tiff(TIFFOpen(pFile.c_str(), pKind.fMode));
@@ -198,8 +183,7 @@ void WriteTiff(const std::string& pFile, const sTestPicture& pPicture, const sTi
   TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_LZW);
   if (pKind.fIsPlanar) TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_SEPARATE);
   if (pKind.fIsTiled) {
-    TIFFSetField(tiff.get(), TIFFTAG_TILEWIDTH, kTile);
-    TIFFSetField(tiff.get(), TIFFTAG_TILELENGTH, kTile);
+    SetTiles(tiff.get(), kTile);
   } else {
     TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, 7);
   }
@@ -268,7 +252,7 @@ TEST_F(StatedTool, ReadsOddSamplesOfTiff) {
     EXPECT_TRUE(picture.fWarnings.empty()) << name;
     Expect(isFloat ? 3 : 0, "equalize a.tif --overwrite -o b.png --saturation 0:0.5");
     const std::string whole = ReadText("a.tif");
-    std::ofstream("cut.tif", std::ios::binary) << whole.substr(0, whole.size() / 2);
+    WriteText("cut.tif", whole.substr(0, whole.size() / 2));
     ExpectFailure(3, "tonemap cut.tif --overwrite -o b.png", "cut.tif: ");
   }
   WriteTiff("a.tif", encoded, {24, kInteger});
@@ -314,9 +298,8 @@ TEST_F(StatedTool, RefusesRawFilesAndNoOthers) {
   write("copied.tif", [&](TIFF* pTiff) {  // by a program that copies all tags
     WritePage(pTiff, 99, [&] { TIFFSetField(pTiff, TIFFTAG_DNGVERSION, version); });
   });
-  std::ofstream("a.cr2", std::ios::binary)
-      << std::string("II*\0\x10\0\0\0CR\2\0\0\0\0\0\0\0\0\0\0\0", 22) + std::string(99, '\0');
-  std::ofstream("a.orf", std::ios::binary) << std::string("IIRO\x8\0\0\0", 8) + std::string(99, '\0');
+  WriteText("a.cr2", std::string("II*\0\x10\0\0\0CR\2\0\0\0\0\0\0\0\0\0\0\0", 22) + std::string(99, '\0'));
+  WriteText("a.orf", std::string("IIRO\x8\0\0\0", 8) + std::string(99, '\0'));
   const std::pair<std::string, std::string> cases[] = {{"a.dng", "is a raw file (DNG)"},
                                                        {"b.dng", "is a raw file (DNG)"},
                                                        {"a.nef", "is a raw file of a camera"},
@@ -363,7 +346,7 @@ TEST_F(StatedTool, ReportsWhatElseAJpegHolds) {
   const auto put = [](const std::string& pSegment) {
     std::string segment = "\xff\xe2";
     Photo::AppendBigEndian(segment, pSegment.size() + 2, 2);
-    std::ofstream("a.jpg", std::ios::binary) << ReadText("plain.jpg").insert(2, segment + pSegment);
+    WriteText("a.jpg", ReadText("plain.jpg").insert(2, segment + pSegment));
     return ReadPicture("a.jpg").fWarnings;
   };
   const auto index = [](const std::string& pAttribute) {

@@ -1,9 +1,8 @@
 #include "photo/decode/tiff/TiffDirectories.h"
 
-#include <tiffio.h>
-
 #include "photo/decode/tiff/TiffAlpha.h"
 #include "tests/photo/FolderTest.h"
+#include "tests/photo/TiffFile.h"
 
 namespace {
 
@@ -11,16 +10,12 @@ class TiffDirectories : public cFolderTest {
  protected:
   /// Two pages: one of 16 bits with associated alpha and a directory below it, then a thumbnail of 8 bits.
   static void WritePages(const char* pMode) {
-    TIFF* const tiff = TIFFOpen("a.tif", pMode);
+    const tTiff file(TIFFOpen("a.tif", pMode));
+    TIFF* const tiff = file.get();
     const toff_t below[] = {0};
     const std::uint16_t associated[] = {EXTRASAMPLE_ASSOCALPHA};
     for (int page = 0; page < 3; ++page) {
-      TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-      TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-      TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page == 0 ? 16 : 8);
-      TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page == 0 ? 4 : 1);
-      TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page == 0 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
-      TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+      SetShape(tiff, 4, 1, page == 0 ? 16 : 8, page == 0 ? 4 : 1);
       if (page == 0) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, associated);
       if (page == 0) TIFFSetField(tiff, TIFFTAG_SUBIFD, 1, below);
       if (page == 2) TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_REDUCEDIMAGE);
@@ -28,7 +23,6 @@ class TiffDirectories : public cFolderTest {
       TIFFWriteScanline(tiff, row, 0, 0);
       TIFFWriteDirectory(tiff);
     }
-    TIFFClose(tiff);
   }
 };
 
