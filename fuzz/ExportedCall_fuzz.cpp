@@ -3,26 +3,19 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <new>
 #include <stdexcept>
 
 #include "engine/base/cException.h"
 #include "export/quorvane.h"
 #include "fuzz/FuzzInput.h"
+#include "tests/Numbers.h"
 
 namespace {
 
 constexpr unsigned char kUntouched = 0xA5;
 constexpr int kLongSide = 6000;
-constexpr float kFarValues[] = {1e2f,
-                                -1e2f,
-                                1e4f,
-                                -1e4f,
-                                1e30f,
-                                -1e30f,
-                                std::numeric_limits<float>::infinity(),
-                                -std::numeric_limits<float>::infinity()};
+constexpr float kFarValues[] = {1e2f, -1e2f, 1e4f, -1e4f, 1e30f, -1e30f, kInfinity, -kInfinity};
 
 /// Sometimes two sliders far out of range together; not after the end of the input, which reads as 0.
 void TakeFarSliders(FuzzedDataProvider& pData, tm_quorvane_settings& pSettings) {
@@ -79,13 +72,9 @@ bool IsSmall(const tm_quorvane_image& pImage) {
 int TakePitch(FuzzedDataProvider& pData, const tm_quorvane_image& pImage) {
   if (!IsSmall(pImage)) return 0;
   const int row = pImage.samples_per_pixel * pImage.width;
-  switch (pData.ConsumeIntegralInRange(0, 15)) {
-    case 15:
-      return pData.ConsumeBool() ? pData.ConsumeIntegralInRange(-std::abs(row), std::abs(row))
-                                 : pData.ConsumeIntegralInRange(INT32_MIN, 0);
-    default:
-      return row + pData.PickValueInArray({0, 0, 1, 7});
-  }
+  if (pData.ConsumeIntegralInRange(0, 15) < 15) return row + pData.PickValueInArray({0, 0, 1, 7});
+  return pData.ConsumeBool() ? pData.ConsumeIntegralInRange(-std::abs(row), std::abs(row))
+                             : pData.ConsumeIntegralInRange(INT32_MIN, 0);
 }
 
 tm_quorvane_image TakeImage(FuzzedDataProvider& pData) {

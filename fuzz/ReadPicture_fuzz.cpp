@@ -26,27 +26,21 @@ enum eFormat { kHdr, kExr, kTiff, kPng, kJpeg, kPfm, kWebp, kHeif, kJxl };
 
 /// Files of other formats belong to other fuzz targets.
 bool IsOfFormat(eFormat pFormat, std::string_view pFile) {
-  const auto starts = [&](std::string_view pStart) { return pFile.starts_with(pStart); };
-  switch (pFormat) {
-    case kHdr:
-      return starts("#?");
-    case kExr:
-      return starts("\x76\x2f\x31\x01");
-    case kTiff:
-      return starts("II"sv) || starts("MM"sv);
-    case kPng:
-      return starts("\x89PNG\r\n\x1a\n");
-    case kJpeg:
-      return starts("\xff\xd8\xff");
-    case kWebp:
-      return starts("RIFF") && pFile.substr(0, 12).ends_with("WEBP");
-    case kHeif:
-      return pFile.substr(0, 8).ends_with("ftyp");
-    case kJxl:
-      return starts("\xff\x0a") || starts("\0\0\0\x0cJXL "sv);
-    default:
-      return starts("PF") || starts("Pf");
-  }
+  const struct {
+    std::size_t fAt;
+    std::string_view fMagic, fOther;
+  } formats[] = {{0, "#?", "#?"},
+                 {0, "\x76\x2f\x31\x01", "\x76\x2f\x31\x01"},
+                 {0, "II", "MM"},
+                 {0, "\x89PNG\r\n\x1a\n", "\x89PNG\r\n\x1a\n"},
+                 {0, "\xff\xd8\xff", "\xff\xd8\xff"},
+                 {0, "PF", "Pf"},
+                 {8, "WEBP", "WEBP"},
+                 {4, "ftyp", "ftyp"},
+                 {0, "\xff\x0a", "\0\0\0\x0cJXL "sv}};
+  const auto& [at, magic, other] = formats[pFormat];
+  const std::string_view file = pFile.substr(std::min(at, pFile.size()));
+  return file.starts_with(magic) || file.starts_with(other);
 }
 
 /// Whether 'equalize' takes such files.
