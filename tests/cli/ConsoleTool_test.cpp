@@ -57,7 +57,7 @@ TEST_F(ConsoleTool, EscapesWhatATerminalWouldObey) {
   sTestPicture scene = MakeScene();
   scene.GetPixel(3, 3)[0] = std::nanf("");
   WritePfm(name, scene);
-  std::ofstream("text-" + name) << "no picture";
+  WriteText("text-" + name, "no picture");
   sRun run =
       Expect(1, "tonemap '" + name + "' 'text-" + name + "' missing-'" + name + "' --out-dir out --json");
   for (const std::string& text :
@@ -87,7 +87,7 @@ TEST_F(ConsoleTool, EscapesWhatATerminalWouldObey) {
   // other programs get the name itself, a terminal does not
   const std::string plan = "tonemap '" + name + "' -o x.png --dry-run";
   EXPECT_EQ(Run(plan).fOutput, name + " -> x.png\n");
-  std::ofstream("plan") << "'" QUORVANE_TOOL "' " + plan;
+  WriteText("plan", "'" QUORVANE_TOOL "' " + plan);
   EXPECT_EQ(std::system("script -qec 'sh plan' /dev/null >shown </dev/null"), 0);
   EXPECT_TRUE(Starts(ReadText("shown"), shown + " -> x.png\r\n"));
 }

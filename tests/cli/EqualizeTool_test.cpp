@@ -22,14 +22,6 @@ class EqualizeTool : public cToolTest {
   }
 };
 
-double LargestDifference(const sStored& pA, const sStored& pB) {
-  double largest = pA.fSamples.size() == pB.fSamples.size() ? 0.0 : 1e9;
-  for (std::size_t i = 0; i < pA.fSamples.size() && largest < 1e9; ++i) {
-    largest = std::max(largest, std::fabs(pA.fSamples[i] - pB.fSamples[i]));
-  }
-  return largest;
-}
-
 TEST_F(EqualizeTool, KeepsSamplesDepthAndProfileUnderNeutralCurves) {
   const VImage deep = ToVips16(MakeScene(53, 31, 1.5f));
   const VImage shallow = ToVips8(MakeScene(53, 31, 1.5f));
@@ -65,10 +57,9 @@ TEST_F(EqualizeTool, KeepsSamplesDepthAndProfileUnderNeutralCurves) {
         Equalize(std::string(row.fInput) + " --saturation 0:0.5 " + row.fOptions, row.fOutput);
     EXPECT_EQ(result.fShape[3], row.fBits) << row.fInput;
     EXPECT_EQ(result.fProfile, row.fProfile.empty() ? srgb : row.fProfile) << row.fInput;
-    const sStored input = Load(row.fInput);
-    if (row.fTolerance >= 0.0) {
-      EXPECT_LE(LargestDifference(result, input), row.fTolerance) << row.fInput;
-    }
+    if (row.fTolerance < 0.0) continue;
+    const VImage difference = VImage::new_from_file(row.fOutput) - VImage::new_from_file(row.fInput);
+    EXPECT_LE(difference.abs().max(), row.fTolerance) << row.fInput;
   }
 }
 
@@ -118,8 +109,6 @@ TEST_F(EqualizeTool, KeepsResolutionAndComments) {
     EXPECT_NEAR(VImage::new_from_file(output.c_str()).xres(), 11.0, 0.1) << output;
   }
   EXPECT_NE(VImage::new_from_file("out.png").get_typeof("png-comment-0-Title"), 0u);
-  Equalize("in.png --saturation 0:0.5 --metadata exif", "out.png");
-  EXPECT_EQ(VImage::new_from_file("out.png").get_typeof("png-comment-0-Title"), 0u);
 }
 
 TEST_F(EqualizeTool, DrawsTheCurves) {
@@ -149,7 +138,7 @@ TEST_F(EqualizeTool, NamesFileReasonAndWayOutOfEveryFailure) {
   ToVips16(scene).cast(VIPS_FORMAT_FLOAT).tiffsave("float.tif");
   ToVips16(scene).pngsave("in.png");
   const std::string whole = ReadText("in.png");
-  std::ofstream("cut.png", std::ios::binary) << whole.substr(0, whole.size() * 2 / 3);
+  WriteText("cut.png", whole.substr(0, whole.size() * 2 / 3));
   const std::string refused = ": equalize takes 8- and 16-bit pictures; tone-map it first";
   const struct {
     std::string fArguments;

@@ -179,7 +179,7 @@ TEST_F(WritingTool, KeepsAndCorrectsMetadata) {
     const std::string thumbnail = Capture(std::string("exiftool -b -ThumbnailImage ") + row.fFile);
     EXPECT_EQ(!thumbnail.empty(), row.fHasThumbnail) << name;
     if (!row.fHasThumbnail) continue;
-    std::ofstream("shown.jpg", std::ios::binary) << thumbnail;
+    WriteText("shown.jpg", thumbnail);
     EXPECT_EQ(Load("shown.jpg").fShape[1], 160) << name;  // upright
   }
   // TIFF, PNG and JPEG XL hand on what they hold.
@@ -257,7 +257,7 @@ TEST_F(WritingTool, WritesExrAttributesAsExif) {
 /// Twice as much as a JPEG's segment takes.
 TEST_F(WritingTool, LeavesOutXmpThatIsTooLong) {
   if (!Photo::HasExiv2()) GTEST_SKIP() << "built without Exiv2";
-  std::ofstream("long.txt") << std::string(60000, '&');
+  WriteText("long.txt", std::string(60000, '&'));
   ToVips8(MakeScene()).tiffsave("long.tif");
   Capture("exiftool -q -overwrite_original -Make=Maker '-XMP-dc:Title<=long.txt' long.tif");
   EXPECT_TRUE(Has(Equalize("long.tif", "a.jpg"), "warning: its XMP is left out ("));
