@@ -229,23 +229,6 @@ TEST(cColorEqRenderer, KeepsBlackAsAColorWithAPositiveMaximum) {
   EXPECT_EQ(*run.fMax, 1.1754944e-38f);
 }
 
-TEST(cColorEqRenderer, GivesThePictureBackUnderNeutralCurves) {
-  for (int i = 0; i < 6; ++i) {
-    const int depth = i < 3 ? 8 : 16;
-    sJob job(depth, depth, 40, 20, i % 3, i % 3);
-    job.fRenderer->Render();
-    const cTransfer& toLinear = *job.fInput->GetColorSpace()->GetToLinear();
-    const auto light = [&](const tImage& pImage, int pAt) {
-      const auto sample = static_cast<float>(Sample(*pImage, pAt / 3 % 40, pAt / 120, pAt % 3));
-      return toLinear.Evaluate(sample / (depth == 8 ? 255.0f : 65535.0f));
-    };
-    // Hue and light have 16 bits each; matrices spread a step of hue, and 8 bits come out truncated.
-    for (int at = 0; at < 40 * 20 * 3; ++at) {
-      EXPECT_NEAR(light(job.fOutput, at), light(job.fInput, at), depth == 8 ? 0.009f : 3e-4f);
-    }
-  }
-}
-
 /// An input that reports when its pixels are read.
 class cWatchedImage : public cBitmapBGR16 {
  public:

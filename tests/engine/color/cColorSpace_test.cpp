@@ -166,12 +166,5 @@ TEST(cColorSpace_GenericRGB, FindsThePrimariesBehindColorants) {
   }
 }
 
-TEST(cColorSpace_GenericRGB, PassesOnTheErrorsOfItsTables) {
-  unsigned short table[] = {0, 65535};
-  const cVector3 white(1, 1, 1);
-  ExpectChecks("", {TM_NULL("Argument pTable cannot be null.",
-                            cColorSpace_GenericRGB(cMatrix33(), white, table, 2, nullptr, 2).GetName())});
-}
-
 }  // namespace
 }  // namespace TmEngine

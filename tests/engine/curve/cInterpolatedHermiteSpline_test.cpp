@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <new>
-#include <random>
 #include <vector>
 
 #include "tests/ExceptionCheck.h"
@@ -139,33 +138,6 @@ TEST(cInterpolatedHermiteSpline, StandsAsItWasWhenMemoryRunsOut) {
       }
       gArraysLeft = -1;
     }
-  }
-}
-
-TEST(cInterpolatedHermiteSpline, SurvivesRandomEdits) {
-  std::mt19937 random(7);
-  const float special[] = {kNaN, kInfinity, -kInfinity, 1e30f, -1e30f, 3.4e38f, -0.0f, 1.0f, 1.00001f};
-  const auto number = [&] {
-    return random() % 3 == 0 ? special[random() % 9] : static_cast<float>(random() % 1000) / 500.0f - 0.5f;
-  };
-  const auto vector = [&] { return cVector2(number(), number()); };
-  cInterpolatedHermiteSpline spline;
-  for (int i = 0; i < 300; ++i) {
-    const int index = static_cast<int>(random() % static_cast<unsigned int>(spline.GetCount()));
-    std::vector<sControlPoint> records(12);
-    for (sControlPoint& record : records) record = {vector(), vector(), vector(), 0};
-    const auto mode = static_cast<eSplineInterpolationMode>(static_cast<int>(random() % 6) - 1);
-    const int count = 2 + static_cast<int>(random() % 3);
-    const auto action = random() % 6;
-    if (action == 0) spline.MovePoint(index, vector());
-    if (action == 1 && spline.GetCount() > 2) spline.RemovePointAt(index);
-    if (action == 2) spline.SetControlPoints(mode, count, records.data());
-    if (action == 3) spline.SetKeyFrames(mode, count, 12 / count, records.data());
-    if (action == 4) spline.InterpolateKeyFrames(number());
-    if (action == 5) spline.GetPointAt(index) = vector();
-    spline.Invalidate();
-    const float* table = spline.GetFloatTable();
-    for (int k = 0; k < 65537; ++k) ASSERT_TRUE(table[k] >= 0.0f && table[k] <= 1.0f) << i << ' ' << k;
   }
 }
 

@@ -66,12 +66,6 @@ TEST(BoxSmoother, AgreesWithTheDirectSum) {
   }
 }
 
-TEST(BoxSmoother, GivesAKnownFigure) {
-  tFloats box = {0.0f, 0.0f, 1.0f, 0.0f, 0.0f};
-  SmoothWithBox(box.data(), box.data(), 5, 1, 1.58f);
-  EXPECT_NEAR(box[2], 0.2592f, 2e-4f);  // three boxes of three, with shorter windows at the ends
-}
-
 TEST(BoxSmoother, CopiesWithoutARadiusAndEndsInTheMeanWithAHugeOne) {
   const tFloats from = RandomPlane(6 * 5);
   for (const float sigma : {0.0f, -3.0f, kNaN}) {
