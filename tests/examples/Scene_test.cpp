@@ -44,6 +44,10 @@ using tBytes = std::vector<unsigned char>;
 /// One row of RGBE pixels, channel after channel, from pFile at pAt; pAt moves behind it.
 tBytes UnpackRow(const tBytes& pFile, std::size_t pWidth, std::size_t& pAt) {
   tBytes row;
+  for (std::size_t i = 0; pWidth < 8 && i < 4 * pWidth; ++i) {  // too short to be packed: pixel after pixel
+    row.push_back(pFile.at(pAt + i % pWidth * 4 + i / pWidth));
+  }
+  if (pWidth < 8) return pAt += row.size(), row;
   EXPECT_EQ(pFile.at(pAt) * 65536 + pFile.at(pAt + 1) * 65536 + pFile.at(pAt + 2) * 256 + pFile.at(pAt + 3),
             4 * 65536 + static_cast<int>(pWidth));
   pAt += 4;
@@ -68,17 +72,11 @@ sHdrPicture ReadHdr(const std::string& pPath, int pWidth, int pHeight) {
   const auto width = static_cast<std::size_t>(pWidth);
   sHdrPicture picture{pWidth, pHeight, {}};
   for (int y = 0; y < pHeight; ++y) {
-    tBytes row;
-    if (pWidth >= 8) row = UnpackRow(bytes, width, at);
-    for (std::size_t x = 0; x < width; ++x) {
-      const auto sample = [&](std::size_t i) {
-        return pWidth >= 8 ? row.at(i * width + x) : bytes.at(at + 4 * x + i);
-      };
-      for (std::size_t i = 0; i < 3; ++i) {
-        picture.fPixels.push_back(std::ldexp(static_cast<float>(sample(i)) + 0.5f, sample(3) - 136));
-      }
+    const tBytes row = UnpackRow(bytes, width, at);
+    for (std::size_t i = 0; i < 3 * width; ++i) {
+      const float mantissa = static_cast<float>(row.at(i % 3 * width + i / 3)) + 0.5f;
+      picture.fPixels.push_back(std::ldexp(mantissa, row.at(3 * width + i / 3) - 136));
     }
-    if (pWidth < 8) at += 4 * width;
   }
   EXPECT_EQ(at, bytes.size());
   return picture;
