@@ -128,8 +128,7 @@ void MakePng(const std::string& pFolder) {
   const std::string plain = pFolder + "0.png";
   Insert(plain, pFolder + "codes.png", 33, MakeChunk("cICP", {9, 16, 0, 1}));
   const std::vector<unsigned> primaries = {31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000};
-  Insert(plain, pFolder + "numbers.png", 33,
-         MakeChunk("gAMA", std::vector{100000u}) + MakeChunk("cHRM", primaries));
+  Insert(plain, pFolder + "numbers.png", 33, MakeNumbers("gAMA", {100000}) + MakeNumbers("cHRM", primaries));
 }
 
 void MakeJpeg(const std::string& pFolder) {

@@ -42,10 +42,9 @@ TEST_F(StatedTool, PngColoursCountInTheirOrder) {
   SetBlob(profiled, VIPS_META_ICC_NAME, ProfileOf(TmEngine::cColorSpace_AdobeRGB98::GetIccProfile()));
   profiled.pngsave("adobe.png");
   const auto codes = [](const std::string& pCodes) { return MakeChunk("cICP", pCodes); };
-  const auto gamma = [](unsigned pNumber) { return MakeChunk("gAMA", std::vector{pNumber}); };
+  const auto gamma = [](unsigned pNumber) { return MakeNumbers("gAMA", {pNumber}); };
   const std::string srgb = MakeChunk("sRGB", std::string(1, '\0'));
-  const std::string wide =
-      MakeChunk("cHRM", std::vector{31270u, 32900u, 70800u, 29200u, 17000u, 79700u, 13100u, 4600u});
+  const std::string wide = MakeNumbers("cHRM", {31270, 32900, 70800, 29200, 17000, 79700, 13100, 4600});
   std::string damaged = gamma(100000);
   damaged.back() ^= 1;
   const struct {
@@ -67,8 +66,7 @@ TEST_F(StatedTool, PngColoursCountInTheirOrder) {
       {"plain.png", gamma(45455) + wide, "gamma 2.2, Rec. 2020 primaries", 0.30236f, 0},
       {"plain.png", wide, "curve of sRGB, Rec. 2020 primaries", 0.2964f, 0},
       {"plain.png", gamma(0), "sRGB", 0.2964f, 1},
-      {"plain.png", MakeChunk("cHRM", std::vector{31270u, 32900u, 0u, 0u, 0u, 0u, 0u, 0u}), "sRGB", 0.2964f,
-       1},
+      {"plain.png", MakeNumbers("cHRM", {31270, 32900, 0, 0, 0, 0, 0, 0}), "sRGB", 0.2964f, 1},
       {"plain.png", damaged, "sRGB", 0.2964f, 0},
       {"adobe.png", gamma(100000) + wide, "Adobe RGB (1998) (ICC)", 0.3025f, 0},
       {"adobe.png", codes({1, 8, 0, 1}), "sRGB linear", 0.5806f, 0}};

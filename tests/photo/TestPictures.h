@@ -218,7 +218,7 @@ inline std::string MakeChunk(const std::string& pName, const std::string& pConte
   Photo::AppendBigEndian(chunk, crc32(0, bytes, static_cast<uInt>(body.size())), 4);
   return chunk;
 }
-inline std::string MakeChunk(const std::string& pName, const std::vector<unsigned>& pNumbers) {
+inline std::string MakeNumbers(const std::string& pName, const std::vector<unsigned>& pNumbers) {
   std::string content;
   for (const unsigned number : pNumbers) Photo::AppendBigEndian(content, number, 4);
   return MakeChunk(pName, content);
