@@ -1,14 +1,16 @@
 #include "photo/metadata/JxlContainer.h"
 
-#include <jxl/decode_cxx.h>
+#include <jxl/decode.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "photo/io/BigEndian.h"
 #include "photo/io/FileBytes.h"
 #include "photo/io/FileReader.h"
+#include "photo/io/LazyLibrary.h"
 
 namespace Photo {
 namespace {
@@ -61,18 +63,41 @@ bool IsMetadata(std::string_view pType) {
   return pType == "Exif" || pType == "xml ";
 }
 
+struct sJxlLibrary {
+  cLazyLibrary fLibrary{QUORVANE_JXL_LIBRARY};
+  PHOTO_LAZY_FUNCTION(JxlDecoderCreate);
+  PHOTO_LAZY_FUNCTION(JxlDecoderDestroy);
+  PHOTO_LAZY_FUNCTION(JxlDecoderSubscribeEvents);
+  PHOTO_LAZY_FUNCTION(JxlDecoderSetDecompressBoxes);
+  PHOTO_LAZY_FUNCTION(JxlDecoderProcessInput);
+  PHOTO_LAZY_FUNCTION(JxlDecoderReleaseInput);
+  PHOTO_LAZY_FUNCTION(JxlDecoderSetInput);
+  PHOTO_LAZY_FUNCTION(JxlDecoderCloseInput);
+  PHOTO_LAZY_FUNCTION(JxlDecoderGetBoxType);
+  PHOTO_LAZY_FUNCTION(JxlDecoderReleaseBoxBuffer);
+  PHOTO_LAZY_FUNCTION(JxlDecoderSetBoxBuffer);
+};
+const sJxlLibrary& Jxl() {
+  static const sJxlLibrary library;
+  return library;
+}
+
+struct sDestroy {
+  void operator()(JxlDecoder* pDecoder) const { Jxl().JxlDecoderDestroy(pDecoder); }
+};
+
 /// Walks the boxes of a file by libjxl, which reads those that Brotli compressed, too.
 class cBoxReader {
  public:
-  explicit cBoxReader(const std::string& pFile) : fFile(pFile), fDecoder(JxlDecoderMake(nullptr)) {
-    JxlDecoderSubscribeEvents(fDecoder.get(), JXL_DEC_BOX);
-    fCanDecompress = JxlDecoderSetDecompressBoxes(fDecoder.get(), JXL_TRUE) == JXL_DEC_SUCCESS;
+  explicit cBoxReader(const std::string& pFile) : fFile(pFile), fDecoder(Jxl().JxlDecoderCreate(nullptr)) {
+    Jxl().JxlDecoderSubscribeEvents(fDecoder.get(), JXL_DEC_BOX);
+    fCanDecompress = Jxl().JxlDecoderSetDecompressBoxes(fDecoder.get(), JXL_TRUE) == JXL_DEC_SUCCESS;
   }
 
   sJxlMetadata Read() {
     Feed();
     for (;;) {
-      const JxlDecoderStatus status = JxlDecoderProcessInput(fDecoder.get());
+      const JxlDecoderStatus status = Jxl().JxlDecoderProcessInput(fDecoder.get());
       if (status == JXL_DEC_NEED_MORE_INPUT && Feed()) continue;
       if (status == JXL_DEC_BOX_NEED_MORE_OUTPUT && Grow()) continue;
       Finish(status == JXL_DEC_BOX || status == JXL_DEC_SUCCESS);
@@ -86,7 +111,7 @@ class cBoxReader {
 
   /// False where no more input helps.
   bool Feed() {
-    const std::size_t left = JxlDecoderReleaseInput(fDecoder.get());
+    const std::size_t left = Jxl().JxlDecoderReleaseInput(fDecoder.get());
     fInput.erase(0, fInput.size() - left);
     const std::string more = fFile.Read(fAt, kPiece);
     fAt += more.size();
@@ -95,15 +120,16 @@ class cBoxReader {
     // To find a file closed in the midst of a box makes libjxl write to standard error. Only a compressed box
     // needs it, to be known as whole where it is the last one.
     if (isEnd && (fIsClosed || !fIsWanted || !fIsCompressed)) return false;
-    JxlDecoderSetInput(fDecoder.get(), reinterpret_cast<const std::uint8_t*>(fInput.data()), fInput.size());
-    if (isEnd) JxlDecoderCloseInput(fDecoder.get());
+    Jxl().JxlDecoderSetInput(fDecoder.get(), reinterpret_cast<const std::uint8_t*>(fInput.data()),
+                             fInput.size());
+    if (isEnd) Jxl().JxlDecoderCloseInput(fDecoder.get());
     fIsClosed = isEnd;
     return true;
   }
 
   std::string GetType(bool pIsInner) const {
     JxlBoxType type = {};
-    JxlDecoderGetBoxType(fDecoder.get(), type, pIsInner ? JXL_TRUE : JXL_FALSE);
+    Jxl().JxlDecoderGetBoxType(fDecoder.get(), type, pIsInner ? JXL_TRUE : JXL_FALSE);
     return {type, sizeof type};
   }
 
@@ -119,7 +145,7 @@ class cBoxReader {
   /// Makes room for more of the box; false where that is more than any picture has.
   bool Grow() {
     constexpr std::size_t kMost = 1 << 26;
-    const std::size_t used = fContent.size() - JxlDecoderReleaseBoxBuffer(fDecoder.get());
+    const std::size_t used = fContent.size() - Jxl().JxlDecoderReleaseBoxBuffer(fDecoder.get());
     if (used >= kMost) fContent.clear();
     if (used < kMost) SetBuffer(used);
     return used < kMost;
@@ -127,8 +153,8 @@ class cBoxReader {
 
   void SetBuffer(std::size_t pUsed) {
     fContent.resize(std::max(2 * pUsed, kPiece));
-    JxlDecoderSetBoxBuffer(fDecoder.get(), reinterpret_cast<std::uint8_t*>(fContent.data()) + pUsed,
-                           fContent.size() - pUsed);
+    Jxl().JxlDecoderSetBoxBuffer(fDecoder.get(), reinterpret_cast<std::uint8_t*>(fContent.data()) + pUsed,
+                                 fContent.size() - pUsed);
   }
 
   /// Takes the box that was read last. Of one that is cut short, what is there counts, unless it is
@@ -136,7 +162,7 @@ class cBoxReader {
   void Finish(bool pIsWhole) {
     if (!fIsWanted) return;
     fIsWanted = false;
-    const std::size_t unused = JxlDecoderReleaseBoxBuffer(fDecoder.get());
+    const std::size_t unused = Jxl().JxlDecoderReleaseBoxBuffer(fDecoder.get());
     fContent.resize(fContent.size() - std::min(unused, fContent.size()));
     if (!pIsWhole && (fIsCompressed || fContent.empty())) {
       fMetadata.fHasUnread = fMetadata.fHasUnread || fIsCompressed;
@@ -147,7 +173,7 @@ class cBoxReader {
   }
 
   cFileReader fFile;
-  JxlDecoderPtr fDecoder;
+  std::unique_ptr<JxlDecoder, sDestroy> fDecoder;
   bool fCanDecompress = false;
   bool fIsClosed = false;
   std::uint64_t fAt = 0;  ///< In the file.
