@@ -201,7 +201,9 @@ void MakeTiff(const std::string& pFolder) {
   const VImage floats = ToVips8(MakeScene(5, 5)).cast(VIPS_FORMAT_FLOAT);
   floats.tiffsave((pFolder + "float.tif").c_str());
   for (const std::string kind : {"deflate", "packbits", "jpeg"}) {
-    ToVips8(Scene()).write_to_file((pFolder + kind + ".tif[compression=" + kind + "]").c_str());
+    std::string target = pFolder;
+    target.append(kind).append(".tif[compression=").append(kind).append("]");
+    ToVips8(Scene()).write_to_file(target.c_str());
   }
 }
 
