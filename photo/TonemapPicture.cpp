@@ -65,23 +65,15 @@ struct sWork {
 };
 
 /// Waiting for memory is no part of reading.
-sOpenedPicture Open(const sTonemapJob& pJob, sPictureReport& pReport) {
+sOpenedPicture Open(const sTonemapJob& pJob, const tMemoryGate& pGate, sPictureReport& pReport) {
   double waited = 0.0;
   const auto start = tClock::now();
   sOpenedPicture opened = OpenPicture(pJob.fInput, ChooseSource(pJob), [&](std::int64_t pPixels) {
     const auto asked = tClock::now();
-    if (pJob.fMemoryGate) pJob.fMemoryGate(pPixels);
+    if (pGate) pGate(pPixels);
     waited = SecondsSince(asked);
   });
-  pReport.fReadSeconds = SecondsSince(start) - waited;
-  return opened;
-}
-
-/// Opens once more what has been granted its memory.
-sOpenedPicture Reopen(const sTonemapJob& pJob, sPictureReport& pReport) {
-  const auto start = tClock::now();
-  sOpenedPicture opened = OpenPicture(pJob.fInput, ChooseSource(pJob));
-  pReport.fReadSeconds += SecondsSince(start);
+  pReport.fReadSeconds += SecondsSince(start) - waited;
   return opened;
 }
 
@@ -185,7 +177,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   const eOutputFormat format = CheckTarget(pJob);
   sPictureReport report;
   report.fSettings = GetGivenSettings(pJob);
-  sOpenedPicture opened = Open(pJob, report);
+  sOpenedPicture opened = Open(pJob, pJob.fMemoryGate, report);
   report.fWidth = opened.fRows->GetWidth();
   report.fHeight = opened.fRows->GetHeight();
   std::optional<sPicture> loaded;
@@ -201,7 +193,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   if (!loaded) {
     RenderStreamed(pJob, opened, report, work);
     if (!work.fPixels) {
-      opened = Reopen(pJob, report);
+      opened = Open(pJob, {}, report);  // its memory is granted
       loaded = Load(pJob, opened, report);
     }
   }
