@@ -1,10 +1,10 @@
 #include "export/FloatingPointScope.h"
 
-// The default environment of the C library also clears the bits that flush denormal numbers to zero.
+#include "engine/base/System.h"
 
 cFloatingPointScope::cFloatingPointScope() {
   std::fegetenv(&fHost);
-  std::fesetenv(FE_DFL_ENV);
+  TmEngine::ResetFloatingPoint();
 }
 
 cFloatingPointScope::~cFloatingPointScope() {
