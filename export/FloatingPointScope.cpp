@@ -1,12 +1,9 @@
 #include "export/FloatingPointScope.h"
 
-#include "engine/base/System.h"
-
-cFloatingPointScope::cFloatingPointScope() {
-  std::fegetenv(&fHost);
-  TmEngine::ResetFloatingPoint();
+cFloatingPointScope::cFloatingPointScope() : fHost(TmEngine::GetFloatingPoint()) {
+  TmEngine::SetDefaultFloatingPoint();
 }
 
 cFloatingPointScope::~cFloatingPointScope() {
-  std::fesetenv(&fHost);
+  TmEngine::SetFloatingPoint(fHost);
 }

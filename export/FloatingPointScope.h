@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cfenv>
+#include "engine/base/System.h"
 
 /// Gives its thread the default floating-point environment while it lives: round to nearest, no traps,
 /// denormal numbers kept. Then the host's comes back as it was, control bits and status flags alike.
@@ -15,5 +15,5 @@ class cFloatingPointScope {
   ~cFloatingPointScope();
 
  private:
-  std::fenv_t fHost;
+  TmEngine::sFloatingPoint fHost;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cfenv>
 #include <cstdarg>
 #include <cstddef>
 
@@ -18,9 +19,16 @@ void AdviseLargePages(void* pBlock, std::size_t pBytes);
 char* MapLargePages(std::size_t pBytes);
 void UnmapLargePages(char* pStart, std::size_t pBytes);
 
-/// Sets the calling thread's floating-point environment to the default: round to nearest, no traps, denormal
-/// numbers kept.
-void ResetFloatingPoint();
+/// The floating-point environment of a thread: control bits and status flags.
+struct sFloatingPoint {
+  std::fenv_t fState;
+  unsigned fVectors;  ///< those of vector instructions, where fState leaves them out
+};
+sFloatingPoint GetFloatingPoint();
+void SetFloatingPoint(const sFloatingPoint& pState);
+
+/// Round to nearest, no traps, denormal numbers kept.
+void SetDefaultFloatingPoint();
 
 /// Writes formatted text to standard error, and gives up where that fails: see LogLine.
 void PrintToStandardError(const char* pFormat, std::va_list pArguments);

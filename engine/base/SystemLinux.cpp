@@ -75,8 +75,18 @@ void UnmapLargePages(char* pStart, std::size_t pBytes) {
   munmap(pStart, pBytes);
 }
 
+sFloatingPoint GetFloatingPoint() {
+  sFloatingPoint state = {};
+  std::fegetenv(&state.fState);
+  return state;
+}
+
+void SetFloatingPoint(const sFloatingPoint& pState) {
+  std::fesetenv(&pState.fState);
+}
+
 /// The C library's default also clears the bits that flush denormal numbers to zero.
-void ResetFloatingPoint() {
+void SetDefaultFloatingPoint() {
   std::fesetenv(FE_DFL_ENV);
 }
 

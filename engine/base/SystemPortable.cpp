@@ -15,7 +15,17 @@ char* MapLargePages(std::size_t /*pBytes*/) {
 
 void UnmapLargePages(char* /*pStart*/, std::size_t /*pBytes*/) {}
 
-void ResetFloatingPoint() {
+sFloatingPoint GetFloatingPoint() {
+  sFloatingPoint state = {};
+  std::fegetenv(&state.fState);
+  return state;
+}
+
+void SetFloatingPoint(const sFloatingPoint& pState) {
+  std::fesetenv(&pState.fState);
+}
+
+void SetDefaultFloatingPoint() {
   std::fesetenv(FE_DFL_ENV);
 }
 

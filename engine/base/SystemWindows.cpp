@@ -17,8 +17,21 @@ char* MapLargePages(std::size_t /*pBytes*/) {
 
 void UnmapLargePages(char* /*pStart*/, std::size_t /*pBytes*/) {}
 
-/// The C library's default leaves the control register of vector instructions as it is.
-void ResetFloatingPoint() {
+// The C library leaves the control register of vector instructions as it is.
+
+sFloatingPoint GetFloatingPoint() {
+  sFloatingPoint state = {};
+  std::fegetenv(&state.fState);
+  state.fVectors = _mm_getcsr();
+  return state;
+}
+
+void SetFloatingPoint(const sFloatingPoint& pState) {
+  std::fesetenv(&pState.fState);
+  _mm_setcsr(pState.fVectors);
+}
+
+void SetDefaultFloatingPoint() {
   constexpr unsigned kNoTraps = 0x1F80;
   std::fesetenv(FE_DFL_ENV);
   _mm_setcsr(kNoTraps);
