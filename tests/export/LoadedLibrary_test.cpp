@@ -4,7 +4,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <cfenv>
 #include <csignal>
@@ -14,14 +13,12 @@
 #include <thread>
 #include <vector>
 
-#if defined(__x86_64__)
-#include <xmmintrin.h>
-#endif
 #if defined(TEST_SANITIZED)
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();  // NOLINT: the sanitizer's name
 #endif
 
 #include "tests/StderrCapture.h"
+#include "tests/export/FloatingPointStates.h"
 #include "tests/export/HostCall.h"
 
 // Hosts that load the library when they need it, as plug-ins are loaded.
@@ -50,42 +47,6 @@ class cLibrary {
   tFunction fFunction;
 };
 
-/// Control bits and status flags of the calling thread.
-struct sFloatingPoint {
-  std::array<unsigned, 3> fWords = {};
-  int fRounding = std::fegetround();
-  int fRaised = std::fetestexcept(FE_ALL_EXCEPT);
-  bool operator==(const sFloatingPoint&) const = default;
-
-  static sFloatingPoint Current() {
-    sFloatingPoint state;
-#if defined(__x86_64__)
-    unsigned short control = 0, status = 0;
-    __asm__ volatile("fnstcw %0\n\tfnstsw %1" : "=m"(control), "=m"(status));
-    state.fWords = {_mm_getcsr(), control, status};
-#elif defined(__aarch64__)
-    unsigned long control = 0, status = 0;
-    __asm__ volatile("mrs %0, fpcr\n\tmrs %1, fpsr" : "=r"(control), "=r"(status));
-    state.fWords = {static_cast<unsigned>(control), static_cast<unsigned>(status), 0};
-#endif
-    return state;
-  }
-};
-
-void FlushDenormals() {
-#if defined(__x86_64__)
-  _mm_setcsr(_mm_getcsr() | 0x8040);  // flush to zero, denormals are zero
-#elif defined(__aarch64__)
-  unsigned long control = 0;
-  __asm__ volatile("mrs %0, fpcr" : "=r"(control));
-  __asm__ volatile("msr fpcr, %0" : : "r"(control | (1ul << 24)));
-#endif
-}
-
-struct sState {
-  const char* fName;
-  void (*fSet)();
-};
 const sState kStates[] = {{"default", [] {}},
                           {"flush to zero", FlushDenormals},
                           {"upward", [] { std::fesetround(FE_UPWARD); }},
@@ -107,18 +68,6 @@ sCall DarkCall(int pInputBits) {
   call.fSettings.tone_compression = 3.0f;
   for (std::size_t i = 0; i < call.fInput.size(); i += 3) call.fInput[i] = static_cast<unsigned char>(i % 10);
   return call;
-}
-
-/// Whether the call left the thread's state as it was.
-template <class tCall>
-bool KeepsState(const sState& pState, const tCall& pCall) {
-  std::fesetenv(FE_DFL_ENV);
-  pState.fSet();
-  const sFloatingPoint before = sFloatingPoint::Current();
-  pCall();
-  const sFloatingPoint after = sFloatingPoint::Current();
-  std::fesetenv(FE_DFL_ENV);
-  return before == after;
 }
 
 /// Standard error without a reader, or closed, while it lives.
