@@ -21,6 +21,9 @@ if(QUORVANE_HARDEN AND NOT QUORVANE_SANITIZE)
       target_link_options(quorvane_harden INTERFACE ${flag})
     endif()
   endforeach()
+  if(MINGW)  # its checks are a library of their own: no host needs another file for their sake
+    target_link_libraries(quorvane_harden INTERFACE -l:libssp.a)
+  endif()
   # The C library refuses it without optimisation. Who builds packages may ask for more.
   if(NOT "${CMAKE_CXX_FLAGS}" MATCHES "_FORTIFY_SOURCE|-O0")
     target_compile_options(quorvane_harden INTERFACE

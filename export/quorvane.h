@@ -187,7 +187,7 @@ TM_QUORVANE_OFFSET(tm_quorvane_settings, horizontal_wrap, 60);
  *   number, and the lines. With a buffer of the host's (setvbuf) lines are kept, and may raise SIGPIPE
  *   when the host flushes it.
  */
-#if defined(__GNUC__)
+#if defined(__GNUC__) && !defined(_WIN32)
 __attribute__((visibility("default")))
 #endif
 int cpp_tm_quorvane(const tm_quorvane_image* image, void* reserved, int color_space,

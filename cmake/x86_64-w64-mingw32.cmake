@@ -1,0 +1,30 @@
+# Cross build for 64-bit Windows by MinGW-w64 (the variant with POSIX threads); programs run under Wine.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+foreach(kind LIBRARY INCLUDE PACKAGE)
+  set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
+endforeach()
+
+# Wine without its usual set-up, which copies 700 MB: a Windows folder with links to Wine's own libraries and to
+# those of the compiler.
+find_program(WINE wine64 PATHS /usr/lib/wine)
+mark_as_advanced(WINE)
+get_property(is_trial GLOBAL PROPERTY IN_TRY_COMPILE)
+if(WINE AND NOT is_trial)
+  set(prefix "${CMAKE_BINARY_DIR}/wine")
+  set(windows "${prefix}/drive_c/windows")
+  file(MAKE_DIRECTORY "${windows}")
+  file(WRITE "${prefix}/.update-timestamp" "disable\n")
+  file(CREATE_LINK /usr/lib/x86_64-linux-gnu/wine/x86_64-windows "${windows}/system32" SYMBOLIC)
+  foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${library}"
+                    OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    file(CREATE_LINK "${file}" "${windows}/${library}" SYMBOLIC)
+  endforeach()
+  set(CMAKE_CROSSCOMPILING_EMULATOR env "WINEPREFIX=${prefix}" WINEDEBUG=-all DISPLAY= "${WINE}")
+endif()
