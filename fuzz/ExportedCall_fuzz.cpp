@@ -1,4 +1,4 @@
-// The exported function: any records and pixels within buffers of exactly the documented size.
+// The exported function: any records and pixels within buffers of exactly the sizes that quorvane.hpp asks for.
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "engine/base/cException.h"
-#include "export/quorvane.h"
+#include "export/quorvane.hpp"
 #include "fuzz/FuzzInput.h"
 #include "tests/Numbers.h"
 
@@ -114,18 +114,9 @@ std::vector<unsigned char> BytesOf(const tRecord& pRecord) {
   return {bytes, bytes + sizeof pRecord};
 }
 
-std::size_t CountInput(const tm_quorvane_image& pImage) {
-  if (!IsSmall(pImage)) return 1;
-  const int samples =
-      pImage.input_bits == 32 ? 4 : std::max(pImage.samples_per_pixel, 0) * (pImage.input_bits == 16 ? 2 : 1);
-  return static_cast<std::size_t>(samples * pImage.width) * static_cast<std::size_t>(pImage.height);
-}
-
-std::size_t CountOutput(const tm_quorvane_image& pImage) {
-  if (!IsSmall(pImage) || pImage.samples_per_pixel < 1) return 1;
-  const std::int64_t pitch = std::max(pImage.output_row_pitch, 0);  // below: refused, so that one row will do
-  const std::int64_t samples = (pImage.height - 1) * pitch + pImage.width * pImage.samples_per_pixel;
-  return static_cast<std::size_t>(samples) * (pImage.output_bits == 16 ? 2 : 1);
+/// At least one: a block without bytes may have no address.
+std::size_t BlockSize(const tm_quorvane_image& pImage, std::uint64_t pBytes) {
+  return IsSmall(pImage) ? static_cast<std::size_t>(std::max(pBytes, std::uint64_t{1})) : 1;
 }
 
 bool IsPitch(const tm_quorvane_image& pImage) {
@@ -186,8 +177,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t pS
   TakeFarSliders(data, given);
   cBlock imageBlock(BytesOf(image), isOdd);
   cBlock settingsBlock(BytesOf(given), isOdd);
-  cBlock input(TakeBytes(data, CountInput(image)), isOdd);
-  const std::size_t outputBytes = CountOutput(image);
+  cBlock input(TakeBytes(data, BlockSize(image, quorvane::input_size(image))), isOdd);
+  const std::size_t outputBytes = BlockSize(image, quorvane::output_size(image));
   cBlock output(std::vector<unsigned char>(outputBytes, kUntouched), isOdd);
 
   const int result = Call(imageBlock, settingsBlock, colorSpace, input, output);
