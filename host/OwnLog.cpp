@@ -2,6 +2,7 @@
 
 #if defined(__linux__) && defined(__GLIBC__)
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
@@ -18,6 +19,7 @@
 namespace {
 
 constexpr std::size_t kStackBytes = std::size_t{1} << 20;  // a call takes 32 KiB of it
+constexpr off_t kLogBytes = 1 << 16;                       // a call writes some 4 KiB
 
 /// One run, shared by the calling thread and the one that works.
 struct sRun {
@@ -60,8 +62,7 @@ class cNoCancel {
 
 /// Where standard error writes. Throws cLogRefused where its bytes do not reach a descriptor at once.
 int DescriptorOfStderr() {
-  constexpr int kUnbuffered =
-      2;  // the C library's flag for setvbuf(_IONBF); __fbufsize knows it only after a write
+  constexpr int kUnbuffered = 2;  // the C library's own flag: __fbufsize knows buffers only after a write
   const int descriptor = stderr != nullptr ? fileno(stderr) : -1;
   if (descriptor < 0) throw cLogRefused("Standard error is a stream without a descriptor.");
   if ((stderr->_flags & kUnbuffered) == 0)
@@ -95,13 +96,15 @@ bool OpenOwnLog(sRun& pRun) {
   if (Fails(pRun, "close_range", syscall(SYS_close_range, 0u, ~0u, kUnshare) != 0)) return false;
   const int file = memfd_create("quorvane log", 0);
   if (Fails(pRun, "memfd_create", file < 0)) return false;
+  errno = posix_fallocate(file, 0, kLogBytes);  // so that no line is lost for lack of memory
+  if (Fails(pRun, "posix_fallocate", errno != 0)) return false;
   if (file == pRun.fDescriptor) return true;
   // By its number, because thread sanitizers take all descriptors for the process's.
   return !Fails(pRun, "dup3", syscall(SYS_dup3, file, pRun.fDescriptor, 0) < 0);
 }
 
 void ReadOwnLog(sRun& pRun) {
-  const off_t bytes = lseek(pRun.fDescriptor, 0, SEEK_END);
+  const off_t bytes = lseek(pRun.fDescriptor, 0, SEEK_CUR);
   std::string& text = pRun.fLog.fText;
   text.resize(static_cast<std::size_t>(bytes < 0 ? 0 : bytes));
   const ssize_t read = pread(pRun.fDescriptor, text.data(), text.size(), 0);

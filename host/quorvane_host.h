@@ -79,8 +79,8 @@ typedef void (*quorvane_host_line)(void* user, const char* line);
  *     - stderr has a buffer, as after freopen; setvbuf(stderr, NULL, _IONBF, 0) takes it away;
  *     - stderr is a stream without a descriptor (fopencookie, fmemopen);
  *     - a thread holds the lock of stderr for longer than a second (flockfile), such as the calling thread;
- *     - the system gives no thread, no file in memory (memfd_create) or no table of descriptors (close_range
- *       with CLOSE_RANGE_UNSHARE: Linux 5.9 and later), or a sandbox forbids one of these calls. */
+ *     - the system gives no thread, no file in memory (memfd_create; 64 KiB) or no table of descriptors
+ *       (close_range with CLOSE_RANGE_UNSHARE: Linux 5.9 and later), or a sandbox forbids one of them. */
 QUORVANE_HOST_API int32_t quorvane_host_tonemap(const tm_quorvane_image* image, int32_t color_space,
                                                 const tm_quorvane_settings* settings, const void* input,
                                                 size_t input_size, void* output, size_t output_size,

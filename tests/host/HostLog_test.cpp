@@ -2,6 +2,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,7 +37,7 @@ sCaughtCall SmallCall(int pWidth = 40) {
 
 TEST(HostLog, ThreadsGetTheirOwnLinesAndLeaveStandardErrorToOthers) {
   constexpr std::size_t kThreads = 4;
-  constexpr int kCalls = 20;
+  constexpr int kCalls = 10;
   std::vector<sCaughtCall> calls;
   std::vector<std::string> logs;
   for (std::size_t i = 0; i < kThreads; ++i) {
@@ -166,6 +167,11 @@ TEST(HostLog, IsRefusedWhereItCannotBeKeptApart) {
   EXPECT_EQ(ResultInChild(isBuffered), hasBuffer);
   EXPECT_EQ(ResultInChild(isReopened), hasBuffer);
   EXPECT_EQ(ResultInChild(isLocked), needs + "The lock of standard error: Device or resource busy");
+  const auto hasNoRoom = [] {
+    const rlimit none = {0, 0};
+    setrlimit(RLIMIT_FSIZE, &none);
+  };
+  EXPECT_EQ(ResultInChild(hasNoRoom), needs + "posix_fallocate: File too large");
   EXPECT_EQ(ResultInChild([] { Forbid(SYS_close_range); }), needs + "close_range: Operation not permitted");
   EXPECT_EQ(ResultInChild([] { Forbid(SYS_memfd_create); }), needs + "memfd_create: Operation not permitted");
   EXPECT_EQ(ResultInChild([] { Forbid(SYS_clone3, SYS_clone); }),
