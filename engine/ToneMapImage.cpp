@@ -15,13 +15,23 @@ constexpr float kExposure = 0.0f;
 constexpr float kLocalContrast = 0.0f;
 constexpr bool kTest2 = false;
 
+/// pSet: a method of cTmRenderer that takes them all.
+template <class tSet>
+void PassParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters, const tSet& pSet) {
+  (pRenderer.*pSet)(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
+                    pParameters.fContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
+                    pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap, pParameters.fTest1,
+                    kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
+}
+
 }  // namespace
 
 void SetParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters) {
-  pRenderer.SetToneParameters(pParameters.fStrength, pParameters.fToneCompression, kStrengthInContrast,
-                              pParameters.fContrast, kExposureScale, kExposure, pParameters.fMicrocontrast,
-                              pParameters.fLighting, kLocalContrast, pParameters.fHorizontalWrap,
-                              pParameters.fTest1, kTest2, pParameters.fWhiteClip, pParameters.fBlackClip);
+  PassParameters(pRenderer, pParameters, &cTmRenderer::SetToneParameters);
+}
+
+void ChangeParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters) {
+  PassParameters(pRenderer, pParameters, &cTmRenderer::ChangeToneParameters);
 }
 
 void ToneMapRows(const cRowSource& pInput, cRowSink* pOutput, const sToneParameters& pParameters,

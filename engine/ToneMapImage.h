@@ -24,6 +24,10 @@ struct sToneParameters {
 /// Sets pParameters, and the engine's fixed values for what a caller cannot choose.
 void SetParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters);
 
+/// The same, but what does not depend on a parameter that changes does not run again (see
+/// cTmRenderer::ChangeToneParameters).
+void ChangeParameters(cTmRenderer& pRenderer, const sToneParameters& pParameters);
+
 /// Tone-maps pInput (D50-relative XYZ, linear) into pOutput, which has the same size and whose depth
 /// and colour space it gets. pInput is only read. pVerbose: write the stages' lines to standard error. Throws
 /// cInvalidOperationException ("Output image is not set." for a null pOutput, sizes that differ), and

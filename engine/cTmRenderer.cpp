@@ -95,15 +95,26 @@ void cTmRenderer::SetToneParameters(float pStrength, float pToneCompression, boo
                                     float pMicrocontrast, float pLighting, float pLocalContrast,
                                     bool pHorizontalWrap, bool pTest1, bool pTest2, float pWhiteClip,
                                     float pBlackClip) {
+  InvalidateAll();
+  ChangeToneParameters(pStrength, pToneCompression, pStrengthInContrast, pContrast, pExposureScale, pExposure,
+                       pMicrocontrast, pLighting, pLocalContrast, pHorizontalWrap, pTest1, pTest2, pWhiteClip,
+                       pBlackClip);
+}
+
+void cTmRenderer::ChangeToneParameters(float pStrength, float pToneCompression, bool pStrengthInContrast,
+                                       float pContrast, bool pExposureScale, float pExposure,
+                                       float pMicrocontrast, float pLighting, float pLocalContrast,
+                                       bool pHorizontalWrap, bool pTest1, bool pTest2, float pWhiteClip,
+                                       float pBlackClip) {
   fTest1 = pTest1;
   fTest2 = pTest2;
-  fWhiteClip = pWhiteClip;
-  fBlackClip = pBlackClip;
-  InvalidateAll();
-  fToneCompression = pToneCompression;
   fAfterStrength = 0.0f;
-  if (fStrength != pStrength || pToneCompression != 0.0f) {
+  if (fStrength != pStrength || fToneCompression != pToneCompression || fWhiteClip != pWhiteClip ||
+      fBlackClip != pBlackClip) {
     fStrength = pStrength;
+    fToneCompression = pToneCompression;
+    fWhiteClip = pWhiteClip;
+    fBlackClip = pBlackClip;
     InvalidatePhase2();
   }
   if (fStrengthInContrast != pStrengthInContrast || fContrast != pContrast) {

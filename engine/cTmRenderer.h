@@ -71,6 +71,13 @@ class cTmRenderer {
                          bool pExposureScale, float pExposure, float pMicrocontrast, float pLighting,
                          float pLocalContrast, bool pHorizontalWrap, bool pTest1, bool pTest2,
                          float pWhiteClip, float pBlackClip);
+  /// The same, but only the stages that depend on a parameter whose value changes run again. Not for a
+  /// picture whose base or detail layer turns out to be flat, before or after: it is rendered from the values
+  /// that the preparation left, which phase 2 may have replaced.
+  void ChangeToneParameters(float pStrength, float pToneCompression, bool pStrengthInContrast,
+                            float pContrast, bool pExposureScale, float pExposure, float pMicrocontrast,
+                            float pLighting, float pLocalContrast, bool pHorizontalWrap, bool pTest1,
+                            bool pTest2, float pWhiteClip, float pBlackClip);
   /// Black and white points to use instead of those that the clip percentages give, so that a reduced picture
   /// is rendered like its original. None takes them back.
   void SetBlackWhite(const std::optional<sBlackWhite>& pPoints);
@@ -95,6 +102,8 @@ class cTmRenderer {
   void Render(bool* pCancel, bool* pAborted);
   void Render();
 
+  /// Whether the preparation holds: the input is not read again before it is set or invalidated.
+  bool IsPrepared() const { return !fPrepareDirty; }
   // The stages' results, as of their last run.
   const sLuminanceRange& GetLuminanceRange() const { return fLuminance; }
   const sLayerStatistics& GetLayerStatistics() const { return fLayers; }

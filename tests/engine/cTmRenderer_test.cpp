@@ -74,6 +74,35 @@ struct sJob {
   std::unique_ptr<cTmRenderer> fRenderer;
 };
 
+// The input is gone when a parameter changes: what was prepared from it is still there.
+TEST(cTmRenderer, ChangesOfParametersKeepTheStagesBefore) {
+  struct sParameters {
+    float fStrength = 44.0f, fToneCompression = 0.5f, fContrast = 20.0f, fMicrocontrast = 100.0f;
+    float fLighting = 60.0f, fWhiteClip = 1.0f, fBlackClip = 1.0f;
+    bool fWrap = false;
+  };
+  const sParameters cases[] = {
+      {.fStrength = 60.0f}, {.fToneCompression = 2.0f}, {.fContrast = -30.0f}, {.fMicrocontrast = 40.0f},
+      {.fLighting = 10.0f}, {.fWhiteClip = 9.0f},       {.fBlackClip = 9.0f},  {.fWrap = true}};
+  const auto pass = [](sJob& pJob, const sParameters& pP, auto pSet) {
+    (*pJob.fRenderer.*pSet)(pP.fStrength, pP.fToneCompression, true, pP.fContrast, true, 0.0f,
+                            pP.fMicrocontrast, pP.fLighting, 0.0f, pP.fWrap, false, false, pP.fWhiteClip,
+                            pP.fBlackClip);
+  };
+  const tPixels first = sJob().Pixels();
+  for (const sParameters& changed : cases) {
+    sJob job;
+    job.Pixels();
+    std::fill_n(job.fInput.GetBitmapData(), 3, 1e6f);
+    pass(job, changed, &cTmRenderer::ChangeToneParameters);
+    sJob fresh;
+    pass(fresh, changed, &cTmRenderer::SetToneParameters);
+    const tPixels expected = fresh.Pixels();
+    EXPECT_EQ(job.Pixels(), expected);
+    EXPECT_NE(expected, first);
+  }
+}
+
 TEST(cTmRenderer, TakesTheBlackAndWhiteThatAreGiven) {
   sJob found;
   const tPixels pixels = found.Pixels();
