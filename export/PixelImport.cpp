@@ -66,21 +66,28 @@ void DecodeRgbe(const unsigned char* pFrom, std::ptrdiff_t pWidth, const float* 
 
 cHostSource::cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
                          const void* pPixels)
+    : cHostSource(pImage, pGamma, pRGBToXYZ, pPixels,
+                  std::ptrdiff_t{pImage.width} * pImage.samples_per_pixel * (pImage.input_bits / 8)) {}
+
+cHostSource::cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
+                         const void* pPixels, std::ptrdiff_t pRowBytes)
     : cRowSource(pImage.width, pImage.height),
       fImage(pImage),
       fRGBToXYZ(pRGBToXYZ),
       fPixels(static_cast<const unsigned char*>(pPixels)),
+      fRowBytes(pRowBytes),
       fTable(TableOf(pImage.input_bits, pGamma)) {}
 
 void cHostSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const {
   const std::ptrdiff_t width = fImage.width;
-  const std::ptrdiff_t first = (pY * width + pX) * fImage.samples_per_pixel;
+  const unsigned char* const row = fPixels + pY * fRowBytes;
+  const std::ptrdiff_t first = std::ptrdiff_t{pX} * fImage.samples_per_pixel;
   switch (fImage.input_bits) {
     case 8:
-      DecodeSamples<std::uint8_t>(fPixels + first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
+      DecodeSamples<std::uint8_t>(row + first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
       break;
     case 16:
-      DecodeSamples<std::uint16_t>(fPixels + 2 * first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
+      DecodeSamples<std::uint16_t>(row + 2 * first, fImage, fTable.data(), pCount, pToX, pToY, pToZ);
       break;
     default:
       DecodeRgbe(fPixels + 4 * width * pY + pX, width, fTable.data(), pCount, pToX, pToY, pToZ);

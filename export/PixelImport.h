@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "engine/image/PixelRows.h"
@@ -14,6 +15,9 @@ class cHostSource : public TmEngine::cRowSource {
   /// std::bad_alloc.
   cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
               const void* pPixels);
+  /// Rows of 8- or 16-bit samples with gaps, or from the last one up. pRowBytes: from one row to the next.
+  cHostSource(const tm_quorvane_image& pImage, double pGamma, const TmEngine::cMatrix33& pRGBToXYZ,
+              const void* pPixels, std::ptrdiff_t pRowBytes);
 
   void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override;
 
@@ -21,5 +25,6 @@ class cHostSource : public TmEngine::cRowSource {
   tm_quorvane_image fImage;
   TmEngine::cMatrix33 fRGBToXYZ;
   const unsigned char* fPixels;
+  std::ptrdiff_t fRowBytes;   // not used by RGBE
   std::vector<float> fTable;  // linear light of each code, or the factor of each shared exponent
 };
