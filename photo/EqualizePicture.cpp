@@ -7,11 +7,9 @@
 
 #include "engine/cColorEqRenderer.h"
 #include "photo/base/Failure.h"
-#include "photo/decode/LdrReader.h"
 #include "photo/encode/PictureWriter.h"
 #include "photo/picture/ConvertFailures.h"
 #include "photo/picture/OutputBitmap.h"
-#include "photo/picture/ResultPixels.h"
 #include "photo/render/PictureRendering.h"
 
 namespace Photo {
@@ -20,7 +18,8 @@ namespace {
 constexpr char kVerb[] = "equalize";
 
 /// Renders into pPicture's own pixels where the depth stays.
-cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
+cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves,
+                           cWatch* pWatch) {
   TmEngine::cBitmapLDR& input = *pPicture.fBitmap;
   std::unique_ptr<TmEngine::cBitmapLDR> output;
   if ((pDepth > 8 ? 16 : 8) != input.GetBitDepth()) {
@@ -33,13 +32,10 @@ cResultPixels RenderCurves(sLdrPicture& pPicture, int pDepth, const sHueCurveOpt
   renderer->SetHueCurves(MakeHueCurve(pCurves.fHueShift, pCurves.fMode).get(),
                          MakeHueCurve(pCurves.fSaturation, pCurves.fMode).get(),
                          MakeHueCurve(pCurves.fLightness, pCurves.fMode).get());
-  renderer->Render();
+  bool isStopped = false;
+  renderer->Render(pWatch != nullptr ? pWatch->GetStopRequest() : nullptr, &isStopped);
+  if (pWatch != nullptr) pWatch->Check();
   return cResultPixels(output != nullptr ? *output : input);
-}
-
-cResultPixels Equalize(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves) {
-  return ConvertFailures(eFailure::kProcessing, kVerb,
-                         [&] { return RenderCurves(pPicture, pDepth, pCurves); });
 }
 
 /// Samples that go beyond white are no finished picture.
@@ -63,6 +59,12 @@ sLdrPicture Read(const sEqualizeJob& pJob, std::vector<std::string>& pWarnings) 
 
 }  // namespace
 
+cResultPixels EqualizePixels(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves,
+                             cWatch* pWatch) {
+  return ConvertFailures(eFailure::kProcessing, kVerb,
+                         [&] { return RenderCurves(pPicture, pDepth, pCurves, pWatch); });
+}
+
 void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnings) {
   sLdrPicture picture = NameFile(pJob.fInput, [&] { return Read(pJob, pWarnings); });
   NameFile(pJob.fOutput, [&] {
@@ -70,8 +72,9 @@ void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnin
     const int depth = pJob.fDepth != 0 ? pJob.fDepth : ChooseDepth(pJob.fFormat, picture.fFileDepth);
     // before the work, so that a place that cannot be written to is reported early
     cTempFile file = OpenTarget(pJob.fOutput, pJob.fMayReplace, pJob.fOutputStream);
-    sFinishedPicture finished{NameFile(pJob.fInput, [&] { return Equalize(picture, depth, pJob.fCurves); }),
-                              std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
+    sFinishedPicture finished{
+        NameFile(pJob.fInput, [&] { return EqualizePixels(picture, depth, pJob.fCurves); }),
+        std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
     picture.fBitmap.reset();
     Append(pWarnings, WritePicture(finished, pJob.fFormat, pJob.fFile, file));
   });

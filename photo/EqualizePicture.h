@@ -3,10 +3,13 @@
 #include <string>
 #include <vector>
 
+#include "photo/decode/LdrReader.h"
 #include "photo/encode/OutputFormat.h"
 #include "photo/io/TempFile.h"
 #include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
+#include "photo/picture/ResultPixels.h"
+#include "photo/picture/Watch.h"
 #include "photo/render/CurvePoints.h"
 
 namespace Photo {
@@ -24,6 +27,11 @@ struct sEqualizeJob {
   bool fMayReplace = false;
   tMemoryGate fMemoryGate;  ///< Asked before the pixels are read.
 };
+
+/// Changes the pixels by curves over hue; renders into pPicture's own where the depth stays. pWatch: null
+/// for none. Throws cFailure.
+cResultPixels EqualizePixels(sLdrPicture& pPicture, int pDepth, const sHueCurveOptions& pCurves,
+                             cWatch* pWatch = nullptr);
 
 /// Reads, renders and writes one picture; the target is set in one step, or stays as it is. pWarnings: what
 /// had to be put right or left out so far, also where the work fails. libvips must be running. Throws

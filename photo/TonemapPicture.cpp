@@ -54,7 +54,7 @@ sPictureChoice ChooseSource(const sTonemapJob& pJob) {
 }
 
 sRendering MakeRendering(const sTonemapJob& pJob, const sSettings& pSettings) {
-  return {pSettings, pJob.fResult.fDepth, pJob.fResult.fColorSpace, pJob.fVerbose};
+  return {pSettings, pJob.fResult.fDepth, pJob.fResult.fColorSpace, pJob.fVerbose, pJob.fWatch};
 }
 
 /// A picture on its way from file to file.
@@ -92,7 +92,7 @@ void ReportRange(const sPictureStatistics& pStatistics, sPictureReport& pReport)
 /// Reads the pixels, which uses up pOpened, and does what is done before the engine's work.
 sPicture Load(const sTonemapJob& pJob, sOpenedPicture& pOpened, sPictureReport& pReport) {
   const auto start = tClock::now();
-  sPicture picture = LoadPicture(std::move(pOpened));
+  sPicture picture = LoadPicture(std::move(pOpened), pJob.fWatch);
   SettleAlpha(picture);
   pReport.fReadSeconds += SecondsSince(start);
   const sPictureStatistics statistics = SamplePicture(picture);
@@ -116,7 +116,7 @@ void RenderLoaded(const sTonemapJob& pJob, sPicture pPicture, sPictureReport& pR
 /// pWork without pixels when the rows turn out to depend on each other.
 void RenderStreamed(const sTonemapJob& pJob, sOpenedPicture& pOpened, sPictureReport& pReport, sWork& pWork) {
   const std::unique_ptr<cPictureRows> rows = std::move(pOpened.fRows);
-  cPictureSource source(*rows);
+  cPictureSource source(*rows, pJob.fWatch);
   pWork.fPixels = RenderSource(source, MakeRendering(pJob, pReport.fSettings), pReport.fRendering);
   pReport.fReadSeconds += source.GetSeconds();
   if (!pWork.fPixels) return;
@@ -152,7 +152,8 @@ void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFil
                             pWork.fInfo.fMetadata,
                             ToJson(pReport.fSettings, pJob.fResult),
                             pWork.fInfo.fIsPremultiplied};
-  const std::vector<std::string> leftOut = WritePicture(finished, pFormat, pJob.fResult.fFile, pFile);
+  const std::vector<std::string> leftOut =
+      WritePicture(finished, pFormat, pJob.fResult.fFile, pFile, pJob.fWatch);
   pReport.fWarnings.insert(pReport.fWarnings.end(), leftOut.begin(), leftOut.end());
   pReport.fWriteSeconds = SecondsSince(start);
 }
@@ -193,6 +194,7 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
   if (!loaded) {
     RenderStreamed(pJob, opened, report, work);
     if (!work.fPixels) {
+      if (pJob.fWatch != nullptr) pJob.fWatch->Resume();
       opened = Open(pJob, {}, report);  // its memory is granted
       loaded = Load(pJob, opened, report);
     }

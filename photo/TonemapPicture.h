@@ -32,6 +32,7 @@ struct sTonemapJob {
   sOutputOptions fResult;
   tMemoryGate fMemoryGate;  ///< Asked before the pixels are read.
   bool fVerbose = false;
+  cWatch* fWatch = nullptr;  ///< Null for none.
 };
 
 /// What is known of a picture when it is done.

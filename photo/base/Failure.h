@@ -47,6 +47,12 @@ class cFailure : public std::exception {
   std::string fText;
 };
 
+/// A failure for lack of memory.
+class cMemoryFailure : public cFailure {
+ public:
+  using cFailure::cFailure;
+};
+
 /// Does pWork; a failure of it that names no file is one of pFile.
 template <class tWork>
 auto NameFile(const std::string& pFile, const tWork& pWork) {

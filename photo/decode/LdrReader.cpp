@@ -172,9 +172,9 @@ sLdrPicture ReadLdrPicture(const std::string& pFile, const std::string& pVerb, c
   } catch (const vips::VError&) {
     RefuseDamaged();
   } catch (const std::bad_alloc&) {
-    throw cFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
+    throw cMemoryFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
   } catch (const TmEngine::cOutOfMemoryException&) {
-    throw cFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
+    throw cMemoryFailure(eFailure::kCannotRead, "its pixels do not fit into memory");
   }
 }
 

@@ -160,7 +160,7 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
 }
 
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
-                                      const sFileOptions& pOptions, cTempFile& pFile) {
+                                      const sFileOptions& pOptions, cTempFile& pFile, const cWatch* pWatch) {
   CheckFits(pFormat, pPicture.fPixels.GetWidth(), pPicture.fPixels.GetHeight());
   std::vector<std::string> warnings;
   try {
@@ -168,10 +168,11 @@ std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat 
   } catch (const vips::VError&) {
     pFile.Refuse(TakeVipsError());
   } catch (const std::bad_alloc&) {
-    throw cFailure(eFailure::kCannotWrite, "not enough memory to write it");
+    throw cMemoryFailure(eFailure::kCannotWrite, "not enough memory to write it");
   } catch (const std::runtime_error& error) {
     pFile.Refuse(error.what());
   }
+  if (pWatch != nullptr) pWatch->Check();
   pFile.Commit();
   return warnings;
 }

@@ -8,6 +8,7 @@
 #include "photo/encode/OutputFormat.h"
 #include "photo/io/TempFile.h"
 #include "photo/picture/ResultPixels.h"
+#include "photo/picture/Watch.h"
 
 namespace Photo {
 
@@ -28,8 +29,10 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
 
 /// Writes the picture with its profile, and with its alpha and metadata as far as the format has a place for
 /// them, to pFile and lets it take its target's place. Returns what had to be left out, in words (see
-/// NameParameters). The same picture gives the same bytes. libvips must be running. Throws cFailure.
+/// NameParameters). The same picture gives the same bytes. libvips must be running. pWatch: null for none.
+/// Throws cFailure.
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
-                                      const sFileOptions& pOptions, cTempFile& pFile);
+                                      const sFileOptions& pOptions, cTempFile& pFile,
+                                      const cWatch* pWatch = nullptr);
 
 }  // namespace Photo

@@ -65,6 +65,12 @@ bool AreAlike(const cVector2& pA, const cVector2& pB) {
 
 }  // namespace
 
+const sPrimaries* FindPrimaries(const std::string& pName) {
+  const auto* const named = std::find_if(std::begin(kNamed), std::end(kNamed),
+                                         [&](const auto& pNamed) { return pName == pNamed.fName; });
+  return named == std::end(kNamed) ? nullptr : &named->fPrimaries;
+}
+
 std::string NamePrimaries(const sPrimaries& pP) {
   const auto* const named = std::find_if(std::begin(kNamed), std::end(kNamed), [&](const auto& pNamed) {
     const sPrimaries& other = pNamed.fPrimaries;

@@ -19,6 +19,8 @@ struct sPrimaries {
 
 /// Whether the white lies well inside the triangle of the primaries: then every matrix exists.
 bool SpanColorSpace(const sPrimaries& pPrimaries);
+/// The primaries of a name that NamePrimaries gives; null for others.
+const sPrimaries* FindPrimaries(const std::string& pName);
 /// "Display P3 primaries"; in other words for those that have no name.
 std::string NamePrimaries(const sPrimaries& pPrimaries);
 

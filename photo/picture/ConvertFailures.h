@@ -20,9 +20,9 @@ auto ConvertFailures(eFailure pKind, const std::string& pDoing, const tWork& pWo
   } catch (const cFailure&) {
     throw;
   } catch (const std::bad_alloc&) {
-    throw cFailure(pKind, "not enough memory to " + pDoing + " it");
+    throw cMemoryFailure(pKind, "not enough memory to " + pDoing + " it");
   } catch (const TmEngine::cOutOfMemoryException& exception) {
-    throw cFailure(pKind, "not enough memory to " + pDoing + " it: " + pDescribe(exception.what()));
+    throw cMemoryFailure(pKind, "not enough memory to " + pDoing + " it: " + pDescribe(exception.what()));
   } catch (const std::exception& exception) {
     throw cFailure(pKind, pDescribe(std::string(exception.what())));
   }

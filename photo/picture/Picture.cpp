@@ -17,7 +17,7 @@ std::string SizeOf(std::int64_t pWidth, std::int64_t pHeight) {
 }
 
 [[noreturn]] void RefuseSize(std::int64_t pWidth, std::int64_t pHeight) {
-  throw cFailure(eFailure::kCannotRead, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
+  throw cMemoryFailure(eFailure::kCannotRead, SizeOf(pWidth, pHeight) + " pixels do not fit into memory");
 }
 
 std::vector<std::uint16_t> MakeAlpha(int pWidth, int pHeight) {
@@ -49,13 +49,14 @@ std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(int pWidth, int pHeight) {
   }
 }
 
-sPicture LoadPicture(sOpenedPicture pOpened) {
+sPicture LoadPicture(sOpenedPicture pOpened, cWatch* pWatch) {
   cPictureRows& rows = *pOpened.fRows;
   sPicture picture;
   picture.fBitmap = MakeBitmap(rows.GetWidth(), rows.GetHeight());
   if (rows.HasAlpha()) picture.fAlpha = MakeAlpha(rows.GetWidth(), rows.GetHeight());
   rows.Hold();
   for (int y = 0; y < rows.GetHeight(); ++y) {
+    if (pWatch != nullptr) pWatch->Check();
     rows.Read(y, GetRow(picture, y), rows.HasAlpha() ? GetAlphaRow(picture, y) : nullptr);
   }
   picture.fRepairs = rows.Finish().value();

@@ -10,6 +10,7 @@
 #include "photo/picture/MemoryGate.h"
 #include "photo/picture/PictureChoice.h"
 #include "photo/picture/PictureRows.h"
+#include "photo/picture/Watch.h"
 
 namespace Photo {
 
@@ -46,8 +47,8 @@ struct sPicture : sPictureInfo {
 /// Throws cFailure for sizes that no memory holds, and what pGate throws.
 void CheckSize(std::int64_t pWidth, std::int64_t pHeight, const tMemoryGate& pGate);
 
-/// Reads the rows of a picture into memory. Throws cFailure.
-sPicture LoadPicture(sOpenedPicture pOpened);
+/// Reads the rows of a picture into memory. pWatch: null for none. Throws cFailure.
+sPicture LoadPicture(sOpenedPicture pOpened, cWatch* pWatch = nullptr);
 
 /// An XYZ bitmap, its pixels not set. Throws cFailure where memory does not suffice.
 std::unique_ptr<TmEngine::cBitmapXYZ32> MakeBitmap(int pWidth, int pHeight);

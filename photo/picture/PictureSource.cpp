@@ -6,10 +6,12 @@
 
 namespace Photo {
 
-cPictureSource::cPictureSource(cPictureRows& pRows)
+cPictureSource::cPictureSource(cPictureRows& pRows, cWatch* pWatch)
     : cRowSource(pRows.GetWidth(), pRows.GetHeight()),
       fState{pRows, cLuminanceSampler::OfPart(pRows.GetWidth(), pRows.GetHeight()),
-             std::vector<float>(std::size_t{3} * static_cast<std::size_t>(pRows.GetWidth()))} {}
+             std::vector<float>(std::size_t{3} * static_cast<std::size_t>(pRows.GetWidth()))} {
+  fState.fStopRequest = pWatch != nullptr ? pWatch->GetStopRequest() : &fState.fIsStopped;
+}
 
 void cPictureSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const {
   if (pY != fState.fY) ReadRow(pY);
@@ -24,6 +26,7 @@ void cPictureSource::ReadRow(int pY) const {
   fState.fY = pY;
   fState.fSampler.TakeRow(pY, fState.fRow.data(), nullptr);
   if (pY == GetHeight() - 1 && !fState.fNeedsWholePicture) Finish();
+  if (fState.fNeedsWholePicture) TmEngine::SetFlag(fState.fStopRequest);
   fState.fSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -6,6 +6,7 @@
 #include "engine/image/PixelRows.h"
 #include "photo/picture/PictureRows.h"
 #include "photo/picture/PictureStatistics.h"
+#include "photo/picture/Watch.h"
 
 namespace Photo {
 
@@ -16,13 +17,16 @@ namespace Photo {
 /// GetStopRequest), which it does before it works on what it has got; the picture must be loaded instead.
 class cPictureSource : public TmEngine::cRowSource {
  public:
-  explicit cPictureSource(cPictureRows& pRows);
+  /// pWatch: whose request to stop is set, in place of one of the source's own; null for none.
+  explicit cPictureSource(cPictureRows& pRows, cWatch* pWatch = nullptr);
 
   /// Throws what reading throws.
   void ReadRun(int pY, int pX, int pCount, float* pToX, float* pToY, float* pToZ) const override;
 
   /// What the renderer takes as its request to cancel.
-  bool* GetStopRequest() { return &fState.fNeedsWholePicture; }
+  bool* GetStopRequest() { return fState.fStopRequest; }
+  /// Whether that was the source's own doing.
+  bool NeedsWholePicture() const { return fState.fNeedsWholePicture; }
   /// After the last row: what had to be repaired.
   const std::optional<sRepairs>& GetRepairs() const { return fState.fRepairs; }
   /// Statistics of the rows that were read, sampled as SamplePicture does.
@@ -39,6 +43,8 @@ class cPictureSource : public TmEngine::cRowSource {
     int fY = -1;              ///< Its number.
     std::optional<sRepairs> fRepairs = std::nullopt;
     bool fNeedsWholePicture = false;
+    bool fIsStopped = false;
+    bool* fStopRequest = nullptr;
     double fSeconds = 0.0;
   };
 

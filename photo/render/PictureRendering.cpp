@@ -32,11 +32,25 @@ std::optional<cResultPixels> Render(TmEngine::cTmRenderer& pRenderer, const TmEn
   cResultSink sink(result, pRendering.fColorSpace, pStart);
   pRenderer.SetInputRows(pRows);
   pRenderer.SetOutputRows(sink);
+  std::optional<cWatchedSource> watchedSource;
+  std::optional<cWatchedSink> watchedSink;
+  if (cWatch* const watch = pRendering.fWatch) {
+    pRenderer.SetInputRows(watchedSource.emplace(pRows, *watch));
+    pRenderer.SetOutputRows(watchedSink.emplace(sink, *watch));
+  }
   bool isStopped = false;
   pRenderer.Render(pStop, &isStopped);
+  if (pRendering.fWatch != nullptr) pRendering.fWatch->Check();
   if (isStopped) return std::nullopt;
   FillReport(pRenderer, sink, pReport);
   return result;
+}
+
+void SetSaturation(TmEngine::cTmRenderer& pRenderer, float pSaturation) {
+  const auto level = [](float pValue) {
+    return MakeHueCurve({{0.0f, pValue}}, TmEngine::eSplineInterpolationMode_Linear);
+  };
+  pRenderer.SetHueCurves(level(0.5f).get(), level(0.5f + pSaturation / 200.0f).get(), level(0.5f).get());
 }
 
 /// The black and white points of another picture with the same settings.
@@ -53,15 +67,16 @@ TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettin
 
 }  // namespace
 
+void ChangeRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pBefore, const sSettings& pSettings,
+                    bool pWrap) {
+  TmEngine::ChangeParameters(pRenderer, MapToParameters(pSettings, pWrap));
+  if (pSettings.fSaturation != pBefore.fSaturation) SetSaturation(pRenderer, pSettings.fSaturation);
+}
+
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose) {
   pRenderer.SetVerbose(pVerbose);
   TmEngine::SetParameters(pRenderer, MapToParameters(pSettings, pWrap));
-  if (pSettings.fSaturation == 0.0f) return;
-  const auto level = [](float pValue) {
-    return MakeHueCurve({{0.0f, pValue}}, TmEngine::eSplineInterpolationMode_Linear);
-  };
-  pRenderer.SetHueCurves(level(0.5f).get(), level(0.5f + pSettings.fSaturation / 200.0f).get(),
-                         level(0.5f).get());
+  if (pSettings.fSaturation != 0.0f) SetSaturation(pRenderer, pSettings.fSaturation);
 }
 
 void CheckRowLength(int pWidth, int pChannels) {
@@ -83,7 +98,8 @@ cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, sPicture& pPicture, c
     const cRolledSource source(*pPicture.fBitmap, start);
     SetUpRenderer(pRenderer, settings, pReport.fWrap, pRendering.fVerbose);
     if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, settings, pReport.fWrap));
-    cResultPixels result = Render(pRenderer, source, start, nullptr, pRendering, pReport).value();
+    bool* const stop = pRendering.fWatch != nullptr ? pRendering.fWatch->GetStopRequest() : nullptr;
+    cResultPixels result = Render(pRenderer, source, start, stop, pRendering, pReport).value();
     BlackenTransparent(result, pPicture);
     return result;
   });

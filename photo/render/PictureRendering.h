@@ -7,6 +7,7 @@
 #include "photo/picture/Picture.h"
 #include "photo/picture/PictureSource.h"
 #include "photo/picture/ResultPixels.h"
+#include "photo/picture/Watch.h"
 #include "photo/render/Settings.h"
 
 namespace Photo {
@@ -17,6 +18,7 @@ struct sRendering {
   int fDepth = 8;  ///< Bits per sample of the result: 8, 12 or 16.
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;  ///< Of the result.
   bool fVerbose = false;                                               ///< The engine writes log lines.
+  cWatch* fWatch = nullptr;                                            ///< Null for none.
 };
 
 /// What the engine found and did.
@@ -31,6 +33,11 @@ struct sRenderingReport {
 
 /// Sets up pRenderer for these settings; its images are the caller's to set. pWrap: the edges meet.
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose);
+
+/// Sets up pRenderer for other settings than pBefore: what does not depend on one that changes does not run
+/// again (see cTmRenderer::ChangeToneParameters).
+void ChangeRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pBefore, const sSettings& pSettings,
+                    bool pWrap);
 
 /// Refuses rows that are too long for the engine, which keeps pChannels per pixel (see ColorRows.h).
 void CheckRowLength(int pWidth, int pChannels = TmEngine::kColorChannels);
