@@ -1,0 +1,64 @@
+"""A renderer that is used again: the bytes of new ones, at the cost of what changed."""
+
+import numpy as np
+import pytest
+import quorvane
+from conftest import make_light
+
+STAGES = ["preparation", "phase1", "phase2", "final_rendering"]
+CHANGES = [  # and the first stage that runs again
+    ({"contrast": -40}, "final_rendering"),
+    ({"saturation": 60}, "final_rendering"),
+    ({"saturation": 0, "contrast": -40}, "final_rendering"),
+    ({"depth": 16}, "final_rendering"),
+    ({"strength": 20}, "phase2"),
+    ({"tone_compression": 50}, "phase2"),
+    ({"white_clip": 60}, "phase2"),
+    ({"black_clip": 9}, "phase2"),
+    ({"lighting": 8}, "phase1"),
+    ({"microcontrast": -7}, "phase1"),
+]
+
+
+@pytest.mark.parametrize("dtype", [np.float32, np.uint16])
+def test_a_change_runs_what_depends_on_it(dtype):
+    image = make_light(300, 400)
+    if dtype == np.uint16:
+        image = (np.clip(image, 0, 1) * 65535).astype(dtype)
+    renderer = quorvane.Renderer(image)
+    renderer.render()
+    settings = {}
+    for change, first in CHANGES:
+        before = renderer.stage_seconds
+        settings.update(change)
+        result = renderer.render(**settings)
+        after = renderer.stage_seconds
+        assert [stage for stage in STAGES if after[stage] != before[stage]] == STAGES[STAGES.index(first):]
+        np.testing.assert_array_equal(result, quorvane.tonemap(image, **settings))
+    np.testing.assert_array_equal(renderer.render(), quorvane.tonemap(image))
+    np.testing.assert_array_equal(renderer.render(wrap=True), quorvane.tonemap(image, wrap=True))
+    np.testing.assert_array_equal(renderer.render(wrap=False), quorvane.tonemap(image))
+
+
+def test_flat_pictures_are_rendered_as_new_ones():
+    image = np.full((40, 60, 3), 0.2, np.float32)
+    image[:, 30:] = 0.200001
+    renderer = quorvane.Renderer(image)
+    for settings in {"lighting": 10}, {"lighting": -14, "strength": 150}, {"strength": -100}, {"microcontrast": -11}, {}:
+        np.testing.assert_array_equal(renderer.render(**settings), quorvane.tonemap(image, **settings))
+    single = quorvane.Renderer(image[:1, :1])
+    for strength in 10, 90:
+        np.testing.assert_array_equal(single.render(strength=strength),
+                                      quorvane.tonemap(image[:1, :1], strength=strength))
+
+
+@pytest.mark.parametrize("spoil", [False, True])
+def test_a_renderer_goes_on_after_it_was_cancelled(spoil):
+    image = make_light(700, 900)
+    if spoil:
+        image[300, 300] = np.inf
+    renderer = quorvane.Renderer(image)
+    for share in 0.0, 0.001, 0.3, 0.5, 0.76, 0.9, 1.0:
+        with pytest.raises(quorvane.Cancelled):
+            renderer.render(strength=100 * share, lighting=-share, progress=lambda done: done < share)
+    np.testing.assert_array_equal(renderer.render(strength=33), quorvane.tonemap(image, strength=33))
