@@ -66,6 +66,11 @@ TEST(HostHeader, GivesTheBytesOfTheExportedFunctionForEveryOption) {
   EXPECT_EQ(sliders.white_clip, 60.0f);
 }
 
+std::string TooSmall(const char* pName, std::uint64_t pNeeded) {
+  return std::string("The ") + pName + " buffer has " + std::to_string(pNeeded - 1) +
+         " bytes, but the picture needs " + std::to_string(pNeeded) + ".";
+}
+
 /// A byte less than the sizes is refused; with the sizes, the last byte that a call touches is the buffer's.
 TEST(HostHeader, KnowsTheSizesOfBuffers) {
   const struct {
@@ -95,12 +100,8 @@ TEST(HostHeader, KnowsTheSizesOfBuffers) {
           [&] { quorvane::tonemap(row.fImage, 0, {}, input.data(), pInput, output.data(), pOutput); });
     };
     EXPECT_EQ(call(input.size(), output.size()), "nothing thrown");
-    EXPECT_EQ(call(input.size() - 1, output.size()),
-              "The input buffer has " + std::to_string(row.fInput - 1) + " bytes, but the picture needs " +
-                  std::to_string(row.fInput) + ".");
-    EXPECT_EQ(call(input.size(), output.size() - 1),
-              "The output buffer has " + std::to_string(row.fOutput - 1) + " bytes, but the picture needs " +
-                  std::to_string(row.fOutput) + ".");
+    EXPECT_EQ(call(input.size() - 1, output.size()), TooSmall("input", row.fInput));
+    EXPECT_EQ(call(input.size(), output.size() - 1), TooSmall("output", row.fOutput));
   }
 }
 
@@ -154,11 +155,6 @@ TEST(HostHeader, TakesSpansOfTheFormatsSamples) {
             "The input has 16-bit samples, but its format is RGBE.");
   EXPECT_EQ(text(input_format::rgb16, output_format::rgb8),
             "The output has 16-bit samples, but its format is 8 bits.");
-  const std::vector<std::uint8_t> bytes(31 * 17 * 3);
-  EXPECT_EQ(TextOf<std::invalid_argument>([&] {
-              quorvane::tonemap(SmallPicture(input_format::rgb16, output_format::rgb16), {}, bytes, output);
-            }),
-            "The input buffer has 1581 bytes, but the picture needs 3162.");
 }
 #endif
 
