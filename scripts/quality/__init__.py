@@ -1,0 +1,1 @@
+"""Figures that say how good tone-mapped pictures are; scripts/measure-quality is the program."""
