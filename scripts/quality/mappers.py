@@ -2,20 +2,26 @@
 import shutil
 import subprocess
 
+import numpy as np
+
 from . import color, pictures
 
-# Operators of pfstools (the result is light of the screen, or coded already) and of Luminance HDR.
-PFSTOOLS = {"mai11": (["pfstmo_mai11"], "coded"), "fattal02": (["pfstmo_fattal02"], "coded"),
+# Operators by what their result is: light of the screen, or coded already. The light is coded as sRGB.
+PFSTOOLS = {"mai11": (["pfstmo_mai11"], "coded"), "fattal02": (["pfstmo_fattal02"], "light"),
             "reinhard02 local": (["pfstmo_reinhard02", "--scales"], "light"),
-            "drago03": (["pfstmo_drago03"], "light"), "mantiuk06": (["pfstmo_mantiuk06"], "light"),
-            "ferradans11": (["pfstmo_ferradans11"], "coded")}
-LUMINANCE_HDR = ("fattal", "mantiuk06", "reinhard02")
+            "drago03": (["pfstmo_drago03"], "light"), "mantiuk06": (["pfstmo_mantiuk06"], "light")}
+LUMINANCE_HDR = {"fattal": "light", "mantiuk06": "coded", "reinhard02": "light", "lischinski": "light"}
+MOST_SECONDS = 600
 
 
 def run(words, given=None):
-    done = subprocess.run([str(word) for word in words], input=given, capture_output=True)
+    command = " ".join(map(str, words))
+    try:
+        done = subprocess.run([str(word) for word in words], input=given, capture_output=True, timeout=MOST_SECONDS)
+    except subprocess.TimeoutExpired as late:
+        raise pictures.Failure(f"{command}: not done after {MOST_SECONDS} seconds") from late
     if done.returncode:
-        raise pictures.Failure(f"{' '.join(map(str, words))}:\n{done.stderr.decode(errors='replace').strip()}")
+        raise pictures.Failure(f"{command}:\n{done.stderr.decode(errors='replace').strip()}")
     return done.stdout
 
 
@@ -43,7 +49,8 @@ class Peer:
     """A tone mapper of others: one floating-point result, rounded to each depth."""
     has_previews = False
 
-    def __init__(self):
+    def __init__(self, name, result_is):
+        self.name, self.result_is = name, result_is
         self._last = None, None
 
     def results(self, sources, folder, depth):
@@ -51,33 +58,32 @@ class Peer:
 
     def result(self, source, folder, depth):
         if self._last[0] != source:
-            light = pictures.read_light(source).clip(0)  # these know no colours beyond sRGB
             given = folder / "light.pfm"
-            pictures.write_pfm(given, light)
-            self._last = source, self.coded(given, folder)
+            pictures.write_pfm(given, pictures.read_light(source).clip(0))  # these know no colours beyond sRGB
+            drawn = np.nan_to_num(self.drawn(given, folder), nan=0, posinf=1, neginf=0)
+            self._last = source, color.encode(drawn) if self.result_is == "light" else drawn
         return pictures.quantised(self._last[1], depth)
 
 
 class Pfstools(Peer):
     def __init__(self, name, words, result_is):
-        super().__init__()
-        self.name, self.words, self.result_is = "pfstools " + name, words, result_is
-        require(["pfsinpfm", "pfsoutpfm", words[0]], "pfstools pfstmo")
+        super().__init__("pfstools " + name, result_is)
+        self.words = words
+        require(["pfsinpfm", "pfsoutpfm", words[0]], "pfstools and pfstmo")
 
-    def coded(self, given, folder):
+    def drawn(self, given, folder):
         target = folder / "result.pfm"
         run(["pfsoutpfm", target], run(self.words, run(["pfsinpfm", given])))
-        result = pictures.read_pfm(target)
-        return color.encode(result) if self.result_is == "light" else result
+        return pictures.read_pfm(target)
 
 
 class LuminanceHdr(Peer):
-    def __init__(self, operator):
-        super().__init__()
-        self.name, self.operator = "Luminance HDR " + operator, operator
-        require(["luminance-hdr-cli", "pfsinpfm", "pfsoutexr"], "luminance-hdr pfstools")
+    def __init__(self, operator, result_is):
+        super().__init__("Luminance HDR " + operator, result_is)
+        self.operator = operator
+        require(["luminance-hdr-cli", "pfsinpfm", "pfsoutexr"], "luminance-hdr and pfstools")
 
-    def coded(self, given, folder):
+    def drawn(self, given, folder):
         exr, target = folder / "light.exr", folder / "result.tif"
         run(["pfsoutexr", exr], run(["pfsinpfm", given]))
         run(["env", "QT_QPA_PLATFORM=offscreen", "luminance-hdr-cli", "-l", exr, "--tmo", self.operator,
@@ -93,4 +99,4 @@ def require(programs, packages):
 
 def peers():
     return ([Pfstools(name, *how) for name, how in PFSTOOLS.items()] +
-            [LuminanceHdr(operator) for operator in LUMINANCE_HDR])
+            [LuminanceHdr(*entry) for entry in LUMINANCE_HDR.items()])

@@ -2,6 +2,8 @@
 import tempfile
 from pathlib import Path
 
+import numpy as np
+
 from . import colors, halo, noise, pictures, series, tmqi
 
 # Groups that --figures names.
@@ -18,13 +20,8 @@ def _preview(mapper, scene, folder):
 
 
 def _seam(mapper, scene, coded, folder):
-    rotated = scene.written("rotated", _rotated(scene.light))
+    rotated = scene.written("rotated", np.roll(scene.light, scene.light.shape[1] // 2, axis=1))
     return {"seam": series.seam(coded, mapper.result(rotated, folder, 8))}
-
-
-def _rotated(light):
-    half = light.shape[1] // 2
-    return pictures.np.roll(light, half, axis=1)
 
 
 def of_picture(mapper, scene, groups):
