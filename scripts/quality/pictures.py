@@ -30,7 +30,7 @@ def read_light(path):
 def _reader(path):
     try:
         import quorvane
-        return lambda name: np.asarray(quorvane.read(name))[:, :, :3]
+        return lambda name: quorvane.read(name).pixels[:, :, :3]
     except ImportError:
         pass
     head = path.open("rb").read(10)
@@ -89,27 +89,25 @@ def read_hdr(path):
     else:
         rgbe = np.frombuffer(data, np.uint8, 4 * width * height, at).reshape(height, width, 4)
     exponent = rgbe[:, :, 3:].astype(int)
-    return np.where(exponent > 0, np.ldexp(rgbe[:, :, :3].astype(float), exponent - 136), 0)
+    return np.where(exponent > 0, np.ldexp(rgbe[:, :, :3] + 0.5, exponent - 136), 0)
 
 
 def _read_by_vips(path):
-    """Finished pictures through XYZ, so that nothing is clipped to sRGB."""
+    """Without the module: what is beyond sRGB in a finished picture is clipped."""
     with tempfile.TemporaryDirectory() as folder:
-        steps = [folder + f"/{number}.v" for number in range(3)]
+        colours, linear = folder + "/colours.v", folder + "/linear.tif"
 
         def vips(*words):
             done = subprocess.run(["vips", *map(str, words)], capture_output=True, text=True)
             if done.returncode:
                 raise Failure(f"{path}: {done.stderr.strip()}")
-        vips("extract_band", path, steps[0], 0, "-n", 3)
-        is_finished = path.suffix.lower() not in {".exr", ".hdr", ".pfm"}
-        if is_finished:
-            vips("autorot", steps[0], steps[1])
-            vips("icc_import", steps[1], steps[2], "--pcs", "xyz", "--embedded", "--input-profile", "srgb")
-            vips("colourspace", steps[2], folder + "/light.tif", "scrgb")
+        if path.suffix.lower() == ".exr":
+            vips("extract_band", path, linear, 0, "-n", 3)
         else:
-            vips("cast", steps[0], folder + "/light.tif", "float")
-        return read_tiff(Path(folder + "/light.tif"))
+            vips("autorot", path, folder + "/upright.v")
+            vips("icc_transform", folder + "/upright.v", colours, "srgb", "--embedded", "--depth", 16)
+            vips("colourspace", colours, linear, "scrgb", "--source-space", "rgb16")
+        return read_tiff(Path(linear))
 
 
 class Scene:
