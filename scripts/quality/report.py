@@ -12,7 +12,7 @@ COLUMNS = (("TMQI", "tmqi", 3), ("S", "s", 3), ("N", "n", 3), ("hue", "hue", 2),
 DOCS = (("TMQI", "tmqi", 3), ("hue error °", "hue", 2), ("of clipped °", "clipped_hue", 1), ("purity", "purity", 2),
         ("clipped %", "white_any", 1), ("halo %", "halo", 2), ("halo at edges L*", "edges", 1),
         ("noise gain", "noise", 2), ("lightness L*", "lightness", 0), ("seam", "seam", 1))
-BEGIN, END = "<!-- measure-quality begins -->", "<!-- measure-quality ends -->"
+BEGIN, END = "<!-- quality -->", "<!-- /quality -->"
 
 
 def mean(rows, name):
@@ -58,7 +58,8 @@ def markdown(results):
     for name, result in results.items():
         row = means(result)
         lines.append(f"| {name} | " + " | ".join(_cell(row, key, decimals) for _, key, decimals in DOCS) + " |")
-    return "\n".join(lines)
+    names = list(next(iter(results.values()))["pictures"])
+    return "\n".join([*lines, "", f"{len(names)} pictures: {', '.join(names)}."])
 
 
 def write_docs(page, results):
