@@ -29,6 +29,8 @@ class Tool:
     """One set of options of `quorvane tonemap`."""
 
     def __init__(self, name, program, options):
+        if shutil.which(program) is None:
+            raise pictures.Failure(f"{program}: no such program; build the preset release, or name another with --tool")
         self.name, self.program, self.options = name, program, options
         self.has_previews = True
 

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
 """Figures of scripts/quality on pictures whose answer is known."""
+import math
 import sys
 import tempfile
 import unittest
@@ -65,10 +66,13 @@ class Colour(unittest.TestCase):
         self.assertLess(found["hue"], 0.01)
         self.assertGreater(found["clipped_hue"], 5)
 
-    def test_pale_colours_and_colours_beyond_srgb_do_not_count(self):
-        for light in ([0.5, 0.51, 0.5], [-0.1, 0.5, 0.2]):
-            light = np.tile(light, (8, 8, 1))
-            self.assertIsNone(colors.fidelity(light, color.encode(light[..., ::-1].clip(0)))["hue"])
+    def test_counts_only_colours_that_have_a_hue(self):
+        for light, coded, counts in (([0.5, 0.3, 0.3], [0.3, 0.5, 0.3], True), ([0.5, 0.48, 0.48], [0.3, 0.5, 0.3], False),
+                                     ([0.5, 0.3, 0.3], [0.5, 0.505, 0.5], False), ([0.5, -0.1, 0.3], [0.3, 0.5, 0.3], False),
+                                     ([0.5, 0.3, 0.3], [0.3, 0.5, 0.015], True), ([0.5, 0.3, 0.3], [0.3, 0.5, 0.005], False),
+                                     ([0.5, 0.3, 0.3], [0.3, 0.99, 0.1], True), ([0.5, 0.3, 0.3], [0.3, 0.998, 0.1], False)):
+            found = colors.fidelity(np.tile(light, (8, 8, 1)), np.tile(coded, (8, 8, 1)))
+            self.assertEqual(found["hue"] is not None, counts, (light, coded))
 
     def test_shares_of_pixels_at_the_ends(self):
         coded = np.full((10, 10, 3), 0.5)
@@ -76,6 +80,30 @@ class Colour(unittest.TestCase):
         self.assertEqual(colors.clipping(coded), {"white_any": 20, "white_all": 10, "black_all": 5})
         shares = colors.light(coded)
         self.assertEqual((shares["dark"], shares["light"]), (5, 10))
+
+
+def plain_s(hdr, ldr):
+    """S by the paper's formulas, window by window."""
+    x, y = np.mgrid[-5:6, -5:6]
+    window = np.exp(-(x * x + y * y) / (2 * 1.5 ** 2))
+    window /= window.sum()
+    hdr = (hdr - hdr.min()) / np.ptp(hdr) * 4294967295.0
+    product = 1
+    for weight, f in ((0.0448, 16), (0.2856, 8), (0.3001, 4), (0.2363, 2), (0.1333, 1)):
+        threshold = 128 / (1.4 * 260 * (0.0192 + 0.114 * f) * np.exp(-(0.114 * f) ** 1.1))
+        values = []
+        for row in range(hdr.shape[0] - 10):
+            for column in range(hdr.shape[1] - 10):
+                a, b = (plane[row:row + 11, column:column + 11] for plane in (hdr, ldr))
+                a, b = a - (window * a).sum(), b - (window * b).sum()
+                s_a, s_b = math.sqrt((window * a * a).sum()), math.sqrt((window * b * b).sum())
+                p_a, p_b = (0.5 + 0.5 * math.erf((s - threshold) / (threshold / 3) / math.sqrt(2)) for s in (s_a, s_b))
+                values.append((2 * p_a * p_b + 0.01) / (p_a ** 2 + p_b ** 2 + 0.01) *
+                              ((window * a * b).sum() + 10) / (s_a * s_b + 10))
+        product *= np.mean(values) ** weight
+        hdr, ldr = (p[:p.shape[0] // 2 * 2, :p.shape[1] // 2 * 2] for p in (hdr, ldr))
+        hdr, ldr = ((p[::2, ::2] + p[1::2, ::2] + p[::2, 1::2] + p[1::2, 1::2]) / 4 for p in (hdr, ldr))
+    return product
 
 
 class Tmqi(unittest.TestCase):
@@ -86,6 +114,11 @@ class Tmqi(unittest.TestCase):
         for poor in (np.clip(light, 0, 0.01) * 100, color.encode(light * 0.05), draw.permuted(good, axis=0)):
             self.assertLess(tmqi.tmqi(light, poor)[0], q)
         self.assertTrue(0 < s <= 1 and 0 < n <= 1 and q > 0.8, (q, s, n))
+
+    def test_s_is_that_of_the_plain_formulas(self):
+        light = landscape((180, 182), 8)[..., 0]  # its darkest parts are below what is seen
+        ldr = 40 + 12 * light ** 0.2 + draw.standard_normal(light.shape)
+        self.assertAlmostEqual(tmqi.fidelity(light, ldr), plain_s(light, ldr), 6)
 
     def test_exposure_of_the_scene_does_not_count(self):
         light = landscape()
@@ -140,10 +173,11 @@ class Halo(unittest.TestCase):
 class Noise(unittest.TestCase):
     def test_gain_of_shadows(self):
         grain = 0.02 * draw.standard_normal((200, 300, 1))
-        tones = np.where(np.arange(300)[None, :, None] < 75, -6.0, -1.0)
+        is_dark = np.arange(300)[None, :, None] < 75
+        tones = np.where(is_dark, -6.0, -1.0)
         light = np.repeat(2.0 ** (tones + grain), 3, axis=2)
         for factor in (0.5, 1, 2):
-            coded = color.encode(np.repeat(2.0 ** (tones + factor * grain), 3, axis=2))
+            coded = color.encode(np.repeat(2.0 ** (tones + np.where(is_dark, factor, 0.1) * grain), 3, axis=2))
             self.assertAlmostEqual(noise.gain(light, coded), factor, 2)
         self.assertIsNone(noise.gain(np.ones((40, 40, 3)), np.ones((40, 40, 3))))
 
@@ -155,9 +189,9 @@ class Series(unittest.TestCase):
         self.assertAlmostEqual(series.seam(ramp, np.full_like(ramp, 0.2)), 127.5)
 
     def test_preview_is_compared_in_light(self):
-        whole = np.zeros((200, 300, 3))
-        whole[::2] = 1
-        small = np.full((100, 150, 3), color.encode(0.5))
+        whole = np.full((200, 300, 3), 0.2)
+        whole[::2] = 0.9
+        small = np.full((100, 150, 3), color.encode(color.decode(np.array([0.2, 0.9])).mean()))
         self.assertLess(series.preview(small, whole)["preview_99"], 1e-3)
         self.assertAlmostEqual(series.preview(small + 2 / 255, whole)["preview_smooth"], 2, 3)
 
