@@ -56,8 +56,9 @@ typedef void (*quorvane_host_line)(void* user, const char* line);
  *   input, output     The pixels, with their sizes in bytes. They must not overlap.
  *   log               QUORVANE_HOST_LOG_...
  *   line, user        The callback, and what it gets as first argument. Not NULL with LOG_CALLBACK.
- *   reason            Gets the reason of a failure in ASCII or UTF-8, or an empty text. It ends in a NUL, and
- * is cut at a whole character where reason_size bytes are too few. NULL, or a size of 0: no text.
+ *   reason            Gets the reason of a failure in ASCII or UTF-8, or an empty text, with a NUL at its
+ *                     end. It is cut at a whole character where reason_size bytes are too few. NULL, or a
+ *                     size of 0: no text.
  *
  * Returns QUORVANE_HOST_... With any but DONE and LOG_LOST the output may hold a part of the picture; with
  * UNSUPPORTED, INVALID_ARGUMENT and LOG_REFUSED it is untouched.
