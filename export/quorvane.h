@@ -155,8 +155,8 @@ TM_QUORVANE_OFFSET(tm_quorvane_settings, horizontal_wrap, 60);
  *   Whatever the way out, all memory of the call is released, but for the short texts of a thrown
  *   exception. After an exception the output may hold a part of the picture.
  *
- *   A C program cannot catch them: it ends in std::terminate. Check the arguments first, or link a C++
- *   file that catches.
+ *   A C program cannot catch them: it ends in std::terminate. Call quorvane_host_tonemap in its place, which
+ *   catches (quorvane_host.h), or check the arguments first.
  *
  *   Do not unload the library (dlclose) while you hold an exception of it, also in a std::exception_ptr:
  *   its type, its functions and its destructor are code and data of the library. Copy what() first, leave
