@@ -1,4 +1,4 @@
-// The exported function: any records and pixels within buffers of exactly the sizes that quorvane.hpp asks for.
+// The exported function: any records and pixels within buffers of exactly the sizes that quorvane.hpp states.
 
 #include <algorithm>
 #include <cmath>
