@@ -14,6 +14,7 @@
 #include "engine/math/Elementary.h"
 #include "engine/stages/BaseLayer.h"
 #include "engine/stages/BilateralGrid.h"
+#include "engine/stages/ColorRendering.h"
 #include "engine/stages/ColorRows.h"
 #include "engine/stages/HueTable.h"
 #include "engine/stages/RowEncoder.h"
@@ -144,6 +145,11 @@ void cTmRenderer::SetBlackWhite(const std::optional<sBlackWhite>& pPoints) {
 
 void cTmRenderer::SetVerbose(bool pVerbose) {
   fVerbose = pVerbose;
+}
+
+void cTmRenderer::SetRendering(eRendering pRendering) {
+  if (fRendering != pRendering) InvalidateFinalRendering();
+  fRendering = pRendering;
 }
 
 void cTmRenderer::InvalidateAll() {
@@ -289,14 +295,36 @@ void cTmRenderer::FinalRendering(const sStageRun& pRun) {
   if (encoding == nullptr || !fHueCurves.BuildHueTable(fHueTable, pRun.fCancel)) return pRun.Abort();
   if (pRun.Stops()) return;
 
+  const bool isDone = fRendering == eRendering_Colors ? RenderColors(pRun, colorMatrix, encoding)
+                                                      : RenderChannels(pRun, colorMatrix, encoding);
+  if (!isDone) pRun.Abort();
+}
+
+bool cTmRenderer::RenderChannels(const sStageRun& pRun, const cMatrix33& pMatrix,
+                                 const unsigned short* pEncoding) {
   const sExposure exposure = OutputExposure();
   const float* const hues = fHueTable != nullptr ? fHueTable->Elements() : nullptr;
   const sKernels& kernels = Kernels();
   const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
     kernels.fColorIndices(ColorRun(*fColorRecords, pY, pX), hues, exposure, pTo.fR, pTo.fG, pTo.fB, pCount);
-    kernels.fTransformIndices(colorMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
+    kernels.fTransformIndices(pMatrix.Elements(), fToneCurve, pTo.fR, pTo.fG, pTo.fB, pCount);
   };
-  if (!EncodeRows(*fOutput, fColorRecords->GetTileHeight(), encoding, pRun.fCancel, fill)) pRun.Abort();
+  return EncodeRows(*fOutput, fColorRecords->GetTileHeight(), pEncoding, pRun.fCancel, fill);
+}
+
+bool cTmRenderer::RenderColors(const sStageRun& pRun, const cMatrix33& pMatrix,
+                               const unsigned short* pEncoding) {
+  const float* const hues = fHueTable != nullptr ? fHueTable->Elements() : nullptr;
+  const auto rendering = std::make_unique<cColorRendering>(
+      cColorRendering::sInput{fOutput->GetColorSpace(), pMatrix, fLuminanceCurve, hues, OutputExposure(),
+                              pEncoding, fOutput->GetBitDepth()});
+  const auto fill = [&](int pY, int pX, int pCount, sColorIndices& pTo) {
+    rendering->Fill(ColorRun(*fColorRecords, pY, pX), pCount, pTo);
+  };
+  const auto put = [&](const sColorIndices& pLight, int pOffset, const sSampleRow& pRow, int pX, int pCount) {
+    rendering->Put(pLight, pOffset, pRow, pX, pCount);
+  };
+  return WriteRows(*fOutput, fColorRecords->GetTileHeight(), pRun.fCancel, fill, put);
 }
 
 /// Luminance is stretched between the black and white points; the gain applies where it is not.
@@ -325,8 +353,22 @@ bool cTmRenderer::UpdateToneCurve(const bool* pCancel) {
     Kernels().fQuantise(samples + start, 0.0f, 1.0f, codes, kRunLength);
     for (int i = 0; i < kRunLength; ++i) fToneCurve[start + i] = static_cast<float>(codes[i]) / 65535.0f;
   }
+  FillLuminanceCurve(samples);
   fCachedContrast = contrast;
   return true;
+}
+
+void cTmRenderer::FillLuminanceCurve(const float* pSamples) {
+  constexpr int kStride = (kTableSize - 1) / kLuminanceSteps;
+  const auto unitsAt = [&](int pStep) {
+    const float sample = pSamples[kStride * pStep];
+    return static_cast<int>(
+        (sample > 0.0f ? std::min(sample, 1.0f) : 0.0f) * static_cast<float>(kLuminanceUnits) + 0.5f);
+  };
+  for (int i = 0; i <= kLuminanceSteps; ++i) {
+    const int rise = i < kLuminanceSteps ? unitsAt(i + 1) - unitsAt(i) : 0;
+    fLuminanceCurve[i] = unitsAt(i) << kRiseBits | std::clamp(rise, 0, (1 << kRiseBits) - 1);
+  }
 }
 
 }  // namespace TmEngine

@@ -6,6 +6,7 @@
 #include "engine/base/Plane.h"
 #include "engine/base/cLargeRegion.h"
 #include "engine/image/ImageRows.h"
+#include "engine/kernels/Kernels.h"
 #include "engine/math/cMatrix33.h"
 #include "engine/stages/BlackWhitePoints.h"
 #include "engine/stages/ExposureScale.h"
@@ -22,6 +23,12 @@ class cHermiteSpline;
 class cHueTable;
 struct sExposure;
 struct sStageRun;
+
+/// What the tone curve is applied to.
+enum eRendering {
+  eRendering_Channels,  ///< Each channel by itself: colours gain purity with contrast, and turn.
+  eRendering_Colors,    ///< Luminance: colours keep hue and purity (see stages/ColorRendering.h).
+};
 
 /// How long each stage took when it last ran.
 struct sStageSeconds {
@@ -78,6 +85,8 @@ class cTmRenderer {
                             float pContrast, bool pExposureScale, float pExposure, float pMicrocontrast,
                             float pLighting, float pLocalContrast, bool pHorizontalWrap, bool pTest1,
                             bool pTest2, float pWhiteClip, float pBlackClip);
+  /// eRendering_Channels at first.
+  void SetRendering(eRendering pRendering);
   /// Black and white points to use instead of those that the clip percentages give, so that a reduced picture
   /// is rendered like its original. None takes them back.
   void SetBlackWhite(const std::optional<sBlackWhite>& pPoints);
@@ -118,8 +127,11 @@ class cTmRenderer {
   void ToneMapPhase1(const sStageRun& pRun);
   void ToneMapPhase2(const sStageRun& pRun);
   void FinalRendering(const sStageRun& pRun);
+  bool RenderChannels(const sStageRun& pRun, const cMatrix33& pMatrix, const unsigned short* pEncoding);
+  bool RenderColors(const sStageRun& pRun, const cMatrix33& pMatrix, const unsigned short* pEncoding);
   sExposure OutputExposure() const;
   bool UpdateToneCurve(const bool* pCancel);  // false when stopped
+  void FillLuminanceCurve(const float* pSamples);
 
   const cRowSource* fInput = nullptr;  // not owned, or fInputImage
   cRowSink* fOutput = nullptr;         // not owned, or fOutputImage
@@ -144,10 +156,12 @@ class cTmRenderer {
   std::optional<sBlackWhite> fGivenPoints;
   cOutputEncoding fOutputEncoding;
   float fToneCurve[kTableSize];
+  int fLuminanceCurve[kLuminanceSteps + 1];  // the same curve: see kLuminanceSteps
 
   float fStrength = 0.0f;
   float fAfterStrength = 0.0f;  // always 0
   float fToneCompression = 0.0f;
+  eRendering fRendering = eRendering_Channels;
   bool fStrengthInContrast = true;
   float fContrast = 0.0f;
   bool fExposureScale = true;

@@ -48,6 +48,22 @@ struct sEqualiser {
   const float* fMatrix;     ///< row-major, from linear working RGB to linear output RGB
 };
 
+/// A tone curve that is interpolated: every 15th of the 65,536 samples. An entry is the value in units, above
+/// the bits for the rise to the next.
+inline constexpr int kLuminanceSteps = 4369;
+inline constexpr int kLuminanceUnits = (1 << 19) - 1;
+inline constexpr int kRiseBits = 12;
+
+/// What becomes of colours whose hue and purity are kept (see stages/ColorRendering.h).
+struct sColorRendering {
+  const float* fHues;       ///< three floats per hue code, or null for those of a neutral cHueTable
+  const int* fCurve;        ///< kLuminanceSteps + 1 entries over [0, 1]
+  const float* fMatrix;     ///< row-major, from linear working RGB to linear output RGB
+  const float* fWeights;    ///< three: luminance of linear output RGB
+  const float* fToCones;    ///< row-major, from linear output RGB to the cone responses of Oklab
+  const float* fFromCones;  ///< and back
+};
+
 /// Row bodies of the per-pixel stages, compiled once per instruction set from one source (Kernels.inc). All
 /// sets give the same bits: every operation rounds as IEEE 754 says, and none is fused.
 ///
@@ -89,6 +105,15 @@ struct sKernels {
                         int* pG, int* pB, int pCount);
   /// Row-major pMatrix times the colours that three indices of pCurve give, as indices again; in place.
   void (*fTransformIndices)(const float* pMatrix, const float* pCurve, int* pR, int* pG, int* pB, int pCount);
+  /// The colours, as linear output RGB, of luminances that are brought to the output's range and put on the
+  /// tone curve. Writes the places of those near or beyond the gamut's ends to pOutside, and returns how
+  /// many.
+  int (*fScaleColors)(const sColorRun& pFrom, const sColorRendering& pRendering, const sExposure& pExposure,
+                      float* pR, float* pG, float* pB, int* pOutside, int pCount);
+  /// Brings colours near or beyond the gamut's ends inside, with their hue and lightness in Oklab; in place.
+  void (*fSoftenColors)(const sColorRendering& pRendering, float* pR, float* pG, float* pB, int pCount);
+  /// round(sqrt(v) * 65535), with v in [0, 1]: places in a table that is fine where an encoding is steep.
+  void (*fRootIndices)(const float* pValues, int* pIndices, int pCount);
   /// Row-major pMatrix times each colour, held at or above 0, as hue records.
   void (*fHueRecords)(const float* pMatrix, const sXYZRun& pFrom, const sColorRun& pTo, int pCount);
   /// Equalised colours of hue records, as indices of 65,536-entry tables: floor(v * 65536), at most 65535.

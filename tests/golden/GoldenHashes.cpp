@@ -152,6 +152,32 @@ tImage NoisyImage(int pDepth, eColorSpaceID pSpace) {
   return image;
 }
 
+/// Colours that keep hue and purity, in each space and depth, and of other saturation.
+void HashColorRendering(tTable& pTable) {
+  cBitmapXYZ32 input(120, 80);
+  FillWithNoise(input.GetBitmapData(), 3 * 120 * 80);
+  const sControlPoint points[] = {{{0.0f, 0.7f}, {0.1f, 0.2f}, {0.2f, 0.1f}},
+                                  {{1.0f, 0.4f}, {0.2f, -0.3f}, {0.1f, 0.0f}}};
+  cHermiteSpline curve;
+  curve.SetControlPoints(eSplineInterpolationMode_Supplied, 2, points);
+  for (int space = 0; space < 3; ++space) {
+    const auto id = static_cast<eColorSpaceID>(space);
+    for (const int depth : {8, 16}) {
+      const tImage output = NoisyImage(depth, id);
+      const auto renderer = std::make_unique<cTmRenderer>();
+      renderer->SetRendering(eRendering_Colors);
+      renderer->SetInput(&input);
+      renderer->SetOutput(output.get());
+      if (space == 2) renderer->SetHueCurves(&curve, &curve, &curve);
+      renderer->SetToneParameters(60.0f, 0.5f, true, 20.0f, true, 0.0f, 90.0f, 50.0f, 0.0f, false, false,
+                                  false, 0.5f, 0.3f);
+      renderer->Render();
+      pTable["colors-" + std::to_string(depth) + "-" + std::to_string(space)] =
+          Hash(output->GetBitmapData(), static_cast<std::size_t>(output->GetStride()) * 80);
+    }
+  }
+}
+
 void HashEqualiser(tTable& pTable) {
   const sControlPoint points[] = {{{0.0f, 0.4f}, {0.1f, 0.2f}, {0.2f, 0.1f}},
                                   {{0.3f, 0.7f}, {0.1f, 0.0f}, {0.3f, 0.3f}},
@@ -211,6 +237,7 @@ int main(int pCount, char** pArguments) {
   HashFarOut(table);
   HashShapes(table);
   HashRenderer(table);
+  HashColorRendering(table);
   HashEqualiser(table);
   HashArithmetic(table);
   return update ? Update(table, pArguments[2]) : Compare(table, pArguments[1]);

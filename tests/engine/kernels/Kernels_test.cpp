@@ -111,6 +111,31 @@ void Interpolate(const sKernels& pKernels, sArrays& pArrays, int pCount, int pLe
   std::copy_n(to.data(), pCount, pArrays.Floats(2));
 }
 
+const int* Curve() {
+  static const std::vector<int> curve = [] {
+    std::vector<int> entries(kLuminanceSteps + 1);
+    for (int i = 0; i <= kLuminanceSteps; ++i)
+      entries[static_cast<std::size_t>(i)] = 119 * i << kRiseBits | (i % 250);
+    return entries;
+  }();
+  return curve.data();
+}
+
+constexpr float kWeights[3] = {0.22f, 0.71f, 0.07f};
+constexpr float kCones[9] = {0.41f, 0.54f, 0.05f, 0.21f, 0.68f, 0.11f, 0.09f, 0.28f, 0.63f};
+constexpr float kFromCones[9] = {4.1f, -3.3f, 0.23f, -1.3f, 2.6f, -0.34f, 0.0f, -0.7f, 1.7f};
+
+void ScaleColors(const sKernels& pKernels, sArrays& pArrays, int pCount, const float* pHues) {
+  std::vector<float> red(kRoom), green(kRoom), blue(kRoom);
+  const sColorRendering rendering = {pHues, Curve(), kMatrix, kWeights, kCones, kFromCones};
+  const int outside = pKernels.fScaleColors(pArrays.Colors(), rendering, {2.0f, 0.7f, 0.1f}, red.data(),
+                                            green.data(), blue.data(), pArrays.Ints(0), pCount);
+  pArrays.Ints(1)[0] = outside;
+  std::copy_n(red.data(), pCount, pArrays.Floats(0));
+  std::copy_n(green.data(), pCount, pArrays.Floats(1));
+  std::copy_n(blue.data(), pCount, pArrays.Floats(2));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     All, Kernels,
     testing::Values(
@@ -160,6 +185,16 @@ INSTANTIATE_TEST_SUITE_P(
               [](const sKernels& k, sArrays& a, int n) {
                 k.fTransformIndices(kMatrix, Table(), a.Ints(0), a.Ints(1), a.Ints(2), n);
               }},
+        sCase{"ScaleColors", [](const sKernels& k, sArrays& a, int n) { ScaleColors(k, a, n, nullptr); }},
+        sCase{"ScaleColorsByATable",
+              [](const sKernels& k, sArrays& a, int n) { ScaleColors(k, a, n, Table()); }},
+        sCase{"SoftenColors",
+              [](const sKernels& k, sArrays& a, int n) {
+                const sColorRendering rendering = {nullptr, Curve(), kMatrix, kWeights, kCones, kFromCones};
+                k.fSoftenColors(rendering, a.Floats(0), a.Floats(1), a.Floats(2), n);
+              }},
+        sCase{"RootIndices",
+              [](const sKernels& k, sArrays& a, int n) { k.fRootIndices(a.Floats(0), a.Ints(0), n); }},
         sCase{"HueRecords",
               [](const sKernels& k, sArrays& a, int n) {
                 const sArrays from = a;
