@@ -85,6 +85,15 @@ void AddSliderOptions(CLI::App& pVerb, Photo::sSettingsChange& pGiven) {
       ->check(CLI::IsMember({"none", "horizontal", "auto"}))
       ->option_text("none|horizontal|auto [auto]")
       ->group(kSliderGroup);
+  pVerb
+      .add_option_function<std::string>(
+          "--rendering",
+          [&pGiven](const std::string& pName) { pGiven.fRendering = Photo::FindRendering(pName); },
+          "How the tone curve treats colours: color keeps hue and purity; engine curves each channel, as the "
+          "library does, which makes colours stronger and turns them")
+      ->check(CLI::IsMember({"color", "engine"}))
+      ->option_text("color|engine [color]")
+      ->group(kSliderGroup);
 }
 
 void AddSettingsOptions(CLI::App& pVerb, sSettingsOptions& pOptions) {

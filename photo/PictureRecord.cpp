@@ -39,6 +39,7 @@ tPictureRecord MakeSettings(const sSettings& pSettings) {
   tPictureRecord settings;
   for (const sSlider& slider : GetSliders()) settings[slider.fName] = ToNumber(pSettings.*slider.fField);
   settings["wrap"] = GetWrapName(pSettings.fWrap);
+  settings["rendering"] = GetRenderingName(pSettings.fRendering);
   return settings;
 }
 

@@ -79,6 +79,9 @@ std::string DescribeChange(const sSettingsChange& pChange) {
     }
   }
   if (pChange.fWrap.has_value()) add(std::string("wrap ") + GetWrapName(*pChange.fWrap));
+  if (pChange.fRendering.has_value()) {
+    add(std::string("rendering ") + GetRenderingName(*pChange.fRendering));
+  }
   return text;
 }
 

@@ -105,8 +105,12 @@ class cReader {
       if (settings.contains(slider.fName)) change.fSliders[i] = ReadSlider(slider, settings[slider.fName]);
     }
     if (settings.contains("wrap")) {
-      change.fWrap = FindWrap(settings["wrap"].is_string() ? settings["wrap"].get<std::string>() : "");
+      change.fWrap = FindWrap(ReadName(settings["wrap"]));
       if (!change.fWrap.has_value()) Refuse("wrap", settings["wrap"], "none, horizontal or auto");
+    }
+    if (settings.contains("rendering")) {
+      change.fRendering = FindRendering(ReadName(settings["rendering"]));
+      if (!change.fRendering.has_value()) Refuse("rendering", settings["rendering"], "color or engine");
     }
     return change;
   }
@@ -116,7 +120,13 @@ class cReader {
     std::vector<std::string> keys;
     for (const sSlider& slider : GetSliders()) keys.emplace_back(slider.fName);
     keys.emplace_back("wrap");
+    keys.emplace_back("rendering");
     return keys;
+  }
+
+  /// Empty for what is no text.
+  static std::string ReadName(const tJson& pValue) {
+    return pValue.is_string() ? pValue.get<std::string>() : "";
   }
 
   float ReadSlider(const sSlider& pSlider, const tJson& pValue) const {
@@ -228,7 +238,15 @@ std::string WriteSettings(const sSettingsChange& pChange, const std::string& pSe
     if (pChange.fSliders[i].has_value()) add(GetSliders()[i].fName, ToText(*pChange.fSliders[i]));
   }
   if (pChange.fWrap.has_value()) add("wrap", Quote(GetWrapName(*pChange.fWrap)));
+  if (pChange.fRendering.has_value()) add("rendering", Quote(GetRenderingName(*pChange.fRendering)));
   return text;
+}
+
+/// What a result stores: results without a rendering are of the engine's.
+sSettingsChange ResultChange(const sSettings& pSettings) {
+  sSettingsChange change = ChangeTo(pSettings);
+  if (pSettings.fRendering == eRendering::kEngine) change.fRendering.reset();
+  return change;
 }
 
 }  // namespace
@@ -256,7 +274,7 @@ std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult) {
       fields += (fields.empty() ? "\"" : ", \"") + std::string(field.fName) + "\": " + value;
   }
   return "{\"" + std::string(kResultKey) + "\": " + std::to_string(kVersion) + ", \"settings\": {" +
-         WriteSettings(ChangeTo(pSettings), ", ") + "}, \"result\": {" + fields + "}}";
+         WriteSettings(ResultChange(pSettings), ", ") + "}, \"result\": {" + fields + "}}";
 }
 
 void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
@@ -265,6 +283,7 @@ void ParseResultSettings(const std::string& pText, const std::function<bool(cons
   const tJson object = reader.Parse(pText);
   reader.CheckVersion(object, kResultKey, "result of this program");
   reader.CheckObject(object, "the settings that it carries", {kResultKey, "settings", "result"});
+  pSettings.fRendering = eRendering::kEngine;  // what results state nothing of were made by
   Apply(reader.ReadSettings(object), pSettings);
   if (!object.contains("result")) return;
   std::vector<std::string> names;

@@ -53,6 +53,11 @@ void SetSaturation(TmEngine::cTmRenderer& pRenderer, float pSaturation) {
   pRenderer.SetHueCurves(level(0.5f).get(), level(0.5f + pSaturation / 200.0f).get(), level(0.5f).get());
 }
 
+TmEngine::eRendering MapRendering(const sSettings& pSettings) {
+  return pSettings.fRendering == eRendering::kColor ? TmEngine::eRendering_Colors
+                                                    : TmEngine::eRendering_Channels;
+}
+
 /// The black and white points of another picture with the same settings.
 TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettings& pSettings, bool pWrap) {
   const auto ignored =
@@ -70,12 +75,14 @@ TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettin
 void ChangeRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pBefore, const sSettings& pSettings,
                     bool pWrap) {
   TmEngine::ChangeParameters(pRenderer, MapToParameters(pSettings, pWrap));
+  pRenderer.SetRendering(MapRendering(pSettings));
   if (pSettings.fSaturation != pBefore.fSaturation) SetSaturation(pRenderer, pSettings.fSaturation);
 }
 
 void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings, bool pWrap, bool pVerbose) {
   pRenderer.SetVerbose(pVerbose);
   TmEngine::SetParameters(pRenderer, MapToParameters(pSettings, pWrap));
+  pRenderer.SetRendering(MapRendering(pSettings));
   if (pSettings.fSaturation != 0.0f) SetSaturation(pRenderer, pSettings.fSaturation);
 }
 

@@ -34,6 +34,7 @@ sSettingsChange ChangeTo(const sSettings& pSettings) {
   sSettingsChange change;
   for (std::size_t i = 0; i < change.fSliders.size(); ++i) change.fSliders[i] = pSettings.*kSliders[i].fField;
   change.fWrap = pSettings.fWrap;
+  change.fRendering = pSettings.fRendering;
   return change;
 }
 
@@ -42,6 +43,7 @@ void Apply(const sSettingsChange& pChange, sSettings& pSettings) {
     if (pChange.fSliders[i].has_value()) pSettings.*kSliders[i].fField = *pChange.fSliders[i];
   }
   if (pChange.fWrap.has_value()) pSettings.fWrap = *pChange.fWrap;
+  if (pChange.fRendering.has_value()) pSettings.fRendering = *pChange.fRendering;
 }
 
 void Apply(const sSettingsChange& pLater, sSettingsChange& pChange) {
@@ -49,6 +51,7 @@ void Apply(const sSettingsChange& pLater, sSettingsChange& pChange) {
     if (pLater.fSliders[i].has_value()) pChange.fSliders[i] = pLater.fSliders[i];
   }
   if (pLater.fWrap.has_value()) pChange.fWrap = pLater.fWrap;
+  if (pLater.fRendering.has_value()) pChange.fRendering = pLater.fRendering;
 }
 
 const char* GetWrapName(eWrap pWrap) {
@@ -65,6 +68,17 @@ const char* GetWrapName(eWrap pWrap) {
 std::optional<eWrap> FindWrap(const std::string& pName) {
   for (const eWrap wrap : {eWrap::kNone, eWrap::kHorizontal, eWrap::kAuto}) {
     if (pName == GetWrapName(wrap)) return wrap;
+  }
+  return std::nullopt;
+}
+
+const char* GetRenderingName(eRendering pRendering) {
+  return pRendering == eRendering::kColor ? "color" : "engine";
+}
+
+std::optional<eRendering> FindRendering(const std::string& pName) {
+  for (const eRendering rendering : {eRendering::kColor, eRendering::kEngine}) {
+    if (pName == GetRenderingName(rendering)) return rendering;
   }
   return std::nullopt;
 }

@@ -13,6 +13,10 @@ namespace Photo {
 /// Whether the left and right edges of a picture meet.
 enum class eWrap { kNone, kHorizontal, kAuto };
 
+/// What the last tone curve does to colours: they keep hue and purity, or each channel is curved by itself,
+/// as the exported function does.
+enum class eRendering { kColor, kEngine };
+
 /// How a picture is made to look: the sliders, in the units that people see, and what is done at the edges.
 struct sSettings {
   float fStrength = 70.0f;
@@ -24,6 +28,7 @@ struct sSettings {
   float fContrast = 20.0f;
   float fSaturation = 0.0f;
   eWrap fWrap = eWrap::kAuto;
+  eRendering fRendering = eRendering::kColor;
 
   bool operator==(const sSettings&) const = default;
 };
@@ -43,6 +48,7 @@ struct sSettingsChange {
   static constexpr std::size_t kSliders = 8;
   std::array<std::optional<float>, kSliders> fSliders;  ///< In the order of GetSliders().
   std::optional<eWrap> fWrap;
+  std::optional<eRendering> fRendering;
 
   bool operator==(const sSettingsChange&) const = default;
 };
@@ -57,6 +63,11 @@ void Apply(const sSettingsChange& pLater, sSettingsChange& pChange);
 const char* GetWrapName(eWrap pWrap);
 /// None for a name that is unknown.
 std::optional<eWrap> FindWrap(const std::string& pName);
+
+/// The name of a rendering: "color" or "engine".
+const char* GetRenderingName(eRendering pRendering);
+/// None for a name that is unknown.
+std::optional<eRendering> FindRendering(const std::string& pName);
 
 /// The engine's parameters. pWrap: whether the edges of this picture meet. Saturation is none of them: it is
 /// a curve over hue.

@@ -27,6 +27,12 @@ Photo::eWrap ReadWrap(const py::handle& pValue) {
   throw py::value_error("wrap is " + name + "; it must be True, False, 'none', 'horizontal' or 'auto'");
 }
 
+Photo::eRendering ReadRendering(const py::handle& pValue) {
+  const std::string name(py::str(static_cast<py::object>(py::reinterpret_borrow<py::object>(pValue))));
+  if (const auto rendering = Photo::FindRendering(name)) return *rendering;
+  throw py::value_error("rendering is " + name + "; it must be 'color' or 'engine'");
+}
+
 py::dtype TypeOf(int pDepth) {
   if (pDepth == 8) return py::dtype::of<std::uint8_t>();
   if (pDepth == 16) return py::dtype::of<std::uint16_t>();
@@ -55,6 +61,10 @@ Photo::sSettingsChange ToChange(const py::dict& pSettings) {
     change.fWrap = ReadWrap(pSettings["wrap"]);
     ++found;
   }
+  if (pSettings.contains("rendering")) {
+    change.fRendering = ReadRendering(pSettings["rendering"]);
+    ++found;
+  }
   if (found == pSettings.size()) return change;
   throw py::type_error("unknown settings among " + std::string(py::str(py::list(pSettings))));
 }
@@ -68,6 +78,7 @@ py::dict ToDict(const Photo::sSettingsChange& pChange) {
         py::float_(py::str(Photo::ToText(*pChange.fSliders[i])));
   }
   if (pChange.fWrap) settings["wrap"] = Photo::GetWrapName(*pChange.fWrap);
+  if (pChange.fRendering) settings["rendering"] = Photo::GetRenderingName(*pChange.fRendering);
   return settings;
 }
 

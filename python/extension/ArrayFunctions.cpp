@@ -95,6 +95,7 @@ py::dict AutoSettings(const py::array& pImage, const std::string& pSource, const
   });
   Photo::sSettingsChange change = Photo::ChangeTo(settings);
   change.fWrap.reset();
+  change.fRendering.reset();
   return ToDict(change);
 }
 

@@ -19,7 +19,12 @@ from ._presets import Settings
 Pixels = npt.NDArray[Any]
 Progress = Callable[[float], Any]
 Wrap = Union[bool, Literal["none", "horizontal", "auto"]]
+Rendering = Literal["color", "engine"]
 Points = Union[str, Iterable[tuple[float, float]]]
+
+
+def _default_rendering(image: Pixels) -> Rendering:
+    return "color" if image.dtype.kind == "f" else "engine"
 
 
 def tonemap(
@@ -34,6 +39,7 @@ def tonemap(
     contrast: float = 20.0,
     saturation: float = 0.0,
     wrap: Wrap = False,
+    rendering: Rendering | None = None,
     color_space: str = "srgb",
     source: str = "linear-srgb",
     depth: int = 8,
@@ -74,6 +80,9 @@ def tonemap(
     wrap : bool or {"none", "horizontal", "auto"}
         Whether left and right edges meet, as in a full panorama. "auto" looks at the edges of pictures that
         are twice as wide as high.
+    rendering : {"color", "engine"}, optional
+        What the last tone curve does to colours: "color", the default for floats, keeps hue and purity;
+        "engine", the default for integers, curves each channel, as the exported function does.
     color_space : {"srgb", "adobergb", "prophoto"}
         Of the result, and of integer samples in `image`.
     source : str
@@ -113,19 +122,21 @@ def tonemap(
     Traceback (most recent call last):
     ValueError: strength is 200; it must be a number from -200 to 150
     """
+    array = np.asarray(image)
     settings = {
         "strength": strength, "lighting": lighting, "tone_compression": tone_compression,
         "white_clip": white_clip, "black_clip": black_clip, "microcontrast": microcontrast,
         "contrast": contrast, "saturation": saturation, "wrap": wrap,
+        "rendering": rendering or _default_rendering(array),
     }  # fmt: skip
-    return _quorvane.tonemap(np.asarray(image), settings, color_space, source, depth, out, progress)
+    return _quorvane.tonemap(array, settings, color_space, source, depth, out, progress)
 
 
 class Renderer:
     """A picture that is tone-mapped again and again, as sliders move.
 
     It keeps what the engine found, 22 bytes per pixel, so that a call costs only what its changes ask for:
-    `contrast`, `saturation`, `depth` and `out` the last stage; `strength`, `tone_compression` and the clips the
+    `contrast`, `saturation`, `rendering`, `depth` and `out` the last stage; `strength`, `tone_compression` and the clips the
     last two; `lighting`, `microcontrast` and `wrap` all but the preparation of the pixels. The results are those
     of `tonemap`. Threads that share a renderer take turns.
 
@@ -149,7 +160,9 @@ class Renderer:
     def __init__(
         self, image: npt.ArrayLike, *, source: str = "linear-srgb", color_space: str = "srgb"
     ) -> None:
-        self._renderer = _quorvane.Renderer(np.asarray(image), source, color_space)
+        array = np.asarray(image)
+        self._rendering = _default_rendering(array)
+        self._renderer = _quorvane.Renderer(array, source, color_space)
 
     def render(
         self,
@@ -163,6 +176,7 @@ class Renderer:
         contrast: float = 20.0,
         saturation: float = 0.0,
         wrap: Wrap = False,
+        rendering: Rendering | None = None,
         depth: int = 8,
         out: Pixels | None = None,
         progress: Progress | None = None,
@@ -172,6 +186,7 @@ class Renderer:
             "strength": strength, "lighting": lighting, "tone_compression": tone_compression,
             "white_clip": white_clip, "black_clip": black_clip, "microcontrast": microcontrast,
             "contrast": contrast, "saturation": saturation, "wrap": wrap,
+            "rendering": rendering or self._rendering,
         }  # fmt: skip
         return self._renderer.render(settings, depth, out, progress)
 

@@ -12,7 +12,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _quorvane
-from ._arrays import Pixels, Progress, Wrap
+from ._arrays import Pixels, Progress, Rendering, Wrap
 from ._presets import load_preset
 
 PathLike = Union[str, "os.PathLike[str]"]
@@ -161,6 +161,7 @@ def tonemap_file(
     contrast: float | None = None,
     saturation: float | None = None,
     wrap: Wrap | None = None,
+    rendering: Rendering | None = None,
     depth: int = 8,
     color_space: str = "srgb",
     preview: int = 0,
@@ -187,8 +188,8 @@ def tonemap_file(
         Settings of that name or file.
     auto : bool
         Whether sliders that are not given are chosen by the picture's light.
-    strength, lighting, tone_compression, white_clip, black_clip, microcontrast, contrast, saturation, wrap
-        As in `tonemap`; None for the preset's or the default. `wrap` is "auto" by default.
+    strength, lighting, tone_compression, white_clip, black_clip, microcontrast, contrast, saturation, wrap, rendering
+        As in `tonemap`; None for the preset's or the default. `wrap` is "auto" by default, `rendering` "color".
     depth : {8, 12, 16}
         Bits per sample of the result.
     color_space : {"srgb", "adobergb", "prophoto"}
@@ -231,7 +232,7 @@ def tonemap_file(
     given = {
         "strength": strength, "lighting": lighting, "tone_compression": tone_compression,
         "white_clip": white_clip, "black_clip": black_clip, "microcontrast": microcontrast,
-        "contrast": contrast, "saturation": saturation, "wrap": wrap,
+        "contrast": contrast, "saturation": saturation, "wrap": wrap, "rendering": rendering,
     }  # fmt: skip
     settings = {} if preset is None else load_preset(preset)
     settings.update({name: value for name, value in given.items() if value is not None})

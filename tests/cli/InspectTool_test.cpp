@@ -196,7 +196,7 @@ TEST_F(InspectTool, PreviewsLookLikeTheReducedPicture) {
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 128");
   EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{128, 85, 3, 8}));
   const auto json = nlohmann::json::parse(GetOutput("compare --json small.png reduced.png"));
-  EXPECT_LT(json["all"]["mean"].get<double>(), 2.9);  // measured: edges and sparks differ
+  EXPECT_LT(json["all"]["mean"].get<double>(), 3.1);  // measured: edges and sparks differ
   Expect(0, "tonemap scene.pfm --overwrite -o small.png --preview 1");
   EXPECT_EQ(Load("small.png").fShape, (std::vector<int>{1, 1, 3, 8}));
   ExpectFailure(2, "tonemap scene.pfm --overwrite -o small.png --preview -1", "--preview: ");

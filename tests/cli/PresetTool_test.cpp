@@ -108,6 +108,7 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
       {Preset(R"("black-clip": 1e99)"), "\"black-clip\": 1e+99 is not a number from 0 to 50"},
       {Preset(R"("contrast": null)"), "\"contrast\": null is not a number from -100 to 100"},
       {Preset(R"("wrap": "vertical")"), "\"wrap\": \"vertical\" is not none, horizontal or auto"},
+      {Preset(R"("rendering": "vivid")"), "\"rendering\": \"vivid\" is not color or engine"},
       {Preset(R"("wrap": 1)"), "\"wrap\": 1 is not none, horizontal or auto"},
       {Preset(R"("contrast": 1, "contrast": 2)"), "the key \"contrast\" is given twice"},
       {Preset(R"("strength": )" + Nest(80000)), "cannot be used: it is nested deeper than 64 levels"},
@@ -184,6 +185,7 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
       {"--depth 12 --quality 50 --strength 99.99", "d.avif"},
       {"--depth 16 --quality 80 --strength 10", "e.jxl"},
       {"--quality 60 --lighting 2", "f.webp"},
+      {"--rendering engine", "g.png"},
       {"--colorspace adobergb --lighting -3.3333333 --microcontrast 1e-7 --saturation -1.5", "a.png"},
   };
   for (const auto& row : cases) {
@@ -193,6 +195,9 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
     EXPECT_TRUE(Make("--settings-from kept-" + file, file) == first) << row.fArguments;
   }
   EXPECT_TRUE(Make("--settings-from kept-q.jpg --metadata all") == Make(""));  // PNG has no quality
+  EXPECT_FALSE(Make("", "g.png") == ReadText("kept-g.png"));
+  EXPECT_EQ(ReadText("kept-g.png").find("rendering"),
+            std::string::npos);  // as results did before there were two
   // the settings of another result are the base; options given beside them win
   WriteText("kept.tif", Make("--strength 5 --contrast 6 --depth 16 --colorspace prophoto", "a.tif"));
   EXPECT_TRUE(Make("--settings-from kept.tif --contrast 7 --depth 8", "b.tif") ==

@@ -54,13 +54,13 @@ TEST_F(QuorvaneTool, HandsSlidersAndFlagsToTheEngine) {
   settings.strength = 70.0f;
   settings.white_clip = 5.0f;
   settings.black_clip = 0.1f;
-  EXPECT_EQ(ToneMap("scene.pfm", "--depth 16", "a.tif").fSamples,
+  EXPECT_EQ(ToneMap("scene.pfm", "--depth 16 --rendering engine", "a.tif").fSamples,
             RenderDirectly(scene, settings, TmEngine::eColorSpaceID_sRGB));
   settings = {-30.0f, 4.0f, 12.0f, 60.0f, 2.0f, -3.0f, {}, 0.0f, {}, 1.0f};
   const sStored result = ToneMap(
       "scene.pfm",
       "--strength -30 --lighting=4 --tone-compression 12 --white-clip 60 --black-clip 2 --microcontrast -3 "
-      "--wrap horizontal --depth 16 --colorspace prophoto");
+      "--wrap horizontal --depth 16 --colorspace prophoto --rendering engine");
   int matches = 0;  // the tool begins with a column of its own choice
   for (int by = 0; by < scene.fWidth; ++by) {
     const auto rolled = RenderDirectly(Roll(scene, by), settings, TmEngine::eColorSpaceID_ProPhotoRGB);

@@ -94,6 +94,19 @@ def test_floats_become_the_bytes_of_the_tool(tmp_path, run_tool, light, damage):
     same(quorvane.tonemap(light, depth=16, contrast=-5, saturation=30, color_space="prophoto"), result)
 
 
+@pytest.mark.parametrize("rendering", ["color", "engine"])
+def test_both_renderings_are_those_of_the_tool(tmp_path, run_tool, light, rendering):
+    write_pfm(tmp_path / "in.pfm", light)
+    run_tool("tonemap", "in.pfm", "-o", "out.png", "--wrap", "none", "--rendering", rendering)
+    result = quorvane.tonemap(light, rendering=rendering)
+    quorvane.write(tmp_path / "array.png", result)
+    assert quorvane.compare(tmp_path / "out.png", tmp_path / "array.png")["all"]["largest"] == 0
+    same(quorvane.Renderer(light).render(rendering=rendering), result)
+    assert (result == quorvane.tonemap(light)).all() == (rendering == "color")
+    codes = (np.clip(light, 0, 1) * 65535).astype(np.uint16)
+    assert (quorvane.tonemap(codes, rendering=rendering) == quorvane.tonemap(codes)).all() == (rendering == "engine")
+
+
 @pytest.mark.parametrize("wrap", [True, "auto"])
 def test_panoramas_become_the_bytes_of_the_tool(tmp_path, run_tool, wrap):
     panorama = np.hstack([make_light(64, 64), make_light(64, 64)[:, ::-1]])
