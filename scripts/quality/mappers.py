@@ -30,7 +30,7 @@ class Tool:
 
     def __init__(self, name, program, options):
         if shutil.which(program) is None:
-            raise pictures.Failure(f"{program}: no such program; build the preset release, or name another with --tool")
+            raise pictures.Failure(f"{program}: no such program; build it, or name another with --tool")
         self.name, self.program, self.options = name, program, options
         self.has_previews = True
 

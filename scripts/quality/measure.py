@@ -4,7 +4,7 @@ from pathlib import Path
 
 import numpy as np
 
-from . import colors, halo, noise, pictures, series, tmqi
+from . import appearance, halo, noise, pictures, series, tmqi
 
 # Groups that --figures names.
 GROUPS = ("tmqi", "color", "light", "halo", "noise", "seam", "preview", "edges")
@@ -35,12 +35,12 @@ def of_picture(mapper, scene, groups):
         if "tmqi" in groups:
             figures.update(zip(("tmqi", "s", "n"), tmqi.tmqi(scene.light, coded)))
         if "color" in groups:
-            figures.update(colors.fidelity(scene.light, coded_16))
-            eight = colors.fidelity(scene.light, coded)
+            figures.update(appearance.fidelity(scene.light, coded_16))
+            eight = appearance.fidelity(scene.light, coded)
             figures.update({"hue_8": eight["hue"], "hue_8_95": eight["hue_95"]})
-            figures.update(colors.clipping(coded))
+            figures.update(appearance.clipping(coded))
         if "light" in groups:
-            figures.update(colors.light(coded))
+            figures.update(appearance.light(coded))
         if "halo" in groups:
             figures["halo"] = halo.reversed_slopes(scene.light, coded_16)
         if "noise" in groups:

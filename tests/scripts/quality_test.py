@@ -10,7 +10,7 @@ import numpy as np
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "scripts"))
-from quality import color, colors, filters, halo, noise, pictures, report, series, tmqi  # noqa: E402
+from quality import appearance, color, filters, halo, noise, pictures, report, series, tmqi  # noqa: E402
 
 draw = np.random.default_rng(1)
 
@@ -43,7 +43,7 @@ class Colour(unittest.TestCase):
 
     def test_same_colours_at_any_exposure_have_no_error(self):
         light = colours()
-        found = colors.fidelity(light * 300, color.encode(light))
+        found = appearance.fidelity(light * 300, color.encode(light))
         self.assertLess(found["hue_95"], 1e-3)
         self.assertAlmostEqual(found["purity"], 1, 5)
         self.assertIsNone(found["clipped_hue"])
@@ -55,30 +55,31 @@ class Colour(unittest.TestCase):
         lab[..., 1], lab[..., 2] = chroma * np.cos(angle), chroma * np.sin(angle)
         turned = lab.copy()
         turned[..., 1], turned[..., 2] = 2 * chroma * np.cos(angle + 0.2), 2 * chroma * np.sin(angle + 0.2)
-        found = colors.fidelity(from_oklab(lab), color.encode(from_oklab(turned)))
+        found = appearance.fidelity(from_oklab(lab), color.encode(from_oklab(turned)))
         self.assertAlmostEqual(found["hue"], np.degrees(0.2), 3)
         self.assertAlmostEqual(found["purity"], 2, 3)
 
     def test_clipped_pixels_count_apart(self):
         light = np.tile([0.9, 0.3, 0.1], (10, 10, 1)).astype(float)
         exposed = np.where(np.arange(10)[:, None, None] < 3, 3, 0.5) * light
-        found = colors.fidelity(light, pictures.quantised(color.encode(exposed), 16))
+        found = appearance.fidelity(light, pictures.quantised(color.encode(exposed), 16))
         self.assertLess(found["hue"], 0.01)
         self.assertGreater(found["clipped_hue"], 5)
 
     def test_counts_only_colours_that_have_a_hue(self):
-        for light, coded, counts in (([0.5, 0.3, 0.3], [0.3, 0.5, 0.3], True), ([0.5, 0.48, 0.48], [0.3, 0.5, 0.3], False),
-                                     ([0.5, 0.3, 0.3], [0.5, 0.505, 0.5], False), ([0.5, -0.1, 0.3], [0.3, 0.5, 0.3], False),
-                                     ([0.5, 0.3, 0.3], [0.3, 0.5, 0.015], True), ([0.5, 0.3, 0.3], [0.3, 0.5, 0.005], False),
-                                     ([0.5, 0.3, 0.3], [0.3, 0.99, 0.1], True), ([0.5, 0.3, 0.3], [0.3, 0.998, 0.1], False)):
-            found = colors.fidelity(np.tile(light, (8, 8, 1)), np.tile(coded, (8, 8, 1)))
+        red, turned = [0.5, 0.3, 0.3], [0.3, 0.5, 0.3]
+        for light, coded, counts in ((red, turned, True), ([0.5, 0.48, 0.48], turned, False),
+                                     (red, [0.5, 0.505, 0.5], False), ([0.5, -0.1, 0.3], turned, False),
+                                     (red, [0.3, 0.5, 0.015], True), (red, [0.3, 0.5, 0.005], False),
+                                     (red, [0.3, 0.99, 0.1], True), (red, [0.3, 0.998, 0.1], False)):
+            found = appearance.fidelity(np.tile(light, (8, 8, 1)), np.tile(coded, (8, 8, 1)))
             self.assertEqual(found["hue"] is not None, counts, (light, coded))
 
     def test_shares_of_pixels_at_the_ends(self):
         coded = np.full((10, 10, 3), 0.5)
         coded[0], coded[1, :, 0], coded[2, :5] = 1, 1, 0
-        self.assertEqual(colors.clipping(coded), {"white_any": 20, "white_all": 10, "black_all": 5})
-        shares = colors.light(coded)
+        self.assertEqual(appearance.clipping(coded), {"white_any": 20, "white_all": 10, "black_all": 5})
+        shares = appearance.light(coded)
         self.assertEqual((shares["dark"], shares["light"]), (5, 10))
 
 
@@ -97,7 +98,7 @@ def plain_s(hdr, ldr):
                 a, b = (plane[row:row + 11, column:column + 11] for plane in (hdr, ldr))
                 a, b = a - (window * a).sum(), b - (window * b).sum()
                 s_a, s_b = math.sqrt((window * a * a).sum()), math.sqrt((window * b * b).sum())
-                p_a, p_b = (0.5 + 0.5 * math.erf((s - threshold) / (threshold / 3) / math.sqrt(2)) for s in (s_a, s_b))
+                p_a, p_b = (0.5 + 0.5 * math.erf((s - threshold) * 3 / threshold / math.sqrt(2)) for s in (s_a, s_b))
                 values.append((2 * p_a * p_b + 0.01) / (p_a ** 2 + p_b ** 2 + 0.01) *
                               ((window * a * b).sum() + 10) / (s_a * s_b + 10))
         product *= np.mean(values) ** weight

@@ -1,4 +1,4 @@
-"""What became of colours: hue, purity, clipping."""
+"""What became of colours and tones: hue, purity, clipping, lightness."""
 import numpy as np
 
 from . import color
