@@ -1,5 +1,6 @@
 """Tables of figures, for reading and for docs/quality.md."""
 import re
+import textwrap
 
 # Heading, name, decimals.
 COLUMNS = (("TMQI", "tmqi", 3), ("S", "s", 3), ("N", "n", 3), ("hue", "hue", 2), ("95%", "hue_95", 2),
@@ -59,7 +60,7 @@ def markdown(results):
         row = means(result)
         lines.append(f"| {name} | " + " | ".join(_cell(row, key, decimals) for _, key, decimals in DOCS) + " |")
     names = list(next(iter(results.values()))["pictures"])
-    return "\n".join([*lines, "", f"{len(names)} pictures: {', '.join(names)}."])
+    return "\n".join([*lines, "", *textwrap.wrap(f"{len(names)} pictures: {', '.join(names)}.", 118)])
 
 
 def write_docs(page, results):
