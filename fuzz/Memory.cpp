@@ -14,7 +14,8 @@ extern "C" const char* __asan_default_options() {  // NOLINT
 }
 
 // The texts of a thrown exception stay allocated on purpose (see cException). OpenEXR loses what it has when
-// it fails to get more. libheif (1.15) keeps the 40 bytes in which it handed an empty AV1 picture to libdav1d.
+// it fails to get more. libheif (1.15) keeps the 40 bytes in which it handed an empty AV1 picture to
+// libdav1d.
 extern "C" const char* __lsan_default_suppressions() {  // NOLINT
   return "leak:CopyText\nleak:libOpenEXR\nleak:libdav1d\n";
 }
