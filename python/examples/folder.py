@@ -2,6 +2,7 @@
 """Tone-maps a folder with a process per core: folder.py PHOTOS RESULTS"""
 
 import concurrent.futures
+import multiprocessing
 import pathlib
 import sys
 
@@ -23,7 +24,8 @@ def main(photos: str, results: str) -> None:
     folder = pathlib.Path(results)
     folder.mkdir(parents=True, exist_ok=True)
     sources = sorted(file for file in pathlib.Path(photos).iterdir() if file.suffix.lower() in KINDS)
-    with concurrent.futures.ProcessPoolExecutor() as pool:
+    context = multiprocessing.get_context("spawn")
+    with concurrent.futures.ProcessPoolExecutor(mp_context=context) as pool:
         jobs = [pool.submit(tonemap, source, folder / (source.stem + ".jpg")) for source in sources]
         for job in concurrent.futures.as_completed(jobs):
             print(job.result())

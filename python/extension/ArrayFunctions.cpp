@@ -47,7 +47,7 @@ class cRenderer {
     const sPixelArray to = ViewPixels(out, "out");
     RunWatched(pProgress, [&](Photo::cWatch& pWatch) {
       const std::lock_guard lock(fMutex);
-      fRenderer.Render(settings, to, pWatch);
+      Photo::NameFile("image", [&] { fRenderer.Render(settings, to, pWatch); });
     });
     return out;
   }

@@ -46,7 +46,7 @@ sPicture LoadIntegers(const sPixelArray& pPixels, TmEngine::eColorSpaceID pSpace
 cArrayRenderer::cArrayRenderer(const sPixelArray& pPixels, const std::string& pSource,
                                TmEngine::eColorSpaceID pSpace)
     : fPixels(pPixels), fSourceName(pSource), fSpace(pSpace) {
-  Photo::CheckRowLength(pPixels.fWidth);
+  Photo::NameFile("image", [&] { Photo::CheckRowLength(pPixels.fWidth); });
 }
 
 void cArrayRenderer::Render(const Photo::sSettings& pSettings, const sPixelArray& pTo, cWatch& pWatch) {

@@ -101,7 +101,7 @@ void RunWatched(const py::object& pProgress, const std::function<void(Photo::cWa
   if (outcome.fRaised != nullptr) std::rethrow_exception(outcome.fRaised);
   if (outcome.fFailure != nullptr) std::rethrow_exception(outcome.fFailure);
   if (PyErr_CheckSignals() != 0) throw py::error_already_set();
-  CallProgress(pProgress, 1.0);
+  if (!pProgress.is_none()) pProgress(1.0);  // there is nothing left to stop
 }
 
 }  // namespace Python

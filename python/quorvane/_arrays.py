@@ -94,7 +94,8 @@ def tonemap(
         Where the result goes: of `image`'s shape, uint8 for depth 8, uint16 for 16, with any strides. It may
         be `image`. After an error it may hold a part of the result.
     progress : callable, optional
-        Called with the share of the work that is done, from 0.0 to 1.0. Returning False stops the work.
+        Called with the share of the work that is done, first 0.0, last 1.0. Returning False before that stops
+        the work.
 
     Returns
     -------
@@ -105,6 +106,8 @@ def tonemap(
     ------
     ValueError
         For an argument out of its range, or an array of another shape or type.
+    Error
+        For a picture that is too wide.
     MemoryError
         About 22 bytes per pixel are needed.
     Cancelled

@@ -8,7 +8,7 @@ import numpy as np
 import PIL.Image
 import pytest
 import quorvane
-from conftest import write_pfm
+from conftest import make_light, write_pfm
 
 
 @pytest.mark.parametrize("name, options, settings", [
@@ -156,8 +156,20 @@ def test_a_result_that_exists_can_be_skipped_or_replaced(tmp_path, pfm):
     assert attempt(tmp_path, skip_existing=True)["status"] == "skipped"
     assert (tmp_path / "x.png").read_bytes() == b"old"
     assert attempt(tmp_path, overwrite=True)["status"] == "done"
-    with pytest.raises(quorvane.Cancelled):
-        attempt(tmp_path, target="y.png", progress=lambda share: share < 1)
-    with pytest.raises(ZeroDivisionError):
-        attempt(tmp_path, target="z.png", progress=lambda share: 1 / 0)
-    assert not (tmp_path / "z.png").exists()
+
+
+def test_a_result_that_is_stopped_does_not_appear(tmp_path):
+    write_pfm(tmp_path / "scene.pfm", make_light(900, 1200))
+    for stop in 0.0, 0.2, 0.5:
+        with pytest.raises(quorvane.Cancelled):
+            attempt(tmp_path, progress=lambda share: share < stop)
+    for spoilt in np.inf, 1e30:  # not streamed
+        light = make_light(900, 1200)
+        light[700, 3] = spoilt
+        write_pfm(tmp_path / "scene.pfm", light)
+        with pytest.raises(ZeroDivisionError):
+            attempt(tmp_path, progress=lambda share: share < 0.5 or 1 / 0)
+    assert [file.name for file in tmp_path.iterdir()] == ["scene.pfm"]
+    shares = []
+    attempt(tmp_path, progress=shares.append)
+    assert shares[0] == 0 and shares[-1] == 1 and shares == sorted(shares)

@@ -57,9 +57,10 @@ def test_progress_rises_from_0_to_1_and_errors_in_it_propagate(large):
     quorvane.tonemap(large, progress=shares.append)
     assert shares[0] == 0.0 and shares[-1] == 1.0 and len(shares) > 4
     assert shares == sorted(set(shares))
-    for stop in 0.0, 0.01, 1.0:
+    for stop in 0.0, 0.01, 0.3:
         with pytest.raises(quorvane.Cancelled):
             quorvane.tonemap(large, progress=lambda share: share < stop)
+    quorvane.tonemap(large[:9], progress=lambda share: share < 1)  # nothing is left to stop
 
     def fail(share):
         raise LookupError(share)
@@ -140,6 +141,32 @@ print((kilobytes("VmHWM") - before) * 1024 / (height * width))
 def test_the_picture_is_not_copied(kind):
     """The engine takes 22 bytes a pixel, a copy of the floats would take 12 more."""
     assert float(run_alone(GROWTH, kind)) < 25
+
+
+SCARCE = """
+import resource, sys
+import numpy as np, quorvane
+from conftest import make_light
+image = make_light(3000, 4000)
+out = np.empty(image.shape, np.uint8)
+with open("/proc/self/statm") as file:
+    used = resource.getpagesize() * int(file.read().split()[0])
+resource.setrlimit(resource.RLIMIT_AS, (used + (100 << 20), -1))
+renderer = quorvane.Renderer(image)
+for _ in range(2):
+    try:
+        renderer.render(out=out)
+    except MemoryError as error:
+        print(error)
+quorvane.tonemap(image[:99, :99])
+resource.setrlimit(resource.RLIMIT_AS, (-1, -1))
+renderer.render(out=out)
+"""
+
+
+def test_a_lack_of_memory_is_reported_and_survived():
+    lines = run_alone(SCARCE).splitlines()
+    assert len(lines) == 2 and all(line.startswith("image: not enough memory to tone-map it") for line in lines)
 
 
 LEAKS = """
