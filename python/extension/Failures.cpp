@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "engine/base/cException.h"
 #include "photo/base/Failure.h"
@@ -100,7 +101,7 @@ void RaiseFailure(const Photo::cFailure& pFailure) {
 
 void Translate(std::exception_ptr pException) {
   try {
-    std::rethrow_exception(pException);
+    std::rethrow_exception(std::move(pException));
   } catch (const Photo::cFailure& failure) {
     RaiseFailure(failure);
   } catch (const TmEngine::cOutOfMemoryException& exception) {
