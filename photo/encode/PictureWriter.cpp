@@ -79,6 +79,22 @@ void Save(const VImage& pImage, eOutputFormat pFormat, int pQuality, int pCompre
   }
 }
 
+/// While it lives, cancelling ends the reading of an image by whatever writes it.
+class cKillOnCancel {
+ public:
+  cKillOnCancel(const VImage& pImage, cWatch* pWatch) : fWatch(pWatch) {
+    if (fWatch != nullptr) fWatch->SetOnCancel([pImage] { vips_image_set_kill(pImage.get_image(), TRUE); });
+  }
+  cKillOnCancel(const cKillOnCancel&) = delete;
+  cKillOnCancel& operator=(const cKillOnCancel&) = delete;
+  ~cKillOnCancel() {
+    if (fWatch != nullptr) fWatch->SetOnCancel({});
+  }
+
+ private:
+  cWatch* fWatch;
+};
+
 /// What EXIF calls the colours of the profile; 0 for profiles that were in the input.
 int GetExifColorSpace(const std::string& pProfile) {
   constexpr int kUncalibrated = 65535;
@@ -123,7 +139,7 @@ void MakeStraight(sFinishedPicture& pPicture, eOutputFormat pFormat, std::vector
 }
 
 std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& pPicture,
-                                   eOutputFormat pFormat, const sFileOptions& pOptions) {
+                                   eOutputFormat pFormat, const sFileOptions& pOptions, cWatch* pWatch) {
   std::vector<std::string> warnings;
   const sFormatTraits& traits = GetTraits(pFormat);
   if (!traits.fHasAlpha && HasOpenPixels(pPicture.fAlpha)) {
@@ -142,6 +158,7 @@ std::vector<std::string> WriteInto(const std::string& pPath, sFinishedPicture& p
   const std::string profile =
       pFormat == eOutputFormat::kPng ? ToPngProfile(pPicture.fProfile) : pPicture.fProfile;
   vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+  const cKillOnCancel kill(image, pWatch);
   Save(image, pFormat, ChooseQuality(pPicture.fProfile, pFormat, pOptions.fQuality, warnings),
        pOptions.fCompression >= 0 ? pOptions.fCompression : traits.fCompression, pPicture.fIsPremultiplied,
        pPath);
@@ -160,11 +177,11 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput) {
 }
 
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
-                                      const sFileOptions& pOptions, cTempFile& pFile, const cWatch* pWatch) {
+                                      const sFileOptions& pOptions, cTempFile& pFile, cWatch* pWatch) {
   CheckFits(pFormat, pPicture.fPixels.GetWidth(), pPicture.fPixels.GetHeight());
   std::vector<std::string> warnings;
   try {
-    warnings = WriteInto(pFile.GetPath(), pPicture, pFormat, pOptions);
+    warnings = WriteInto(pFile.GetPath(), pPicture, pFormat, pOptions, pWatch);
   } catch (const vips::VError&) {
     pFile.Refuse(TakeVipsError());
   } catch (const std::bad_alloc&) {

@@ -33,6 +33,6 @@ void CheckIsAnother(const std::string& pInput, const std::string& pOutput);
 /// Throws cFailure.
 std::vector<std::string> WritePicture(sFinishedPicture& pPicture, eOutputFormat pFormat,
                                       const sFileOptions& pOptions, cTempFile& pFile,
-                                      const cWatch* pWatch = nullptr);
+                                      cWatch* pWatch = nullptr);
 
 }  // namespace Photo

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <mutex>
+#include <utility>
 
 #include "engine/base/StageFlags.h"
 #include "engine/image/PixelRows.h"
@@ -11,11 +14,13 @@ namespace Photo {
 /// Shows another thread how far the work on one picture is, and lets it end the work.
 class cWatch {
  public:
-  /// For the other thread: the work ends within a row's work, with a cFailure. What is being encoded into a
-  /// file is encoded to its end, but does not take the target's place.
+  /// For the other thread: the work ends within a row's work, with a cFailure. What a library encodes as a
+  /// whole is encoded to its end, but does not take the target's place.
   void Cancel() {
     fIsCancelled = true;
     Stop();
+    const std::lock_guard lock(fMutex);
+    if (fOnCancel) fOnCancel();
   }
   bool IsCancelled() const { return fIsCancelled; }
   /// The share of the work that is done, 0 to 1.
@@ -34,8 +39,16 @@ class cWatch {
     __atomic_store_n(&fStop, false, __ATOMIC_SEQ_CST);
     if (fIsCancelled) Stop();  // asked for in the meantime
   }
+  /// For work that looks at no flag: what stops it, by the other thread. Empty for nothing more.
+  void SetOnCancel(std::function<void()> pStop) {
+    const std::lock_guard lock(fMutex);
+    fOnCancel = std::move(pStop);
+    if (fIsCancelled && fOnCancel) fOnCancel();
+  }
 
  private:
+  std::mutex fMutex;
+  std::function<void()> fOnCancel;
   std::atomic<bool> fIsCancelled = false;
   std::atomic<double> fShare = 0.0;
   bool fStop = false;  ///< By atomic functions only: the engine's flags are plain ones.

@@ -207,8 +207,7 @@ def tonemap_file(
     overwrite, skip_existing : bool
         Whether a target that exists is replaced, or left as it is.
     progress : callable, optional
-        As in `tonemap`. A file that is being encoded is encoded to its end before a request to stop is
-        followed; the target stays as it was.
+        As in `tonemap`. Encoders of AVIF, JPEG XL and WebP are waited for. The target stays as it was.
 
     Returns
     -------

@@ -3,6 +3,7 @@
 import errno
 import json
 import os
+import time
 
 import numpy as np
 import PIL.Image
@@ -156,6 +157,28 @@ def test_a_result_that_exists_can_be_skipped_or_replaced(tmp_path, pfm):
     assert attempt(tmp_path, skip_existing=True)["status"] == "skipped"
     assert (tmp_path / "x.png").read_bytes() == b"old"
     assert attempt(tmp_path, overwrite=True)["status"] == "done"
+
+
+@pytest.mark.parametrize("name", ["x.png", "x.tif"])
+def test_a_file_that_is_being_written_is_given_up(tmp_path, name):
+    light = np.random.default_rng(1).uniform(0.1, 1, (1200, 1600, 3)).astype(np.float32)
+    image = quorvane.tonemap(light, depth=16)
+    start = time.perf_counter()
+    quorvane.write(tmp_path / name, image, compression=9)
+    whole = time.perf_counter() - start
+    write_pfm(tmp_path / "scene.pfm", light)
+    stopped = []
+
+    def stop(share):
+        if share >= 0.99 and not stopped:
+            stopped.append(time.perf_counter())
+        return not stopped
+
+    with pytest.raises(quorvane.Cancelled):
+        attempt(tmp_path, target=name, depth=16, compression=9, overwrite=True, progress=stop)
+    assert time.perf_counter() - stopped[0] < 0.1 + whole / 4
+    np.testing.assert_array_equal(quorvane.read(tmp_path / name).pixels.shape, light.shape)
+    assert len(list(tmp_path.iterdir())) == 2
 
 
 def test_a_result_that_is_stopped_does_not_appear(tmp_path):
