@@ -73,10 +73,10 @@ void EqualizePicture(const sEqualizeJob& pJob, std::vector<std::string>& pWarnin
     // before the work, so that a place that cannot be written to is reported early
     cTempFile file = OpenTarget(pJob.fOutput, pJob.fMayReplace, pJob.fOutputStream);
     sFinishedPicture finished{
-        NameFile(pJob.fInput, [&] { return EqualizePixels(picture, depth, pJob.fCurves); }),
+        NameFile(pJob.fInput, [&] { return EqualizePixels(picture, depth, pJob.fCurves, pJob.fWatch); }),
         std::move(picture.fAlpha), picture.fProfile, picture.fMetadata, ""};
     picture.fBitmap.reset();
-    Append(pWarnings, WritePicture(finished, pJob.fFormat, pJob.fFile, file));
+    Append(pWarnings, WritePicture(finished, pJob.fFormat, pJob.fFile, file, pJob.fWatch));
   });
 }
 

@@ -25,7 +25,8 @@ struct sEqualizeJob {
   int fDepth = 0;  ///< 0 for the input's, or the most that the format holds.
   sFileOptions fFile;
   bool fMayReplace = false;
-  tMemoryGate fMemoryGate;  ///< Asked before the pixels are read.
+  tMemoryGate fMemoryGate;   ///< Asked before the pixels are read.
+  cWatch* fWatch = nullptr;  ///< Null for none.
 };
 
 /// Changes the pixels by curves over hue; renders into pPicture's own where the depth stays. pWatch: null

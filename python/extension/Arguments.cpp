@@ -1,6 +1,7 @@
 #include "python/extension/Arguments.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace Python {
 namespace {
@@ -37,6 +38,15 @@ py::dtype TypeOf(int pDepth) {
   if (pDepth == 8) return py::dtype::of<std::uint8_t>();
   if (pDepth == 16) return py::dtype::of<std::uint16_t>();
   throw py::value_error("depth is " + std::to_string(pDepth) + "; it must be 8 or 16");
+}
+
+Photo::tHuePoints ReadPoints(const py::dict& pCurves, const char* pName) {
+  const auto text = pCurves[pName].cast<std::string>();
+  try {
+    return text.empty() ? Photo::tHuePoints() : Photo::ParseHuePoints(text);
+  } catch (const std::invalid_argument& error) {
+    throw py::value_error(std::string(pName) + ": " + error.what());
+  }
 }
 
 }  // namespace
@@ -80,6 +90,20 @@ py::dict ToDict(const Photo::sSettingsChange& pChange) {
   if (pChange.fWrap) settings["wrap"] = Photo::GetWrapName(*pChange.fWrap);
   if (pChange.fRendering) settings["rendering"] = Photo::GetRenderingName(*pChange.fRendering);
   return settings;
+}
+
+Photo::sHueCurveOptions ToCurves(const py::dict& pCurves) {
+  Photo::sHueCurveOptions curves{ReadPoints(pCurves, "hue_shift"), ReadPoints(pCurves, "saturation"),
+                                 ReadPoints(pCurves, "lightness")};
+  const auto mode = pCurves["mode"].cast<std::string>();
+  if (mode == "linear") {
+    curves.fMode = TmEngine::eSplineInterpolationMode_Linear;
+  } else if (mode == "flat") {
+    curves.fMode = TmEngine::eSplineInterpolationMode_Flat;
+  } else if (mode != "smooth") {
+    throw py::value_error("mode is '" + mode + "'; it must be smooth, linear or flat");
+  }
+  return curves;
 }
 
 py::array ChooseOutput(const py::object& pOut, const sPixelArray& pLike, int pDepth) {

@@ -20,6 +20,10 @@ pybind11::dict ToDict(const Photo::sSettingsChange& pChange);
 /// What a keyword calls a slider: "tone_compression".
 std::string GetKeyword(const Photo::sSlider& pSlider);
 
+/// Curves over hue from texts, as the tool takes them: hue_shift, saturation, lightness ("" for none), and
+/// mode. Throws ValueError.
+Photo::sHueCurveOptions ToCurves(const pybind11::dict& pCurves);
+
 /// The array that a result goes to: pOut, checked, or a new one (for None). pLike: the picture. pDepth: 8 or
 /// 16. Throws ValueError.
 pybind11::array ChooseOutput(const pybind11::object& pOut, const sPixelArray& pLike, int pDepth);

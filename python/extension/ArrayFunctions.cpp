@@ -99,27 +99,6 @@ py::dict AutoSettings(const py::array& pImage, const std::string& pSource, const
   return ToDict(change);
 }
 
-Photo::sHueCurveOptions ToCurves(const std::string& pHueShift, const std::string& pSaturation,
-                                 const std::string& pLightness, const std::string& pMode) {
-  const auto parse = [](const char* pName, const std::string& pText) {
-    try {
-      return pText.empty() ? Photo::tHuePoints() : Photo::ParseHuePoints(pText);
-    } catch (const std::invalid_argument& error) {
-      throw py::value_error(std::string(pName) + ": " + error.what());
-    }
-  };
-  Photo::sHueCurveOptions curves{parse("hue_shift", pHueShift), parse("saturation", pSaturation),
-                                 parse("lightness", pLightness)};
-  if (pMode == "linear") {
-    curves.fMode = TmEngine::eSplineInterpolationMode_Linear;
-  } else if (pMode == "flat") {
-    curves.fMode = TmEngine::eSplineInterpolationMode_Flat;
-  } else if (pMode != "smooth") {
-    throw py::value_error("mode is '" + pMode + "'; it must be smooth, linear or flat");
-  }
-  return curves;
-}
-
 /// Blue, green, red, as the engine's images have them.
 Photo::sLdrPicture ToPicture(const sPixelArray& pPixels, TmEngine::eColorSpaceID pSpace) {
   Photo::sLdrPicture picture;
@@ -131,12 +110,11 @@ Photo::sLdrPicture ToPicture(const sPixelArray& pPixels, TmEngine::eColorSpaceID
   return picture;
 }
 
-py::array Equalize(const py::array& pImage, const std::string& pHueShift, const std::string& pSaturation,
-                   const std::string& pLightness, const std::string& pMode, const std::string& pColorSpace,
+py::array Equalize(const py::array& pImage, const py::dict& pCurves, const std::string& pColorSpace,
                    const py::object& pOut) {
   const sPixelArray pixels = ViewPixels(pImage, "image");
   CheckIntegers(pixels, "image");
-  const Photo::sHueCurveOptions curves = ToCurves(pHueShift, pSaturation, pLightness, pMode);
+  const Photo::sHueCurveOptions curves = ToCurves(pCurves);
   const TmEngine::eColorSpaceID space = GetColorSpace(pColorSpace);
   const int depth = 8 * pixels.SampleBytes();
   py::array out = ChooseOutput(pOut, pixels, depth);

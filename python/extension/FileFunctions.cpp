@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "photo/EqualizePicture.h"
 #include "photo/Inspection.h"
 #include "photo/Json.h"
 #include "photo/PictureRecord.h"
@@ -161,6 +162,37 @@ std::string TonemapFile(const std::string& pSource, const std::string& pTarget, 
   return record;
 }
 
+void Append(std::vector<std::string>& pTo, const std::vector<std::string>& pTexts) {
+  for (const std::string& text : pTexts) pTo.push_back(Photo::ToPrintable(Photo::NameParameters(text)));
+}
+
+/// Returns what had to be put right or left out.
+std::vector<std::string> EqualizeFile(const std::string& pSource, const std::string& pTarget,
+                                      const py::dict& pCurves, const py::dict& pOptions) {
+  const cOptions options(pOptions);
+  Photo::sEqualizeJob job;
+  job.fInput = pSource;
+  job.fOutput = pTarget;
+  job.fSource = ToChoice(options);
+  job.fCurves = ToCurves(pCurves);
+  job.fDepth = options.Get("depth", 0);
+  job.fFile = ToFileOptions(options);
+  job.fMayReplace = options.Get("overwrite", false);
+  std::vector<std::string> warnings;
+  RunWithVips(py::none(), [&](Photo::cWatch& pWatch) {
+    Photo::NameFile(pTarget, [&] {
+      job.fFormat = Photo::ChooseOutputFormat(pTarget, job.fDepth != 0 ? job.fDepth : 8, job.fFile);
+      Photo::CheckIsAnother(pSource, pTarget);
+      Photo::CheckReplacing(pTarget, job.fMayReplace);
+    });
+    job.fWatch = &pWatch;
+    std::vector<std::string> texts;
+    Photo::EqualizePicture(job, texts);
+    Append(warnings, texts);
+  });
+  return warnings;
+}
+
 std::string Inspect(const std::string& pFile, const py::dict& pOptions) {
   const Photo::sPictureChoice choice = ToChoice(cOptions(pOptions));
   std::string record;
@@ -172,10 +204,6 @@ std::string Inspect(const std::string& pFile, const py::dict& pOptions) {
     });
   });
   return record;
-}
-
-void Append(std::vector<std::string>& pTo, const std::vector<std::string>& pTexts) {
-  for (const std::string& text : pTexts) pTo.push_back(Photo::ToPrintable(Photo::NameParameters(text)));
 }
 
 /// A row of the picture as the samples that are asked for.
@@ -350,6 +378,7 @@ void AddFileFunctions(py::module_& pModule) {
       .def_property_readonly("exif", &GetExif)
       .def_property_readonly("summary", &GetSummary);
   pModule.def("tonemap_file", &TonemapFile);
+  pModule.def("equalize_file", &EqualizeFile);
   pModule.def("inspect", &Inspect);
   pModule.def("read", &Read);
   pModule.def("write", &Write);

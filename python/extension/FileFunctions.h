@@ -4,7 +4,7 @@
 
 namespace Python {
 
-/// What works on files: tonemap_file, inspect, read, write, compare_files, presets.
+/// What works on files: tonemap_file, equalize_file, inspect, read, write, compare_files, presets.
 void AddFileFunctions(pybind11::module_& pModule);
 
 }  // namespace Python

@@ -237,6 +237,16 @@ def _points_text(points: Points | None) -> str:
     return ",".join(f"{float(hue)!r}:{float(value)!r}" for hue, value in points)
 
 
+def curve_texts(
+    hue_shift: Points | None, saturation: Points | None, lightness: Points | None, mode: str
+) -> dict[str, str]:
+    """Curves as the extension takes them."""
+    return {
+        "hue_shift": _points_text(hue_shift), "saturation": _points_text(saturation),
+        "lightness": _points_text(lightness), "mode": mode,
+    }  # fmt: skip
+
+
 def equalize(
     image: npt.ArrayLike,
     *,
@@ -282,6 +292,5 @@ def equalize(
     >>> quorvane.equalize(red, saturation=[(0, 0.0)])[0, 0].ptp()
     0
     """
-    array = np.asarray(image)
-    curves = _points_text(hue_shift), _points_text(saturation), _points_text(lightness)
-    return _quorvane.equalize(array, *curves, mode, color_space, out)
+    curves = curve_texts(hue_shift, saturation, lightness, mode)
+    return _quorvane.equalize(np.asarray(image), curves, color_space, out)

@@ -6,13 +6,13 @@ import dataclasses
 import json
 import os
 from collections.abc import Sequence
-from typing import Any, Union
+from typing import Any, Literal, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _quorvane
-from ._arrays import Pixels, Progress, Rendering, Wrap
+from ._arrays import Pixels, Points, Progress, Rendering, Wrap, curve_texts
 from ._presets import load_preset
 
 PathLike = Union[str, "os.PathLike[str]"]
@@ -246,6 +246,52 @@ def tonemap_file(
     if "settings" in record:
         record["settings"] = _keywords(record["settings"])
     return record
+
+
+def equalize_file(
+    source: PathLike,
+    target: PathLike,
+    *,
+    hue_shift: Points | None = None,
+    saturation: Points | None = None,
+    lightness: Points | None = None,
+    mode: Literal["smooth", "linear", "flat"] = "smooth",
+    depth: int | None = None,
+    keep: Sequence[str] = _ALL_KINDS,
+    quality: int | None = None,
+    compression: int | None = None,
+    page: int | None = None,
+    overwrite: bool = False,
+) -> list[str]:
+    """Change a finished picture by curves over hue, from file to file: the bytes of ``quorvane equalize``.
+
+    Parameters
+    ----------
+    source, target : path
+        The picture, of integer samples, and the result, which keeps its profile, alpha and metadata.
+    hue_shift, saturation, lightness, mode
+        As in `equalize`.
+    depth : {8, 12, 16}, optional
+        Bits per sample of the result; the picture's, or the most that the format holds.
+    keep, quality, compression, page, overwrite
+        As in `tonemap_file`.
+
+    Returns
+    -------
+    list of str
+        What had to be put right or left out.
+
+    Raises
+    ------
+    OSError, Error, ValueError, MemoryError
+        As `tonemap_file` does.
+    """
+    options = {
+        "depth": depth, "keep": list(keep), "quality": quality, "compression": compression, "page": page,
+        "overwrite": overwrite,
+    }  # fmt: skip
+    curves = curve_texts(hue_shift, saturation, lightness, mode)
+    return _quorvane.equalize_file(os.fsencode(source), os.fsencode(target), curves, options)
 
 
 def inspect(

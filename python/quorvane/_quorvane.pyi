@@ -38,13 +38,7 @@ def tonemap(
 ) -> npt.NDArray[Any]: ...
 def auto_settings(image: npt.NDArray[Any], source: str, color_space: str) -> dict[str, Any]: ...
 def equalize(
-    image: npt.NDArray[Any],
-    hue_shift: str,
-    saturation: str,
-    lightness: str,
-    mode: str,
-    color_space: str,
-    out: npt.NDArray[Any] | None,
+    image: npt.NDArray[Any], curves: dict[str, str], color_space: str, out: npt.NDArray[Any] | None
 ) -> npt.NDArray[Any]: ...
 def compare_arrays(a: npt.NDArray[Any], b: npt.NDArray[Any]) -> dict[str, Any]: ...
 def tonemap_file(
@@ -54,6 +48,9 @@ def tonemap_file(
     options: dict[str, Any],
     progress: Callable[[float], Any] | None,
 ) -> str: ...
+def equalize_file(
+    source: bytes, target: bytes, curves: dict[str, str], options: dict[str, Any]
+) -> list[str]: ...
 def inspect(path: bytes, options: dict[str, Any]) -> str: ...
 def read(
     path: bytes, source: str, options: dict[str, Any], progress: Callable[[float], Any] | None

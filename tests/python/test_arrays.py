@@ -149,6 +149,9 @@ def test_curves_change_the_bytes_that_the_tool_changes(run_tool, tmp_path, codes
                                    lightness="200:0.4,10:0.6", mode=mode)
         quorvane.write(tmp_path / "array.png", result, overwrite=True)
         assert quorvane.compare(tmp_path / "out.png", tmp_path / "array.png")["all"]["largest"] == 0
+        quorvane.equalize_file(tmp_path / "in.png", tmp_path / "file.png", hue_shift="40:0.5,90:0.7", mode=mode,
+                               saturation="10:0.8", lightness="200:0.4,10:0.6", overwrite=True)
+        assert (tmp_path / "out.png").read_bytes() == (tmp_path / "file.png").read_bytes()
         assert (result != codes).any()
 
 

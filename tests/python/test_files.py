@@ -137,6 +137,8 @@ def attempt(tmp_path, source="scene.pfm", target="x.png", **options):
     (lambda at: attempt(at, page=2), quorvane.Error, "has no pages; leave page out"),
     (lambda at: attempt(at, preset="nobody"), ValueError, "quorvane.presets shows those"),
     (lambda at: quorvane.read(at / "scene.pfm", layer="a"), quorvane.Error, "part and layer choose"),
+    (lambda at: quorvane.equalize_file(at / "scene.pfm", at / "x.png"), quorvane.Error, "tone-map it first"),
+    (lambda at: quorvane.equalize_file(at / "old.png", at / "old.png", overwrite=True), ValueError, "the input itself"),
     (lambda at: quorvane.write(at / "old.png", np.zeros((1, 1, 3), np.uint8)), FileExistsError, "exists already"),
     (lambda at: quorvane.write(at / "x.png", np.zeros((1, 1, 3))), ValueError, "samples of float64"),
     (lambda at: quorvane.write(at / "x.jpg", np.zeros((1, 1, 3), np.uint16)), ValueError, "JPEG holds 8 bits"),
