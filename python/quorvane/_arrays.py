@@ -220,6 +220,13 @@ def auto_settings(
     dict
         All sliders, for ``tonemap(image, **settings)``.
 
+    Raises
+    ------
+    ValueError
+        As `tonemap` does.
+    MemoryError
+        12 bytes per pixel are needed.
+
     Examples
     --------
     >>> import numpy as np

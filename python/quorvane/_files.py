@@ -224,7 +224,7 @@ def tonemap_file(
     ValueError
         For an argument out of its range, or one that does not fit the format.
     MemoryError
-        About 44 bytes per pixel are needed.
+        Up to 44 bytes per pixel are needed; for .avif up to 80, for .jxl 110.
     Cancelled
         When `progress` returned False.
     """
