@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "photo/Printable.h"
+#include "photo/base/ParameterNames.h"
+
 namespace Python {
 namespace {
 
@@ -90,6 +93,22 @@ py::dict ToDict(const Photo::sSettingsChange& pChange) {
   if (pChange.fWrap) settings["wrap"] = Photo::GetWrapName(*pChange.fWrap);
   if (pChange.fRendering) settings["rendering"] = Photo::GetRenderingName(*pChange.fRendering);
   return settings;
+}
+
+py::dict ToDict(const Photo::sRepairs& pRepairs) {
+  py::dict repairs;
+  repairs["nan"] = pRepairs.fNaN;
+  repairs["infinite"] = pRepairs.fInfinite;
+  repairs["outliers"] = pRepairs.fOutliers;
+  repairs["negative"] = pRepairs.fNegative;
+  return repairs;
+}
+
+std::vector<std::string> ToTexts(const std::vector<std::string>& pWarnings) {
+  std::vector<std::string> texts;
+  for (const std::string& warning : pWarnings)
+    texts.push_back(Photo::ToPrintable(Photo::NameParameters(warning)));
+  return texts;
 }
 
 Photo::sHueCurveOptions ToCurves(const py::dict& pCurves) {

@@ -3,8 +3,9 @@
 #include <pybind11/numpy.h>
 
 #include <string>
+#include <vector>
 
-#include "photo/picture/PictureChoice.h"
+#include "photo/picture/Repairs.h"
 #include "photo/render/CurvePoints.h"
 #include "photo/render/Settings.h"
 #include "python/extension/PixelArray.h"
@@ -16,6 +17,12 @@ namespace Python {
 Photo::sSettingsChange ToChange(const pybind11::dict& pSettings);
 /// The reverse.
 pybind11::dict ToDict(const Photo::sSettingsChange& pChange);
+
+/// How many pixels were repaired, by kind.
+pybind11::dict ToDict(const Photo::sRepairs& pRepairs);
+
+/// Warnings as people read them: parameters under their names, without what a terminal would obey.
+std::vector<std::string> ToTexts(const std::vector<std::string>& pWarnings);
 
 /// What a keyword calls a slider: "tone_compression".
 std::string GetKeyword(const Photo::sSlider& pSlider);

@@ -62,15 +62,7 @@ class cRenderer {
     return dict;
   }
 
-  py::dict GetRepairs() const {
-    const Photo::sRepairs repairs = fRenderer.GetRepairs();
-    py::dict dict;
-    dict["nan"] = repairs.fNaN;
-    dict["infinite"] = repairs.fInfinite;
-    dict["outliers"] = repairs.fOutliers;
-    dict["negative"] = repairs.fNegative;
-    return dict;
-  }
+  py::dict GetRepairs() const { return ToDict(fRenderer.GetRepairs()); }
 
  private:
   py::array fImage;

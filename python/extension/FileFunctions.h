@@ -4,7 +4,7 @@
 
 namespace Python {
 
-/// What works on files: tonemap_file, equalize_file, inspect, read, write, compare_files, presets.
+/// What works from file to file, or measures files: tonemap_file, equalize_file, inspect, compare_files.
 void AddFileFunctions(pybind11::module_& pModule);
 
 }  // namespace Python
