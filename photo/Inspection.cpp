@@ -60,11 +60,11 @@ nlohmann::ordered_json SlidersToJson(const sSettings& pSettings) {
 
 }  // namespace
 
-sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice,
-                           const tMemoryGate& pGate) {
+sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice, const tMemoryGate& pGate,
+                           cWatch* pWatch) {
   sInspection inspection;
   inspection.fFile = pFile;
-  inspection.fPicture = ReadPicture(pFile, pChoice, pGate);
+  inspection.fPicture = LoadPicture(OpenPicture(pFile, pChoice, pGate), pWatch);
   if (const cMetadata* const metadata = inspection.fPicture.fMetadata.get()) {
     const std::vector<std::string>& warnings = metadata->GetWarnings();
     inspection.fPicture.fWarnings.insert(inspection.fPicture.fWarnings.end(), warnings.begin(),

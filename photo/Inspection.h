@@ -21,9 +21,9 @@ struct sInspection {
   bool fWraps = false;  ///< Whether tonemap takes the left and right edges to meet, by metadata or edges.
 };
 
-/// Reads the whole picture. libvips must be running. Throws cFailure.
+/// Reads the whole picture. libvips must be running. pWatch: null for none. Throws cFailure.
 sInspection InspectPicture(const std::string& pFile, const sPictureChoice& pChoice,
-                           const tMemoryGate& pGate = {});
+                           const tMemoryGate& pGate = {}, cWatch* pWatch = nullptr);
 
 /// For programs: numbers without words; the logarithms are decimal.
 nlohmann::ordered_json ToJson(const sInspection& pInspection);

@@ -77,9 +77,11 @@ std::vector<std::string> EqualizeFile(const std::string& pSource, const std::str
 std::string Inspect(const std::string& pFile, const py::dict& pOptions) {
   const Photo::sPictureChoice choice = ToChoice(cOptions(pOptions));
   std::string record;
-  RunWithVips(py::none(), [&](Photo::cWatch&) {
+  RunWithVips(py::none(), [&](Photo::cWatch& pWatch) {
     Photo::NameFile(pFile, [&] {
-      nlohmann::ordered_json json = Photo::ToJson(Photo::InspectPicture(pFile, choice));
+      Photo::sInspection inspection = Photo::InspectPicture(pFile, choice, {}, &pWatch);
+      for (std::string& warning : inspection.fPicture.fWarnings) warning = Photo::NameParameters(warning);
+      nlohmann::ordered_json json = Photo::ToJson(inspection);
       Photo::PutName(json, "input", pFile);
       record = Photo::ToLine(json);
     });
