@@ -139,9 +139,9 @@ class Renderer:
     """A picture that is tone-mapped again and again, as sliders move.
 
     It keeps what the engine found, 22 bytes per pixel, so that a call costs only what its changes ask for:
-    `contrast`, `saturation`, `rendering`, `depth` and `out` the last stage; `strength`, `tone_compression` and the clips the
-    last two; `lighting`, `microcontrast` and `wrap` all but the preparation of the pixels. The results are those
-    of `tonemap`. Threads that share a renderer take turns.
+    `contrast`, `saturation`, `rendering`, `depth` and `out` the last stage; `strength`, `tone_compression` and the
+    clips the last two; `lighting`, `microcontrast` and `wrap` all but the preparation of the pixels. The results
+    are those of `tonemap`. Threads that share a renderer take turns.
 
     Parameters
     ----------

@@ -13,6 +13,7 @@ CHANGES = [  # and the first stage that runs again
     ({"saturation": 60}, "final_rendering"),
     ({"saturation": 0, "contrast": -40}, "final_rendering"),
     ({"depth": 16}, "final_rendering"),
+    ({"rendering": "engine"}, "final_rendering"),
     ({"strength": 20}, "phase2"),
     ({"tone_compression": 50}, "phase2"),
     ({"white_clip": 60}, "phase2"),
