@@ -164,6 +164,7 @@ void TakeFromResult(const CLI::App& pVerb, const sSettingsOptions& pOptions, con
       Photo::GetTraits(Photo::NameFile(pOutput, [&] { return Photo::ChooseOutputFormat(pOutput, 8); }));
   if (!isGiven("preview")) WarnOfPreview(file, pResult.fPreview);
   if (!isGiven("depth")) TakeNearestDepth(pOutput, file, format, pResult.fDepth);
+  if (!isGiven("dither") && pResult.fDepth != 8) pResult.fDithers = false;
   if (format.fQuality == 0) pResult.fFile.fQuality = given.fQuality;
   if (format.fCompression < 0) pResult.fFile.fCompression = given.fCompression;
 }

@@ -30,6 +30,7 @@ void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   batch.fJob.fChange = GetChange(pOptions.fLook);
   const std::string target = needsPictures ? NameAnyTarget(batch) : "";
   TakeFromResult(pVerb, pOptions.fLook, target, batch.fJob.fSettings, batch.fJob.fResult);
+  Photo::NameFile("--dither", [&] { Photo::CheckDither(batch.fJob.fResult); });
   ListAndSavePresets(pOptions.fLook, batch.fJob.fSettings);
   const int exitCode = needsPictures ? RunBatch(batch) : 0;
   if (exitCode != 0) throw CLI::RuntimeError(exitCode);
@@ -75,6 +76,11 @@ void AddTonemapCommand(CLI::App& pProgram) {
       ->excludes(verb->get_option("--settings-from"))
       ->group("Sliders");
   AddOutputOptions(*verb, job.fResult);
+  verb->add_flag(
+          "--dither", job.fResult.fDithers,
+          "For 8 bits: render at 16 and reduce by a fixed fine pattern, so that smooth gradients show no\n"
+          "bands. --dither=false does not, even where --settings-from names a dithered result")
+      ->group("Result");
   verb->add_option("--preview", job.fResult.fPreview,
                    "Reduce the picture to N pixels on its longer side first; its look stays. 0 does not,\n"
                    "even where --settings-from names a preview")

@@ -81,6 +81,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
   record["depth"] = pReport.fFileDepth;
   record["color_space"] = Shorten(pReport.fColorSpace);
   record["result"] = {{"depth", pJob.fResult.fDepth},
+                      {"dither", pJob.fResult.fDithers},
                       {"color_space", GetSpaceName(pJob.fResult.fColorSpace)}};
   record["settings"] = MakeSettings(pReport.fSettings);
   record["wrap"] = rendering.fWrap;

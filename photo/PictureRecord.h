@@ -13,9 +13,9 @@ namespace Photo {
 /// What is reported of a picture, as an object for other programs:
 ///   input, output (and input_base64, output_base64 of names that are not UTF-8),
 ///   status ("done", "skipped", "failed"), and
-///   of a done one  width, height, format, depth, color_space (of the file), result (depth, color_space),
-///                  settings, wrap, dynamic_range (decades), black_point, white_point, black_share,
-///                  white_share (0 to 1), repaired (nan, infinite, outliers, negative),
+///   of a done one  width, height, format, depth, color_space (of the file), result (depth, dither,
+///                  color_space), settings, wrap, dynamic_range (decades), black_point, white_point,
+///                  black_share, white_share (0 to 1), repaired (nan, infinite, outliers, negative),
 ///                  milliseconds (a stage each), peak_memory (bytes), warnings
 ///   of a failed one  error (code, message).
 using tPictureRecord = nlohmann::ordered_json;

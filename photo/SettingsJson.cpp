@@ -176,6 +176,13 @@ constexpr sResultField kResultFields[] = {
        return true;
      },
      "8, 12 or 16"},
+    {"dither", [](const sOutputOptions& pResult) { return std::string(pResult.fDithers ? "true" : ""); },
+     [](const tJson& pValue, sOutputOptions& pResult) {
+       if (!pValue.is_boolean()) return false;
+       pResult.fDithers = pValue.get<bool>();
+       return true;
+     },
+     "true or false"},
     {"colorspace",
      [](const sOutputOptions& pResult) {
        for (const sColorSpaceName& name : kColorSpaceNames) {

@@ -54,7 +54,8 @@ sPictureChoice ChooseSource(const sTonemapJob& pJob) {
 }
 
 sRendering MakeRendering(const sTonemapJob& pJob, const sSettings& pSettings) {
-  return {pSettings, pJob.fResult.fDepth, pJob.fResult.fColorSpace, pJob.fVerbose, pJob.fWatch};
+  const sOutputOptions& result = pJob.fResult;
+  return {pSettings, result.fDepth, result.fDithers, result.fColorSpace, pJob.fVerbose, pJob.fWatch};
 }
 
 /// A picture on its way from file to file.
@@ -160,6 +161,7 @@ void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFil
 
 eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
+  NameFile(pJob.fOutput, [&] { CheckDither(pJob.fResult); });
   NameFile(pJob.fOutput, [&] {
     if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
     if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
@@ -212,6 +214,12 @@ sPictureReport Tonemap(const sTonemapJob& pJob) {
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob) {
   const std::string name = IsForStream(pJob) ? "result." + pJob.fStreamFormat : pJob.fOutput;
   return NameFile(name, [&] { return ChooseOutputFormat(name, pJob.fResult.fDepth, pJob.fResult.fFile); });
+}
+
+void CheckDither(const sOutputOptions& pResult) {
+  if (!pResult.fDithers || pResult.fDepth == 8) return;
+  throw cFailure(eFailure::kUsage, "a result of " + std::to_string(pResult.fDepth) +
+                                       " bits is not dithered; leave out {dither}, or use {depth} 8");
 }
 
 bool HasTarget(const sTonemapJob& pJob) {

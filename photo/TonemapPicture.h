@@ -54,6 +54,9 @@ struct sPictureReport {
 /// The format that a job's target, or its stream, asks for, checked against its depth. Throws cFailure.
 eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
 
+/// Refuses dithering of more than 8 bits. Throws cFailure (usage).
+void CheckDither(const sOutputOptions& pResult);
+
 /// Whether the target exists already, as a file.
 bool HasTarget(const sTonemapJob& pJob);
 

@@ -6,8 +6,9 @@
 namespace Photo {
 namespace {
 
-constexpr std::string_view kNames[] = {"overwrite",   "skip-existing", "out-dir", "depth", "quality",
-                                       "compression", "list-presets",  "page",    "part",  "layer"};
+constexpr std::string_view kNames[] = {"overwrite", "skip-existing", "out-dir",      "depth",
+                                       "quality",   "compression",   "list-presets", "page",
+                                       "part",      "layer",         "dither"};
 
 }  // namespace
 

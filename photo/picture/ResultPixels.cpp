@@ -7,6 +7,7 @@
 
 #include "engine/base/LargeBlock.h"
 #include "engine/image/ImageRows.h"
+#include "photo/picture/Dither.h"
 
 namespace Photo {
 namespace {
@@ -90,11 +91,15 @@ cResultPixels::cResultPixels(const TmEngine::cBitmapLDR& pImage)
   for (int y = 0; y < fHeight; ++y) turn(TmEngine::PixelRow(pImage, y), fWidth, GetRow(y));
 }
 
-cResultSink::cResultSink(cResultPixels& pPixels, TmEngine::eColorSpaceID pColorSpace, int pStart)
+cResultSink::cResultSink(cResultPixels& pPixels, TmEngine::eColorSpaceID pColorSpace, int pStart,
+                         bool pDithers)
     : fPixels(pPixels),
       fColorSpace(TmEngine::cColorSpace::FromID(pColorSpace)),
-      fStartByte(std::ptrdiff_t{3} * pPixels.GetBitDepth() / 8 * pStart),
-      fRow(pStart == 0 ? 0 : pPixels.GetRowBytes()) {}
+      fStart(pStart),
+      fDithers(pDithers),
+      fRow(pDithers      ? 2 * pPixels.GetRowBytes()
+           : pStart != 0 ? pPixels.GetRowBytes()
+                         : 0) {}
 
 TmEngine::sSampleRow cResultSink::BeginRow(int pY) {
   return {fRow.empty() ? fPixels.GetRow(pY) : fRow.data(), true};
@@ -102,7 +107,13 @@ TmEngine::sSampleRow cResultSink::BeginRow(int pY) {
 
 void cResultSink::EndRow(int pY) {
   unsigned char* const row = fPixels.GetRow(pY);
-  if (!fRow.empty()) std::rotate_copy(fRow.begin(), fRow.end() - fStartByte, fRow.end(), row);
+  if (fDithers) {
+    DitherRow(reinterpret_cast<const std::uint16_t*>(fRow.data()), GetWidth(), fStart, pY, fRow.data());
+  }
+  if (!fRow.empty()) {
+    const auto end = fRow.begin() + static_cast<std::ptrdiff_t>(fPixels.GetRowBytes());
+    std::rotate_copy(fRow.begin(), end - std::ptrdiff_t{3} * fPixels.GetBitDepth() / 8 * fStart, end, row);
+  }
   const auto count = fPixels.GetBitDepth() == 8 ? CountClipped<unsigned char> : CountClipped<unsigned short>;
   count(row, 3 * fPixels.GetWidth(), fClipped);
 }

@@ -46,14 +46,14 @@ struct sClippedPixels {
 
 /// Takes the renderer's rows, and counts what was clipped while they are at hand. The result of a panorama
 /// that was rolled to the left, so that column pStart came first, is rolled back. The pixels stay the
-/// caller's.
+/// caller's. pDithers, for pixels of 8 bits: rows are rendered at 16 and dithered.
 class cResultSink : public TmEngine::cRowSink {
  public:
-  cResultSink(cResultPixels& pPixels, TmEngine::eColorSpaceID pColorSpace, int pStart);
+  cResultSink(cResultPixels& pPixels, TmEngine::eColorSpaceID pColorSpace, int pStart, bool pDithers = false);
 
   int GetWidth() const override { return fPixels.GetWidth(); }
   int GetHeight() const override { return fPixels.GetHeight(); }
-  int GetBitDepth() const override { return fPixels.GetBitDepth(); }
+  int GetBitDepth() const override { return fDithers ? 16 : fPixels.GetBitDepth(); }
   const TmEngine::cColorSpace& GetColorSpace() const override { return *fColorSpace; }
   TmEngine::sSampleRow BeginRow(int pY) override;
   void EndRow(int pY) override;
@@ -63,8 +63,9 @@ class cResultSink : public TmEngine::cRowSink {
  private:
   cResultPixels& fPixels;
   std::unique_ptr<TmEngine::cColorSpace> fColorSpace;
-  std::ptrdiff_t fStartByte;
-  std::vector<unsigned char> fRow;  ///< A row of a rolled panorama.
+  int fStart;
+  bool fDithers;
+  std::vector<unsigned char> fRow;  ///< A row as rendered, where it is rolled or dithered.
   sClippedPixels fClipped;
 };
 

@@ -29,7 +29,7 @@ std::optional<cResultPixels> Render(TmEngine::cTmRenderer& pRenderer, const TmEn
                                     int pStart, bool* pStop, const sRendering& pRendering,
                                     sRenderingReport& pReport) {
   cResultPixels result(pRows.GetWidth(), pRows.GetHeight(), pRendering.fDepth);
-  cResultSink sink(result, pRendering.fColorSpace, pStart);
+  cResultSink sink(result, pRendering.fColorSpace, pStart, pRendering.fDithers);
   pRenderer.SetInputRows(pRows);
   pRenderer.SetOutputRows(sink);
   std::optional<cWatchedSource> watchedSource;

@@ -15,7 +15,8 @@ namespace Photo {
 /// What is asked of a rendering, besides its picture.
 struct sRendering {
   sSettings fSettings;
-  int fDepth = 8;  ///< Bits per sample of the result: 8, 12 or 16.
+  int fDepth = 8;         ///< Bits per sample of the result: 8, 12 or 16.
+  bool fDithers = false;  ///< With fDepth 8: rendered at 16 bits and dithered.
   TmEngine::eColorSpaceID fColorSpace = TmEngine::eColorSpaceID_sRGB;  ///< Of the result.
   bool fVerbose = false;                                               ///< The engine writes log lines.
   cWatch* fWatch = nullptr;                                            ///< Null for none.

@@ -40,14 +40,15 @@ class cRenderer {
         fPixels(ViewPixels(fImage, "image")),
         fRenderer((CheckSource(fPixels, pSource), fPixels), pSource, GetColorSpace(pColorSpace)) {}
 
-  py::array Render(const py::dict& pSettings, int pDepth, const py::object& pOut,
+  py::array Render(const py::dict& pSettings, int pDepth, bool pDithers, const py::object& pOut,
                    const py::object& pProgress) {
     const Photo::sSettings settings = ToSettings(pSettings);
     py::array out = ChooseOutput(pOut, fPixels, pDepth);
+    if (pDithers && pDepth != 8) throw py::value_error("dither is for results of depth 8");
     const sPixelArray to = ViewPixels(out, "out");
     RunWatched(pProgress, [&](Photo::cWatch& pWatch) {
       const std::lock_guard lock(fMutex);
-      Photo::NameFile("image", [&] { fRenderer.Render(settings, to, pWatch); });
+      Photo::NameFile("image", [&] { fRenderer.Render(settings, pDithers, to, pWatch); });
     });
     return out;
   }
@@ -72,9 +73,9 @@ class cRenderer {
 };
 
 py::array Tonemap(const py::array& pImage, const py::dict& pSettings, const std::string& pColorSpace,
-                  const std::string& pSource, int pDepth, const py::object& pOut,
+                  const std::string& pSource, int pDepth, bool pDithers, const py::object& pOut,
                   const py::object& pProgress) {
-  return cRenderer(pImage, pSource, pColorSpace).Render(pSettings, pDepth, pOut, pProgress);
+  return cRenderer(pImage, pSource, pColorSpace).Render(pSettings, pDepth, pDithers, pOut, pProgress);
 }
 
 py::dict AutoSettings(const py::array& pImage, const std::string& pSource, const std::string& pColorSpace) {

@@ -49,13 +49,14 @@ cArrayRenderer::cArrayRenderer(const sPixelArray& pPixels, const std::string& pS
   Photo::NameFile("image", [&] { Photo::CheckRowLength(pPixels.fWidth); });
 }
 
-void cArrayRenderer::Render(const Photo::sSettings& pSettings, const sPixelArray& pTo, cWatch& pWatch) {
+void cArrayRenderer::Render(const Photo::sSettings& pSettings, bool pDithers, const sPixelArray& pTo,
+                            cWatch& pWatch) {
   Photo::ConvertFailures(Photo::eFailure::kProcessing, "tone-map", [&] {
     const bool wrap = DecideWrap(pSettings.fWrap, pWatch);
     const bool isNew = fRenderer == nullptr;
-    if (Run(pSettings, wrap, pTo, pWatch) && !isNew && IsFlat()) {
+    if (Run(pSettings, wrap, pDithers, pTo, pWatch) && !isNew && IsFlat()) {
       fRenderer.reset();  // its preparation does not hold any more
-      Run(pSettings, wrap, pTo, pWatch);
+      Run(pSettings, wrap, pDithers, pTo, pWatch);
     }
     pWatch.Check();
   });
@@ -93,7 +94,7 @@ const TmEngine::cRowSource& cArrayRenderer::MakeSource(int pStart, cWatch& pWatc
 }
 
 /// The sink lives as long as the rendering: the renderer gets a new one each time.
-bool cArrayRenderer::Run(const Photo::sSettings& pSettings, bool pWrap, const sPixelArray& pTo,
+bool cArrayRenderer::Run(const Photo::sSettings& pSettings, bool pWrap, bool pDithers, const sPixelArray& pTo,
                          cWatch& pWatch) {
   const int start = pWrap && fPixels.IsOfFloats() ? Photo::FindStartColumn(*fLoaded) : 0;
   if (fRenderer == nullptr || start != fStart) {
@@ -105,7 +106,7 @@ bool cArrayRenderer::Run(const Photo::sSettings& pSettings, bool pWrap, const sP
     Photo::ChangeRenderer(*fRenderer, fSettings, pSettings, pWrap);
   }
   fSettings = pSettings;
-  cArraySink sink(fPixels, pTo, fSpace, start);
+  cArraySink sink(fPixels, pTo, fSpace, start, pDithers);
   Photo::cWatchedSink watchedSink(sink, pWatch);
   fRenderer->SetOutputRows(watchedSink);
   bool isStopped = false;
@@ -117,7 +118,7 @@ bool cArrayRenderer::Run(const Photo::sSettings& pSettings, bool pWrap, const sP
   if (!isLoadedNext || pWatch.IsCancelled()) return false;
   Load(pWatch);
   pWatch.Resume();
-  return Run(pSettings, pWrap, pTo, pWatch);
+  return Run(pSettings, pWrap, pDithers, pTo, pWatch);
 }
 
 bool cArrayRenderer::IsFlat() const {

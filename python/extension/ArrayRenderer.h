@@ -22,8 +22,9 @@ class cArrayRenderer {
   /// are too long.
   cArrayRenderer(const sPixelArray& pPixels, const std::string& pSource, TmEngine::eColorSpaceID pSpace);
 
-  /// pTo: of integers, with the picture's size and channels. Throws cFailure.
-  void Render(const Photo::sSettings& pSettings, const sPixelArray& pTo, Photo::cWatch& pWatch);
+  /// pTo: of integers, with the picture's size and channels. pDithers: for 8 bits. Throws cFailure.
+  void Render(const Photo::sSettings& pSettings, bool pDithers, const sPixelArray& pTo,
+              Photo::cWatch& pWatch);
 
   /// How long each stage took when it last ran.
   TmEngine::sStageSeconds GetSeconds() const;
@@ -34,7 +35,8 @@ class cArrayRenderer {
   bool DecideWrap(Photo::eWrap pWrap, Photo::cWatch& pWatch);
   void Load(Photo::cWatch& pWatch);
   const TmEngine::cRowSource& MakeSource(int pStart, Photo::cWatch& pWatch);
-  bool Run(const Photo::sSettings& pSettings, bool pWrap, const sPixelArray& pTo, Photo::cWatch& pWatch);
+  bool Run(const Photo::sSettings& pSettings, bool pWrap, bool pDithers, const sPixelArray& pTo,
+           Photo::cWatch& pWatch);
   bool IsFlat() const;
 
   sPixelArray fPixels;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "photo/picture/Dither.h"
+
 namespace Python {
 namespace {
 
@@ -59,10 +61,10 @@ void cIntegerSource::ReadRun(int pY, int pX, int pCount, float* pToX, float* pTo
 }
 
 cArraySink::cArraySink(const sPixelArray& pFrom, const sPixelArray& pTo, TmEngine::eColorSpaceID pSpace,
-                       int pStart)
-    : fFrom(pFrom), fTo(pTo), fColorSpace(cColorSpace::FromID(pSpace)), fStart(pStart) {
+                       int pStart, bool pDithers)
+    : fFrom(pFrom), fTo(pTo), fColorSpace(cColorSpace::FromID(pSpace)), fStart(pStart), fDithers(pDithers) {
   const auto width = static_cast<std::size_t>(pTo.fWidth);
-  if (!pTo.HasPackedRows() || !pTo.IsAligned() || pStart != 0) fRow.resize(3 * width);
+  if (!pTo.HasPackedRows() || !pTo.IsAligned() || pStart != 0 || pDithers) fRow.resize(3 * width);
   if (pTo.fChannels == 4) fAlpha.resize(width);
 }
 
@@ -75,6 +77,10 @@ void cArraySink::EndRow(int pY) {
   if (!fAlpha.empty()) {
     GatherAlpha(fFrom, pY, fAlpha.data());
     ScatterAlpha(fAlpha.data(), fTo, pY);
+  }
+  if (fDithers) {
+    auto* const bytes = reinterpret_cast<unsigned char*>(fRow.data());
+    Photo::DitherRow(fRow.data(), fTo.fWidth, fStart, pY, bytes);
   }
   if (!fRow.empty()) ScatterRow(fRow.data(), fStart, fTo, pY);
 }

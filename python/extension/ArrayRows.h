@@ -48,12 +48,13 @@ class cIntegerSource : public TmEngine::cRowSource {
 class cArraySink : public TmEngine::cRowSink {
  public:
   /// pTo: of integers, as large as pFrom and with as many channels; it may be the same. pStart: the column
-  /// of the picture that the rows begin with.
-  cArraySink(const sPixelArray& pFrom, const sPixelArray& pTo, TmEngine::eColorSpaceID pSpace, int pStart);
+  /// of the picture that the rows begin with. pDithers, for 8 bits: see Photo::cResultSink.
+  cArraySink(const sPixelArray& pFrom, const sPixelArray& pTo, TmEngine::eColorSpaceID pSpace, int pStart,
+             bool pDithers);
 
   int GetWidth() const override { return fTo.fWidth; }
   int GetHeight() const override { return fTo.fHeight; }
-  int GetBitDepth() const override { return 8 * fTo.SampleBytes(); }
+  int GetBitDepth() const override { return fDithers ? 16 : 8 * fTo.SampleBytes(); }
   const TmEngine::cColorSpace& GetColorSpace() const override { return *fColorSpace; }
   TmEngine::sSampleRow BeginRow(int pY) override;
   void EndRow(int pY) override;
@@ -63,6 +64,7 @@ class cArraySink : public TmEngine::cRowSink {
   sPixelArray fTo;
   std::unique_ptr<TmEngine::cColorSpace> fColorSpace;
   int fStart;
+  bool fDithers;
   std::vector<std::uint16_t> fRow;  ///< Aligned for all samples. Empty when rows are written in place.
   std::vector<std::uint16_t> fAlpha;
 };

@@ -60,6 +60,7 @@ Photo::sOutputOptions ToOutputOptions(const cOptions& pOptions) {
   if (result.fDepth != 8 && result.fDepth != 12 && result.fDepth != 16) {
     throw py::value_error("depth is " + std::to_string(result.fDepth) + "; it must be 8, 12 or 16");
   }
+  result.fDithers = pOptions.Get("dither", false);
   result.fColorSpace = GetColorSpace(pOptions.Get<std::string>("color_space", "srgb"));
   result.fPreview = pOptions.GetWithin("preview", 0, 65535, 0);
   result.fAlpha = ToAlpha(pOptions);

@@ -43,6 +43,7 @@ def tonemap(
     color_space: str = "srgb",
     source: str = "linear-srgb",
     depth: int = 8,
+    dither: bool = False,
     out: Pixels | None = None,
     progress: Progress | None = None,
 ) -> Pixels:
@@ -90,6 +91,9 @@ def tonemap(
         "linear-adobergb", "linear-prophoto", or "xyz-d50" (XYZ relative to D50, as `read` gives it).
     depth : {8, 16}
         Bits per sample of the result.
+    dither : bool
+        For depth 8: whether the result is rendered at 16 bits and reduced by a fixed fine pattern, so that
+        smooth gradients show no bands. The same call gives the same bytes.
     out : array, optional
         Where the result goes: of `image`'s shape, uint8 for depth 8, uint16 for 16, with any strides. It may
         be `image`. After an error it may hold a part of the result.
@@ -132,16 +136,16 @@ def tonemap(
         "contrast": contrast, "saturation": saturation, "wrap": wrap,
         "rendering": rendering or _default_rendering(array),
     }  # fmt: skip
-    return _quorvane.tonemap(array, settings, color_space, source, depth, out, progress)
+    return _quorvane.tonemap(array, settings, color_space, source, depth, dither, out, progress)
 
 
 class Renderer:
     """A picture that is tone-mapped again and again, as sliders move.
 
     It keeps what the engine found, 22 bytes per pixel, so that a call costs only what its changes ask for:
-    `contrast`, `saturation`, `rendering`, `depth` and `out` the last stage; `strength`, `tone_compression` and the
-    clips the last two; `lighting`, `microcontrast` and `wrap` all but the preparation of the pixels. The results
-    are those of `tonemap`. Threads that share a renderer take turns.
+    `contrast`, `saturation`, `rendering`, `depth`, `dither` and `out` the last stage; `strength`,
+    `tone_compression` and the clips the last two; `lighting`, `microcontrast` and `wrap` all but the preparation
+    of the pixels. The results are those of `tonemap`. Threads that share a renderer take turns.
 
     Parameters
     ----------
@@ -181,6 +185,7 @@ class Renderer:
         wrap: Wrap = False,
         rendering: Rendering | None = None,
         depth: int = 8,
+        dither: bool = False,
         out: Pixels | None = None,
         progress: Progress | None = None,
     ) -> Pixels:
@@ -191,7 +196,7 @@ class Renderer:
             "contrast": contrast, "saturation": saturation, "wrap": wrap,
             "rendering": rendering or self._rendering,
         }  # fmt: skip
-        return self._renderer.render(settings, depth, out, progress)
+        return self._renderer.render(settings, depth, dither, out, progress)
 
     @property
     def stage_seconds(self) -> dict[str, float]:

@@ -163,6 +163,7 @@ def tonemap_file(
     wrap: Wrap | None = None,
     rendering: Rendering | None = None,
     depth: int = 8,
+    dither: bool = False,
     color_space: str = "srgb",
     preview: int = 0,
     alpha: str = "keep",
@@ -192,6 +193,8 @@ def tonemap_file(
         As in `tonemap`; None for the preset's or the default. `wrap` is "auto" by default, `rendering` "color".
     depth : {8, 12, 16}
         Bits per sample of the result.
+    dither : bool
+        As in `tonemap`.
     color_space : {"srgb", "adobergb", "prophoto"}
         Of the result.
     preview : int
@@ -236,7 +239,7 @@ def tonemap_file(
     settings = {} if preset is None else load_preset(preset)
     settings.update({name: value for name, value in given.items() if value is not None})
     options = {
-        "auto": auto, "depth": depth, "color_space": color_space, "preview": preview, "alpha": alpha,
+        "auto": auto, "depth": depth, "dither": dither, "color_space": color_space, "preview": preview, "alpha": alpha,
         "keep": list(keep), "quality": quality, "compression": compression, "page": page,
         "part": None if part is None else str(part), "layer": layer, "overwrite": overwrite,
         "skip_existing": skip_existing,

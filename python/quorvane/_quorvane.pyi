@@ -21,6 +21,7 @@ class Renderer:
         self,
         settings: dict[str, Any],
         depth: int,
+        dither: bool,
         out: npt.NDArray[Any] | None,
         progress: Callable[[float], Any] | None,
     ) -> npt.NDArray[Any]: ...
@@ -33,6 +34,7 @@ def tonemap(
     color_space: str,
     source: str,
     depth: int,
+    dither: bool,
     out: npt.NDArray[Any] | None,
     progress: Callable[[float], Any] | None,
 ) -> npt.NDArray[Any]: ...

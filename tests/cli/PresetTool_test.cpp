@@ -132,6 +132,8 @@ TEST_F(PresetTool, RefusesWhatItCannotUseAndSaysWhy) {
   expect("--preset config", 2, "--preset: there is neither a file nor a preset 'config'");
   expect("--sharpness=3", 2, "The following argument was not expected: --sharpness=3");
   expect("--preset pipe.json", 2, "pipe.json: is not a regular file");
+  expect("--dither --depth 16", 2,
+         "--dither: a result of 16 bits is not dithered; leave out --dither, or use");
   expect("--settings-from pipe.json", 3, "pipe.json: is not a regular file");
   expect("--settings-from missing.png", 3, "missing.png: No such file or directory");
   expect("--settings-from plain.png", 2, "plain.png: carries no settings");
@@ -186,6 +188,7 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
       {"--depth 16 --quality 80 --strength 10", "e.jxl"},
       {"--quality 60 --lighting 2", "f.webp"},
       {"--rendering engine", "g.png"},
+      {"--dither --strength 20", "h.png"},
       {"--colorspace adobergb --lighting -3.3333333 --microcontrast 1e-7 --saturation -1.5", "a.png"},
   };
   for (const auto& row : cases) {
@@ -198,6 +201,9 @@ TEST_F(PresetTool, RepeatsAResultToTheByte) {
   EXPECT_FALSE(Make("", "g.png") == ReadText("kept-g.png"));
   EXPECT_EQ(ReadText("kept-g.png").find("rendering"),
             std::string::npos);  // as results did before there were two
+  EXPECT_TRUE(Make("--settings-from kept-h.png --dither=false") == Make("--strength 20"));
+  EXPECT_TRUE(Make("--settings-from kept-h.png --depth 16") == Make("--strength 20 --depth 16"));
+  EXPECT_FALSE(Make("--dither") == Make(""));
   // the settings of another result are the base; options given beside them win
   WriteText("kept.tif", Make("--strength 5 --contrast 6 --depth 16 --colorspace prophoto", "a.tif"));
   EXPECT_TRUE(Make("--settings-from kept.tif --contrast 7 --depth 8", "b.tif") ==

@@ -54,6 +54,28 @@ def test_strides_do_not_matter(codes, make):
         same(quorvane.tonemap(image, out=image), expected)
 
 
+def test_dither_ends_next_to_the_finer_codes(tmp_path, run_tool, light):
+    image = np.repeat(light[..., :1], 3, axis=2)
+    fine = quorvane.tonemap(image, depth=16) / 257
+    result = quorvane.tonemap(image, dither=True)
+    assert (abs(result - fine) < 1).all()
+    assert (result[..., 0] == result[..., 1])[fine[..., 0] == fine[..., 1]].all()
+    assert abs((result - fine).mean()) < abs((quorvane.tonemap(image) - fine).mean()) / 4 + 0.01
+    for out in layouts(np.zeros_like(result)):
+        same(np.ascontiguousarray(quorvane.tonemap(image, dither=True, out=out)), result)
+    renderer = quorvane.Renderer(image)
+    same(renderer.render(), quorvane.tonemap(image))
+    same(renderer.render(dither=True), result)
+    panorama = np.hstack([image, image[:, ::-1]])
+    write_pfm(tmp_path / "in.pfm", panorama)
+    for wrap in "none", "horizontal":
+        run_tool("tonemap", "in.pfm", "-o", wrap + ".png", "--wrap", wrap, "--dither")
+        quorvane.write(tmp_path / "array.png", quorvane.tonemap(panorama, wrap=wrap, dither=True), overwrite=True)
+        assert quorvane.compare(tmp_path / (wrap + ".png"), tmp_path / "array.png")["all"]["largest"] == 0
+    with pytest.raises(ValueError, match="dither is for results of depth 8"):
+        quorvane.tonemap(image, dither=True, depth=16)
+
+
 def test_alpha_is_passed_on(light, codes):
     alpha = np.linspace(-0.2, 1.2, light[..., 0].size, dtype=np.float32).reshape(light.shape[:2])
     image = np.dstack([light, alpha])

@@ -16,6 +16,7 @@ from conftest import make_light, write_pfm
     ("a.png", [], {}),
     ("a.jpg", ["--preset", "vivid", "--strength", "60", "--quality", "80"],
      {"preset": "vivid", "strength": 60, "quality": 80}),
+    ("d.png", ["--dither"], {"dither": True}),
     ("a.tif", ["--auto", "--depth", "16", "--colorspace", "adobergb", "--compression", "1"],
      {"auto": True, "depth": 16, "color_space": "adobergb", "compression": 1}),
     ("a.webp", ["--preview", "50", "--wrap", "horizontal", "--metadata", "none"],
