@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "photo/picture/Seam.h"
+
 namespace Photo {
 namespace {
 
@@ -50,6 +52,17 @@ double CompareColumns(const sPicture& pPicture, int pA, int pB, int pCount) {
   return TakeMedian(differences);
 }
 
+/// The median step between neighbours inside. pCount columns count as one.
+double MeasureUsualStep(const sPicture& pPicture, int pCount) {
+  constexpr int kPairs = 64;
+  std::vector<double> steps;
+  for (int i = 0; i < kPairs; ++i) {
+    const int x = PickAt(i, kPairs, pPicture.fBitmap->GetWidth() - 2 * pCount + 1);
+    steps.push_back(CompareColumns(pPicture, x, x + pCount, pCount));
+  }
+  return TakeMedian(steps);
+}
+
 /// The columns' luminances.
 std::vector<double> SumColumns(const sPicture& pPicture) {
   const int height = pPicture.fBitmap->GetHeight();
@@ -80,17 +93,23 @@ bool HasPanoramaShape(int pWidth, int pHeight) {
 }
 
 bool EdgesMeet(const sPicture& pPicture) {
-  constexpr int kPairs = 64;
-  constexpr double kMostDifference = 1.25;
   const int width = pPicture.fBitmap->GetWidth();
   if (!HasPanoramaShape(width, pPicture.fBitmap->GetHeight())) return false;
-  const int count = std::max(width / 1024, 1);
-  std::vector<double> inside;
-  for (int i = 0; i < kPairs; ++i) {
-    const int x = PickAt(i, kPairs, width - 2 * count + 1);
-    inside.push_back(CompareColumns(pPicture, x, x + count, count));
+  const int count = std::max(width / 1024, 1);  // of pixels that make one
+  const double usual = MeasureUsualStep(pPicture, count);
+  const double step = CompareColumns(pPicture, width - count, 0, count);
+  if (usual == 0.0) return step == 0.0;
+  constexpr double kLeastShares[] = {0.0, 0.0, 0.45, 0.35};
+  double share = 0.0;
+  double correlation = 0.0;
+  for (int i = 0; i < 4; ++i) {
+    const sSeam seam = LookAtSeam(pPicture, count << i);
+    if (seam.fShare < kLeastShares[i]) return false;
+    share += seam.fShare / 4.0;
+    if (i < 3) correlation += seam.fCorrelation / 3.0;
   }
-  return CompareColumns(pPicture, width - count, 0, count) <= kMostDifference * TakeMedian(inside);
+  const double excess = std::log2(std::max(step / usual, 1.0));
+  return share + 1.2 * std::max(correlation, 0.0) - 0.1 * excess > 1.73;
 }
 
 int FindStartColumn(const sPicture& pPicture) {

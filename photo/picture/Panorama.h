@@ -12,10 +12,15 @@ namespace Photo {
 bool StatesPanorama(const std::string& pXmp);
 
 /// Whether left and right edges of a picture look as if they met: it is twice as wide as high, within a per
-/// cent, and its last and first column differ hardly more than neighbours inside do: the median over the rows
-/// of |difference of the logarithms of luminance| is at most 1.25 times what it is for the median pair of
-/// neighbours. In pictures wider than 1024 pixels, as many columns as make a 1024th of the width count as
-/// one.
+/// cent, and the sum of three findings is above a limit:
+/// - at four scales, cells of 1, 2, 4 and 8 units, how often the step across the edges is one that is usual
+///   beside them (sSeam::fShare); too seldom at a coarse scale refuses on its own;
+/// - 1.2 times the correlation of the two edges, at the three finest scales;
+/// - less a tenth of the binary logarithm of their step in units of one between neighbours inside, where it
+///   is larger: the median over the rows of |difference of the logarithms of luminance|, of the median pair.
+/// Where most neighbours inside do not differ at all, the edges must not either. A unit is a pixel; in
+/// pictures wider than 1024 pixels, a 1024th of the width. Weights and limit were found with eleven
+/// panoramas, each rolled to all its columns, and thousands of crops.
 bool EdgesMeet(const sPicture& pPicture);
 
 /// Whether a picture of this size can be a panorama by its edges.

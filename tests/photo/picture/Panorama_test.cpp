@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "tests/photo/PictureOf.h"
 #include "tests/photo/TestPictures.h"
 
@@ -20,6 +22,23 @@ TEST(Panorama, EdgesMeetInWholePanoramasOnly) {
     std::copy_n(half.GetPixel(0, 2 * y), 3 * 256, half.fSamples.data() + 3 * 256 * y);
   half.fSamples.resize(std::size_t{3} * 256 * 128);
   EXPECT_FALSE(EdgesMeet(::PictureOf(256, half.fSamples)));
+}
+
+/// Blinds in front of a calm room: the step across them is at least 1.9 times a usual one.
+TEST(Panorama, EdgesMeetInLivelyPlacesAsWell) {
+  sTestPicture panorama = MakePanorama(256);
+  const auto cover = [&panorama](int pFrom, int pTo, double pSlope) {
+    for (int y = 0; y < 128; ++y) {
+      for (int x = pFrom; x < pTo; ++x) {
+        const auto light = static_cast<float>(std::exp(std::sin(0.35 * x + pSlope * y)));
+        for (int i = 0; i < 3; ++i) panorama.GetPixel(x, y)[i] *= light;
+      }
+    }
+  };
+  cover(120, 180, 0.9);
+  for (int at = 136; at < 168; ++at) EXPECT_TRUE(EdgesMeet(PictureOf(Roll(panorama, 256 - at)))) << at;
+  cover(120, 152, 1.9);  // others, which end at a column
+  EXPECT_FALSE(EdgesMeet(PictureOf(Roll(panorama, 256 - 152))));
 }
 
 TEST(Panorama, IsTwiceAsWideAsHighWithinAPerCent) {
