@@ -106,6 +106,7 @@ py::dict ToDict(const Photo::sRepairs& pRepairs) {
 
 std::vector<std::string> ToTexts(const std::vector<std::string>& pWarnings) {
   std::vector<std::string> texts;
+  texts.reserve(pWarnings.size());
   for (const std::string& warning : pWarnings)
     texts.push_back(Photo::ToPrintable(Photo::NameParameters(warning)));
   return texts;
