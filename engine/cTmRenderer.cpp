@@ -9,6 +9,7 @@
 #include "engine/base/cMemUtils.h"
 #include "engine/color/cColorSpace.h"
 #include "engine/curve/cContrastCurve.h"
+#include "engine/image/PixelRows.h"
 #include "engine/image/cBitmapU16T.h"
 #include "engine/kernels/Kernels.h"
 #include "engine/math/Elementary.h"
@@ -143,6 +144,11 @@ void cTmRenderer::SetBlackWhite(const std::optional<sBlackWhite>& pPoints) {
   InvalidatePhase2();
 }
 
+void cTmRenderer::SetCommonLook(const std::optional<sCommonLook>& pLook) {
+  fCommonLook = pLook;
+  InvalidatePhase1();
+}
+
 void cTmRenderer::SetVerbose(bool pVerbose) {
   fVerbose = pVerbose;
 }
@@ -251,9 +257,10 @@ void cTmRenderer::ToneMapPhase1(const sStageRun& pRun) {
   const int width = fInput->GetWidth();
   const int height = fInput->GetHeight();
   const float largerSide = static_cast<float>(std::max(width, height));
+  const float rangeSigma = RangeSigma(fLighting);
   const sBaseFilter filter = {SpatialSigma(largerSide, fMicrocontrast),
-                              RangeSigma(fLighting),
-                              fLuminance.fLogMin,
+                              rangeSigma,
+                              fCommonLook ? AlignedStart(fLuminance.fLogMin, rangeSigma) : fLuminance.fLogMin,
                               fLuminance.fLogMax,
                               fLocalContrast / 100.0f,
                               fHorizontalWrap};
@@ -265,12 +272,36 @@ void cTmRenderer::ToneMapPhase1(const sStageRun& pRun) {
   pRun.fLog.Layers(width, height, fLayers, fLuminance);
 }
 
+sLayerStatistics cTmRenderer::TypicalLayers() const {
+  sLayerStatistics layers = fLayers;
+  if (fCommonLook && fCommonLook->fMeans) {
+    layers.fBaseMean = static_cast<double>(fCommonLook->fMeans->fBase);
+    layers.fDetailMagnitude = static_cast<double>(fCommonLook->fMeans->fDetail);
+  }
+  return layers;
+}
+
+const sBlackWhite* cTmRenderer::FindGivenPoints() const {
+  if (fCommonLook && fCommonLook->fPoints) return &*fCommonLook->fPoints;
+  return fGivenPoints ? &*fGivenPoints : nullptr;
+}
+
+bool cTmRenderer::IsToneMapped() const {
+  return fLayers.fBaseMax - fLayers.fBaseMin > 0.0f && fLayers.fDetailMax - fLayers.fDetailMin > 0.0f;
+}
+
+void cTmRenderer::ReadLuminance(const std::function<void(const float* pLuminance, int pCount)>& pTake) const {
+  cBitmapU16T& records = *fColorRecords;
+  ForEachRun(records.GetWidth(), records.GetHeight(), records.GetTileHeight(), nullptr,
+             [&](int pY, int pX, int pCount) { pTake(ColorRun(records, pY, pX).fLuminance, pCount); });
+}
+
 void cTmRenderer::ToneMapPhase2(const sStageRun& pRun) {
   const float exponent = GlobalExponent(fStrength);
-  if (!BuildToneTables(exponent, fToneCompression, fLayers, fToneTables, pRun.fCancel)) return pRun.Abort();
+  if (!BuildToneTables(exponent, fToneCompression, TypicalLayers(), fToneTables, pRun.fCancel))
+    return pRun.Abort();
   if (pRun.Stops()) return;
-  if (!(fLayers.fBaseMax - fLayers.fBaseMin > 0.0f) || !(fLayers.fDetailMax - fLayers.fDetailMin > 0.0f))
-    return;
+  if (!IsToneMapped()) return;
   fExposureScales = ExposureScales(exponent, fLuminance.fMax, fLayers.fBaseMax);
   pRun.fLog.Compression(exponent, fToneTables, fLayers, fLuminance, fExposureScales);
 
@@ -283,7 +314,8 @@ void cTmRenderer::ToneMapPhase2(const sStageRun& pRun) {
 
   const cLuminanceHistogram histogram(*fColorRecords, range, pRun);
   if (histogram.WasStopped()) return pRun.Abort();
-  fPoints = fGivenPoints ? *fGivenPoints : histogram.Points(fBlackClip, fWhiteClip);
+  const sBlackWhite* const given = FindGivenPoints();
+  fPoints = given != nullptr ? *given : histogram.Points(fBlackClip, fWhiteClip);
   pRun.fLog.BlackAndWhite(histogram, fPoints, range);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "engine/kernels/Kernels.h"
 #include "engine/math/cMatrix33.h"
 #include "engine/stages/BlackWhitePoints.h"
+#include "engine/stages/CommonLook.h"
 #include "engine/stages/ExposureScale.h"
 #include "engine/stages/HueCurves.h"
 #include "engine/stages/LayerStatistics.h"
@@ -90,6 +92,8 @@ class cTmRenderer {
   /// Black and white points to use instead of those that the clip percentages give, so that a reduced picture
   /// is rendered like its original. None takes them back.
   void SetBlackWhite(const std::optional<sBlackWhite>& pPoints);
+  /// What the picture shares with others; its points win over those of SetBlackWhite. None takes it back.
+  void SetCommonLook(const std::optional<sCommonLook>& pLook);
   /// Whether the stages write their lines to standard error (the default).
   void SetVerbose(bool pVerbose);
 
@@ -120,12 +124,19 @@ class cTmRenderer {
   const sBlackWhite& GetBlackWhite() const { return fPoints; }
   const float* GetToneCurve() const { return fToneCurve; }  ///< kTableSize values, 0 to 1.
   const sStageSeconds& GetStageSeconds() const { return fSeconds; }
+  /// Whether both layers had a range, so that the luminance was tone-mapped.
+  bool IsToneMapped() const;
+  /// Passes the luminance of all pixels on, in runs: tone-mapped, or the picture's own where IsToneMapped is
+  /// false. Only after a whole Render.
+  void ReadLuminance(const std::function<void(const float* pLuminance, int pCount)>& pTake) const;
 
  private:
   void Prepare(const sStageRun& pRun);
   void AllocPlanes();
   void ToneMapPhase1(const sStageRun& pRun);
   void ToneMapPhase2(const sStageRun& pRun);
+  sLayerStatistics TypicalLayers() const;
+  const sBlackWhite* FindGivenPoints() const;  // null for none
   void FinalRendering(const sStageRun& pRun);
   bool RenderChannels(const sStageRun& pRun, const cMatrix33& pMatrix, const unsigned short* pEncoding);
   bool RenderColors(const sStageRun& pRun, const cMatrix33& pMatrix, const unsigned short* pEncoding);
@@ -154,6 +165,7 @@ class cTmRenderer {
   sExposureScales fExposureScales;
   sBlackWhite fPoints;
   std::optional<sBlackWhite> fGivenPoints;
+  std::optional<sCommonLook> fCommonLook;
   cOutputEncoding fOutputEncoding;
   float fToneCurve[kTableSize];
   int fLuminanceCurve[kLuminanceSteps + 1];  // the same curve: see kLuminanceSteps

@@ -43,6 +43,16 @@ tPictureRecord MakeSettings(const sSettings& pSettings) {
   return settings;
 }
 
+tPictureRecord MakeLook(const TmEngine::sCommonLook& pLook) {
+  tPictureRecord look = {{"black_point", ToNumber(pLook.fPoints->fBlack)},
+                         {"white_point", ToNumber(pLook.fPoints->fWhite)}};
+  if (pLook.fMeans) {
+    look["base_mean"] = ToNumber(pLook.fMeans->fBase);
+    look["detail_mean"] = ToNumber(pLook.fMeans->fDetail);
+  }
+  return look;
+}
+
 tPictureRecord MakeMilliseconds(const sPictureReport& pReport) {
   const TmEngine::sStageSeconds& stages = pReport.fRendering.fSeconds;
   const auto milliseconds = [](double pSeconds) {
@@ -84,6 +94,7 @@ tPictureRecord MakeDoneRecord(const sTonemapJob& pJob, const sPictureReport& pRe
                       {"dither", pJob.fResult.fDithers},
                       {"color_space", GetSpaceName(pJob.fResult.fColorSpace)}};
   record["settings"] = MakeSettings(pReport.fSettings);
+  if (pReport.fSettings.fLook) record["look"] = MakeLook(*pReport.fSettings.fLook);
   record["wrap"] = rendering.fWrap;
   record["dynamic_range"] = pReport.fDynamicRange;
   record["black_point"] = rendering.fBlack;

@@ -21,7 +21,10 @@ using tJson =
 
 constexpr char kPresetKey[] = "quorvane-preset";
 constexpr char kResultKey[] = "quorvane-settings";
+constexpr char kLookKey[] = "quorvane-look";
 constexpr int kVersion = 1;
+
+constexpr float kMostDecades = 100.0f;  // of luminance: floats end at 38
 
 std::string Quote(const std::string& pText) {
   return tJson(pText).dump(-1, ' ', false, tJson::error_handler_t::replace);
@@ -95,6 +98,21 @@ class cReader {
     return pObject[pKey].get<std::string>();
   }
 
+  TmEngine::sCommonLook ReadLook(const tJson& pLook) const {
+    CheckObject(pLook, "\"look\"", {"black_point", "white_point", "base_mean", "detail_mean"});
+    TmEngine::sCommonLook look;
+    look.fPoints = TmEngine::sBlackWhite{ReadMember(pLook, "black_point", 0.0f, kLargestPoint),
+                                         ReadMember(pLook, "white_point", 0.0f, kLargestPoint)};
+    if (!AreUsable(*look.fPoints)) {
+      Refuse("white_point", pLook["white_point"], "above the black_point, " + Show(pLook["black_point"]));
+    }
+    if (pLook.contains("base_mean") || pLook.contains("detail_mean")) {
+      look.fMeans = TmEngine::sLayerMeans{ReadMember(pLook, "base_mean", -kMostDecades, kMostDecades),
+                                          ReadMember(pLook, "detail_mean", 0.0f, kMostDecades)};
+    }
+    return look;
+  }
+
   sSettingsChange ReadSettings(const tJson& pObject) const {
     if (!pObject.contains("settings")) Refuse("lacks \"settings\": { }");
     const tJson& settings = pObject["settings"];
@@ -129,13 +147,21 @@ class cReader {
     return pValue.is_string() ? pValue.get<std::string>() : "";
   }
 
+  float ReadMember(const tJson& pObject, const std::string& pKey, float pLowest, float pHighest) const {
+    if (!pObject.contains(pKey)) Refuse("lacks \"" + pKey + "\" in \"look\"");
+    return ReadNumber(pObject[pKey], pKey, pLowest, pHighest);
+  }
+
   float ReadSlider(const sSlider& pSlider, const tJson& pValue) const {
+    return ReadNumber(pValue, pSlider.fName, pSlider.fLowest, pSlider.fHighest);
+  }
+
+  float ReadNumber(const tJson& pValue, const std::string& pName, float pLowest, float pHighest) const {
     if (pValue.is_number()) {
       const auto number = static_cast<float>(pValue.get<long double>());
-      if (number >= pSlider.fLowest && number <= pSlider.fHighest) return number;
+      if (number >= pLowest && number <= pHighest) return number;
     }
-    Refuse(pSlider.fName, pValue,
-           "a number from " + ToText(pSlider.fLowest) + " to " + ToText(pSlider.fHighest));
+    Refuse(pName, pValue, "a number from " + ToText(pLowest) + " to " + ToText(pHighest));
   }
 };
 
@@ -256,7 +282,39 @@ sSettingsChange ResultChange(const sSettings& pSettings) {
   return change;
 }
 
+std::string WriteLook(const TmEngine::sCommonLook& pLook) {
+  std::string text = "{\"black_point\": " + ToText(pLook.fPoints->fBlack) +
+                     ", \"white_point\": " + ToText(pLook.fPoints->fWhite);
+  if (pLook.fMeans) {
+    text += ", \"base_mean\": " + ToText(pLook.fMeans->fBase) +
+            ", \"detail_mean\": " + ToText(pLook.fMeans->fDetail);
+  }
+  return text + "}";
+}
+
 }  // namespace
+
+std::string LookToJson(const sSettings& pSettings) {
+  sSettingsChange change = ChangeTo(pSettings);
+  change.fWrap.reset();  // decided for each picture
+  return "{\n  \"" + std::string(kLookKey) + "\": " + std::to_string(kVersion) +
+         ",\n  \"settings\": {\n    " + WriteSettings(change, ",\n    ") +
+         "\n  },\n  \"look\": " + WriteLook(*pSettings.fLook) + "\n}\n";
+}
+
+sSettings ParseLook(const std::string& pText) {
+  const cReader reader;
+  const tJson object = reader.Parse(pText);
+  reader.CheckVersion(object, kLookKey, "look of a set");
+  reader.CheckObject(object, "the look", {kLookKey, "settings", "look"});
+  const sSettingsChange change = reader.ReadSettings(object);
+  if (change.fWrap) reader.Refuse("\"wrap\" cannot be in a look: it is decided for each picture");
+  sSettings settings;
+  Apply(change, settings);
+  if (!object.contains("look")) reader.Refuse("lacks \"look\": { }");
+  settings.fLook = reader.ReadLook(object["look"]);
+  return settings;
+}
 
 std::string ToJson(const sPreset& pPreset) {
   return "{\n  \"" + std::string(kPresetKey) + "\": " + std::to_string(kVersion) +
@@ -281,7 +339,9 @@ std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult) {
       fields += (fields.empty() ? "\"" : ", \"") + std::string(field.fName) + "\": " + value;
   }
   return "{\"" + std::string(kResultKey) + "\": " + std::to_string(kVersion) + ", \"settings\": {" +
-         WriteSettings(ResultChange(pSettings), ", ") + "}, \"result\": {" + fields + "}}";
+         WriteSettings(ResultChange(pSettings), ", ") + "}, " +
+         (pSettings.fLook ? "\"look\": " + WriteLook(*pSettings.fLook) + ", " : "") + "\"result\": {" +
+         fields + "}}";
 }
 
 void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
@@ -289,9 +349,10 @@ void ParseResultSettings(const std::string& pText, const std::function<bool(cons
   const cReader reader;
   const tJson object = reader.Parse(pText);
   reader.CheckVersion(object, kResultKey, "result of this program");
-  reader.CheckObject(object, "the settings that it carries", {kResultKey, "settings", "result"});
+  reader.CheckObject(object, "the settings that it carries", {kResultKey, "settings", "look", "result"});
   pSettings.fRendering = eRendering::kEngine;  // what results state nothing of were made by
   Apply(reader.ReadSettings(object), pSettings);
+  if (object.contains("look")) pSettings.fLook = reader.ReadLook(object["look"]);
   if (!object.contains("result")) return;
   std::vector<std::string> names;
   for (const sResultField& field : kResultFields) names.emplace_back(field.fName);

@@ -28,4 +28,12 @@ std::string ToJson(const sSettings& pSettings, const sOutputOptions& pResult);
 void ParseResultSettings(const std::string& pText, const std::function<bool(const std::string&)>& pIsGiven,
                          sSettings& pSettings, sOutputOptions& pResult);
 
+/// The look of a set, as a file holds it: all settings of its pictures and the numbers that they share.
+/// {"quorvane-look": 1, "settings": {"strength": 70, ...}, "look": {"black_point": 0.1, "white_point": 2}}
+/// "look" also has "base_mean" and "detail_mean" (log10 units) where Tone Compression refers to them.
+/// pSettings: with a look that has points. Numbers as in a preset.
+std::string LookToJson(const sSettings& pSettings);
+/// Throws as ParsePreset does, and for what is missing.
+sSettings ParseLook(const std::string& pText);
+
 }  // namespace Photo

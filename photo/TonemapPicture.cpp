@@ -47,12 +47,6 @@ sSettings GetGivenSettings(const sTonemapJob& pJob) {
   return settings;
 }
 
-sPictureChoice ChooseSource(const sTonemapJob& pJob) {
-  sPictureChoice choice = pJob.fSource;
-  choice.fIgnoresAlpha = pJob.fResult.fAlpha.fMode == eAlpha::kIgnore;
-  return choice;
-}
-
 sRendering MakeRendering(const sTonemapJob& pJob, const sSettings& pSettings) {
   const sOutputOptions& result = pJob.fResult;
   return {pSettings, result.fDepth, result.fDithers, result.fColorSpace, pJob.fVerbose, pJob.fWatch};
@@ -220,6 +214,12 @@ void CheckDither(const sOutputOptions& pResult) {
   if (!pResult.fDithers || pResult.fDepth == 8) return;
   throw cFailure(eFailure::kUsage, "a result of " + std::to_string(pResult.fDepth) +
                                        " bits is not dithered; leave out {dither}, or use {depth} 8");
+}
+
+sPictureChoice ChooseSource(const sTonemapJob& pJob) {
+  sPictureChoice choice = pJob.fSource;
+  choice.fIgnoresAlpha = pJob.fResult.fAlpha.fMode == eAlpha::kIgnore;
+  return choice;
 }
 
 bool HasTarget(const sTonemapJob& pJob) {

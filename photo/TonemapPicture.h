@@ -57,6 +57,9 @@ eOutputFormat ChooseJobFormat(const sTonemapJob& pJob);
 /// Refuses dithering of more than 8 bits. Throws cFailure (usage).
 void CheckDither(const sOutputOptions& pResult);
 
+/// What is read of a job's picture.
+sPictureChoice ChooseSource(const sTonemapJob& pJob);
+
 /// Whether the target exists already, as a file.
 bool HasTarget(const sTonemapJob& pJob);
 

@@ -15,6 +15,8 @@ struct sStageRun;
 struct sBlackWhite {
   float fBlack = 0.0f;
   float fWhite = 1.0f;
+
+  bool operator==(const sBlackWhite&) const = default;
 };
 
 /// 65,536 counters over the range of the tone-mapped luminance.

@@ -48,6 +48,19 @@ sPictureStatistics Measure(const sPicture& pPicture, cLuminanceSampler pSampler)
 
 }  // namespace
 
+void sPictureStatistics::Merge(const sPictureStatistics& pOther) {
+  const auto mine = static_cast<double>(CountPositive());
+  const auto others = static_cast<double>(pOther.CountPositive());
+  fPixels += pOther.fPixels;
+  fDark += pOther.fDark;
+  if (others == 0.0) return;
+  fLogMin = mine > 0.0 ? std::min(fLogMin, pOther.fLogMin) : pOther.fLogMin;
+  fLogMax = mine > 0.0 ? std::max(fLogMax, pOther.fLogMax) : pOther.fLogMax;
+  fLogMean = (fLogMean * mine + pOther.fLogMean * others) / (mine + others);
+  fBins.resize(kBins);
+  for (std::size_t i = 0; i < std::min(kBins, pOther.fBins.size()); ++i) fBins[i] += pOther.fBins[i];
+}
+
 double sPictureStatistics::GetQuantile(double pShare) const {
   const double wanted = pShare * static_cast<double>(CountPositive());
   double below = 0.0;
@@ -105,6 +118,10 @@ void cLuminanceSampler::TakeRow(int pY, const float* pRow, const std::uint16_t* 
     const bool isSeen = pAlpha == nullptr || pAlpha[x] > 0 || (pIsPremultiplied && luminance > 0.0f);
     if (isSeen) AddLuminance(fSum, luminance);
   }
+}
+
+void cLuminanceSampler::Take(const float* pLuminance, int pCount) {
+  for (int i = 0; i < pCount; ++i) AddLuminance(fSum, pLuminance[i]);
 }
 
 sPictureStatistics cLuminanceSampler::Get() const {

@@ -20,6 +20,8 @@ struct sPictureStatistics {
   double fLogMean = 0.0;
   std::vector<std::int64_t> fBins;  ///< Pixels per hundredth of a decade, from kLowest on; empty for none.
 
+  /// Counts the pixels of pOther as well, as if both lay in one picture.
+  void Merge(const sPictureStatistics& pOther);
   std::int64_t CountPositive() const { return fPixels - fDark; }
   /// The logarithm below which pShare (0 to 1) of the positive luminances lie, to a hundredth of a decade.
   double GetQuantile(double pShare) const;
@@ -41,6 +43,8 @@ class cLuminanceSampler {
 
   /// Row pY, XYZ. pAlpha: of a picture with alpha, else null.
   void TakeRow(int pY, const float* pRow, const std::uint16_t* pAlpha, bool pIsPremultiplied = false);
+  /// Luminances alone.
+  void Take(const float* pLuminance, int pCount);
   sPictureStatistics Get() const;
 
  private:

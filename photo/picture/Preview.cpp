@@ -105,8 +105,8 @@ void Reduce(const sPicture& pFrom, sPicture& pTo) {
   finish();
 }
 
-/// Single pixels of the picture, evenly over it. Averages are neither as bright nor as dark as pixels are, so
-/// that shares of clipped pixels are found among these.
+}  // namespace
+
 std::unique_ptr<TmEngine::cBitmapXYZ32> TakeSample(const sPicture& pFrom) {
   constexpr int kLongSide = 1024;
   const int width = pFrom.fBitmap->GetWidth();
@@ -126,8 +126,6 @@ std::unique_ptr<TmEngine::cBitmapXYZ32> TakeSample(const sPicture& pFrom) {
   }
   return sample;
 }
-
-}  // namespace
 
 sPicture ReducePicture(sPicture pPicture, int pLongSide) {
   const int width = pPicture.fBitmap->GetWidth();

@@ -58,24 +58,13 @@ TmEngine::eRendering MapRendering(const sSettings& pSettings) {
                                                     : TmEngine::eRendering_Channels;
 }
 
-/// The black and white points of another picture with the same settings.
-TmEngine::sBlackWhite FindPoints(TmEngine::cBitmapXYZ32& pPicture, const sSettings& pSettings, bool pWrap) {
-  const auto ignored =
-      MakeOutputBitmap(pPicture.GetWidth(), pPicture.GetHeight(), 8, TmEngine::eColorSpaceID_sRGB);
-  const auto renderer = std::make_unique<TmEngine::cTmRenderer>();
-  SetUpRenderer(*renderer, pSettings, pWrap, false);
-  renderer->SetInput(&pPicture);
-  renderer->SetOutput(ignored.get());
-  renderer->Render();
-  return renderer->GetBlackWhite();
-}
-
 }  // namespace
 
 void ChangeRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pBefore, const sSettings& pSettings,
                     bool pWrap) {
   TmEngine::ChangeParameters(pRenderer, MapToParameters(pSettings, pWrap));
   pRenderer.SetRendering(MapRendering(pSettings));
+  if (pSettings.fLook != pBefore.fLook) pRenderer.SetCommonLook(pSettings.fLook);
   if (pSettings.fSaturation != pBefore.fSaturation) SetSaturation(pRenderer, pSettings.fSaturation);
 }
 
@@ -83,7 +72,20 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
   pRenderer.SetVerbose(pVerbose);
   TmEngine::SetParameters(pRenderer, MapToParameters(pSettings, pWrap));
   pRenderer.SetRendering(MapRendering(pSettings));
+  pRenderer.SetCommonLook(pSettings.fLook);
   if (pSettings.fSaturation != 0.0f) SetSaturation(pRenderer, pSettings.fSaturation);
+}
+
+std::unique_ptr<TmEngine::cTmRenderer> RenderSample(TmEngine::cBitmapXYZ32& pSample,
+                                                    const sSettings& pSettings, bool pWrap) {
+  const auto ignored =
+      MakeOutputBitmap(pSample.GetWidth(), pSample.GetHeight(), 8, TmEngine::eColorSpaceID_sRGB);
+  auto renderer = std::make_unique<TmEngine::cTmRenderer>();
+  SetUpRenderer(*renderer, pSettings, pWrap, false);
+  renderer->SetInput(&pSample);
+  renderer->SetOutput(ignored.get());
+  renderer->Render();
+  return renderer;
 }
 
 void CheckRowLength(int pWidth, int pChannels) {
@@ -104,7 +106,10 @@ cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, sPicture& pPicture, c
     const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);
     SetUpRenderer(pRenderer, settings, pReport.fWrap, pRendering.fVerbose);
-    if (pPicture.fSample) pRenderer.SetBlackWhite(FindPoints(*pPicture.fSample, settings, pReport.fWrap));
+    if (pPicture.fSample && !settings.fLook) {
+      const auto sample = RenderSample(*pPicture.fSample, settings, pReport.fWrap);
+      pRenderer.SetBlackWhite(sample->GetBlackWhite());
+    }
     bool* const stop = pRendering.fWatch != nullptr ? pRendering.fWatch->GetStopRequest() : nullptr;
     cResultPixels result = Render(pRenderer, source, start, stop, pRendering, pReport).value();
     BlackenTransparent(result, pPicture);

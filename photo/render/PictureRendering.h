@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "engine/cTmRenderer.h"
@@ -39,6 +40,10 @@ void SetUpRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pSettings,
 /// again (see cTmRenderer::ChangeToneParameters).
 void ChangeRenderer(TmEngine::cTmRenderer& pRenderer, const sSettings& pBefore, const sSettings& pSettings,
                     bool pWrap);
+
+/// A renderer that has rendered pSample, for what its stages found; another Render needs other images.
+std::unique_ptr<TmEngine::cTmRenderer> RenderSample(TmEngine::cBitmapXYZ32& pSample,
+                                                    const sSettings& pSettings, bool pWrap);
 
 /// Refuses rows that are too long for the engine, which keeps pChannels per pixel (see ColorRows.h).
 void CheckRowLength(int pWidth, int pChannels = TmEngine::kColorChannels);

@@ -83,6 +83,10 @@ std::optional<eRendering> FindRendering(const std::string& pName) {
   return std::nullopt;
 }
 
+bool AreUsable(const TmEngine::sBlackWhite& pPoints) {
+  return pPoints.fBlack >= 0.0f && pPoints.fWhite > pPoints.fBlack && pPoints.fWhite <= kLargestPoint;
+}
+
 TmEngine::sToneParameters MapToParameters(const sSettings& pSettings, bool pWrap) {
   TmEngine::sToneParameters parameters = TmEngine::MapSliders({.fStrength = pSettings.fStrength,
                                                                .fLighting = pSettings.fLighting,

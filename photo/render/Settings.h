@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/ToneMapImage.h"
+#include "engine/stages/CommonLook.h"
 #include "photo/base/FloatText.h"  // values as text
 
 namespace Photo {
@@ -29,6 +30,7 @@ struct sSettings {
   float fSaturation = 0.0f;
   eWrap fWrap = eWrap::kAuto;
   eRendering fRendering = eRendering::kColor;
+  std::optional<TmEngine::sCommonLook> fLook;  ///< Of a set of pictures; none for a picture on its own.
 
   bool operator==(const sSettings&) const = default;
 };
@@ -68,6 +70,11 @@ std::optional<eWrap> FindWrap(const std::string& pName);
 const char* GetRenderingName(eRendering pRendering);
 /// None for a name that is unknown.
 std::optional<eRendering> FindRendering(const std::string& pName);
+
+/// Luminances that a look can have as black and white points end here.
+inline constexpr float kLargestPoint = 1e30f;
+/// Whether these can be a look's points: 0 or more, white above black.
+bool AreUsable(const TmEngine::sBlackWhite& pPoints);
 
 /// The engine's parameters. pWrap: whether the edges of this picture meet. Saturation is none of them: it is
 /// a curve over hue.
