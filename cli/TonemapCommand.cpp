@@ -3,12 +3,14 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <optional>
 
 #include "cli/Options.h"
 #include "cli/SettingsOptions.h"
 #include "cli/batch/Batch.h"
 #include "cli/batch/BatchOptions.h"
 #include "cli/batch/BatchPlan.h"
+#include "cli/terminal/Warnings.h"
 
 namespace Tool {
 namespace {
@@ -23,6 +25,20 @@ bool NamesPictures(const sBatchOptions& pBatch) {
          !pBatch.fOutputFolder.empty();
 }
 
+/// The look that a result carries is for its sliders: with others, pictures get their own.
+void DropUnfitLook(const std::string& pResult, sBatchOptions& pBatch) {
+  std::optional<TmEngine::sCommonLook>& look = pBatch.fJob.fSettings.fLook;
+  if (!look) return;
+  Photo::sSettings changed = pBatch.fJob.fSettings;
+  Photo::Apply(pBatch.fJob.fChange, changed);
+  changed.fWrap = pBatch.fJob.fSettings.fWrap;
+  if (changed == pBatch.fJob.fSettings) return;
+  look.reset();
+  PrintWarnings(pResult,
+                {"carries the look of a set, which does not go with other sliders: black and white are "
+                 "found anew"});
+}
+
 void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   sBatchOptions batch = pOptions.fBatch;
   const bool needsPictures = NamesPictures(batch) || !pOptions.fLook.AsksForPresets();
@@ -32,6 +48,7 @@ void Run(const CLI::App& pVerb, const sTonemapOptions& pOptions) {
   TakeFromResult(pVerb, pOptions.fLook, target, batch.fJob.fSettings, batch.fJob.fResult);
   Photo::NameFile("--dither", [&] { Photo::CheckDither(batch.fJob.fResult); });
   ListAndSavePresets(pOptions.fLook, batch.fJob.fSettings);
+  DropUnfitLook(pOptions.fLook.fFromResult, batch);
   const int exitCode = needsPictures ? RunBatch(batch) : 0;
   if (exitCode != 0) throw CLI::RuntimeError(exitCode);
 }
@@ -75,6 +92,7 @@ void AddTonemapCommand(CLI::App& pProgram) {
                  "Choose the sliders that neither a preset nor an option gives from the picture's light")
       ->excludes(verb->get_option("--settings-from"))
       ->group("Sliders");
+  verb->get_option("--look-from")->excludes(verb->get_option("--settings-from"));
   AddOutputOptions(*verb, job.fResult);
   verb->add_flag(
           "--dither", job.fResult.fDithers,

@@ -222,6 +222,11 @@ void MakeSettings(const std::string& pFolder) {
     std::ofstream(pFolder + "arrays" + std::to_string(levels))
         << start + std::string(count, '[') + "1" + std::string(count, ']') + "}}";
   }
+  const std::string look =
+      R"("look": {"black_point": 0.01, "white_point": 3, "base_mean": -1, "detail_mean": 0.1})";
+  std::ofstream(pFolder + "look") << R"({"quorvane-look": 1, "settings": {"tone-compression": 10}, )" + look +
+                                         "}";
+  std::ofstream(pFolder + "looked") << R"({"quorvane-settings": 1, "settings": {}, )" + look + "}";
   std::string objects;
   for (int i = 0; i < 5000; ++i) objects += R"({"a":)";
   std::ofstream(pFolder + "objects") << objects;

@@ -1,5 +1,5 @@
-// Presets, and the settings that results carry. What cannot be used is refused with a cFailure (usage); what
-// can is in its range, and is the same when it is written and read again.
+// Presets, looks, and the settings that results carry. What cannot be used is refused with a cFailure
+// (usage); what can is in its range, and is the same when it is written and read again.
 
 #include <cstddef>
 #include <cstdint>
@@ -44,11 +44,18 @@ void ReadResult(const std::string& pText) {
   Expect(resultAgain.fColorSpace == result.fColorSpace && resultAgain.fPreview == result.fPreview);
 }
 
+void ReadLook(const std::string& pText) {
+  const Photo::sSettings look = Photo::ParseLook(pText);
+  CheckRanges(Photo::ChangeTo(look));
+  Expect(look.fLook && look.fLook->fPoints && Photo::AreUsable(*look.fLook->fPoints));
+  Expect(Photo::ParseLook(Photo::LookToJson(look)) == look);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t pSize) {
   const std::string text(reinterpret_cast<const char*>(pData), pSize);
-  for (const auto read : {ReadPreset, ReadResult}) {
+  for (const auto read : {ReadPreset, ReadResult, ReadLook}) {
     try {
       read(text);
     } catch (const Photo::cFailure& failure) {

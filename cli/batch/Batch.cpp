@@ -1,39 +1,28 @@
 #include "cli/batch/Batch.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <exception>
 #include <nlohmann/json.hpp>
-#include <thread>
-#include <utility>
 
 #include "cli/batch/BatchPlan.h"
 #include "cli/batch/ExitCode.h"
 #include "cli/batch/Interrupt.h"
+#include "cli/batch/JobWorkers.h"
+#include "cli/batch/LookPass.h"
 #include "cli/batch/MemoryBudget.h"
 #include "cli/batch/PictureTask.h"
 #include "cli/batch/StandardStreams.h"
-#include "cli/batch/VipsSession.h"
 #include "cli/batch/workers/WorkerPool.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/FailureText.h"
 #include "cli/terminal/Progress.h"
 #include "photo/Json.h"
-#include "photo/MemoryEstimate.h"
 #include "photo/PictureRecord.h"
 #include "photo/base/Failure.h"
 #include "photo/decode/FileKind.h"
 #include "photo/io/TempFile.h"
-#include "photo/io/VipsLibrary.h"
 
 namespace Tool {
 namespace {
-
-using tJobs = std::vector<Photo::sTonemapJob>;
-
-int CountCores() {
-  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-}
 
 /// Takes the record of each picture, and knows the exit code in the end.
 class cReport {
@@ -132,29 +121,6 @@ int ShowPlan(const sBatchPlan& pPlan) {
   return hasObstacles ? eExitCode_PictureFailed : eExitCode_Done;
 }
 
-std::int64_t EstimateFor(const Photo::sTonemapJob& pJob, std::int64_t pPixels) {
-  return Photo::EstimateMemory(pPixels, Photo::ChooseJobFormat(pJob), pJob.fResult.fDepth);
-}
-
-/// What each worker does when it begins: libvips starts there, never in the parent.
-tTaskMaker MakeTaskMaker(const tJobs& pJobs, std::int64_t pMemory, int pWorkers) {
-  return [&pJobs, pMemory, pWorkers](const tAskForMemory& pAsk) -> tTask {
-    static const cVipsSession library;
-    if (std::getenv("VIPS_CONCURRENCY") == nullptr) {
-      Photo::SetVipsThreads(std::max(1, CountCores() / pWorkers));  // the workers share the cores
-    }
-    return [&pJobs, pMemory, pAsk](std::size_t pTask) {
-      Photo::sTonemapJob job = pJobs[pTask];
-      job.fMemoryGate = [&](std::int64_t pPixels) {
-        const std::int64_t bytes = EstimateFor(pJobs[pTask], pPixels);
-        CheckMemoryLimit(bytes, pMemory);
-        pAsk(bytes);
-      };
-      return Photo::ToLine(RunPictureTask(job));
-    };
-  };
-}
-
 /// What a worker that was ended left behind.
 void RemoveLeftovers(const Photo::sTonemapJob& pJob) {
   if (pJob.fOutput != kStandardStream) Photo::cTempFile::RemoveLeftovers(pJob.fOutput);
@@ -192,24 +158,14 @@ bool RunJobs(cWorkerPool& pPool, const tJobs& pJobs, bool pFailFast, cReport& pR
   }
 }
 
-/// As many as asked for, as long as there are pictures and file handles for them.
-int ChooseWorkers(const sBatchOptions& pOptions, std::size_t pPictures, cProgress& pProgress) {
-  const int asked = pOptions.fWorkers > 0 ? pOptions.fWorkers : CountCores();
-  const int useful = static_cast<int>(std::min(static_cast<std::size_t>(asked), pPictures));
-  const int possible = CountPossibleWorkers();
-  if (possible >= useful) return useful;
-  pProgress.Warn("pictures at a time: " + std::to_string(possible) + ", not " + std::to_string(useful) +
-                 ", as the limit of open files (ulimit -n) is low");
-  return possible;
-}
-
 /// Returns whether the run was interrupted. Nothing that was in work then is left behind.
 bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t pMemory, cReport& pReport) {
   const int workers = ChooseWorkers(pOptions, pJobs.size(), pReport.GetProgress());
   std::vector<std::size_t> givenUp;
   bool isInterrupted = false;
   {
-    cWorkerPool pool({workers, pMemory, pOptions.fTimeout}, MakeTaskMaker(pJobs, pMemory, workers));
+    const auto work = [](const Photo::sTonemapJob& pJob) { return Photo::ToLine(RunPictureTask(pJob)); };
+    cWorkerPool pool({workers, pMemory, pOptions.fTimeout}, MakeTaskMaker(pJobs, pMemory, workers, work));
     isInterrupted = RunJobs(pool, pJobs, pOptions.fFailFast, pReport);
     givenUp = pool.GetTasksInWork();
   }
@@ -222,14 +178,16 @@ bool DoInWorkers(const tJobs& pJobs, const sBatchOptions& pOptions, std::int64_t
 int RunBatch(const sBatchOptions& pOptions) {
   const sBatchPlan plan = PlanBatch(pOptions);
   if (pOptions.fDryRun) return ShowPlan(plan);
-  const tJobs& jobs = plan.fJobs;
+  tJobs jobs = plan.fJobs;
   const std::int64_t memory = ChooseMemoryLimit(pOptions.fMemoryLimit);
   cReport report(pOptions, plan);
+  const auto interrupt = [&] {
+    report.GetProgress().Interrupt(pOptions.fJob.fExisting);
+    return eExitCode_Interrupted;
+  };
+  if (!SettleLook(pOptions, plan, memory, report.GetProgress(), jobs)) return interrupt();
   try {
-    if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) {
-      report.GetProgress().Interrupt(pOptions.fJob.fExisting);
-      return eExitCode_Interrupted;
-    }
+    if (!jobs.empty() && DoInWorkers(jobs, pOptions, memory, report)) return interrupt();
   } catch (const Photo::cFailure&) {  // no worker can be started any more
     report.Finish();
     throw;

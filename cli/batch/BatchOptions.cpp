@@ -102,6 +102,31 @@ void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
   pVerb.add_flag("--dry-run", pOptions.fDryRun, "List what would be done, and do nothing")->group(kGroup);
 }
 
+void AddLook(CLI::App& pVerb, sLookOptions& pLook) {
+  constexpr char kGroup[] = "Many pictures";
+  const CLI::Validator hasName(
+      [](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, "");
+  CLI::Option* const same = pVerb.add_flag(
+      "--same-look", pLook.fIsSame,
+      "One look for all pictures, as for a time lapse or the tiles of a panorama: what --auto chooses,\n"
+      "and black and white, are found from all of them first");
+  same->group(kGroup);
+  pVerb
+      .add_option("--look-from", pLook.fFrom,
+                  "The look of that picture alone, or one that --save-look wrote, with its sliders")
+      ->check(hasName)
+      ->option_text("FILE")
+      ->excludes(same)
+      ->group(kGroup);
+  pVerb
+      .add_option("--save-look", pLook.fSaveAs,
+                  "Write the look into a new file, from which --look-from takes it for other pictures")
+      ->check(hasName)
+      ->option_text("FILE")
+      ->needs(same)
+      ->group(kGroup);
+}
+
 void AddReports(CLI::App& pVerb, sBatchOptions& pOptions) {
   constexpr char kGroup[] = "Reports";
   const std::map<std::string, eProgress> names = {{"auto", eProgress::kAuto},
@@ -131,6 +156,7 @@ void AddBatchOptions(CLI::App& pVerb, sBatchOptions& pOptions) {
   AddTargets(pVerb, pOptions);
   AddExisting(pVerb, pOptions);
   AddWork(pVerb, pOptions);
+  AddLook(pVerb, pOptions.fLook);
   AddReports(pVerb, pOptions);
 }
 

@@ -13,6 +13,13 @@ class App;
 
 namespace Tool {
 
+/// Whether the pictures of a run share their look, and where it comes from.
+struct sLookOptions {
+  bool fIsSame = false;  ///< All of the run.
+  std::string fFrom;     ///< A picture, or a file that holds a look; empty for none.
+  std::string fSaveAs;   ///< A file to write the look of all into; empty for none.
+};
+
 /// One run of the verb: which pictures, where to, and how many at a time. What becomes of a target that
 /// exists is up to sTonemapJob.
 struct sBatchOptions {
@@ -23,6 +30,7 @@ struct sBatchOptions {
   std::string fFormat;  ///< A file extension without its point; "" for png, or what fOutput ends in.
   int fShard = 1;       ///< Pictures fShard, fShard + fShards, ... of the sorted list.
   int fShards = 1;
+  sLookOptions fLook;
   int fWorkers = 0;               ///< 0 for the number of cores.
   std::int64_t fMemoryLimit = 0;  ///< Bytes; 0 for a share of what is available.
   double fTimeout = 0.0;          ///< Seconds for a picture; 0 for no limit.

@@ -109,18 +109,26 @@ void CheckTargets(const std::vector<sPlanned>& pPairs) {
   }
 }
 
-std::vector<Photo::sTonemapJob> TakeShard(const sBatchOptions& pOptions,
-                                          const std::vector<sPlanned>& pPairs) {
+std::vector<Photo::sTonemapJob> MakeJobs(const sBatchOptions& pOptions, const std::vector<sPlanned>& pPairs) {
   std::vector<Photo::sTonemapJob> jobs;
-  const auto step = static_cast<std::size_t>(pOptions.fShards);
-  for (auto i = static_cast<std::size_t>(pOptions.fShard - 1); i < pPairs.size(); i += step) {
+  for (const sPlanned& pair : pPairs) {
     Photo::sTonemapJob job = pOptions.fJob;
-    job.fInput = pPairs[i].fInput->fFile;
-    job.fOutput = pPairs[i].fTarget;
+    job.fInput = pair.fInput->fFile;
+    job.fOutput = pair.fTarget;
     if (job.fOutput == kStandardStream) job.fOutputStream = STDOUT_FILENO;
     job.fStreamFormat = GetResultExtension(pOptions);
     job.fMakesFolder = !pOptions.fOutputFolder.empty();
     jobs.push_back(std::move(job));
+  }
+  return jobs;
+}
+
+std::vector<Photo::sTonemapJob> TakeShard(const sBatchOptions& pOptions,
+                                          const std::vector<Photo::sTonemapJob>& pSet) {
+  std::vector<Photo::sTonemapJob> jobs;
+  const auto step = static_cast<std::size_t>(pOptions.fShards);
+  for (auto i = static_cast<std::size_t>(pOptions.fShard - 1); i < pSet.size(); i += step) {
+    jobs.push_back(pSet[i]);
   }
   return jobs;
 }
@@ -146,10 +154,11 @@ sBatchPlan PlanBatch(const sBatchOptions& pOptions) {
   }
   std::vector<sPlanned> pairs = PairUp(pOptions, inputs);
   LeaveOutResults(pairs);
-  sBatchPlan plan{{}, list.fLeftOut, list.fUnreadable};
+  sBatchPlan plan{{}, {}, list.fLeftOut, list.fUnreadable};
   plan.fLeftOut.fUnknown += LeaveOutCopies(pairs);
   CheckTargets(pairs);
-  plan.fJobs = TakeShard(pOptions, pairs);
+  plan.fSet = MakeJobs(pOptions, pairs);
+  plan.fJobs = TakeShard(pOptions, plan.fSet);
   for (const Photo::sTonemapJob& job : plan.fJobs) Photo::ChooseJobFormat(job);
   return plan;
 }

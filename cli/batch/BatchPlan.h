@@ -15,6 +15,7 @@ std::string NameAnyTarget(const sBatchOptions& pOptions);
 
 struct sBatchPlan {
   std::vector<Photo::sTonemapJob> fJobs;  ///< In the order of the sorted list.
+  std::vector<Photo::sTonemapJob> fSet;   ///< Those and the ones of all other shards.
   sLeftOut fLeftOut;
   std::vector<sUnreadableFolder> fUnreadable;
 };

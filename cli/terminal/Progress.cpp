@@ -92,6 +92,20 @@ void cProgress::ReportPlainly(const Photo::sTonemapJob& pJob, const std::string&
   PrintMessage(fmt::format("[{}/{}] ", fDone + fSkipped + fFailed, fPictures) + what);
 }
 
+void cProgress::NoteLook(std::size_t pDone, std::size_t pPictures) {
+  fStart = std::chrono::steady_clock::now();
+  const std::string line = fmt::format("Looking at {} of {}", pDone, pPictures);
+  if (HasBar()) {
+    std::fprintf(stderr, "%s%s", kClearLine, line.substr(0, GetColumns() - 1).c_str());
+    std::fflush(stderr);
+  }
+  if (fWay == eProgress::kPlain && pDone == pPictures)
+    PrintMessage(fmt::format("Looked at {0} of {0}", pPictures));
+  if (fWay == eProgress::kJson) {
+    PrintMessage(Photo::ToLine({{"event", "look"}, {"pictures", pPictures}, {"looked", pDone}}));
+  }
+}
+
 void cProgress::Draw() {
   if (!HasBar()) return;
   constexpr std::size_t kCells = 24;

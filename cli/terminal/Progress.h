@@ -21,7 +21,9 @@ class cProgress {
 
   void NoteFolder(const sUnreadableFolder& pFolder);  ///< One that could not be read.
   void Report(const Photo::sTonemapJob& pJob, const Photo::tPictureRecord& pRecord);
-  void Warn(const std::string& pText);         ///< Of the run, not of a picture.
+  void Warn(const std::string& pText);  ///< Of the run, not of a picture.
+  /// That pDone of pPictures have been looked at before the work on them begins; time counts from the last.
+  void NoteLook(std::size_t pDone, std::size_t pPictures);
   void Draw();                                 ///< The bar, with the time that is left by now.
   void Finish();                               ///< The summary.
   void Interrupt(Photo::eExisting pExisting);  ///< The summary of what was done, and how to go on.
