@@ -103,7 +103,8 @@ cResultPixels RenderWith(TmEngine::cTmRenderer& pRenderer, sPicture& pPicture, c
     pReport.fWrap = ChooseWrap(settings.fWrap, pPicture);
     CheckRowLength(pPicture.fBitmap->GetWidth());
     HideTransparent(pPicture);
-    const int start = pReport.fWrap ? FindStartColumn(pPicture) : 0;
+    // a column that follows from the picture would differ within a set
+    const int start = pReport.fWrap && !settings.fLook ? FindStartColumn(pPicture) : 0;
     const cRolledSource source(*pPicture.fBitmap, start);
     SetUpRenderer(pRenderer, settings, pReport.fWrap, pRendering.fVerbose);
     if (pPicture.fSample && !settings.fLook) {
