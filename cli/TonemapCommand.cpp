@@ -32,6 +32,7 @@ void DropUnfitLook(const std::string& pResult, sBatchOptions& pBatch) {
   Photo::sSettings changed = pBatch.fJob.fSettings;
   Photo::Apply(pBatch.fJob.fChange, changed);
   changed.fWrap = pBatch.fJob.fSettings.fWrap;
+  changed.fRendering = pBatch.fJob.fSettings.fRendering;
   if (changed == pBatch.fJob.fSettings) return;
   look.reset();
   PrintWarnings(pResult,
