@@ -394,8 +394,8 @@ void cTmRenderer::FillLuminanceCurve(const float* pSamples) {
   constexpr int kStride = (kTableSize - 1) / kLuminanceSteps;
   const auto unitsAt = [&](int pStep) {
     const float sample = pSamples[kStride * pStep];
-    return static_cast<int>(
-        (sample > 0.0f ? std::min(sample, 1.0f) : 0.0f) * static_cast<float>(kLuminanceUnits) + 0.5f);
+    const float held = sample > 0.0f ? std::min(sample, 1.0f) : 0.0f;
+    return static_cast<int>(std::lround(held * static_cast<float>(kLuminanceUnits)));
   };
   for (int i = 0; i <= kLuminanceSteps; ++i) {
     const int rise = i < kLuminanceSteps ? unitsAt(i + 1) - unitsAt(i) : 0;

@@ -1,6 +1,8 @@
 #include "engine/stages/ColorRendering.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 
 #include "engine/color/cColorSpace.h"
 #include "engine/color/cTransferLUT.h"
@@ -15,18 +17,19 @@ constexpr cMatrix33 kConesOfSRGB(0.4122214708f, 0.5363325363f, 0.0514459929f,  /
 
 std::unique_ptr<unsigned char[]> ByteTable(const unsigned short* pEncoding) {
   std::unique_ptr<unsigned char[]> bytes(new unsigned char[kTableSize]);
-  for (int i = 0; i < kTableSize; ++i) bytes[i] = static_cast<unsigned char>((pEncoding[i] + 128) / 257);
+  std::transform(pEncoding, pEncoding + kTableSize, bytes.get(),
+                 [](unsigned short pCode) { return static_cast<unsigned char>((pCode + 128) / 257); });
   return bytes;
 }
 
 /// pEncoding at (i / 65535)^2 for each i, interpolated.
 std::unique_ptr<unsigned short[]> RootTable(const unsigned short* pEncoding) {
   std::unique_ptr<unsigned short[]> codes(new unsigned short[kTableSize]);
-  for (int i = 0; i < kTableSize; ++i) {
-    const double at = static_cast<double>(i) * i / 65535.0;
+  for (std::ptrdiff_t i = 0; i < kTableSize; ++i) {
+    const double at = static_cast<double>(i * i) / 65535.0;
     const int from = std::min(static_cast<int>(at), kTableSize - 2);
     const double code = pEncoding[from] + (at - from) * (pEncoding[from + 1] - pEncoding[from]);
-    codes[i] = static_cast<unsigned short>(code + 0.5);
+    *(codes.get() + i) = static_cast<unsigned short>(std::lround(code));
   }
   return codes;
 }
