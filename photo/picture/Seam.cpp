@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace Photo {
 namespace {
 
-constexpr int kColumns = 8;
-constexpr int kLast = kColumns / 2 - 1;  ///< The last column of cells before the line.
+constexpr std::size_t kColumns = 8;
+constexpr std::size_t kLast = kColumns / 2 - 1;  ///< The last column of cells before the line.
 
 /// The logarithms of the mean luminances of a row of cells.
 using tCells = std::array<double, kColumns>;
@@ -19,8 +20,9 @@ tCells MeasureCells(const sPicture& pPicture, int pRow, int pSide) {
   const int width = pPicture.fBitmap->GetWidth();
   tCells sums = {};
   for (int y = pRow * pSide; y < (pRow + 1) * pSide; ++y) {
-    for (int i = 0; i < kColumns; ++i) {
-      const int x = (i - kColumns / 2) * pSide + (i <= kLast ? width : 0);
+    for (std::size_t i = 0; i < kColumns; ++i) {
+      const int column = static_cast<int>(i) - static_cast<int>(kColumns / 2);
+      const int x = column * pSide + (i <= kLast ? width : 0);
       const float* pixel = GetRow(pPicture, y) + std::ptrdiff_t{3} * x;
       for (int j = 0; j < pSide; ++j, pixel += 3) sums[i] += static_cast<double>(pixel[1]);
     }
@@ -31,13 +33,13 @@ tCells MeasureCells(const sPicture& pPicture, int pRow, int pSide) {
 
 bool IsUsualStep(const tCells& pCells) {
   double usual = 0.0;
-  for (int i = 0; i + 1 < kColumns; ++i) {
+  for (std::size_t i = 0; i + 1 < kColumns; ++i) {
     if (i != kLast) usual = std::max(usual, std::fabs(pCells[i + 1] - pCells[i]));
   }
   return std::fabs(pCells[kLast + 1] - pCells[kLast]) <= usual;
 }
 
-double Correlate(const std::vector<tCells>& pRows, int pA, int pB) {
+double Correlate(const std::vector<tCells>& pRows, std::size_t pA, std::size_t pB) {
   double meanA = 0.0;
   double meanB = 0.0;
   for (const tCells& row : pRows) {
@@ -60,9 +62,10 @@ double Correlate(const std::vector<tCells>& pRows, int pA, int pB) {
 }  // namespace
 
 sSeam LookAtSeam(const sPicture& pPicture, int pSide) {
+  const int count = pPicture.fBitmap->GetHeight() / pSide;
   std::vector<tCells> rows;
-  for (int row = 0; row < pPicture.fBitmap->GetHeight() / pSide; ++row)
-    rows.push_back(MeasureCells(pPicture, row, pSide));
+  rows.reserve(static_cast<std::size_t>(count));
+  for (int row = 0; row < count; ++row) rows.push_back(MeasureCells(pPicture, row, pSide));
   const auto usual = std::count_if(rows.begin(), rows.end(), IsUsualStep);
   return {static_cast<double>(usual) / static_cast<double>(rows.size()), Correlate(rows, kLast, kLast + 1)};
 }
