@@ -88,12 +88,14 @@ void RunBefore(cTmRenderer& pRenderer, const sParameters& pLater, FuzzedDataProv
 void Run(const sJob& pJob, FuzzedDataProvider& pData) {
   const sParameters parameters(pData);
   const sHueCurves curves(pData);
+  const auto rendering = pData.ConsumeBool() ? eRendering_Colors : eRendering_Channels;
   const auto renderer = pJob.MakeRenderer();
   if (pData.ConsumeBool()) RunBefore(*renderer, parameters, pData);
   const auto fresh = pJob.MakeRenderer();
   for (cTmRenderer* const each : {renderer.get(), fresh.get()}) {
     parameters.HandTo(*each);
     curves.HandTo(*each);
+    each->SetRendering(rendering);
   }
   CheckAgainst(*fresh, *renderer, pJob.fOutput);
 }
