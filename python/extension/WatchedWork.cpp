@@ -59,7 +59,7 @@ void CallProgress(const py::object& pProgress, double pShare) {
   if (pProgress(pShare).ptr() == Py_False) RaiseCancelled();
 }
 
-/// Lets Python look at signals, and tells how far the work is.
+/// Lets Python handle signals, and reports progress.
 void LookAround(const py::object& pProgress, double pShare, double& pShown) {
   const py::gil_scoped_acquire lock;
   if (PyErr_CheckSignals() != 0) throw py::error_already_set();
