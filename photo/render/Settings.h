@@ -30,8 +30,8 @@ struct sSettings {
   float fSaturation = 0.0f;
   eWrap fWrap = eWrap::kAuto;
   eRendering fRendering = eRendering::kColor;
-  std::optional<TmEngine::sCommonLook> fLook =
-      std::nullopt;  ///< Of a set of pictures; none for a picture on its own.
+  /// Of a set of pictures; none for a picture on its own.
+  std::optional<TmEngine::sCommonLook> fLook = std::nullopt;
 
   bool operator==(const sSettings&) const = default;
 };
