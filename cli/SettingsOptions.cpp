@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "cli/PresetFolders.h"
+#include "cli/batch/HasName.h"
 #include "cli/batch/StoredSettings.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/PresetList.h"
@@ -30,11 +31,6 @@ CLI::Validator InRange(float pLowest, float pHighest) {
     return pText + " is not a number from " + range;
   };
   return CLI::Validator(check, range);
-}
-
-/// An empty name would mean "not given", and be passed over in silence.
-CLI::Validator HasName() {
-  return {[](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, ""};
 }
 
 /// Who tries sliders on previews wants the whole picture in the end.

@@ -155,8 +155,8 @@ void Write(const sTonemapJob& pJob, sWork pWork, eOutputFormat pFormat, cTempFil
 
 eOutputFormat CheckTarget(const sTonemapJob& pJob) {
   const eOutputFormat format = ChooseJobFormat(pJob);
-  NameFile(pJob.fOutput, [&] { CheckDither(pJob.fResult); });
   NameFile(pJob.fOutput, [&] {
+    CheckDither(pJob.fResult);
     if (!IsForStream(pJob)) CheckIsAnother(pJob.fInput, pJob.fOutput);
     if (pJob.fExisting != eExisting::kReplace && HasTarget(pJob))
       RefuseExisting(", {skip-existing} leaves it as it is");

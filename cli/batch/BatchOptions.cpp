@@ -5,6 +5,7 @@
 #include <charconv>
 #include <map>
 
+#include "cli/batch/HasName.h"
 #include "cli/batch/MemoryBudget.h"
 
 namespace Tool {
@@ -104,8 +105,6 @@ void AddWork(CLI::App& pVerb, sBatchOptions& pOptions) {
 
 void AddLook(CLI::App& pVerb, sLookOptions& pLook) {
   constexpr char kGroup[] = "Many pictures";
-  const CLI::Validator hasName(
-      [](std::string& pText) { return std::string(pText.empty() ? "an empty name" : ""); }, "");
   CLI::Option* const same = pVerb.add_flag(
       "--same-look", pLook.fIsSame,
       "One look for all pictures, as for a time lapse or the tiles of a panorama: what --auto chooses,\n"
@@ -114,14 +113,14 @@ void AddLook(CLI::App& pVerb, sLookOptions& pLook) {
   pVerb
       .add_option("--look-from", pLook.fFrom,
                   "The look of that picture alone, or one that --save-look wrote, with its sliders")
-      ->check(hasName)
+      ->check(HasName())
       ->option_text("FILE")
       ->excludes(same)
       ->group(kGroup);
   pVerb
       .add_option("--save-look", pLook.fSaveAs,
                   "Write the look into a new file, from which --look-from takes it for other pictures")
-      ->check(hasName)
+      ->check(HasName())
       ->option_text("FILE")
       ->needs(same)
       ->group(kGroup);

@@ -110,7 +110,7 @@ struct sKernels {
   /// many.
   int (*fScaleColors)(const sColorRun& pFrom, const sColorRendering& pRendering, const sExposure& pExposure,
                       float* pR, float* pG, float* pB, int* pOutside, int pCount);
-  /// Brings colours near or beyond the gamut's ends inside, with their hue and lightness in Oklab; in place.
+  /// Brings colours near or beyond the gamut's ends inside, with their hue in Oklab; in place.
   void (*fSoftenColors)(const sColorRendering& pRendering, float* pR, float* pG, float* pB, int pCount);
   /// round(sqrt(v) * 65535), with v in [0, 1]: places in a table that is fine where an encoding is steep.
   void (*fRootIndices)(const float* pValues, int* pIndices, int pCount);

@@ -12,8 +12,8 @@ class cColorSpace;
 
 /// Final rendering that keeps colours: the tone curve is applied to luminance, and the three channels of
 /// linear light are scaled along, so that hue and purity stay as they were. Colours near or beyond the ends
-/// of the output's gamut lose purity, with hue and lightness kept in Oklab (B. Ottosson, "A perceptual color
-/// space for image processing", 2020): softly, so that none is cut off.
+/// of the output's gamut go toward the grey of their luminance, with their hue in Oklab (B. Ottosson, "A
+/// perceptual color space for image processing", 2020): softly, so that none is cut off.
 class cColorRendering {
  public:
   /// What a rendering takes; all of it stays the caller's.
